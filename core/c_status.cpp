@@ -1,0 +1,16 @@
+#include "xpon/core/c_status.hpp"
+
+namespace xpon::core {
+
+Result<void> check_c_status(ILogger& logger, int status, const std::source_location& where) {
+    const int cause = std::exchange(errno, 0);
+    if (status == 0) {
+        return success();
+    }
+    auto text = cause != 0 ? fmt::format("C API function returned {:d}, errno={:d}", status, cause)
+                           : fmt::format("C API function returned {:d}", status);
+    log_error(logger, "{}", text);
+    return ErrorPayload(Error::ErrorCApi, std::move(text), where);
+}
+
+} // namespace xpon::core

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "xpon/core/result.hpp"
+#include "xpon/ipc/address.hpp"
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace xpon::ipc {
+
+/// A request that reached a peer. `payload` is valid during the call of the handler only.
+struct ServerRequest {
+    Address peer;   ///< who was asked
+    Address client; ///< who asks, as it said in its hello
+    std::uint16_t operation = 0;
+    std::span<const std::byte> payload;
+};
+
+/// A peer's answer. `status` is 0, or the errno value with which the call fails at the client.
+struct ServerAnswer {
+    int status = 0;
+    std::vector<std::byte> payload;
+};
+
+/// What a peer daemon does with its requests. Hellos and probes are answered by the server itself.
+class IPeerHandler {
+public:
+    IPeerHandler() = default;
+    IPeerHandler(const IPeerHandler&) = delete;
+    IPeerHandler& operator=(const IPeerHandler&) = delete;
+    virtual ~IPeerHandler() = default;
+
+    virtual ServerAnswer handle(const ServerRequest& request) = 0;
+    /// A message that wants no answer.
+    virtual void notice(const ServerRequest& request) = 0;
+};
+
+/// Serves any number of peer addresses from one thread.
+class IServer {
+public:
+    IServer() = default;
+    IServer(const IServer&) = delete;
+    IServer& operator=(const IServer&) = delete;
+    virtual ~IServer() = default;
+
+    /// Starts to serve `peer`. `handler` must outlive the server.
+    virtual core::Result<void> bind(Address peer, IPeerHandler& handler) = 0;
+
+    /// Serves what has arrived, waiting up to `timeout` for the first message. A message that is no well-formed
+    /// request is dropped. An interrupting signal ends the wait early, with success.
+    virtual core::Result<void> serve(std::chrono::milliseconds timeout) = 0;
+};
+
+core::Result<std::unique_ptr<IServer>> make_zmq_server();
+
+} // namespace xpon::ipc

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "xpon/core/logger.hpp"
+#include "xpon/core/result.hpp"
+
+#include <memory>
+#include <source_location>
+#include <string>
+#include <string_view>
+
+struct zlog_category_s;
+
+namespace xpon::logger {
+
+/// The process's connection to the logging back end; closing it ends all logging. One at a time per process.
+class LoggerContext {
+public:
+    LoggerContext() = default;
+    LoggerContext(const LoggerContext&) = delete;
+    LoggerContext& operator=(const LoggerContext&) = delete;
+    ~LoggerContext();
+};
+
+/// Writes the lines of one zlog category. Needs a LoggerContext that outlives it.
+class Logger : public core::ILogger {
+public:
+    /// A category without a rule in the configuration file logs nothing.
+    explicit Logger(const std::string& category);
+
+    /// Reads the zlog configuration at `config_path` (taken below OLT_ROOT). `category` must have a rule in it.
+    /// `flags` is reserved and 0. Errors: CommonError with the file and the cause, Already for a second context.
+    static core::Result<std::unique_ptr<LoggerContext>> create_context(const std::string& config_path,
+                                                                       const std::string& category, int flags);
+
+    [[nodiscard]] bool is_enabled(core::LogLevel level) const override;
+    void write(core::LogLevel level, std::string_view text, const std::source_location& where) override;
+
+private:
+    zlog_category_s* category_; // owned by zlog
+};
+
+} // namespace xpon::logger

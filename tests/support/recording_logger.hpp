@@ -1,0 +1,28 @@
+#pragma once
+
+#include "xpon/core/logger.hpp"
+
+#include <string>
+#include <vector>
+
+namespace xpon::test {
+
+/// Keeps every line, so that a test can ask what was logged.
+class RecordingLogger : public core::ILogger {
+public:
+    struct Line {
+        core::LogLevel level;
+        std::string text;
+    };
+
+    [[nodiscard]] bool is_enabled(core::LogLevel level) const override;
+    void write(core::LogLevel level, std::string_view text, const std::source_location& where) override;
+
+    [[nodiscard]] std::vector<std::string> texts() const;
+    [[nodiscard]] bool contains(std::string_view text) const;
+
+    std::vector<Line> lines;
+    core::LogLevel least_level = core::LogLevel::Debug;
+};
+
+} // namespace xpon::test
