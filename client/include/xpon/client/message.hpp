@@ -1,0 +1,42 @@
+#pragma once
+
+#include "xpon/client/json.hpp"
+#include "xpon/core/result.hpp"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace xpon::client {
+
+/// One request, member by member as it goes out; empty members are left out.
+struct Request {
+    std::string path;
+    std::string method;
+    std::vector<std::string> indices = {};       ///< one list of numbers and ranges per level, such as "1-4,7"
+    std::optional<std::string> config_type = {}; ///< "candidate" or "running"
+    Json data = {};                              ///< any JSON value
+};
+
+/// An error of an answer: a text with placeholders, what goes in their place, and the element that it is about.
+struct AnswerError {
+    std::string text;
+    std::vector<std::string> params; ///< p0, p1, ... ; numbers as they are printed
+    std::string path;
+};
+
+/// One answer, taken apart.
+struct Answer {
+    bool success = false;
+    std::string session_id;
+    Json data = {}; ///< null when the answer carries none
+    std::vector<AnswerError> errors = {};
+};
+
+/// The text of a request. `session_id` is empty for none.
+core::Result<std::string> print_request(const Request& request, const std::string& session_id);
+
+/// Error CommonError with the reason when the text is no answer.
+core::Result<Answer> parse_answer(const std::string& text);
+
+} // namespace xpon::client
