@@ -1,0 +1,208 @@
+#include "ipc/peer_connection.hpp"
+
+#include "ipc/socket_path.hpp"
+#include "ipc/zmq_socket.hpp"
+
+#include <array>
+#include <cerrno>
+#include <system_error>
+
+#include <fmt/format.h>
+
+namespace xpon::ipc {
+namespace {
+
+using std::chrono::ceil;
+using std::chrono::milliseconds;
+
+/// How soon a broken connection is tried again.
+constexpr milliseconds reconnect_interval{50};
+
+} // namespace
+
+PeerConnection::PeerConnection(zmq::context_t& context, Address own, Address peer, const std::string& path,
+                               core::ILogger& logger, const Timing& timing)
+    : own_(own), peer_(peer), path_(path), logger_(logger), timing_(timing),
+      socket_(make_socket(context, zmq::socket_type::dealer)), monitor_(context, socket_) {
+    // Without a connection nothing is queued: a peer that comes back must not be handed the commands of the past.
+    socket_.set(zmq::sockopt::immediate, true);
+    socket_.set(zmq::sockopt::reconnect_ivl, static_cast<int>(reconnect_interval.count()));
+    socket_.connect("ipc://" + path_);
+}
+
+core::Result<void> PeerConnection::shake_hands() {
+    const auto deadline = Clock::now() + timing_.handshake;
+    int cause = ECONNREFUSED;
+    while (Clock::now() < deadline) {
+        monitor_.update();
+        if (!monitor_.is_connected()) {
+            wait_for_change(0, deadline);
+            continue;
+        }
+        Ipc::Reply answer;
+        cause = exchange(Operation::hello, {}, deadline, answer);
+        if (cause == 0) {
+            is_up_ = true;
+            return core::success();
+        }
+        if (cause == EPROTO) {
+            break;
+        }
+    }
+    return core::ErrorPayload(core::Error::CommonError, fmt::format("Peer {}: {}", to_text(peer_), explain(cause)));
+}
+
+Ipc::Reply PeerConnection::request(Operation operation, std::span<const std::byte> payload, milliseconds deadline) {
+    if (payload.size() + sizeof(MessageHeader) > max_message_bytes) {
+        return {EMSGSIZE, {}};
+    }
+    const auto end = Clock::now() + deadline;
+    monitor_.update();
+    int cause = monitor_.is_connected() ? 0 : ECONNREFUSED;
+    if (cause == 0 && !is_up_) {
+        cause = probe();
+    }
+    Ipc::Reply answer;
+    if (cause == 0) {
+        cause = exchange(operation, payload, end, answer);
+    }
+    if (cause != 0) {
+        mark_down(cause);
+        return {cause, {}};
+    }
+    return answer;
+}
+
+void PeerConnection::notify(Operation operation, std::span<const std::byte> payload) {
+    std::ignore = send(MessageKind::notice, operation, 0, payload);
+}
+
+int PeerConnection::exchange(Operation operation, std::span<const std::byte> payload, Clock::time_point deadline,
+                             Ipc::Reply& answer) {
+    const auto id = ++last_id_;
+    while (!send(MessageKind::request, operation, id, payload)) {
+        monitor_.update();
+        if (!monitor_.is_connected()) {
+            return ECONNREFUSED;
+        }
+        if (Clock::now() >= deadline) {
+            return ETIMEDOUT;
+        }
+        wait_for_change(ZMQ_POLLOUT, deadline);
+    }
+    return await_answer(id, deadline, answer);
+}
+
+int PeerConnection::await_answer(std::uint32_t id, Clock::time_point deadline, Ipc::Reply& answer) {
+    // Messages that are there are looked at even after the deadline, but a peer that never stops sending ends.
+    int late_messages = 256;
+    const auto breaks_before = monitor_.breaks();
+    for (;;) {
+        // Before the look at the messages: an answer may have come just before the end.
+        monitor_.update();
+        const auto outcome = take_message(id, answer);
+        if (outcome && *outcome != EAGAIN) {
+            return *outcome;
+        }
+        const bool is_late = Clock::now() >= deadline;
+        if (!outcome && monitor_.breaks() != breaks_before) {
+            return ECONNRESET;
+        }
+        if (is_late && (!outcome || --late_messages == 0)) {
+            return ETIMEDOUT;
+        }
+        if (!outcome) {
+            wait_for_change(ZMQ_POLLIN, deadline);
+        }
+    }
+}
+
+/// One received message: empty when there is none, EAGAIN when it is not the answer to `id` (a late one, or none of
+/// this protocol), else 0 or EPROTO.
+std::optional<int> PeerConnection::take_message(std::uint32_t id, Ipc::Reply& answer) {
+    zmq::message_t received;
+    if (!socket_.recv(received, zmq::recv_flags::dontwait)) {
+        return std::nullopt;
+    }
+    const bool is_single = !received.more();
+    for (bool more = !is_single; more;) {
+        zmq::message_t part;
+        std::ignore = socket_.recv(part);
+        more = part.more();
+    }
+    const auto message = decode({received.data<std::byte>(), received.size()});
+    if (!is_single || !message) {
+        return EAGAIN;
+    }
+    const auto& header = message->header;
+    if (header.version != protocol_version) {
+        peer_version_ = header.version;
+        return EPROTO;
+    }
+    if (header.kind != MessageKind::answer || header.id != id) {
+        return EAGAIN;
+    }
+    answer = {header.status, {message->payload.begin(), message->payload.end()}};
+    return 0;
+}
+
+int PeerConnection::probe() {
+    const auto now = Clock::now();
+    if (breaks_at_probe_ != monitor_.breaks()) {
+        // Another process than the one that was probed.
+        last_probe_.reset();
+    }
+    Ipc::Reply ignored;
+    const bool is_due = !last_probe_ || now - *last_probe_ >= timing_.probe_interval;
+    int cause = last_probe_ ? await_answer(probe_id_, now, ignored) : ETIMEDOUT;
+    if (cause == ETIMEDOUT && is_due) {
+        last_probe_ = now;
+        breaks_at_probe_ = monitor_.breaks();
+        probe_id_ = last_id_ + 1;
+        cause = exchange(Operation::hello, {}, now + timing_.probe_wait, ignored);
+    }
+    if (cause == 0) {
+        mark_up();
+    }
+    return cause == ETIMEDOUT ? EHOSTDOWN : cause;
+}
+
+bool PeerConnection::send(MessageKind kind, Operation operation, std::uint32_t id, std::span<const std::byte> payload) {
+    const auto bytes = encode({.kind = kind, .operation = operation, .sender = own_, .id = id}, payload);
+    return socket_.send(zmq::buffer(bytes), zmq::send_flags::dontwait).has_value();
+}
+
+void PeerConnection::wait_for_change(short events, Clock::time_point deadline) {
+    std::array items{poll_item(socket_, events), poll_item(monitor_.events(), ZMQ_POLLIN)};
+    wait_for(items, ceil<milliseconds>(deadline - Clock::now()));
+}
+
+void PeerConnection::mark_down(int cause) {
+    if (std::exchange(is_up_, false)) {
+        log(logger_, core::LogLevel::Warning, "Peer {} is down: {}", to_text(peer_), explain(cause));
+    }
+}
+
+void PeerConnection::mark_up() {
+    is_up_ = true;
+    last_probe_.reset();
+    log(logger_, core::LogLevel::Notice, "Peer {} is up again", to_text(peer_));
+}
+
+std::string PeerConnection::explain(int cause) const {
+    switch (cause) {
+    case ECONNREFUSED:
+        return fmt::format("no daemon serves {}", path_);
+    case ECONNRESET:
+        return fmt::format("the daemon that served {} is gone", path_);
+    case ETIMEDOUT:
+        return fmt::format("no answer in time on {}", path_);
+    case EPROTO:
+        return fmt::format("it speaks version {} of the protocol, this side version {}", peer_version_,
+                           protocol_version);
+    default:
+        return std::generic_category().message(cause);
+    }
+}
+
+} // namespace xpon::ipc

@@ -1,0 +1,31 @@
+#include "ipc/zmq_socket.hpp"
+
+#include "ipc/message.hpp"
+
+#include <algorithm>
+#include <cerrno>
+
+namespace xpon::ipc {
+
+zmq::socket_t make_socket(zmq::context_t& context, zmq::socket_type type) {
+    static constexpr int queued_messages = 256;
+    zmq::socket_t socket(context, type);
+    socket.set(zmq::sockopt::linger, 0);
+    socket.set(zmq::sockopt::sndhwm, queued_messages);
+    socket.set(zmq::sockopt::rcvhwm, queued_messages);
+    socket.set(zmq::sockopt::maxmsgsize, max_message_bytes);
+    return socket;
+}
+
+void wait_for(std::span<zmq_pollitem_t> items, std::chrono::milliseconds timeout) {
+    const auto wait = std::max<std::chrono::milliseconds::rep>(timeout.count(), 0);
+    if (zmq_poll(items.data(), static_cast<int>(items.size()), wait) < 0 && errno != EINTR) {
+        throw zmq::error_t();
+    }
+}
+
+zmq_pollitem_t poll_item(zmq::socket_ref socket, short events) {
+    return {.socket = socket.handle(), .fd = 0, .events = events, .revents = 0};
+}
+
+} // namespace xpon::ipc
