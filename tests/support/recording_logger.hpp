@@ -26,9 +26,10 @@ public:
 
     core::LogLevel least_level = core::LogLevel::Debug;
 
+    std::vector<Line> lines; ///< to be looked at when nobody writes any more
+
 private:
     mutable std::mutex mutex_;
-    std::vector<Line> lines_;
 };
 
 } // namespace xpon::test
