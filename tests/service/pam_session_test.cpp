@@ -3,6 +3,7 @@
 #include "tests/support/temporary_olt_root.hpp"
 
 #include <cstdlib>
+#include <optional>
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -18,18 +19,24 @@ using testing::IsEmpty;
 
 class Pam : public testing::Test {
 protected:
-    Pam() {
-        setenv("PAM_WRAPPER_SERVICE_DIR", (root.path() / "pam.d").c_str(), 1);
-        root.write("users", "admin:right:api_service\nnobody::api_service\n");
+    /// The wrapper reads the name of its folder once per process.
+    static void SetUpTestSuite() {
+        root.emplace();
+        setenv("PAM_WRAPPER_SERVICE_DIR", (root->path() / "pam.d").c_str(), 1);
+        root->write("users", "admin:right:api_service\nnobody::api_service\n");
+        matrix = fmt::format(PAM_MATRIX_MODULE " passdb={}", (root->path() / "users").string());
+    }
+    static void TearDownTestSuite() {
+        root.reset();
     }
 
-    void use_stack(const std::string& authentication, const std::string& session) {
-        root.write("pam.d/api_service",
-                   fmt::format("auth required {}\nsession required {}\n", authentication, session));
+    static void use_stack(const std::string& authentication, const std::string& session) {
+        root->write("pam.d/api_service",
+                    fmt::format("auth required {}\nsession required {}\n", authentication, session));
     }
 
-    test::TemporaryOltRoot root;
-    const std::string matrix = fmt::format("pam_matrix.so passdb={}", (root.path() / "users").string());
+    static inline std::optional<test::TemporaryOltRoot> root;
+    static inline std::string matrix;
     std::shared_ptr<test::RecordingLogger> logger = std::make_shared<test::RecordingLogger>();
     PamApi pam{logger};
 };
