@@ -3,7 +3,6 @@
 #include "tests/support/temporary_olt_root.hpp"
 
 #include <cstdlib>
-#include <optional>
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -17,31 +16,26 @@ using core::Error;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+/// The wrapper reads its folder once, so each case needs a process of its own.
 class Pam : public testing::Test {
 protected:
-    /// The wrapper reads the name of its folder once per process.
-    static void SetUpTestSuite() {
-        root.emplace();
-        setenv("PAM_WRAPPER_SERVICE_DIR", (root->path() / "pam.d").c_str(), 1);
-        root->write("users", "admin:right:api_service\nnobody::api_service\n");
-        matrix = fmt::format(PAM_MATRIX_MODULE " passdb={}", (root->path() / "users").string());
-    }
-    static void TearDownTestSuite() {
-        root.reset();
+    Pam() {
+        setenv("PAM_WRAPPER_SERVICE_DIR", (root.path() / "pam.d").c_str(), 1);
+        root.write("users", "admin:right:api_service\nnobody::api_service\n");
     }
 
-    static void use_stack(const std::string& authentication, const std::string& session) {
-        root->write("pam.d/api_service",
-                    fmt::format("auth required {}\nsession required {}\n", authentication, session));
+    void use_stack(const std::string& authentication, const std::string& session) {
+        root.write("pam.d/api_service",
+                   fmt::format("auth required {}\nsession required {}\n", authentication, session));
     }
 
-    static inline std::optional<test::TemporaryOltRoot> root;
-    static inline std::string matrix;
+    test::TemporaryOltRoot root;
+    const std::string matrix = fmt::format(PAM_MATRIX_MODULE " passdb={}", (root.path() / "users").string());
     std::shared_ptr<test::RecordingLogger> logger = std::make_shared<test::RecordingLogger>();
     PamApi pam{logger};
 };
 
-TEST_F(Pam, OpensASessionForTheRightPasswordOnly) {
+TEST_F(Pam, password) {
     use_stack(matrix, matrix);
     {
         const auto session = pam.open_session("admin", "right");
@@ -58,14 +52,14 @@ TEST_F(Pam, OpensASessionForTheRightPasswordOnly) {
     EXPECT_TRUE(logger->contains(fmt::format("pam_authenticate() failed: {}", PAM_AUTH_ERR)));
 }
 
-TEST_F(Pam, AStackThatAsksTwoQuestionsAtOnceCannotBeSatisfied) {
+TEST_F(Pam, two_questions) {
     use_stack(TWO_QUESTIONS_MODULE, matrix);
     EXPECT_EQ(pam.open_session("admin", "right").error().code, Error::NoAccess);
     EXPECT_TRUE(logger->contains("Num_msg is 2, should be 1"));
     EXPECT_TRUE(logger->contains(fmt::format("pam_authenticate() failed: {}", PAM_CONV_ERR)));
 }
 
-TEST_F(Pam, FailuresOfTheStackAreReported) {
+TEST_F(Pam, failing_session) {
     use_stack(matrix, "pam_deny.so");
     EXPECT_EQ(pam.open_session("admin", "right").error().code, Error::CommonError);
     EXPECT_THAT(logger->texts(), ElementsAre(fmt::format("pam_open_session() failed: {}", PAM_SESSION_ERR),
