@@ -1,6 +1,7 @@
 // The way of one request through the service: frame, request, session, route, privilege, pre-hooks, handler, answer.
 
 #include "api_service/api_service.hpp"
+#include "api_service/change_record.hpp"
 #include "xpon/core/guard.hpp"
 
 namespace xpon::api_service {
@@ -41,13 +42,18 @@ Result<void> ApiService::dispatch(IClientSocket& socket, Request& request) {
         }
     }
     BOOST_OUTCOME_TRY(const auto route, logged(*logger_, route_manager_.lookup_route(request.path, request.method)));
+    const ChangeRecord change(request);
     const auto privilege = session == nullptr ? PrivilegeLevel::Nothing : session->privilege;
     if (privilege < route.privilege) {
+        change.report(*logger_, "access denied");
         return answer_with_error(socket, session, Json_errors::access_denied, own_path);
     }
-    BOOST_OUTCOME_TRY(run_pre_hooks(route, session, request));
-
+    if (auto hooked = run_pre_hooks(route, session, request); !hooked) {
+        change.report(*logger_, "refused");
+        return hooked;
+    }
     const auto response = core::guarded(*logger_, [&] { return route.handler(request, session); });
+    change.report(*logger_, response);
     if (!response) {
         return answer_with_error(socket, session, Json_errors::request_not_processed, request.path);
     }
