@@ -13,7 +13,8 @@ namespace xpon::service {
 /// Runs one service until it ends or is asked to stop.
 class ServiceLauncher {
 public:
-    /// `is_master`: whether this controller is in charge from the start.
+    /// `is_master`: whether this controller is in charge from the start. Throws std::invalid_argument without a
+    /// service or a logger; `ipc` may be empty.
     ServiceLauncher(std::unique_ptr<IService>&& service, const std::shared_ptr<core::ILogger>& logger,
                     const std::shared_ptr<ipc::IIpc>& ipc, bool is_master);
 

@@ -1,0 +1,80 @@
+#include "api_service/api_service.hpp"
+
+#include "api_service/auth/pam_api.hpp"
+#include "api_service/poller.hpp"
+#include "api_service/protocol/route_table.hpp"
+#include "xpon/core/guard.hpp"
+
+#include <chrono>
+#include <utility>
+
+namespace xpon::api_service {
+
+using core::Result;
+
+ApiService::ApiService(const std::shared_ptr<ipc::IIpc>& ipc, const std::shared_ptr<core::ILogger>& logger,
+                       Endpoint endpoint)
+    : ApiService(ipc, logger, std::move(endpoint), std::make_shared<PamApi>(logger)) {}
+
+ApiService::ApiService(const std::shared_ptr<ipc::IIpc>& ipc, const std::shared_ptr<core::ILogger>& logger,
+                       Endpoint endpoint, const std::shared_ptr<IPamApi>& pam)
+    : ipc_(ipc), logger_(logger), route_manager_(logger), request_parser_(logger),
+      session_manager_(std::make_shared<SessionManager>(logger)), pam_(pam), endpoint_(std::move(endpoint)) {}
+
+Result<void> ApiService::run(const service::ServiceCtx&) {
+    running_.store(true, std::memory_order_release);
+    if (auto registered = register_routes(); !registered) {
+        log_error(*logger_, "{}", registered.error().to_string());
+        return registered;
+    }
+    Poller poller(logger_, std::make_unique<ListenerSocket>(endpoint_));
+    while (running_.load(std::memory_order_acquire)) {
+        const auto clients = poller.poll(std::chrono::milliseconds(1000));
+        if (!clients) {
+            log_error(*logger_, "{}", clients.error().to_string());
+            return clients.error();
+        }
+        for (const auto& client : clients.value()) {
+            serve_client(client);
+        }
+    }
+    return core::success();
+}
+
+Result<void> ApiService::stop(const service::ServiceCtx&) {
+    running_.store(false, std::memory_order_release);
+    return core::success();
+}
+
+Result<void> ApiService::config_change(const service::ServiceCtx&, const std::vector<service::Config_change>&) {
+    return core::success();
+}
+
+Result<void> ApiService::register_routes() {
+    const HandlerServices services{.logger = logger_, .ipc = ipc_, .session_manager = session_manager_, .pam = pam_};
+    for (const auto& row : route_table()) {
+        BOOST_OUTCOME_TRY(core::guarded(
+            *logger_,
+            [&] {
+                return route_manager_.add_route(
+                    row.path, row.method,
+                    RouteHandler(row.make_handler(services), row.privilege, row.make_pre_hooks(services)));
+            },
+            core::exception_text_unpadded));
+    }
+    return core::success();
+}
+
+void ApiService::serve_client(const std::shared_ptr<IClientSocket>& socket) {
+    if (core::guarded(*logger_, [&] { return process_socket(socket); })) {
+        return;
+    }
+    const auto answered = core::guarded(*logger_, [&] {
+        return answer_with_error(*socket, nullptr, Json_errors::request_not_processed, "api_service");
+    });
+    if (!answered) {
+        log_error(*logger_, "{}", answered.error().to_string());
+    }
+}
+
+} // namespace xpon::api_service

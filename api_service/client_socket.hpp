@@ -1,0 +1,67 @@
+#pragma once
+
+#include "xpon/core/result.hpp"
+#include "xpon/core/unique_fd.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <queue>
+#include <string>
+#include <string_view>
+
+#include <sys/types.h>
+
+namespace xpon::api_service {
+
+/// A client's connection. A frame is the bytes of one JSON text and a NUL byte behind it.
+class IClientSocket {
+public:
+    IClientSocket() = default;
+    IClientSocket(const IClientSocket&) = delete;
+    IClientSocket& operator=(const IClientSocket&) = delete;
+    virtual ~IClientSocket() = default;
+
+    /// How many complete frames wait.
+    [[nodiscard]] virtual std::int64_t get_frames_left() const = 0;
+    /// Takes the oldest frame, without its NUL. There must be one.
+    virtual core::Result<std::string> get_frame() = 0;
+    /// Sends `payload` and a NUL. A payload that does not fit the send buffer is abandoned half-way, with an error.
+    virtual core::Result<void> send_frame(std::string_view payload) = 0;
+    [[nodiscard]] virtual int get_fd() const = 0;
+    /// Receives once, without waiting. An error means that the connection is of no more use.
+    virtual core::Result<void> read_data() = 0;
+
+protected:
+    virtual ssize_t do_send(const void* data, std::size_t size) = 0;
+    virtual ssize_t do_recv(void* data, std::size_t size) = 0;
+};
+
+class ClientSocket : public IClientSocket {
+public:
+    /// Takes ownership of a connected, non-blocking socket.
+    explicit ClientSocket(core::UniqueFd fd);
+
+    [[nodiscard]] std::int64_t get_frames_left() const override;
+    core::Result<std::string> get_frame() override;
+    core::Result<void> send_frame(std::string_view payload) override;
+    [[nodiscard]] int get_fd() const override;
+    core::Result<void> read_data() override;
+
+    /// Bytes received at once at most, so that one busy client cannot hold the loop.
+    static constexpr std::size_t get_buffer_size() {
+        return 4096;
+    }
+
+protected:
+    ssize_t do_send(const void* data, std::size_t size) override;
+    ssize_t do_recv(void* data, std::size_t size) override;
+
+private:
+    void cut_frames(std::string_view received);
+
+    core::UniqueFd fd_;
+    std::string partial_; ///< received since the last NUL
+    std::queue<std::string> frames_;
+};
+
+} // namespace xpon::api_service

@@ -1,0 +1,65 @@
+#include "api_service/handlers/configuration/commit_handler.hpp"
+
+#include "api_service/handlers/configuration/request_checks.hpp"
+#include "xpon/core/guard.hpp"
+
+#include <string>
+#include <string_view>
+
+namespace xpon::api_service {
+
+using core::Error;
+using core::Result;
+
+namespace {
+
+struct Refusal {
+    std::string path;
+    std::string text;
+};
+
+/// The database writes a refusal as "PATH: TEXT"; paths hold no blank.
+Refusal split_refusal(std::string_view message) {
+    constexpr std::string_view separator = ": ";
+    const auto end_of_path = message.find(separator);
+    if (end_of_path == std::string_view::npos || message.substr(0, end_of_path).find(' ') != std::string_view::npos) {
+        return {.path = "configuration", .text = std::string(message)};
+    }
+    return {.path = std::string(message.substr(0, end_of_path)),
+            .text = std::string(message.substr(end_of_path + separator.size()))};
+}
+
+} // namespace
+
+CommitHandler::CommitHandler(const std::shared_ptr<core::ILogger>& logger, const std::shared_ptr<ipc::IIpc>& ipc)
+    : logger_(logger), ipc_(ipc) {}
+
+Result<Response> CommitHandler::operator()(const Request&, const std::shared_ptr<Session>& session) const {
+    BOOST_OUTCOME_TRY(const auto db, database_of(session, "No session"));
+    const auto committed = core::guarded(*logger_, [&] { return db->commit(ipc_); });
+    if (!committed && committed.error().code == Error::Exception) {
+        return committed.error();
+    }
+    auto response = Response::make_success_response(session, logger_);
+    if (!committed && committed.error().code != Error::Empty) {
+        response.errors.add_error(describe_refusal(committed.error()));
+    }
+    return response;
+}
+
+JsonError CommitHandler::describe_refusal(const core::ErrorPayload& error) const {
+    Refusal refusal{.path = "configuration", .text = "Unknown Error"};
+    if (!error.info) {
+        log_error(*logger_, "Error without info");
+    } else {
+        if (!error.info->message.empty()) {
+            refusal = split_refusal(error.info->message);
+        }
+        log_error(*logger_, "Error: {}, Path: {}", refusal.text, refusal.path);
+    }
+    JsonError described(Json_errors::commit_failed, refusal.path, logger_);
+    described.add_param(refusal.text);
+    return described;
+}
+
+} // namespace xpon::api_service

@@ -1,0 +1,99 @@
+#include "api_service/poller.hpp"
+
+#include "xpon/core/guard.hpp"
+
+#include <cerrno>
+#include <utility>
+
+namespace xpon::api_service {
+
+using core::Error;
+using core::ErrorPayload;
+using core::Result;
+
+namespace {
+
+// Out of descriptors a listener stays readable for ever; leaving it alone for a while keeps the loop from spinning.
+constexpr std::chrono::seconds pause_after_failed_accept{1};
+
+} // namespace
+
+Poller::Poller(const std::shared_ptr<core::ILogger>& logger, std::unique_ptr<IListenerSocket> listener)
+    : logger_(logger), listener_(std::move(listener)) {}
+
+Poller::~Poller() {
+    clients_.clear();
+}
+
+Result<std::vector<std::shared_ptr<IClientSocket>>> Poller::poll(std::chrono::milliseconds timeout) {
+    collect_descriptors();
+    const int count = ::poll(fds_.data(), fds_.size(), static_cast<int>(timeout.count()));
+    std::vector<std::shared_ptr<IClientSocket>> ready;
+    if (count < 0) {
+        const int cause = std::exchange(errno, 0);
+        if (cause == EINTR) {
+            return ready;
+        }
+        log_error(*logger_, "poll() returned {}", count);
+        return ErrorPayload(Error::CommonError, fmt::format("poll() failed: {}", cause));
+    }
+    for (std::size_t i = 1; i < fds_.size(); ++i) {
+        if (auto client = serve(fds_[i])) {
+            ready.push_back(std::move(client));
+        }
+    }
+    if ((fds_.front().revents & POLLIN) != 0) {
+        accept_client();
+    }
+    return ready;
+}
+
+void Poller::collect_descriptors() {
+    const bool accepting = Clock::now() >= accept_again_;
+    fds_.clear();
+    // poll() passes over a negative descriptor.
+    fds_.push_back({.fd = accepting ? listener_->get_fd() : -1, .events = POLLIN | POLLERR, .revents = 0});
+    for (const auto& [fd, client] : clients_) {
+        fds_.push_back({.fd = fd, .events = POLLIN | POLLERR, .revents = 0});
+    }
+}
+
+std::shared_ptr<IClientSocket> Poller::serve(const pollfd& entry) {
+    std::shared_ptr<IClientSocket> ready;
+    if ((entry.revents & POLLIN) != 0) {
+        const auto& client = clients_.at(entry.fd);
+        if (!core::guarded(*logger_, [&] { return client->read_data(); })) {
+            close_client(entry.fd);
+            return nullptr;
+        }
+        if (client->get_frames_left() > 0) {
+            ready = client;
+        }
+    }
+    if ((entry.revents & POLLERR) != 0) {
+        close_client(entry.fd);
+        return nullptr;
+    }
+    return ready;
+}
+
+void Poller::close_client(int fd) {
+    core::log(*logger_, core::LogLevel::Debug, "Closing socket {}", fd);
+    clients_.erase(fd);
+}
+
+void Poller::accept_client() {
+    core::log(*logger_, core::LogLevel::Debug, "Incoming connection");
+    const auto accepted = core::guarded(*logger_, [this]() -> Result<void> {
+        BOOST_OUTCOME_TRY(auto client, listener_->accept());
+        const int fd = client->get_fd();
+        clients_.insert_or_assign(fd, std::move(client));
+        return core::success();
+    });
+    if (!accepted) {
+        log_error(*logger_, "{}", accepted.error().to_string());
+        accept_again_ = Clock::now() + pause_after_failed_accept;
+    }
+}
+
+} // namespace xpon::api_service

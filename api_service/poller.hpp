@@ -1,0 +1,56 @@
+#pragma once
+
+#include "api_service/client_socket.hpp"
+#include "api_service/listener_socket.hpp"
+#include "xpon/core/logger.hpp"
+#include "xpon/core/result.hpp"
+
+#include <chrono>
+#include <map>
+#include <memory>
+#include <vector>
+
+#include <poll.h>
+
+namespace xpon::api_service {
+
+/// Waits for the clients.
+class IPoller {
+public:
+    IPoller() = default;
+    IPoller(const IPoller&) = delete;
+    IPoller& operator=(const IPoller&) = delete;
+    virtual ~IPoller() = default;
+
+    /// Waits up to `timeout` and returns the clients that received data now and hold a complete frame, ordered by
+    /// descriptor.
+    virtual core::Result<std::vector<std::shared_ptr<IClientSocket>>> poll(std::chrono::milliseconds timeout) = 0;
+};
+
+class Poller : public IPoller {
+public:
+    Poller(const std::shared_ptr<core::ILogger>& logger, std::unique_ptr<IListenerSocket> listener);
+    ~Poller() override;
+
+    /// A signal that interrupts the wait makes it return nothing, early.
+    core::Result<std::vector<std::shared_ptr<IClientSocket>>> poll(std::chrono::milliseconds timeout) override;
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    void collect_descriptors();
+    /// The client when it received data and holds a frame.
+    std::shared_ptr<IClientSocket> serve(const pollfd& entry);
+    void close_client(int fd);
+    void accept_client();
+
+    std::shared_ptr<core::ILogger> logger_;
+    std::unique_ptr<IListenerSocket> listener_;
+    /// The map and the results of one poll are the only owners of a client, and a client is the only owner of its
+    /// descriptor: whoever lets go last closes it, once.
+    std::map<int, std::shared_ptr<IClientSocket>> clients_;
+    std::vector<pollfd> fds_;
+    Clock::time_point accept_again_; ///< the listener is left alone until then
+};
+
+} // namespace xpon::api_service

@@ -1,0 +1,77 @@
+// The way of one request through the service: frame, request, session, route, privilege, pre-hooks, handler, answer.
+
+#include "api_service/api_service.hpp"
+#include "xpon/core/guard.hpp"
+
+namespace xpon::api_service {
+
+using core::Result;
+
+namespace {
+
+constexpr const char* own_path = "api_service";
+
+/// Logs the error of a failed step on its way to the caller.
+template <class T>
+Result<T> logged(core::ILogger& logger, Result<T> result) {
+    if (!result) {
+        log_error(logger, "{}", result.error().to_string());
+    }
+    return result;
+}
+
+} // namespace
+
+Result<void> ApiService::process_socket(const std::shared_ptr<IClientSocket>& socket) {
+    if (socket->get_frames_left() == 0) {
+        return core::success();
+    }
+    BOOST_OUTCOME_TRY(const auto frame, core::guarded(*logger_, [&] { return socket->get_frame(); }));
+    BOOST_OUTCOME_TRY(auto request,
+                      logged(*logger_, core::guarded(*logger_, [&] { return request_parser_.parse_request(frame); })));
+    return dispatch(*socket, request);
+}
+
+Result<void> ApiService::dispatch(IClientSocket& socket, Request& request) {
+    std::shared_ptr<Session> session;
+    if (request.session_id) {
+        session = session_manager_->lookup_session(*request.session_id);
+        if (session == nullptr) {
+            return answer_with_error(socket, nullptr, Json_errors::access_denied, own_path);
+        }
+    }
+    BOOST_OUTCOME_TRY(const auto route, logged(*logger_, route_manager_.lookup_route(request.path, request.method)));
+    const auto privilege = session == nullptr ? PrivilegeLevel::Nothing : session->privilege;
+    if (privilege < route.privilege) {
+        return answer_with_error(socket, session, Json_errors::access_denied, own_path);
+    }
+    BOOST_OUTCOME_TRY(run_pre_hooks(route, session, request));
+
+    const auto response = core::guarded(*logger_, [&] { return route.handler(request, session); });
+    if (!response) {
+        return answer_with_error(socket, session, Json_errors::request_not_processed, request.path);
+    }
+    return answer(socket, response.value());
+}
+
+Result<void> ApiService::run_pre_hooks(const RouteHandler& route, const std::shared_ptr<Session>& session,
+                                       Request& request) {
+    for (const auto& hook : route.pre_hooks) {
+        BOOST_OUTCOME_TRY(logged(*logger_, core::guarded(*logger_, [&] { return hook(session, request); })));
+    }
+    return core::success();
+}
+
+Result<void> ApiService::answer(IClientSocket& socket, const Response& response) {
+    BOOST_OUTCOME_TRY(const auto text, logged(*logger_, core::guarded(*logger_, [&] {
+                          return request_parser_.make_response(response);
+                      })));
+    return logged(*logger_, core::guarded(*logger_, [&] { return socket.send_frame(text); }));
+}
+
+Result<void> ApiService::answer_with_error(IClientSocket& socket, const std::shared_ptr<Session>& session,
+                                           Json_errors index, const std::string& path) {
+    return answer(socket, Response::make_error_response(session, JsonError(index, path, logger_), logger_));
+}
+
+} // namespace xpon::api_service

@@ -1,0 +1,131 @@
+#include "api_service/protocol/json_building.hpp"
+
+#include <utility>
+
+#include <fmt/format.h>
+
+namespace xpon::api_service {
+
+using core::Error;
+using core::ErrorPayload;
+using core::JsonText;
+using core::JsonTree;
+using core::Result;
+
+namespace {
+
+Result<JsonTree> made(cJSON* tree, const char* what_failed) {
+    if (tree == nullptr) {
+        return ErrorPayload(Error::CommonError, what_failed);
+    }
+    return JsonTree(tree);
+}
+
+Result<void> check_parent(const cJSON* parent) {
+    if (parent == nullptr) {
+        return ErrorPayload(Error::InvalidInputArg, "Object cannot be null");
+    }
+    return core::success();
+}
+
+Result<cJSON*> add_made_member(cJSON* object, const char* key, cJSON* made_member, const char* maker) {
+    JsonTree member(made_member);
+    if (member == nullptr) {
+        return ErrorPayload(Error::CommonError, fmt::format("{} failed for {}", maker, key));
+    }
+    cJSON* const borrowed = member.get();
+    BOOST_OUTCOME_TRY(add_to_object(object, key, std::move(member)));
+    return borrowed;
+}
+
+} // namespace
+
+Result<JsonTree> create_object() {
+    return made(cJSON_CreateObject(), "cJSON_CreateObject() failed");
+}
+
+Result<JsonTree> create_array() {
+    return made(cJSON_CreateArray(), "cJSON_CreateArray() failed");
+}
+
+template <>
+Result<JsonTree> create_cjson_from_value(const std::string& value) {
+    return made(cJSON_CreateString(value.c_str()), "cJSON_CreateString() failed");
+}
+
+template <>
+Result<JsonTree> create_cjson_from_value(const bool& value) {
+    return made(cJSON_CreateBool(static_cast<cJSON_bool>(value)), "cJSON_CreateBool() failed");
+}
+
+template <>
+Result<JsonTree> create_cjson_from_value(const unsigned long& value) {
+    return create_cjson_from_value(static_cast<double>(value));
+}
+
+template <>
+Result<JsonTree> create_cjson_from_value(const double& value) {
+    return made(cJSON_CreateNumber(value), "cJSON_CreateNumber() failed");
+}
+
+Result<void> add_to_object(cJSON* object, const char* key, JsonTree item) {
+    BOOST_OUTCOME_TRY(check_parent(object));
+    if (cJSON_AddItemToObject(object, key, item.get()) == 0) {
+        return ErrorPayload(Error::CommonError, "cJSON_AddItemToObject() failed");
+    }
+    std::ignore = item.release();
+    return core::success();
+}
+
+Result<void> add_to_array(cJSON* array, JsonTree item) {
+    BOOST_OUTCOME_TRY(check_parent(array));
+    if (cJSON_AddItemToArray(array, item.get()) == 0) {
+        return ErrorPayload(Error::CommonError, "cJSON_AddItemToArray() failed");
+    }
+    std::ignore = item.release();
+    return core::success();
+}
+
+Result<cJSON*> add_subobject(cJSON* object, const char* key) {
+    BOOST_OUTCOME_TRY(check_parent(object));
+    return add_made_member(object, key, cJSON_CreateObject(), "cJSON_CreateObject()");
+}
+
+Result<cJSON*> add_array_subobject(cJSON* object, const char* key) {
+    BOOST_OUTCOME_TRY(check_parent(object));
+    return add_made_member(object, key, cJSON_CreateArray(), "cJSON_CreateArray()");
+}
+
+Result<cJSON*> create_object_in_array(cJSON* array) {
+    BOOST_OUTCOME_TRY(check_parent(array));
+    BOOST_OUTCOME_TRY(auto object, create_object());
+    cJSON* const borrowed = object.get();
+    BOOST_OUTCOME_TRY(add_to_array(array, std::move(object)));
+    return borrowed;
+}
+
+Result<JsonTree> borrow_tree(const cJSON* tree) {
+    BOOST_OUTCOME_TRY(check_parent(tree));
+    if (cJSON_IsObject(tree) != 0) {
+        return made(cJSON_CreateObjectReference(tree->child), "cJSON_CreateObjectReference() failed");
+    }
+    if (cJSON_IsArray(tree) != 0) {
+        return made(cJSON_CreateArrayReference(tree->child), "cJSON_CreateArrayReference() failed");
+    }
+    return made(cJSON_Duplicate(tree, 0), "cJSON_Duplicate() failed");
+}
+
+Result<JsonText> print_tree(const cJSON* tree) {
+    JsonText text(cJSON_Print(tree));
+    if (text == nullptr) {
+        return ErrorPayload(Error::CommonError, "cJSON_Print() failed");
+    }
+    return text;
+}
+
+std::string cjson_error_position() {
+    const char* position = cJSON_GetErrorPtr();
+    return position == nullptr ? "" : position;
+}
+
+} // namespace xpon::api_service

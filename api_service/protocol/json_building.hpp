@@ -1,0 +1,53 @@
+#pragma once
+
+#include "xpon/core/json_tree.hpp"
+#include "xpon/core/result.hpp"
+
+#include <string>
+
+namespace xpon::api_service {
+
+// The steps with which every answer is built. The first step that fails ends the building; the caller's JsonTree
+// deletes what was built so far. A failed step never changes its parent.
+
+core::Result<core::JsonTree> create_object();
+core::Result<core::JsonTree> create_array();
+
+/// A JSON value from a C++ one: string, boolean or number.
+template <class T>
+core::Result<core::JsonTree> create_cjson_from_value(const T& value);
+template <>
+core::Result<core::JsonTree> create_cjson_from_value(const std::string& value);
+template <>
+core::Result<core::JsonTree> create_cjson_from_value(const bool& value);
+template <>
+core::Result<core::JsonTree> create_cjson_from_value(const unsigned long& value);
+template <>
+core::Result<core::JsonTree> create_cjson_from_value(const double& value);
+
+/// Hands `item` to the object under a copy of `key`.
+core::Result<void> add_to_object(cJSON* object, const char* key, core::JsonTree item);
+/// Hands `item` to the array, at its end.
+core::Result<void> add_to_array(cJSON* array, core::JsonTree item);
+
+template <class T>
+core::Result<void> set_object_item(cJSON* object, const char* key, const T& value) {
+    BOOST_OUTCOME_TRY(auto item, create_cjson_from_value(value));
+    return add_to_object(object, key, std::move(item));
+}
+
+/// Adds an empty object or array under `key`, or to the end of `array`, and returns it. It stays with its parent.
+core::Result<cJSON*> add_subobject(cJSON* object, const char* key);
+core::Result<cJSON*> add_array_subobject(cJSON* object, const char* key);
+core::Result<cJSON*> create_object_in_array(cJSON* array);
+
+/// A node that prints like `tree` and borrows its members: it must be deleted before `tree` is.
+core::Result<core::JsonTree> borrow_tree(const cJSON* tree);
+
+/// The indented print form of `tree`, which is what goes on the wire.
+core::Result<core::JsonText> print_tree(const cJSON* tree);
+
+/// The text behind the place where cJSON last stopped to parse, for messages; empty when it did not fail.
+std::string cjson_error_position();
+
+} // namespace xpon::api_service

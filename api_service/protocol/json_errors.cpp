@@ -1,0 +1,110 @@
+#include "api_service/protocol/json_errors.hpp"
+
+#include "api_service/protocol/json_building.hpp"
+
+#include <cmath>
+#include <limits>
+
+namespace xpon::api_service {
+
+using core::Error;
+using core::ErrorPayload;
+using core::JsonTree;
+using core::Result;
+
+namespace {
+
+template <class T>
+bool holds(double value) {
+    return std::trunc(value) == value && value >= std::numeric_limits<T>::min() &&
+           value <= std::numeric_limits<T>::max();
+}
+
+Result<JsonError::Param> read_param(const cJSON* param) {
+    if (cJSON_IsString(param) != 0) {
+        return std::string(param->valuestring);
+    }
+    if (cJSON_IsNumber(param) == 0) {
+        return ErrorPayload(Error::InvalidInputArg, "An error's parameter is neither a number nor a string");
+    }
+    const double value = param->valuedouble;
+    if (holds<std::int32_t>(value)) {
+        return static_cast<std::int32_t>(value);
+    }
+    if (holds<std::uint32_t>(value)) {
+        return static_cast<std::uint32_t>(value);
+    }
+    return value;
+}
+
+Result<JsonError> read_error(const cJSON* error, const std::shared_ptr<core::ILogger>& logger) {
+    const cJSON* message = cJSON_GetObjectItemCaseSensitive(error, "message");
+    const char* text = cJSON_GetStringValue(cJSON_GetObjectItemCaseSensitive(message, "key"));
+    const char* path = cJSON_GetStringValue(cJSON_GetObjectItemCaseSensitive(error, "path"));
+    Json_errors index{};
+    if (path == nullptr || get_json_errors_index_from_text(text, &index) != 0) {
+        return ErrorPayload(Error::InvalidInputArg, "Not an error object");
+    }
+    JsonError read(index, path, logger);
+    const cJSON* param = nullptr;
+    cJSON_ArrayForEach(param, cJSON_GetObjectItemCaseSensitive(message, "params")) {
+        BOOST_OUTCOME_TRY(auto value, read_param(param));
+        read.add_param(std::move(value));
+    }
+    return read;
+}
+
+} // namespace
+
+JsonErrors::JsonErrors(const std::shared_ptr<core::ILogger>& logger) : logger_(logger) {}
+
+void JsonErrors::add_error(const JsonError& error) {
+    errors_.push_back(error);
+}
+
+Result<void> JsonErrors::add_errors_from_cjson(const cJSON* errors) {
+    if (errors == nullptr) {
+        return ErrorPayload(Error::InvalidInputArg, "Object cannot be null");
+    }
+    std::vector<JsonError> read;
+    const cJSON* item = nullptr;
+    cJSON_ArrayForEach(item, errors) {
+        BOOST_OUTCOME_TRY(auto error, read_error(item, logger_));
+        read.push_back(std::move(error));
+    }
+    errors_.insert(errors_.end(), read.begin(), read.end());
+    return core::success();
+}
+
+Result<void> JsonErrors::copy_errors_to_cjson_array(cJSON* array) const {
+    if (array == nullptr) {
+        return ErrorPayload(Error::InvalidInputArg, "Object cannot be null");
+    }
+    if (cJSON_IsArray(array) == 0) {
+        return ErrorPayload(Error::InvalidInputArg, "Must be a JSON array");
+    }
+    for (const auto& error : errors_) {
+        BOOST_OUTCOME_TRY(auto* object, error.get_cjson());
+        if (!add_to_array(array, JsonTree(object))) {
+            return ErrorPayload(Error::CommonError,
+                                fmt::format("cJSON_AddItemToArray() failed {}", cjson_error_position()));
+        }
+    }
+    return core::success();
+}
+
+Result<std::string> JsonErrors::get_json_string() const {
+    BOOST_OUTCOME_TRY(const auto array, create_array());
+    BOOST_OUTCOME_TRY(copy_errors_to_cjson_array(array.get()));
+    const auto text = print_tree(array.get());
+    if (!text) {
+        return ErrorPayload(Error::CommonError, fmt::format("cJSON_Print() failed {}", cjson_error_position()));
+    }
+    return std::string(text.value().get());
+}
+
+bool JsonErrors::empty() const {
+    return errors_.empty();
+}
+
+} // namespace xpon::api_service

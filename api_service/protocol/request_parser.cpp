@@ -1,0 +1,128 @@
+#include "api_service/protocol/request_parser.hpp"
+
+#include "api_service/protocol/json_building.hpp"
+#include "xpon/core/guard.hpp"
+
+namespace xpon::api_service {
+
+using core::Error;
+using core::ErrorPayload;
+using core::JsonTree;
+using core::Result;
+
+namespace {
+
+Result<JsonTree> parse_json(const std::string& text) {
+    JsonTree tree(cJSON_Parse(text.c_str()));
+    if (tree == nullptr) {
+        // cJSON remembers where it stopped, inside a text that is about to be freed. Parsing something that
+        // lives for ever makes it forget.
+        JsonTree(cJSON_Parse("0"));
+        return ErrorPayload(Error::CommonError, "cJSON_Parse() failed");
+    }
+    return tree;
+}
+
+Result<std::string> string_of(const cJSON* item, std::string_view name) {
+    if (cJSON_IsString(item) == 0) {
+        return ErrorPayload(Error::CommonError, fmt::format("failed for {} (cJSON_IsString failed)", name));
+    }
+    if (item->valuestring == nullptr) {
+        return ErrorPayload(Error::CommonError, fmt::format("failed for {} (string is null)", name));
+    }
+    return std::string(item->valuestring);
+}
+
+Result<std::optional<ConfigurationType>> read_config_type(cJSON* object) {
+    const auto text = get_maybe_string(object, "config_type");
+    if (!text) {
+        return std::nullopt;
+    }
+    if (*text == "candidate") {
+        return ConfigurationType::Candidate;
+    }
+    if (*text == "running") {
+        return ConfigurationType::Running;
+    }
+    return ErrorPayload(Error::CommonError, fmt::format("Invalid config type: {}", *text));
+}
+
+Result<void> fill_answer(cJSON* answer, const Response& response) {
+    BOOST_OUTCOME_TRY(set_object_item(answer, "success", response.success));
+    BOOST_OUTCOME_TRY(set_object_item(answer, "session_id", response.session_id));
+    if (!response.payload.empty()) {
+        // The largest answers hold megabytes: the tree is borrowed for printing, not copied.
+        BOOST_OUTCOME_TRY(auto data, borrow_tree(response.payload.get()));
+        BOOST_OUTCOME_TRY(add_to_object(answer, "data", std::move(data)));
+    }
+    if (!response.errors.empty()) {
+        BOOST_OUTCOME_TRY(auto* errors, add_array_subobject(answer, "errors"));
+        BOOST_OUTCOME_TRY(response.errors.copy_errors_to_cjson_array(errors));
+    }
+    return core::success();
+}
+
+} // namespace
+
+RequestParser::RequestParser(const std::shared_ptr<core::ILogger>& logger) : logger_(logger) {}
+
+Result<std::string> RequestParser::get_string(cJSON* object, const std::string& key) const {
+    const cJSON* item = cJSON_GetObjectItemCaseSensitive(object, key.c_str());
+    if (item == nullptr) {
+        return ErrorPayload(Error::CommonError, "cJSON_GetObjectItemCaseSensitive() failed");
+    }
+    return string_of(item, key);
+}
+
+std::optional<std::string> get_maybe_string(cJSON* object, std::string_view key) {
+    const char* text = cJSON_GetStringValue(cJSON_GetObjectItemCaseSensitive(object, std::string(key).c_str()));
+    return text == nullptr ? std::nullopt : std::optional<std::string>(text);
+}
+
+Result<std::vector<std::string>> RequestParser::get_indices(const cJSON* object) const {
+    std::vector<std::string> indices;
+    const cJSON* array = cJSON_GetObjectItemCaseSensitive(object, "indices");
+    if (cJSON_IsArray(array) == 0) {
+        return indices;
+    }
+    const cJSON* item = nullptr;
+    cJSON_ArrayForEach(item, array) {
+        auto index = string_of(item, std::to_string(indices.size()));
+        if (!index) {
+            log_error(*logger_, "{}", index.error().info->message);
+            return index.error();
+        }
+        indices.push_back(std::move(index).value());
+    }
+    return indices;
+}
+
+Result<Request> RequestParser::parse_request(const std::string& frame) const {
+    return core::guarded(*logger_, [&]() -> Result<Request> {
+        BOOST_OUTCOME_TRY(const auto tree, parse_json(frame));
+        Request request;
+        request.session_id = get_maybe_string(tree.get(), "session_id");
+        BOOST_OUTCOME_TRY(request.path, get_string(tree.get(), "path"));
+        BOOST_OUTCOME_TRY(request.method, get_string(tree.get(), "method"));
+        BOOST_OUTCOME_TRY(request.indices, get_indices(tree.get()));
+        BOOST_OUTCOME_TRY(request.config_type, read_config_type(tree.get()));
+        cJSON* data = cJSON_GetObjectItemCaseSensitive(tree.get(), "data");
+        if (data != nullptr) {
+            request.data = Payload(JsonTree(cJSON_DetachItemViaPointer(tree.get(), data)));
+        }
+        return request;
+    });
+}
+
+Result<std::string> RequestParser::make_response(const Response& response) const {
+    return core::guarded(*logger_, [&]() -> Result<std::string> {
+        BOOST_OUTCOME_TRY(const auto answer, create_object());
+        if (!fill_answer(answer.get(), response)) {
+            return ErrorPayload(Error::CommonError, "cJSON API failed");
+        }
+        BOOST_OUTCOME_TRY(const auto text, print_tree(answer.get()));
+        return std::string(text.get());
+    });
+}
+
+} // namespace xpon::api_service

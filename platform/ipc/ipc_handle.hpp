@@ -1,0 +1,36 @@
+#pragma once
+
+#include "xpon/ipc/address.hpp"
+#include "xpon/ipc/operations.hpp"
+
+#include <chrono>
+#include <cstddef>
+#include <span>
+#include <vector>
+
+/// The connections of one endpoint, as the platform's own libraries use them behind the opaque pointer that callers
+/// of the custom layer hold. One thread at a time. Nothing here throws.
+struct Ipc {
+    /// How long a request may take unless its caller knows better.
+    static constexpr std::chrono::milliseconds default_deadline{3000};
+
+    struct Reply {
+        int status = 0; ///< 0, or the errno value with which the call fails
+        std::vector<std::byte> payload;
+    };
+
+    Ipc() = default;
+    Ipc(const Ipc&) = delete;
+    Ipc& operator=(const Ipc&) = delete;
+    virtual ~Ipc() = default;
+
+    /// Asks `peer` and waits for its answer. Statuses of its own beside those of the peer: ENOTCONN for a peer that
+    /// was never connected, ECONNREFUSED when the peer's process is gone, ETIMEDOUT when no answer came in time,
+    /// EHOSTDOWN, at once, while a peer that timed out has not come back, EPROTO for an answer of another version,
+    /// EIO for a fault of this side.
+    virtual Reply request(xpon::ipc::Address peer, xpon::ipc::Operation operation, std::span<const std::byte> payload,
+                          std::chrono::milliseconds deadline) = 0;
+
+    /// Sends every connected peer a message that wants no answer. Never waits; a peer that cannot take it misses it.
+    virtual void notify_all(xpon::ipc::Operation operation, std::span<const std::byte> payload) = 0;
+};

@@ -1,0 +1,88 @@
+#include "xpon/logger/logger.hpp"
+#include "xpon/olt_root/olt_root.hpp"
+
+#include <algorithm>
+#include <cerrno>
+#include <fstream>
+#include <ranges>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+#include <fmt/format.h>
+#include <zlog.h>
+
+namespace xpon::logger {
+namespace {
+
+using core::Error;
+using core::ErrorPayload;
+using core::Result;
+
+// zlog's state is one per process, too.
+bool context_exists = false;
+
+ErrorPayload fault_of(const std::string& file, std::string_view cause) {
+    return {Error::CommonError, fmt::format("{}: {}", file, cause)};
+}
+
+Result<std::string> read_file(const std::string& path) {
+    errno = 0;
+    std::ifstream file(path);
+    std::string text;
+    std::getline(file, text, '\0');
+    if (!file.is_open() || file.bad()) {
+        return fault_of(path, std::generic_category().message(errno));
+    }
+    return text;
+}
+
+/// zlog knows %E(NAME) in paths of log files, but not in the path of the rotation lock, and refuses the whole file
+/// when the variable is unset, as OLT_ROOT is on the device. With the folder put in here its paths are constants,
+/// too, which lets zlog keep the log file open and tell at start-up when it cannot be written.
+std::string with_olt_root(std::string text) {
+    static constexpr std::string_view variable = "%E(OLT_ROOT)";
+    const auto root = below_olt_root("");
+    for (auto at = text.find(variable); at != std::string::npos; at = text.find(variable, at + root.size())) {
+        text.replace(at, variable.size(), root);
+    }
+    return text;
+}
+
+/// zlog hands out a category whether or not a rule is about it: without one it has no level that is written.
+bool has_rule(const std::string& category) {
+    zlog_category_t* handle = zlog_get_category(category.c_str());
+    return std::ranges::any_of(std::views::iota(1, 255),
+                               [handle](int level) { return zlog_level_enabled(handle, level) != 0; });
+}
+
+} // namespace
+
+LoggerContext::~LoggerContext() {
+    zlog_fini();
+    context_exists = false;
+}
+
+Result<std::unique_ptr<LoggerContext>> Logger::create_context(const std::string& config_path,
+                                                              const std::string& category, int flags) {
+    if (flags != 0) {
+        return ErrorPayload(Error::InvalidInputArg, fmt::format("Unknown logging flags {:#x}", flags));
+    }
+    if (context_exists) {
+        return ErrorPayload(Error::Already, "This process has a logging context");
+    }
+    const auto path = below_olt_root(config_path);
+    BOOST_OUTCOME_TRY(auto text, read_file(path));
+    if (zlog_init_from_string(with_olt_root(std::move(text)).c_str()) != 0) {
+        return fault_of(path, "zlog refuses it: it is malformed or names a log file that cannot be written "
+                              "(zlog writes the reason to the file named by ZLOG_PROFILE_ERROR)");
+    }
+    context_exists = true;
+    auto context = std::make_unique<LoggerContext>();
+    if (!has_rule(category)) {
+        return fault_of(path, fmt::format("no rule for category {}", category));
+    }
+    return context;
+}
+
+} // namespace xpon::logger

@@ -1,0 +1,111 @@
+#include "api_service/poller.hpp"
+#include "tests/support/recording_logger.hpp"
+#include "tests/support/temporary_olt_root.hpp"
+#include "xpon/client/connection.hpp"
+
+#include <csignal>
+#include <optional>
+#include <string>
+
+#include <sys/eventfd.h>
+#include <sys/time.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace xpon::api_service {
+namespace {
+
+using namespace std::chrono_literals;
+using namespace std::string_literals;
+
+class PollerTest : public testing::Test {
+protected:
+    client::Connection connect() {
+        auto client = client::Connection::open(client::UnixEndpoint{folder.path().string() + "/api"}).value();
+        EXPECT_TRUE(poller.poll(1000ms).value().empty()) << "a new client is read in the next call";
+        return client;
+    }
+
+    static void send(client::Connection& client, std::string_view bytes) {
+        EXPECT_TRUE(client.send_bytes(bytes, std::chrono::steady_clock::now() + 10s));
+    }
+
+    test::TemporaryOltRoot folder;
+    std::shared_ptr<test::RecordingLogger> logger = std::make_shared<test::RecordingLogger>();
+    Poller poller{logger, std::make_unique<ListenerSocket>(UnixEndpoint{folder.path().string() + "/api"})};
+};
+
+TEST_F(PollerTest, ReportsClientsThatReceivedAFrame) {
+    auto first = connect();
+    auto second = connect();
+    send(second, "half");
+    EXPECT_TRUE(poller.poll(1000ms).value().empty());
+    send(second, "\0"s);
+    send(first, "one\0two\0"s);
+    const auto ready = poller.poll(1000ms).value();
+    ASSERT_EQ(ready.size(), 2U);
+    EXPECT_LT(ready[0]->get_fd(), ready[1]->get_fd());
+    EXPECT_EQ(ready[0]->get_frame().value(), "one");
+    EXPECT_EQ(ready[1]->get_frame().value(), "half");
+    // "two" waits until its client sends again.
+    EXPECT_TRUE(poller.poll(0ms).value().empty());
+    send(first, "x");
+    EXPECT_EQ(poller.poll(1000ms).value().at(0)->get_frame().value(), "two");
+}
+
+TEST_F(PollerTest, ClosesAClientOnceAlsoWhileSomebodyHoldsIt) {
+    std::optional client = connect();
+    send(*client, "frame\0"s);
+    auto held = poller.poll(1000ms).value();
+    const int fd = held.at(0)->get_fd();
+    client.reset();
+    EXPECT_TRUE(poller.poll(1000ms).value().empty());
+    EXPECT_TRUE(logger->contains("Closing socket " + std::to_string(fd)));
+
+    auto other = connect();
+    held.clear(); // the last owner lets go: must not close a number that somebody else has by now
+    send(other, "alive\0"s);
+    EXPECT_EQ(poller.poll(1000ms).value().size(), 1U);
+}
+
+TEST_F(PollerTest, ASignalEndsTheWaitWithoutAnError) {
+    struct sigaction action{};
+    action.sa_handler = [](int) {};
+    struct sigaction before{};
+    sigaction(SIGALRM, &action, &before);
+    const itimerval soon{.it_interval = {}, .it_value = {.tv_sec = 0, .tv_usec = 1000}};
+    setitimer(ITIMER_REAL, &soon, nullptr);
+    EXPECT_TRUE(poller.poll(60s).value().empty());
+    sigaction(SIGALRM, &before, nullptr);
+}
+
+TEST(PollerOutOfDescriptors, NeitherFailsNorSpins) {
+    /// Always readable, never able to accept, as when the process has no descriptor left.
+    class ExhaustedListener : public IListenerSocket {
+    public:
+        explicit ExhaustedListener(int& attempts) : attempts_(attempts) {}
+        core::Result<std::shared_ptr<IClientSocket>> accept() override {
+            ++attempts_;
+            return core::ErrorPayload(core::Error::CommonError, "accept() failed: 24");
+        }
+        [[nodiscard]] int get_fd() const override {
+            return readable_.get();
+        }
+
+    private:
+        core::UniqueFd readable_{::eventfd(1, 0)};
+        int& attempts_;
+    };
+    int attempts = 0;
+    const auto logger = std::make_shared<test::RecordingLogger>();
+    Poller poller(logger, std::make_unique<ExhaustedListener>(attempts));
+    for (int turn = 0; turn < 100; ++turn) {
+        EXPECT_TRUE(poller.poll(0ms).value().empty());
+    }
+    EXPECT_EQ(attempts, 1);
+    EXPECT_TRUE(logger->contains("Error: CommonError. Message: accept() failed: 24."));
+}
+
+} // namespace
+} // namespace xpon::api_service

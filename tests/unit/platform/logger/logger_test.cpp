@@ -1,0 +1,158 @@
+#include "tests/support/temporary_olt_root.hpp"
+#include "xpon/logger/logger.hpp"
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
+#include <gmock/gmock.h>
+
+namespace xpon::logger {
+namespace {
+
+using core::Error;
+using core::LogLevel;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr auto path = "/etc/zlog_modules_config/API-SERVICE.conf";
+constexpr auto log_file = "var/log/api-service.log";
+
+std::string shipped_configuration() {
+    std::ifstream file(SHIPPED_CONFIGURATION);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+class LoggerTest : public testing::Test {
+protected:
+    LoggerTest() {
+        root.write("var/log/.keep", "");
+    }
+
+    auto create_context(std::string_view configuration, const std::string& category = "API-SERV") {
+        root.write(std::string_view(path).substr(1), configuration);
+        return Logger::create_context(path, category, 0);
+    }
+
+    test::TemporaryOltRoot root;
+};
+
+TEST_F(LoggerTest, ShippedConfigurationWritesBothCategoriesToOneFile) {
+    const auto context = create_context(shipped_configuration());
+    ASSERT_TRUE(context) << context.error().to_string();
+    for (const auto* category : {"API-SERV", "API-SERV_IPC", "OTHER"}) {
+        Logger logger(category);
+        log(logger, LogLevel::Debug, "too small");
+        log(logger, LogLevel::Info, "first");
+        log_error(logger, "{} failed: %s%n", "disk");
+    }
+    const auto text = root.read(log_file);
+    EXPECT_THAT(text, HasSubstr("INFO   [API-SERV] "));
+    EXPECT_THAT(text, HasSubstr("ERROR  [API-SERV_IPC] "));
+    EXPECT_THAT(text, HasSubstr(" disk failed: %s%n\n"));
+    EXPECT_EQ(std::ranges::count(text, '\n'), 4);
+    EXPECT_THAT(text, Not(HasSubstr("too small")));
+}
+
+TEST_F(LoggerTest, EveryLevelHasItsOwnThreshold) {
+    const auto context = create_context("[rules]\n"
+                                        "c0.DEBUG >stdout\nc1.INFO >stdout\nc2.NOTICE >stdout\nc3.WARN >stdout\n"
+                                        "c4.ERROR >stdout\nc5.FATAL >stdout\n",
+                                        "c0");
+    ASSERT_TRUE(context);
+    for (int threshold = 0; threshold < 6; ++threshold) {
+        const Logger logger("c" + std::to_string(threshold));
+        for (int level = 0; level < 6; ++level) {
+            EXPECT_EQ(logger.is_enabled(static_cast<LogLevel>(level)), level >= threshold) << level << threshold;
+        }
+    }
+}
+
+TEST_F(LoggerTest, FailuresNameTheFileAndTheCause) {
+    struct Case {
+        const char* configuration;
+        const char* cause;
+    };
+    const Case cases[] = {
+        {"no section\n", "malformed"},
+        {"[rules]\nAPI-SERV.DEBUG >stdout; no_such_format\n", "malformed"},
+        {"[rules]\nAPI-SERV.DEBUG \"%E(OLT_ROOT)/no/such/folder/a.log\"\n", "cannot be written"},
+        {"[rules]\nOTHER.DEBUG >stdout\n", "no rule for category API-SERV"},
+        {"", "no rule for category API-SERV"},
+    };
+    for (const auto& [configuration, cause] : cases) {
+        const auto context = create_context(configuration);
+        ASSERT_FALSE(context) << configuration;
+        EXPECT_EQ(context.error().code, Error::CommonError);
+        EXPECT_THAT(context.error().to_string(), HasSubstr(root.path().string() + path + ": "));
+        EXPECT_THAT(context.error().to_string(), HasSubstr(cause));
+    }
+    const auto missing = Logger::create_context("/etc/none.conf", "API-SERV", 0);
+    ASSERT_FALSE(missing);
+    EXPECT_THAT(missing.error().to_string(), EndsWith("/etc/none.conf: No such file or directory."));
+    const auto folder = Logger::create_context("/etc", "API-SERV", 0);
+    ASSERT_FALSE(folder);
+    EXPECT_THAT(folder.error().to_string(), EndsWith("/etc: Is a directory."));
+}
+
+TEST_F(LoggerTest, WorksWhereOltRootIsUnset) {
+    const auto configuration = root.path() / "api.conf";
+    std::ofstream(configuration) << "[rules]\nAPI-SERV.DEBUG \"%E(OLT_ROOT)" << root.path().string() << "/a.log\"\n";
+    unsetenv("OLT_ROOT");
+    const auto context = Logger::create_context(configuration, "API-SERV", 0);
+    ASSERT_TRUE(context) << context.error().to_string();
+    Logger logger("API-SERV");
+    log_error(logger, "on the device");
+    EXPECT_THAT(root.read("a.log"), HasSubstr("on the device"));
+}
+
+TEST_F(LoggerTest, OneContextAtATimeAndANewOneAfterIt) {
+    for (const auto* text : {"first life", "second life"}) {
+        const auto context = create_context(shipped_configuration());
+        ASSERT_TRUE(context);
+        const auto second = create_context(shipped_configuration());
+        ASSERT_FALSE(second);
+        EXPECT_EQ(second.error().code, Error::Already);
+        Logger logger("API-SERV");
+        log_error(logger, "{}", text);
+    }
+    EXPECT_FALSE(create_context("junk\n"));
+    EXPECT_TRUE(create_context(shipped_configuration()));
+    EXPECT_THAT(root.read(log_file), HasSubstr("first life"));
+    EXPECT_THAT(root.read(log_file), HasSubstr("second life"));
+
+    Logger without_context("API-SERV");
+    EXPECT_FALSE(without_context.is_enabled(LogLevel::Fatal));
+    log_error(without_context, "lost");
+}
+
+TEST_F(LoggerTest, TextsCannotForgeLinesOrSteerTerminals) {
+    const auto context = create_context(shipped_configuration());
+    ASSERT_TRUE(context);
+    Logger logger("API-SERV");
+    using namespace std::string_literals;
+    log_error(logger, "{}", "user \"a\r\n2026-01-01 forged\0\x1b[2J\x7f\xc2\x9b-\xc2\xb5\xff\""s);
+    const auto text = root.read(log_file);
+    EXPECT_EQ(std::ranges::count(text, '\n'), 1);
+    EXPECT_THAT(text, HasSubstr("user \"a\\x0D\\x0A2026-01-01 forged\\x00\\x1B[2J\\x7F\\xC2\\x9B-\xc2\xb5\xff\"\n"));
+}
+
+TEST_F(LoggerTest, ALongLogIsRotatedAndBounded) {
+    auto configuration = shipped_configuration();
+    const auto size = configuration.find("1MB");
+    ASSERT_NE(size, std::string::npos);
+    const auto context = create_context(configuration.replace(size, 3, "4KB"));
+    ASSERT_TRUE(context);
+    Logger logger("API-SERV");
+    for (int line = 0; line < 1000; ++line) {
+        log_error(logger, "line {} of many, long enough to fill a file of 4 KB within a hundred of them", line);
+    }
+    EXPECT_THAT(root.read("var/log/api-service.log.0"), HasSubstr("line 9"));
+    EXPECT_TRUE(std::filesystem::exists(root.path() / "var/log/api-service.log.4"));
+    EXPECT_FALSE(std::filesystem::exists(root.path() / "var/log/api-service.log.5"));
+    EXPECT_LT(std::filesystem::file_size(root.path() / log_file), 5000U);
+}
+
+} // namespace
+} // namespace xpon::logger
