@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace xpon::serializer {
+
+class Contradictions;
+struct Table;
+
+enum class Kind : std::uint8_t {
+    boolean, ///< uint8_t 0 or 1
+    u8,
+    u16,
+    u32,
+    i8,
+    i16,
+    enumeration, ///< uint8_t, position in `names`
+    text,        ///< NUL-terminated char array, the rest zero
+    secret,      ///< the same, in obfuscated form; limits count the bytes of the plain text
+    ipv4,        ///< uint32_t, first octet most significant
+    mac,         ///< uint8_t[6]
+    serial,      ///< uint64_t, the first eight of ten bytes, most significant first
+    port_set,    ///< uint32_t, bit n-1 = port n; `max` ports
+    vlan_set,    ///< uint8_t[512], bit v = VLAN v
+    object,      ///< nested record of table `child`
+    array,       ///< `max` elements, always written in full
+    list,        ///< up to `max` elements, with their count in a member of its own
+};
+
+/// What a text may consist of.
+enum class Characters : std::uint8_t {
+    text,  ///< UTF-8 without control characters
+    ascii, ///< 0x20 to 0x7E
+    name,  ///< letters, digits, blank and _ . : / - @ + #; first a letter, digit or +
+    host,  ///< host name [RFC 1123] or IPv4 address
+    label, ///< one label of such a name
+    hex,   ///< pairs of hexadecimal digits
+};
+
+/// One key of a record: the only description of it. Made by the builders of field_builders.hpp.
+struct Field {
+    const char* key = "";
+    Kind kind = Kind::boolean;
+    Characters characters = Characters::text;
+    bool may_be_empty = false; ///< text: empty is allowed although `min` is greater than 0
+    std::uint32_t offset = 0;
+    std::uint32_t size = 0;
+    std::uint32_t count_offset = 0; ///< list: the uint8_t member that counts its elements
+    std::int64_t min = 0;           ///< number, address, or bytes of a text
+    std::int64_t max = 0;           ///< the same, or elements of an array or list, or ports
+    std::int64_t step = 1;
+    std::int64_t default_number = 0;
+    const char* default_text = ""; ///< text, vlan_set
+    std::span<const char* const> names{};
+    const Table* child = nullptr;   ///< object, or array and list of objects
+    const Field* element = nullptr; ///< array and list of anything else; its offset is 0
+};
+
+/// Checks between fields of one record, run when every field is good.
+using RecordRules = void (*)(const void* record, Contradictions& contradictions);
+
+/// The description of a record type. Tables live as long as the program.
+struct Table {
+    const char* name;
+    std::span<const Field> fields;
+    std::uint32_t size;
+    RecordRules rules;
+    std::uint64_t stamp; ///< changes with everything that changes the meaning of a stored record
+};
+
+/// Fields that a table may have: the reader keeps one slot each on its stack.
+inline constexpr std::size_t most_fields = 32;
+
+} // namespace xpon::serializer

@@ -1,0 +1,53 @@
+#include "serializer/record_json.hpp"
+
+#include "serializer/c_boundary.hpp"
+#include "serializer/contradictions.hpp"
+#include "serializer/object_json.hpp"
+
+#include <cstring>
+
+namespace xpon::serializer {
+namespace {
+
+void hand_over(FieldErrors& found, cJSON** errors) {
+    if (!found.empty()) {
+        *errors = found.release();
+    }
+}
+
+} // namespace
+
+int serialize_record(const Table& table, const void* record, cJSON* target, cJSON** errors) noexcept {
+    return c_call([&] {
+        if (record == nullptr || target == nullptr || errors == nullptr) {
+            fail_with(EINVAL);
+        }
+        FieldErrors found;
+        write_object(table, static_cast<const std::byte*>(record), *target, found, nullptr);
+        hand_over(found, errors);
+    });
+}
+
+int deserialize_record(const Table& table, const cJSON* data, void* record, cJSON** errors) noexcept {
+    return c_call([&] {
+        if (record == nullptr || errors == nullptr) {
+            fail_with(EINVAL);
+        }
+        auto* const bytes = static_cast<std::byte*>(record);
+        std::memset(bytes, 0, table.size);
+        FieldErrors found;
+        if (data == nullptr) {
+            found.add(Json_errors::wrong_type, "data", {"object"});
+            return hand_over(found, errors);
+        }
+        set_defaults(table, bytes);
+        read_object(table, *data, bytes, found, nullptr);
+        if (found.empty() && table.rules != nullptr) {
+            Contradictions contradictions(found);
+            table.rules(bytes, contradictions);
+        }
+        hand_over(found, errors);
+    });
+}
+
+} // namespace xpon::serializer

@@ -1,0 +1,53 @@
+#include "serializer/field_builders.hpp"
+#include "serializer/record_tables.hpp"
+
+#include <span>
+
+namespace xpon::serializer {
+namespace {
+
+using cfgdb::OntLine;
+using cfgdb::PonOnt;
+
+constexpr Field line_fields[] = {
+    boolean(XPON_MEMBER(OntLine, enabled), false),
+    text(XPON_MEMBER(OntLine, number), Characters::name),
+    text(XPON_MEMBER(OntLine, user), Characters::name),
+    secret(XPON_MEMBER(OntLine, secret)),
+};
+constexpr Table line = make_table<OntLine>("OntLine", line_fields);
+
+constexpr const char* upstream_fec_names[] = {"template", "on", "off"};
+
+constexpr Field fields[] = {
+    serial(XPON_MEMBER(PonOnt, serial)),
+    boolean(XPON_MEMBER(PonOnt, enabled), true),
+    text(XPON_MEMBER(PonOnt, password), Characters::ascii),
+    text(XPON_MEMBER(PonOnt, description), Characters::text),
+    number(XPON_MEMBER(PonOnt, ont_template), 0, 32, 0),
+    number(XPON_MEMBER(PonOnt, ports_profile), 0, 64, 0),
+    number(XPON_MEMBER(PonOnt, management_profile), 0, 32, 0),
+    number(XPON_MEMBER(PonOnt, shaping_profile), 0, 32, 0),
+    enumeration(XPON_MEMBER(PonOnt, upstream_fec), upstream_fec_names, PonOnt::from_template),
+    text(XPON_MEMBER(PonOnt, expected_equipment_id), Characters::text),
+    array(XPON_MEMBER(PonOnt, lines), line),
+};
+
+void rules(const PonOnt& ont, Contradictions& contradictions) {
+    for (std::size_t i = 0; i < std::size(ont.lines); ++i) {
+        if (ont.lines[i].enabled != 0 && ont.lines[i].number[0] == '\0') {
+            contradictions.add_in("lines", i, "number", "an enabled line needs a number");
+        }
+    }
+}
+
+constexpr Table table = make_table<PonOnt>("PonOnt", fields, record_rules<PonOnt, rules>);
+
+} // namespace
+
+template <>
+const Table& record_table<PonOnt>() {
+    return table;
+}
+
+} // namespace xpon::serializer
