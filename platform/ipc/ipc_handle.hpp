@@ -25,9 +25,10 @@ struct Ipc {
     virtual ~Ipc() = default;
 
     /// Asks `peer` and waits for its answer. Statuses of its own beside those of the peer: ENOTCONN for a peer that
-    /// was never connected, ECONNREFUSED when the peer's process is gone, ETIMEDOUT when no answer came in time,
-    /// EHOSTDOWN, at once, while a peer that timed out has not come back, EPROTO for an answer of another version,
-    /// EIO for a fault of this side.
+    /// was never connected, ECONNREFUSED, at once, when the peer's process is gone, ECONNRESET when it went while
+    /// it was asked, ETIMEDOUT when no answer came in time, EHOSTDOWN, at once, while a peer that timed out has not
+    /// come back, EPROTO when it speaks another version, EMSGSIZE for too large a payload, EIO for a fault of this
+    /// side.
     virtual Reply request(xpon::ipc::Address peer, xpon::ipc::Operation operation, std::span<const std::byte> payload,
                           std::chrono::milliseconds deadline) = 0;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "xpon/core/logger.hpp"
 #include "xpon/core/result.hpp"
 #include "xpon/ipc/address.hpp"
 
@@ -15,7 +16,7 @@ namespace xpon::ipc {
 /// A request that reached a peer. `payload` is valid during the call of the handler only.
 struct ServerRequest {
     Address peer;   ///< who was asked
-    Address client; ///< who asks, as it said in its hello
+    Address client; ///< who asks, as it says itself
     std::uint16_t operation = 0;
     std::span<const std::byte> payload;
 };
@@ -47,7 +48,8 @@ public:
     IServer& operator=(const IServer&) = delete;
     virtual ~IServer() = default;
 
-    /// Starts to serve `peer`. `handler` must outlive the server.
+    /// Starts to serve `peer`. `handler` must outlive the server. Errors: Already when a process serves this address;
+    /// CommonError, naming the socket's path, when it is too long or cannot be bound.
     virtual core::Result<void> bind(Address peer, IPeerHandler& handler) = 0;
 
     /// Serves what has arrived, waiting up to `timeout` for the first message. A message that is no well-formed
@@ -55,6 +57,7 @@ public:
     virtual core::Result<void> serve(std::chrono::milliseconds timeout) = 0;
 };
 
-core::Result<std::unique_ptr<IServer>> make_zmq_server();
+/// A server over ZeroMQ. What a handler throws is written to `logger` and answered with EIO.
+core::Result<std::unique_ptr<IServer>> make_zmq_server(const std::shared_ptr<core::ILogger>& logger);
 
 } // namespace xpon::ipc

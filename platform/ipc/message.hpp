@@ -1,0 +1,52 @@
+#pragma once
+
+#include "xpon/ipc/address.hpp"
+#include "xpon/ipc/operations.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <type_traits>
+#include <vector>
+
+namespace xpon::ipc {
+
+/// Raised with every change of a payload's layout: both sides of a device are of one release.
+inline constexpr std::uint16_t protocol_version = 1;
+inline constexpr std::uint32_t protocol_magic = 0x43504958; // "XIPC"
+
+/// No message is larger, so that a faulty peer cannot make its reader run out of memory.
+inline constexpr std::int64_t max_message_bytes = 16 * 1024 * 1024;
+
+enum class MessageKind : std::uint16_t { request = 1, answer = 2, notice = 3 };
+
+/// In front of every message, in the byte order of the machine: peers share it. The first two members never move, so
+/// that any two versions can tell that they differ.
+struct MessageHeader {
+    std::uint32_t magic = protocol_magic;
+    std::uint16_t version = protocol_version;
+    MessageKind kind = MessageKind::request;
+    Operation operation = Operation::hello;
+    std::uint16_t reserved = 0;
+    Address sender{};
+    std::uint32_t id = 0;    ///< chosen by the asker, repeated in the answer; 0 in a notice
+    std::int32_t status = 0; ///< of an answer: 0 or an errno value
+    std::uint32_t payload_size = 0;
+};
+static_assert(std::is_trivially_copyable_v<MessageHeader> && sizeof(MessageHeader) == 28);
+
+/// A message as it was received. `payload` points into the received bytes.
+struct Message {
+    MessageHeader header;
+    std::span<const std::byte> payload;
+};
+
+/// The message in `bytes`; empty when they are no message of this protocol or its sizes disagree. Of a message of
+/// another version only the version is to be believed.
+std::optional<Message> decode(std::span<const std::byte> bytes);
+
+/// The bytes of a message; `header`'s payload size is filled in.
+std::vector<std::byte> encode(MessageHeader header, std::span<const std::byte> payload);
+
+} // namespace xpon::ipc

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "ipc/ipc_handle.hpp"
+#include "ipc/message.hpp"
+#include "xpon/core/logger.hpp"
+#include "xpon/core/result.hpp"
+
+#include <chrono>
+#include <optional>
+#include <span>
+#include <string>
+
+#include <zmq.hpp>
+
+namespace xpon::ipc {
+
+using Clock = std::chrono::steady_clock;
+
+/// How patient an endpoint is.
+struct Timing {
+    std::chrono::milliseconds handshake{3000};
+    std::chrono::milliseconds probe_interval{1000}; ///< shortest time between two probes of a peer that is down
+    /// How long a request to a peer that is down waits for the answer to its probe: long enough for a peer that is
+    /// back, short enough that a dead one costs its callers next to nothing.
+    std::chrono::milliseconds probe_wait{20};
+};
+
+/// The connection to one peer. ZeroMQ makes it again whenever it breaks.
+///
+/// A peer is down once a request to it had no answer, and up again once it answers a probe (a hello). Both changes
+/// are logged.
+class PeerConnection {
+public:
+    PeerConnection(zmq::context_t& context, Address own, Address peer, const std::string& path, core::ILogger& logger,
+                   const Timing& timing);
+
+    core::Result<void> shake_hands();
+    /// The statuses of Ipc::request.
+    Ipc::Reply request(Operation operation, std::span<const std::byte> payload, std::chrono::milliseconds deadline);
+    void notify(Operation operation, std::span<const std::byte> payload);
+
+private:
+    /// 0, or the errno value that says why there was no answer.
+    int exchange(Operation operation, std::span<const std::byte> payload, Clock::time_point deadline,
+                 Ipc::Reply& answer);
+    int await_answer(std::uint32_t id, Clock::time_point deadline, Ipc::Reply& answer);
+    std::optional<int> take_message(std::uint32_t id, Ipc::Reply& answer);
+    int probe();
+    [[nodiscard]] bool send(MessageKind kind, Operation operation, std::uint32_t id,
+                            std::span<const std::byte> payload);
+    [[nodiscard]] bool is_connected();
+    void mark_down(int cause);
+    void mark_up();
+    [[nodiscard]] std::string explain(int cause) const;
+
+    Address own_;
+    Address peer_;
+    std::string path_;
+    core::ILogger& logger_;
+    Timing timing_;
+    zmq::socket_t socket_;
+    bool is_up_ = false;
+    std::uint32_t last_id_ = 0;
+    std::uint16_t peer_version_ = protocol_version;
+    std::uint32_t probe_id_ = 0;
+    std::optional<Clock::time_point> last_probe_;
+};
+
+} // namespace xpon::ipc

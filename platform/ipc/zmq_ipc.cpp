@@ -1,0 +1,92 @@
+#include "ipc/zmq_ipc.hpp"
+
+#include "ipc/socket_path.hpp"
+#include "xpon/core/guard.hpp"
+#include "xpon/logger/logger.hpp"
+
+#include <cerrno>
+#include <map>
+#include <utility>
+
+#include <fmt/format.h>
+
+namespace xpon::ipc {
+namespace {
+
+using core::Error;
+using core::ErrorPayload;
+using core::Result;
+
+class PeerConnections : public Ipc {
+public:
+    PeerConnections(Address own, const std::shared_ptr<core::ILogger>& logger, const Timing& timing)
+        : own_(own), logger_(logger), timing_(timing) {}
+
+    Result<void> connect(Address peer) {
+        return core::guarded(*logger_, [&]() -> Result<void> {
+            if (peers_.contains(peer)) {
+                return ErrorPayload(Error::Already, fmt::format("Peer {} is connected", to_text(peer)));
+            }
+            BOOST_OUTCOME_TRY(const auto path, socket_path(peer));
+            auto connection = std::make_unique<PeerConnection>(context_, own_, peer, path, *logger_, timing_);
+            BOOST_OUTCOME_TRY(connection->shake_hands());
+            peers_.emplace(peer, std::move(connection));
+            return core::success();
+        });
+    }
+
+    Reply request(Address peer, Operation operation, std::span<const std::byte> payload,
+                  std::chrono::milliseconds deadline) override {
+        const auto reply = core::guarded(*logger_, [&]() -> Result<Reply> {
+            const auto found = peers_.find(peer);
+            return found == peers_.end() ? Reply{ENOTCONN, {}} : found->second->request(operation, payload, deadline);
+        });
+        return reply ? reply.value() : Reply{EIO, {}};
+    }
+
+    void notify_all(Operation operation, std::span<const std::byte> payload) override {
+        for (const auto& [address, connection] : peers_) {
+            std::ignore = core::guarded(*logger_, [&]() -> Result<void> {
+                connection->notify(operation, payload);
+                return core::success();
+            });
+        }
+    }
+
+private:
+    Address own_;
+    std::shared_ptr<core::ILogger> logger_;
+    Timing timing_;
+    zmq::context_t context_;
+    std::map<Address, std::unique_ptr<PeerConnection>> peers_;
+};
+
+class ZmqIpc : public IIpc {
+public:
+    ZmqIpc(Address own, const std::shared_ptr<core::ILogger>& logger, const Timing& timing)
+        : connections_(std::make_unique<PeerConnections>(own, logger, timing)) {}
+
+    Result<void> connect(Address peer) override {
+        return connections_->connect(peer);
+    }
+    [[nodiscard]] Ipc* raw() const override {
+        return connections_.get();
+    }
+
+private:
+    std::unique_ptr<PeerConnections> connections_;
+};
+
+} // namespace
+
+Result<std::shared_ptr<IIpc>> make_zmq_ipc(Address own, const std::shared_ptr<core::ILogger>& logger,
+                                           const Timing& timing) {
+    return core::guarded(
+        *logger, [&]() -> Result<std::shared_ptr<IIpc>> { return std::make_shared<ZmqIpc>(own, logger, timing); });
+}
+
+Result<std::shared_ptr<IIpc>> make_zmq_ipc(Address own, const std::string& name) {
+    return make_zmq_ipc(own, std::make_shared<logger::Logger>(name), {});
+}
+
+} // namespace xpon::ipc

@@ -1,0 +1,191 @@
+#include "ipc/message.hpp"
+#include "ipc/socket_path.hpp"
+#include "ipc/zmq_socket.hpp"
+#include "xpon/core/guard.hpp"
+#include "xpon/core/unique_fd.hpp"
+#include "xpon/ipc/server.hpp"
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <utility>
+
+#include <sys/socket.h>
+#include <sys/un.h>
+
+#include <fmt/format.h>
+
+namespace xpon::ipc {
+namespace {
+
+using core::Error;
+using core::ErrorPayload;
+using core::Result;
+
+/// Whether a process listens on `path`. ZeroMQ would take the path away from it without a word.
+bool is_served(const std::string& path) {
+    const core::UniqueFd probe(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
+    // EAGAIN: it listens, and its queue is full.
+    return ::connect(probe.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 || errno == EAGAIN;
+}
+
+/// What a client sent: ZeroMQ's name of its connection, and the message.
+struct Envelope {
+    zmq::message_t connection;
+    zmq::message_t body;
+};
+
+class ServedPeer {
+public:
+    ServedPeer(zmq::context_t& context, Address address, IPeerHandler& handler, core::ILogger& logger)
+        : address_(address), handler_(handler), logger_(logger),
+          socket_(make_socket(context, zmq::socket_type::router)) {}
+
+    void listen(const std::string& path) {
+        namespace fs = std::filesystem;
+        fs::create_directories(fs::path(path).parent_path());
+        socket_.bind("ipc://" + path);
+        // Who may connect may command the OLT.
+        fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write);
+    }
+
+    zmq_pollitem_t poll_item() {
+        return {.socket = socket_.handle(), .fd = 0, .events = ZMQ_POLLIN, .revents = 0};
+    }
+
+    /// Serves what has arrived; a busy client cannot keep the others waiting.
+    void serve() {
+        static constexpr int messages_per_turn = 64;
+        Envelope envelope;
+        for (int count = 0; count < messages_per_turn && receive(envelope); ++count) {
+            const auto message = decode({envelope.body.data<std::byte>(), envelope.body.size()});
+            if (message) {
+                process(envelope, *message);
+            }
+        }
+    }
+
+private:
+    /// False when nothing is there. A message of too many or too few parts comes with an empty body.
+    bool receive(Envelope& envelope) {
+        if (!socket_.recv(envelope.connection, zmq::recv_flags::dontwait)) {
+            return false;
+        }
+        envelope.body.rebuild();
+        int parts = 1;
+        for (bool more = envelope.connection.more(); more; ++parts) {
+            std::ignore = socket_.recv(envelope.body);
+            more = envelope.body.more();
+        }
+        if (parts != 2) {
+            envelope.body.rebuild();
+        }
+        return true;
+    }
+
+    void process(Envelope& envelope, const Message& message) {
+        const auto& header = message.header;
+        if (header.version != protocol_version) {
+            // This side's version in the header is what the client learns from it.
+            answer(envelope, header, {EPROTONOSUPPORT, {}});
+            return;
+        }
+        const ServerRequest request{.peer = address_,
+                                    .client = header.sender,
+                                    .operation = static_cast<std::uint16_t>(header.operation),
+                                    .payload = message.payload};
+        if (header.kind == MessageKind::notice) {
+            std::ignore = core::guarded(logger_, [&]() -> Result<void> {
+                handler_.notice(request);
+                return core::success();
+            });
+        } else if (header.kind == MessageKind::request) {
+            answer(envelope, header, header.operation == Operation::hello ? ServerAnswer{} : ask_handler(request));
+        }
+    }
+
+    ServerAnswer ask_handler(const ServerRequest& request) {
+        const auto answer = core::guarded(logger_, [&]() -> Result<ServerAnswer> { return handler_.handle(request); });
+        if (!answer) {
+            return {EIO, {}};
+        }
+        const bool fits = answer.value().payload.size() + sizeof(MessageHeader) <= max_message_bytes;
+        return fits ? answer.value() : ServerAnswer{EMSGSIZE, {}};
+    }
+
+    /// A client that is gone or does not read loses its answer.
+    void answer(Envelope& envelope, const MessageHeader& asked, const ServerAnswer& answer) {
+        const auto bytes = encode({.kind = MessageKind::answer,
+                                   .operation = asked.operation,
+                                   .sender = address_,
+                                   .id = asked.id,
+                                   .status = answer.status},
+                                  answer.payload);
+        if (socket_.send(envelope.connection, zmq::send_flags::dontwait | zmq::send_flags::sndmore)) {
+            std::ignore = socket_.send(zmq::buffer(bytes), zmq::send_flags::dontwait);
+        }
+    }
+
+    Address address_;
+    IPeerHandler& handler_;
+    core::ILogger& logger_;
+    zmq::socket_t socket_;
+};
+
+class ZmqServer : public IServer {
+public:
+    explicit ZmqServer(const std::shared_ptr<core::ILogger>& logger) : logger_(logger) {}
+
+    Result<void> bind(Address peer, IPeerHandler& handler) override {
+        return core::guarded(*logger_, [&]() -> Result<void> {
+            BOOST_OUTCOME_TRY(const auto path, socket_path(peer));
+            if (is_served(path)) {
+                return ErrorPayload(Error::Already, fmt::format("{}: another process serves this address", path));
+            }
+            auto served = std::make_unique<ServedPeer>(context_, peer, handler, *logger_);
+            try {
+                served->listen(path);
+            } catch (const zmq::error_t& error) {
+                return ErrorPayload(Error::CommonError, fmt::format("{}: {}", path, error.what()));
+            }
+            peers_.push_back(std::move(served));
+            return core::success();
+        });
+    }
+
+    Result<void> serve(std::chrono::milliseconds timeout) override {
+        return core::guarded(*logger_, [&]() -> Result<void> {
+            std::vector<zmq_pollitem_t> items;
+            for (const auto& peer : peers_) {
+                items.push_back(peer->poll_item());
+            }
+            if (zmq_poll(items.data(), static_cast<int>(items.size()), timeout.count()) < 0) {
+                return errno == EINTR ? Result<void>(core::success())
+                                      : ErrorPayload(Error::CommonError, zmq_strerror(errno));
+            }
+            for (std::size_t index = 0; index < items.size(); ++index) {
+                if ((items.at(index).revents & ZMQ_POLLIN) != 0) {
+                    peers_.at(index)->serve();
+                }
+            }
+            return core::success();
+        });
+    }
+
+private:
+    std::shared_ptr<core::ILogger> logger_;
+    zmq::context_t context_;
+    std::vector<std::unique_ptr<ServedPeer>> peers_;
+};
+
+} // namespace
+
+Result<std::unique_ptr<IServer>> make_zmq_server(const std::shared_ptr<core::ILogger>& logger) {
+    return core::guarded(*logger,
+                         [&]() -> Result<std::unique_ptr<IServer>> { return std::make_unique<ZmqServer>(logger); });
+}
+
+} // namespace xpon::ipc

@@ -1,0 +1,98 @@
+#include "tests/unit/platform/ipc/peer_process.hpp"
+
+#include <cerrno>
+
+namespace xpon::ipc {
+namespace {
+
+using namespace std::chrono_literals;
+using core::Error;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+TEST_F(IpcTest, ARequestReachesThePeerAndItsAnswerComesBack) {
+    ServerRequest seen;
+    const PeerThread server(peer, [&seen](const ServerRequest& request) {
+        seen = request;
+        return PeerThread::echo_answer(request);
+    });
+    ASSERT_TRUE(endpoint->connect(peer));
+    EXPECT_EQ(endpoint->connect(peer).error().code, Error::Already);
+    const std::string large(1'000'000, 'x');
+    for (const auto& text : {std::string("hello"), std::string(), large}) {
+        const auto reply = ask(text);
+        EXPECT_EQ(reply.status, 0);
+        EXPECT_EQ(text_of(reply.payload), text);
+    }
+    EXPECT_EQ(seen.peer, peer);
+    EXPECT_EQ(seen.client, own);
+    EXPECT_EQ(seen.operation, 100);
+}
+
+TEST_F(IpcTest, APeersStatusIsItsAnswerNotItsDeath) {
+    const PeerThread server(peer, [](const ServerRequest&) { return ServerAnswer{ECONNREFUSED, {}}; });
+    ASSERT_TRUE(endpoint->connect(peer));
+    EXPECT_EQ(ask("a").status, ECONNREFUSED);
+    EXPECT_EQ(ask("b").status, ECONNREFUSED);
+    EXPECT_THAT(server.requests(), ElementsAre("a", "b"));
+    EXPECT_TRUE(logger->lines.empty());
+}
+
+TEST_F(IpcTest, AMissingPeerFailsTheConnection) {
+    const auto impatient = make_endpoint({.handshake = 30ms});
+    const auto result = impatient->connect(peer);
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error().to_string(), "Error: CommonError. Message: Peer 0x0019fffe: no daemon serves " +
+                                              root.path().string() + "/run/ipc/0019fffe.");
+    EXPECT_EQ(impatient->raw()->request(peer, echo, {}, 1s).status, ENOTCONN);
+    const PeerThread server;
+    EXPECT_TRUE(endpoint->connect(peer));
+}
+
+TEST_F(IpcTest, APeerThatComesUpDuringTheHandshakeIsWaitedFor) {
+    std::unique_ptr<PeerThread> server;
+    std::jthread starter([&server] {
+        std::this_thread::sleep_for(20ms);
+        server = std::make_unique<PeerThread>();
+    });
+    EXPECT_TRUE(endpoint->connect(peer));
+    starter.join();
+}
+
+TEST_F(IpcTest, APathTooLongForASocketIsAnErrorThatSaysSo) {
+    const auto deep = root.path().string() + "/" + std::string(100, 'd');
+    setenv("OLT_ROOT", deep.c_str(), 1);
+    const auto result = endpoint->connect(peer);
+    ASSERT_FALSE(result);
+    EXPECT_THAT(result.error().to_string(), HasSubstr(deep + "/run/ipc/0019fffe: a path of "));
+    EXPECT_THAT(result.error().to_string(), HasSubstr("107 at most"));
+}
+
+TEST_F(IpcTest, ANoticeReachesEveryPeerThatIsThereAndWaitsForNone) {
+    static constexpr Address other{0x09fffe};
+    const PeerThread first;
+    auto second = std::make_unique<PeerThread>(other);
+    ASSERT_TRUE(endpoint->connect(peer));
+    ASSERT_TRUE(endpoint->connect(other));
+    endpoint->raw()->notify_all(Operation::configuration_changed, bytes_of("one"));
+    EXPECT_TRUE(eventually([&] { return first.notices().size() == 1 && second->notices().size() == 1; }));
+    second.reset();
+    for (int notice = 0; notice < 1000; ++notice) {
+        endpoint->raw()->notify_all(Operation::configuration_changed, bytes_of("two"));
+    }
+    EXPECT_TRUE(eventually([&] { return first.notices().size() > 1; }));
+    EXPECT_EQ(ask("still there").status, 0);
+    EXPECT_EQ(first.notices().at(1), "two");
+}
+
+TEST_F(IpcTest, APayloadBeyondTheLimitIsRefused) {
+    const PeerThread server(peer, [](const ServerRequest&) {
+        return ServerAnswer{0, std::vector<std::byte>(static_cast<std::size_t>(max_message_bytes))};
+    });
+    ASSERT_TRUE(endpoint->connect(peer));
+    EXPECT_EQ(ask(std::string(static_cast<std::size_t>(max_message_bytes), 'x')).status, EMSGSIZE);
+    EXPECT_EQ(ask("short").status, EMSGSIZE);
+}
+
+} // namespace
+} // namespace xpon::ipc

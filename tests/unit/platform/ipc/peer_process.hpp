@@ -1,0 +1,69 @@
+#pragma once
+
+#include "ipc/ipc_handle.hpp"
+#include "ipc/zmq_ipc.hpp"
+#include "tests/support/recording_logger.hpp"
+#include "tests/support/temporary_olt_root.hpp"
+#include "xpon/ipc/server.hpp"
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+namespace xpon::ipc {
+
+inline constexpr Address own{0x1bffff};
+inline constexpr Address peer{0x19fffe};
+inline constexpr auto echo = static_cast<Operation>(100);
+
+std::span<const std::byte> bytes_of(std::string_view text);
+std::string text_of(std::span<const std::byte> bytes);
+
+/// A peer daemon in a thread of this process: answers with `answer`, keeps what it was sent. Gone with the object.
+class PeerThread : private IPeerHandler {
+public:
+    using Answer = std::function<ServerAnswer(const ServerRequest&)>;
+    explicit PeerThread(Address address = peer, Answer answer = echo_answer);
+    ~PeerThread() override;
+
+    static ServerAnswer echo_answer(const ServerRequest& request);
+    [[nodiscard]] std::vector<std::string> requests() const;
+    [[nodiscard]] std::vector<std::string> notices() const;
+
+private:
+    ServerAnswer handle(const ServerRequest& request) override;
+    void notice(const ServerRequest& request) override;
+
+    Answer answer_;
+    mutable std::mutex mutex_;
+    std::vector<std::string> requests_;
+    std::vector<std::string> notices_;
+    std::unique_ptr<IServer> server_;
+    std::jthread thread_;
+};
+
+/// An endpoint below an OLT_ROOT of its own.
+class IpcTest : public testing::Test {
+protected:
+    IpcTest();
+
+    std::shared_ptr<IIpc> make_endpoint(Timing timing = {}) const;
+    Ipc::Reply ask(std::string_view text, std::chrono::milliseconds deadline = std::chrono::seconds(10)) const;
+    /// Asks until the peer answers or half a minute is over.
+    Ipc::Reply ask_until_up(std::string_view text) const;
+
+    test::TemporaryOltRoot root;
+    std::shared_ptr<test::RecordingLogger> logger = std::make_shared<test::RecordingLogger>();
+    std::shared_ptr<IIpc> endpoint;
+};
+
+/// Whether `condition` holds within half a minute.
+bool eventually(const std::function<bool()>& condition);
+
+} // namespace xpon::ipc
