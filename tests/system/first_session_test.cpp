@@ -50,8 +50,9 @@ TEST(Login, Outcomes) {
     EXPECT_EQ(ask(client, R"({"path":"auth","method":"auth"})"), unreadable);
     // A user without web privilege is logged in and out again at once: the id 4 is gone.
     const auto guest = ask(client, login_request(R"({"user":"guest","password":"guest"})"));
-    EXPECT_NE(guest.find(R"("errors":[{"message":{"key":"Access denied","params":{"p0":"PrivilegeNotSet"}},"path":"auth"}])"),
-              std::string::npos)
+    EXPECT_NE(
+        guest.find(R"("errors":[{"message":{"key":"Access denied","params":{"p0":"PrivilegeNotSet"}},"path":"auth"}])"),
+        std::string::npos)
         << guest;
     client.set_session_id("4");
     EXPECT_EQ(ask_in_session(client, R"({"path":"unauth","method":"auth"})"),
@@ -89,13 +90,12 @@ TEST(Configuration, NtpGoesThroughTheCandidate) {
     auto client = Olt::log_in("admin");
     const std::string factory = data_answer(
         R"({"enabled":false,"servers":[],"min_poll":6,"max_poll":10,"interface":"any","utc_offset_min":0})");
-    const std::string changed = data_answer(
-        R"({"enabled":true,"servers":[{"address":"ntp.example.net","version":4,"prefer":false}],)"
-        R"("min_poll":6,"max_poll":10,"interface":"any","utc_offset_min":60})");
-    const std::string set =
-        std::string("{") + ntp_path +
-        R"(,"method":"set","config_type":"candidate","data":{"enabled":true,)"
-        R"("servers":[{"address":"ntp.example.net"}],"utc_offset_min":60}})";
+    const std::string changed =
+        data_answer(R"({"enabled":true,"servers":[{"address":"ntp.example.net","version":4,"prefer":false}],)"
+                    R"("min_poll":6,"max_poll":10,"interface":"any","utc_offset_min":60})");
+    const std::string set = std::string("{") + ntp_path +
+                            R"(,"method":"set","config_type":"candidate","data":{"enabled":true,)"
+                            R"("servers":[{"address":"ntp.example.net"}],"utc_offset_min":60}})";
 
     EXPECT_EQ(ask_in_session(client, get_ntp("running")), factory);
     EXPECT_EQ(ask_in_session(client, set), done);

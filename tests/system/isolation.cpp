@@ -41,9 +41,8 @@ bool bring_loopback_up() {
 } // namespace
 
 bool isolate_this_process() {
-    static const bool isolated = enter_namespaces() &&
-                                 mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-                                 bring_loopback_up();
+    static const bool isolated =
+        enter_namespaces() && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 && bring_loopback_up();
     return isolated;
 }
 

@@ -21,8 +21,9 @@ std::string done_in(const client::Client& client) {
 
 /// Sets and commits a host name.
 void rename_olt(client::Client& client, const std::string& name) {
-    EXPECT_EQ(ask_in_session(client, "{" + hostname + R"("method":"set","config_type":"candidate","data":{"hostname":")" +
-                                         name + R"("}})"),
+    EXPECT_EQ(ask_in_session(client, "{" + hostname +
+                                         R"("method":"set","config_type":"candidate","data":{"hostname":")" + name +
+                                         R"("}})"),
               done_in(client));
     EXPECT_EQ(ask_in_session(client, commit), done_in(client));
 }
@@ -64,8 +65,8 @@ TEST(Loss, KilledDaemonKeepsTheRunningConfiguration) {
     {
         auto client = Olt::log_in("admin");
         rename_olt(client, "kept");
-        ask_in_session(client, "{" + hostname +
-                                   R"("method":"set","config_type":"candidate","data":{"hostname":"pending"}})");
+        ask_in_session(client,
+                       "{" + hostname + R"("method":"set","config_type":"candidate","data":{"hostname":"pending"}})");
     }
     olt.daemon().send_signal(SIGKILL);
     ASSERT_EQ(olt.daemon().wait(), 128 + SIGKILL);

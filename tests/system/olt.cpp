@@ -66,12 +66,13 @@ void Olt::start_daemon() {
     auto settings = environment();
     const std::string sanitizer_runtime = SANITIZER_RUNTIME; // "" without sanitizers; must be the first
     const std::string separator = sanitizer_runtime.empty() ? "" : ":";
-    settings.insert(settings.end(), {
-                                        {"LD_PRELOAD", sanitizer_runtime + separator + "libpam_wrapper.so:" + OLT_BOARD},
-                                        {"PAM_WRAPPER", "1"},
-                                        {"PAM_WRAPPER_SERVICE_DIR", pam_folder},
-                                        {"NOTIFY_SOCKET", root() / "run/notify"},
-                                    });
+    settings.insert(settings.end(),
+                    {
+                        {"LD_PRELOAD", sanitizer_runtime + separator + "libpam_wrapper.so:" + OLT_BOARD},
+                        {"PAM_WRAPPER", "1"},
+                        {"PAM_WRAPPER_SERVICE_DIR", pam_folder},
+                        {"NOTIFY_SOCKET", root() / "run/notify"},
+                    });
     if (!sanitizer_runtime.empty()) {
         settings.emplace_back("PAM_WRAPPER_DISABLE_DEEPBIND", "1");
     }

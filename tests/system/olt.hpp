@@ -2,7 +2,6 @@
 
 #include "tests/system/notify_socket.hpp"
 #include "tests/system/process.hpp"
-
 #include "xpon/client/client.hpp"
 
 #include <filesystem>

@@ -45,7 +45,7 @@ INSTANTIATE_TEST_SUITE_P(, PlantSize,
                          testing::Values(Size{{"--onts", "0"}, 0}, Size{{"--onts", "16"}, 0},
                                          Size{{"--onts", "40", "--configured", "25"}, 25},
                                          Size{{"--onts", "4096", "--configured", "4096"}, 4096}),
-                         [](const auto& info) { return "Configured" + std::to_string(info.index); });
+                         [](const auto& test) { return "Size" + std::to_string(test.index); });
 
 } // namespace
 } // namespace xpon::test

@@ -1,6 +1,7 @@
 #include "tests/support/eventually.hpp"
 #include "tests/system/olt.hpp"
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
@@ -11,7 +12,6 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 
-#include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
@@ -40,7 +40,7 @@ TEST_P(EndingSignal, StopsTheDaemonInOrderWithinASecond) {
 }
 
 INSTANTIATE_TEST_SUITE_P(, EndingSignal, testing::Values(SIGTERM, SIGINT),
-                         [](const auto& info) { return info.param == SIGTERM ? "SIGTERM" : "SIGINT"; });
+                         [](const auto& test) { return test.param == SIGTERM ? "SIGTERM" : "SIGINT"; });
 
 TEST(StartAndStop, HangupBuildsEverythingAgain) {
     Olt olt;
@@ -68,8 +68,7 @@ TEST(FailedStart, WithoutLoggingFile) {
     olt.start_simulator();
     std::filesystem::remove(olt.root() / "etc/zlog_modules_config/API-SERVICE.conf");
     olt.start_daemon();
-    EXPECT_THAT(olt.notifications_until_end(),
-                ElementsAre(starting_up, "STATUS=Unable to create logging context."));
+    EXPECT_THAT(olt.notifications_until_end(), ElementsAre(starting_up, "STATUS=Unable to create logging context."));
     EXPECT_EQ(olt.daemon().wait(), 1);
 }
 
@@ -79,8 +78,7 @@ TEST(FailedStart, CustomLayerRefusesWithoutDatabase) {
     std::filesystem::rename(olt.root() / "run/cfgdb", olt.root() / "run/moved_away");
     std::ofstream(olt.root() / "run/cfgdb") << "no folder";
     olt.start_daemon();
-    EXPECT_THAT(olt.notifications_until_end(),
-                ElementsAre(starting_up, "STATUS=custom_layer__init() failed: -1"));
+    EXPECT_THAT(olt.notifications_until_end(), ElementsAre(starting_up, "STATUS=custom_layer__init() failed: -1"));
     EXPECT_EQ(olt.daemon().wait(), 1);
 }
 
@@ -96,10 +94,9 @@ TEST(FailedStart, PortIsTaken) {
 
     olt.start_simulator();
     olt.start_daemon();
-    EXPECT_THAT(olt.notifications_until_end(),
-                ElementsAre(starting_up, ready, shutting_down,
-                            "STATUS=Error while running api-service with "
-                            "Error: Exception. Message: bind() failed: 98."));
+    EXPECT_THAT(olt.notifications_until_end(), ElementsAre(starting_up, ready, shutting_down,
+                                                           "STATUS=Error while running api-service with "
+                                                           "Error: Exception. Message: bind() failed: 98."));
     EXPECT_EQ(olt.daemon().wait(), 1);
     close(other);
 }
