@@ -3,7 +3,7 @@
 #include "ipc/socket_path.hpp"
 #include "ipc/zmq_socket.hpp"
 
-#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <system_error>
 
@@ -15,18 +15,15 @@ namespace {
 using std::chrono::ceil;
 using std::chrono::milliseconds;
 
-/// Shortest time in which a broken connection is tried again.
+/// How soon a broken connection is tried again.
 constexpr milliseconds reconnect_interval{50};
-/// While an answer is awaited, how often to look whether the connection still stands. Shorter than the above, so
-/// that no peer can die and come back in between.
-constexpr milliseconds connection_check_interval{20};
 
 } // namespace
 
 PeerConnection::PeerConnection(zmq::context_t& context, Address own, Address peer, const std::string& path,
                                core::ILogger& logger, const Timing& timing)
     : own_(own), peer_(peer), path_(path), logger_(logger), timing_(timing),
-      socket_(make_socket(context, zmq::socket_type::dealer)) {
+      socket_(make_socket(context, zmq::socket_type::dealer)), monitor_(context, socket_) {
     // Without a connection nothing is queued: a peer that comes back must not be handed the commands of the past.
     socket_.set(zmq::sockopt::immediate, true);
     socket_.set(zmq::sockopt::reconnect_ivl, static_cast<int>(reconnect_interval.count()));
@@ -37,8 +34,9 @@ core::Result<void> PeerConnection::shake_hands() {
     const auto deadline = Clock::now() + timing_.handshake;
     int cause = ECONNREFUSED;
     while (Clock::now() < deadline) {
-        const auto remaining = ceil<milliseconds>(deadline - Clock::now());
-        if ((wait_for(socket_, ZMQ_POLLOUT, remaining) & ZMQ_POLLOUT) == 0) {
+        monitor_.update();
+        if (!monitor_.is_connected()) {
+            wait_for_change(0, deadline);
             continue;
         }
         Ipc::Reply answer;
@@ -59,7 +57,8 @@ Ipc::Reply PeerConnection::request(Operation operation, std::span<const std::byt
         return {EMSGSIZE, {}};
     }
     const auto end = Clock::now() + deadline;
-    int cause = is_connected() ? 0 : ECONNREFUSED;
+    monitor_.update();
+    int cause = monitor_.is_connected() ? 0 : ECONNREFUSED;
     if (cause == 0 && !is_up_) {
         cause = probe();
     }
@@ -81,27 +80,39 @@ void PeerConnection::notify(Operation operation, std::span<const std::byte> payl
 int PeerConnection::exchange(Operation operation, std::span<const std::byte> payload, Clock::time_point deadline,
                              Ipc::Reply& answer) {
     const auto id = ++last_id_;
-    return send(MessageKind::request, operation, id, payload) ? await_answer(id, deadline, answer) : ECONNREFUSED;
+    while (!send(MessageKind::request, operation, id, payload)) {
+        monitor_.update();
+        if (!monitor_.is_connected()) {
+            return ECONNREFUSED;
+        }
+        if (Clock::now() >= deadline) {
+            return ETIMEDOUT;
+        }
+        wait_for_change(ZMQ_POLLOUT, deadline);
+    }
+    return await_answer(id, deadline, answer);
 }
 
 int PeerConnection::await_answer(std::uint32_t id, Clock::time_point deadline, Ipc::Reply& answer) {
     // Messages that are there are looked at even after the deadline, but a peer that never stops sending ends.
-    int late_messages = 64;
+    int late_messages = 256;
+    const auto breaks_before = monitor_.breaks();
     for (;;) {
+        // Before the look at the messages: an answer may have come just before the end.
+        monitor_.update();
         const auto outcome = take_message(id, answer);
         if (outcome && *outcome != EAGAIN) {
             return *outcome;
         }
-        const auto remaining = ceil<milliseconds>(deadline - Clock::now());
-        if (remaining <= milliseconds::zero() && (!outcome || --late_messages == 0)) {
+        const bool is_late = Clock::now() >= deadline;
+        if (!outcome && monitor_.breaks() != breaks_before) {
+            return ECONNRESET;
+        }
+        if (is_late && (!outcome || --late_messages == 0)) {
             return ETIMEDOUT;
         }
         if (!outcome) {
-            const auto events =
-                wait_for(socket_, ZMQ_POLLIN, std::min<milliseconds>(remaining, connection_check_interval));
-            if ((events & ZMQ_POLLIN) == 0 && !is_connected()) {
-                return ECONNRESET;
-            }
+            wait_for_change(ZMQ_POLLIN, deadline);
         }
     }
 }
@@ -137,11 +148,16 @@ std::optional<int> PeerConnection::take_message(std::uint32_t id, Ipc::Reply& an
 
 int PeerConnection::probe() {
     const auto now = Clock::now();
+    if (breaks_at_probe_ != monitor_.breaks()) {
+        // Another process than the one that was probed.
+        last_probe_.reset();
+    }
     Ipc::Reply ignored;
     const bool is_due = !last_probe_ || now - *last_probe_ >= timing_.probe_interval;
     int cause = last_probe_ ? await_answer(probe_id_, now, ignored) : ETIMEDOUT;
     if (cause == ETIMEDOUT && is_due) {
         last_probe_ = now;
+        breaks_at_probe_ = monitor_.breaks();
         probe_id_ = last_id_ + 1;
         cause = exchange(Operation::hello, {}, now + timing_.probe_wait, ignored);
     }
@@ -156,15 +172,12 @@ bool PeerConnection::send(MessageKind kind, Operation operation, std::uint32_t i
     return socket_.send(zmq::buffer(bytes), zmq::send_flags::dontwait).has_value();
 }
 
-bool PeerConnection::is_connected() {
-    return (wait_for(socket_, ZMQ_POLLOUT, milliseconds::zero()) & ZMQ_POLLOUT) != 0;
+void PeerConnection::wait_for_change(short events, Clock::time_point deadline) {
+    std::array items{poll_item(socket_, events), poll_item(monitor_.events(), ZMQ_POLLIN)};
+    wait_for(items, ceil<milliseconds>(deadline - Clock::now()));
 }
 
 void PeerConnection::mark_down(int cause) {
-    if (cause == ECONNREFUSED || cause == ECONNRESET) {
-        // Whatever comes next is a new process: it is asked at once.
-        last_probe_.reset();
-    }
     if (std::exchange(is_up_, false)) {
         log(logger_, core::LogLevel::Warning, "Peer {} is down: {}", to_text(peer_), explain(cause));
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ipc/connection_monitor.hpp"
 #include "ipc/ipc_handle.hpp"
 #include "ipc/message.hpp"
 #include "xpon/core/logger.hpp"
@@ -48,7 +49,7 @@ private:
     int probe();
     [[nodiscard]] bool send(MessageKind kind, Operation operation, std::uint32_t id,
                             std::span<const std::byte> payload);
-    [[nodiscard]] bool is_connected();
+    void wait_for_change(short events, Clock::time_point deadline);
     void mark_down(int cause);
     void mark_up();
     [[nodiscard]] std::string explain(int cause) const;
@@ -59,11 +60,13 @@ private:
     core::ILogger& logger_;
     Timing timing_;
     zmq::socket_t socket_;
+    ConnectionMonitor monitor_;
     bool is_up_ = false;
     std::uint32_t last_id_ = 0;
     std::uint16_t peer_version_ = protocol_version;
     std::uint32_t probe_id_ = 0;
-    std::optional<Clock::time_point> last_probe_;
+    std::optional<Clock::time_point> last_probe_; ///< of the connection that stands
+    std::uint64_t breaks_at_probe_ = 0;
 };
 
 } // namespace xpon::ipc

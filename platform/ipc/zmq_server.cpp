@@ -52,8 +52,8 @@ public:
         fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write);
     }
 
-    zmq_pollitem_t poll_item() {
-        return {.socket = socket_.handle(), .fd = 0, .events = ZMQ_POLLIN, .revents = 0};
+    zmq::socket_ref socket() {
+        return socket_;
     }
 
     /// Serves what has arrived; a busy client cannot keep the others waiting.
@@ -160,12 +160,9 @@ public:
         return core::guarded(*logger_, [&]() -> Result<void> {
             std::vector<zmq_pollitem_t> items;
             for (const auto& peer : peers_) {
-                items.push_back(peer->poll_item());
+                items.push_back(poll_item(peer->socket(), ZMQ_POLLIN));
             }
-            if (zmq_poll(items.data(), static_cast<int>(items.size()), timeout.count()) < 0) {
-                return errno == EINTR ? Result<void>(core::success())
-                                      : ErrorPayload(Error::CommonError, zmq_strerror(errno));
-            }
+            wait_for(items, timeout);
             for (std::size_t index = 0; index < items.size(); ++index) {
                 if ((items.at(index).revents & ZMQ_POLLIN) != 0) {
                     peers_.at(index)->serve();

@@ -8,7 +8,7 @@
 namespace xpon::ipc {
 
 zmq::socket_t make_socket(zmq::context_t& context, zmq::socket_type type) {
-    static constexpr int queued_messages = 64;
+    static constexpr int queued_messages = 256;
     zmq::socket_t socket(context, type);
     socket.set(zmq::sockopt::linger, 0);
     socket.set(zmq::sockopt::sndhwm, queued_messages);
@@ -17,13 +17,15 @@ zmq::socket_t make_socket(zmq::context_t& context, zmq::socket_type type) {
     return socket;
 }
 
-short wait_for(zmq::socket_ref socket, short events, std::chrono::milliseconds timeout) {
-    zmq_pollitem_t item{.socket = socket.handle(), .fd = 0, .events = events, .revents = 0};
+void wait_for(std::span<zmq_pollitem_t> items, std::chrono::milliseconds timeout) {
     const auto wait = std::max<std::chrono::milliseconds::rep>(timeout.count(), 0);
-    if (zmq_poll(&item, 1, wait) < 0 && errno != EINTR) {
+    if (zmq_poll(items.data(), static_cast<int>(items.size()), wait) < 0 && errno != EINTR) {
         throw zmq::error_t();
     }
-    return item.revents;
+}
+
+zmq_pollitem_t poll_item(zmq::socket_ref socket, short events) {
+    return {.socket = socket.handle(), .fd = 0, .events = events, .revents = 0};
 }
 
 } // namespace xpon::ipc

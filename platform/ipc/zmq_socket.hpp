@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <span>
 
 #include <zmq.hpp>
 
@@ -9,8 +10,10 @@ namespace xpon::ipc {
 /// A socket that never holds up its process: closing it drops what waits, its queues and messages are bounded.
 zmq::socket_t make_socket(zmq::context_t& context, zmq::socket_type type);
 
-/// Waits until `events` (ZMQ_POLLIN, ZMQ_POLLOUT) of `socket` hold, or `timeout` is over; returns those that do.
-/// A signal may end the wait early.
-short wait_for(zmq::socket_ref socket, short events, std::chrono::milliseconds timeout);
+/// Waits until something `items` ask for holds, or `timeout` is over. A signal may end the wait early.
+void wait_for(std::span<zmq_pollitem_t> items, std::chrono::milliseconds timeout);
+
+/// For wait_for: `events` (ZMQ_POLLIN, ZMQ_POLLOUT) of `socket`.
+zmq_pollitem_t poll_item(zmq::socket_ref socket, short events);
 
 } // namespace xpon::ipc

@@ -2,12 +2,14 @@
 
 #include "xpon/core/logger.hpp"
 
+#include <mutex>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace xpon::test {
 
-/// Keeps every line, so that a test can ask what was logged.
+/// Keeps every line, so that a test can ask what was logged. Any thread may write.
 class RecordingLogger : public core::ILogger {
 public:
     struct Line {
@@ -20,9 +22,14 @@ public:
 
     [[nodiscard]] std::vector<std::string> texts() const;
     [[nodiscard]] bool contains(std::string_view text) const;
+    void clear();
 
-    std::vector<Line> lines;
     core::LogLevel least_level = core::LogLevel::Debug;
+
+    std::vector<Line> lines; ///< to be looked at when nobody writes any more
+
+private:
+    mutable std::mutex mutex_;
 };
 
 } // namespace xpon::test

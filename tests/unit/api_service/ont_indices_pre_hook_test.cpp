@@ -56,7 +56,7 @@ TEST_F(OntIndices, RefusesAndLeavesTheRequestAlone) {
         {{"1", "x"}, 16, Error::InvalidInputArg, "Error: InvalidInputArg. Message: Invalid symbol in index 'x'."},
     };
     for (const auto& [indices, pon_ports, code, log] : cases) {
-        logger->lines.clear();
+        logger->clear();
         EXPECT_EQ(run(indices, pon_ports).error().code, code);
         EXPECT_EQ(request.indices, indices);
         EXPECT_THAT(logger->texts(), testing::ElementsAre(log));

@@ -16,7 +16,7 @@ TEST(Guard, PassesResultsThrough) {
     test::RecordingLogger logger;
     EXPECT_EQ(guarded(logger, []() -> Result<int> { return 3; }).value(), 3);
     EXPECT_EQ(guarded(logger, []() -> Result<int> { return ErrorPayload(Error::Empty); }).error().code, Error::Empty);
-    EXPECT_TRUE(logger.lines.empty());
+    EXPECT_TRUE(logger.texts().empty());
 }
 
 TEST(Guard, TurnsExceptionsIntoErrors) {

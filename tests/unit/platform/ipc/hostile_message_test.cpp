@@ -2,6 +2,7 @@
 #include "ipc/zmq_socket.hpp"
 #include "tests/unit/platform/ipc/peer_process.hpp"
 
+#include <array>
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
@@ -93,7 +94,9 @@ public:
         socket_.bind(endpoint_name(root));
         thread_ = std::jthread([this, script](const std::stop_token& stop) {
             while (!stop.stop_requested()) {
-                if (wait_for(socket_, ZMQ_POLLIN, 2ms) != 0) {
+                std::array items{poll_item(socket_, ZMQ_POLLIN)};
+                wait_for(items, 2ms);
+                if (items.front().revents != 0) {
                     answer(script);
                 }
             }

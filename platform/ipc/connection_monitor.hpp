@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+
+#include <zmq.hpp>
+
+namespace xpon::ipc {
+
+/// Knows whether a ZeroMQ socket with one connection has it right now, which the socket itself does not tell: one
+/// that cannot send may as well have a full queue.
+class ConnectionMonitor {
+public:
+    ConnectionMonitor(zmq::context_t& context, zmq::socket_t& watched);
+
+    /// Takes in what happened since the last call.
+    void update();
+    [[nodiscard]] bool is_connected() const;
+    /// How often the connection broke.
+    [[nodiscard]] std::uint64_t breaks() const;
+
+    /// Readable when there is something to take in.
+    [[nodiscard]] zmq::socket_ref events();
+
+private:
+    zmq::socket_t events_;
+    bool is_connected_ = false;
+    std::uint64_t breaks_ = 0;
+};
+
+} // namespace xpon::ipc

@@ -1,0 +1,82 @@
+#include "tests/service/service_fixture.hpp"
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+
+namespace xpon::test {
+namespace {
+
+using testing::AllOf;
+using testing::Contains;
+using testing::Each;
+using testing::HasSubstr;
+using testing::Not;
+
+class Login : public ServiceTest {
+protected:
+    std::string auth(const std::string& data) {
+        return ask(R"({"path":"auth","method":"auth","data":)" + data + "}");
+    }
+
+    static std::string refusal(const std::string& id, const std::string& reason) {
+        return fmt::format(R"({{"success":false,"session_id":"{}","errors":[{{"message":{{"key":"Access denied",)"
+                           R"("params":{{"p0":"{}"}}}},"path":"auth"}}]}})",
+                           id, reason);
+    }
+};
+
+TEST_F(Login, GivesASessionWithTheUsersPrivilege) {
+    EXPECT_EQ(auth(R"({"user":"admin","password":"admin"})"),
+              R"({"success":true,"session_id":"1","data":{"session_id":"1","web_privilege":"administrator"}})");
+    EXPECT_EQ(auth(R"({"user":"operator","password":"operator"})"),
+              R"({"success":true,"session_id":"2","data":{"session_id":"2","web_privilege":"operator"}})");
+    EXPECT_EQ(ask(R"({"session_id":"1","path":"unauth","method":"auth"})"), R"({"success":true,"session_id":"1"})");
+    EXPECT_EQ(ask(R"({"session_id":"1","path":"unauth","method":"auth"})"), access_denied("")) << "a second time";
+    EXPECT_EQ(auth(R"({"user":"viewer","password":"viewer"})"),
+              R"({"success":true,"session_id":"3","data":{"session_id":"3","web_privilege":"viewer"}})");
+    EXPECT_EQ(pam->sessions_open, 2) << "a PAM session lives as long as its session";
+}
+
+TEST_F(Login, RefusesAndLeavesNoSessionBehind) {
+    EXPECT_EQ(auth(R"({"user":"admin","password":"secret-word"})"), refusal("", "InvalidCredentials"));
+    EXPECT_THAT(take_log(), AllOf(Contains("Invalid credentials"), Each(Not(HasSubstr("secret-word")))));
+
+    EXPECT_EQ(auth(R"({"user":"guest","password":"guest"})"), refusal("1", "PrivilegeNotSet"));
+    EXPECT_THAT(take_log(), Contains("Web privilege not set"));
+
+    EXPECT_EQ(auth(R"({"user":"stranger","password":"stranger"})"), not_processed("auth"));
+    EXPECT_THAT(take_log(), Contains("Unable to create session: Error: Empty. Message: User not found."));
+
+    pam->unavailable_for = "admin";
+    EXPECT_EQ(auth(R"({"user":"admin","password":"admin"})"), not_processed("auth"));
+    EXPECT_THAT(take_log(), Contains("An std::exception was thrown: PAM is away"));
+
+    EXPECT_EQ(pam->sessions_open, 0);
+    for (const char* id : {"1", "2"}) {
+        EXPECT_EQ(ask(fmt::format(R"({{"session_id":"{}","path":"test.echo","method":"echo"}})", id)),
+                  access_denied(""));
+    }
+}
+
+TEST_F(Login, UnusableDataOpensNoPamSession) {
+    const std::string unparsable = R"({"success":false,"session_id":"","errors":[{"message":)"
+                                   R"({"key":"Index or request data cannot be parsed","params":{}},"path":"auth"}]})";
+    for (const char* data : {R"({"user":"admin","password":1})", R"({"user":"admin"})",
+                             R"({"User":"a","password":"a"})", "[]", "\"admin\"", "null"}) {
+        EXPECT_EQ(auth(data), unparsable) << data;
+    }
+    EXPECT_EQ(ask(R"({"path":"auth","method":"auth"})"), unparsable);
+    EXPECT_THAT(take_log(), Each(testing::Eq("Unable to parse payload")));
+    EXPECT_EQ(pam->sessions_opened, 0);
+}
+
+TEST_F(Login, InsideASessionOpensAnotherOne) {
+    const auto first = log_in("viewer");
+    const auto answer = ask(R"({"session_id":")" + first +
+                            R"(","path":"auth","method":"auth","data":{"user":"admin","password":"admin"}})");
+    EXPECT_THAT(answer, HasSubstr(R"("web_privilege":"administrator")"));
+    EXPECT_EQ(pam->sessions_open, 2);
+}
+
+} // namespace
+} // namespace xpon::test

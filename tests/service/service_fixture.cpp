@@ -1,0 +1,122 @@
+#include "tests/service/service_fixture.hpp"
+
+#include "xpon/core/json_tree.hpp"
+
+#include <chrono>
+#include <stdexcept>
+
+#include <fmt/format.h>
+#include <poll.h>
+
+namespace xpon::test {
+namespace {
+
+client::Deadline soon() {
+    return std::chrono::steady_clock::now() + std::chrono::seconds(20);
+}
+
+class FakePamSession : public api_service::IPamSession {
+public:
+    explicit FakePamSession(int& open) : open_(open) {
+        ++open_;
+    }
+    ~FakePamSession() override {
+        --open_;
+    }
+    [[nodiscard]] std::chrono::steady_clock::time_point get_timestamp() const override {
+        return {};
+    }
+    void set_timestamp(const std::chrono::steady_clock::time_point&) override {}
+
+private:
+    int& open_;
+};
+
+std::string without_layout(const std::string& json) {
+    const core::JsonTree tree(cJSON_Parse(json.c_str()));
+    const core::JsonText text(cJSON_PrintUnformatted(tree.get()));
+    return text == nullptr ? "no JSON: " + json : text.get();
+}
+
+/// The listener is there once `run` has got so far.
+client::Connection connect_to(const std::string& path) {
+    const auto deadline = soon();
+    for (;;) {
+        auto connection = client::Connection::open(client::UnixEndpoint{path});
+        if (connection || std::chrono::steady_clock::now() > deadline) {
+            return std::move(connection).value();
+        }
+        ::poll(nullptr, 0, 1);
+    }
+}
+
+} // namespace
+
+core::Result<std::shared_ptr<api_service::IPamSession>> FakePam::open_session(const std::string& user,
+                                                                              const std::string& password) {
+    if (user == unavailable_for) {
+        throw std::runtime_error("PAM is away");
+    }
+    if (password != user) {
+        return core::ErrorPayload(core::Error::NoAccess, "Invalid credentials");
+    }
+    ++sessions_opened;
+    return std::make_shared<FakePamSession>(sessions_open);
+}
+
+ServiceTest::ServiceTest()
+    : service(nullptr, logger, api_service::UnixEndpoint{root.path().string() + "/api"}, pam),
+      thread([this] { EXPECT_TRUE(service.run({})); }), connection(connect()) {}
+
+ServiceTest::~ServiceTest() {
+    EXPECT_TRUE(service.stop({}));
+    connect(); // wakes the loop, which then sees that it is to end
+    thread.join();
+}
+
+client::Connection ServiceTest::connect() const {
+    return connect_to(root.path().string() + "/api");
+}
+
+std::string ServiceTest::exchange(client::Connection& connection, const std::string& frame) {
+    const auto sent = connection.send_frame(frame, soon());
+    auto answer = connection.receive_frame(soon());
+    EXPECT_TRUE(sent && answer) << "no answer to " << frame;
+    return answer ? std::move(answer).value() : std::string();
+}
+
+std::string ServiceTest::ask(client::Connection& connection, const std::string& frame) {
+    return without_layout(exchange(connection, frame));
+}
+
+std::string ServiceTest::ask(const std::string& frame) {
+    return ask(connection, frame);
+}
+
+std::string ServiceTest::log_in(const std::string& user) {
+    const auto answer =
+        ask(fmt::format(R"({{"path":"auth","method":"auth","data":{{"user":"{0}","password":"{0}"}}}})", user));
+    const core::JsonTree tree(cJSON_Parse(answer.c_str()));
+    const char* id = cJSON_GetStringValue(cJSON_GetObjectItemCaseSensitive(tree.get(), "session_id"));
+    return id == nullptr ? "" : id;
+}
+
+std::vector<std::string> ServiceTest::take_log() {
+    auto texts = logger->texts();
+    logger->clear();
+    return texts;
+}
+
+std::string access_denied(const std::string& id) {
+    return fmt::format(R"({{"success":false,"session_id":"{}","errors":[{{"message":{{"key":"Access denied",)"
+                       R"("params":{{}}}},"path":"api_service"}}]}})",
+                       id);
+}
+
+std::string not_processed(const std::string& path, const std::string& id) {
+    return fmt::format(R"({{"success":false,"session_id":"{}","errors":[{{"message":)"
+                       R"({{"key":"Request could not be processed","params":{{}}}},"path":"{}"}}]}})",
+                       id, path);
+}
+
+} // namespace xpon::test

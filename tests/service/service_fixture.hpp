@@ -1,0 +1,58 @@
+#pragma once
+
+#include "api_service/api_service.hpp"
+#include "tests/support/recording_logger.hpp"
+#include "tests/support/temporary_olt_root.hpp"
+#include "xpon/client/connection.hpp"
+
+#include <memory>
+#include <string>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+namespace xpon::test {
+
+/// Takes a user's name as password, and counts.
+class FakePam : public api_service::IPamApi {
+public:
+    core::Result<std::shared_ptr<api_service::IPamSession>> open_session(const std::string& user,
+                                                                         const std::string& password) override;
+
+    int sessions_opened = 0;
+    int sessions_open = 0;
+    std::string unavailable_for; ///< opening a session for this user throws
+};
+
+/// The daemon in this process, with a thread of its own, behind a Unix socket. Only PAM is a double.
+class ServiceTest : public testing::Test {
+protected:
+    ServiceTest();
+    ~ServiceTest() override;
+
+    /// A new connection.
+    [[nodiscard]] client::Connection connect() const;
+    /// The answer to one frame, without its indentation.
+    std::string ask(const std::string& frame);
+    static std::string ask(client::Connection& connection, const std::string& frame);
+    /// The answer as it comes.
+    static std::string exchange(client::Connection& connection, const std::string& frame);
+    /// The id of a new session.
+    std::string log_in(const std::string& user);
+    /// What has been logged so far; empties the log.
+    std::vector<std::string> take_log();
+
+    TemporaryOltRoot root;
+    std::shared_ptr<RecordingLogger> logger = std::make_shared<RecordingLogger>();
+    std::shared_ptr<FakePam> pam = std::make_shared<FakePam>();
+    api_service::ApiService service;
+    std::thread thread;
+    client::Connection connection;
+};
+
+/// The refusal that every route gives to a caller without enough rights, in the session `id`.
+std::string access_denied(const std::string& id);
+/// The answer to a request that could not be processed.
+std::string not_processed(const std::string& path, const std::string& id = "");
+
+} // namespace xpon::test

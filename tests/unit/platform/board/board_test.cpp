@@ -1,0 +1,75 @@
+#include "tests/support/temporary_olt_root.hpp"
+
+#include <array>
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include <gmock/gmock.h>
+
+namespace xpon {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+class BoardTest : public testing::Test {
+protected:
+    /// What the reader prints with `preloaded` libraries.
+    std::string run(const std::string& program, const std::string& preloaded) const {
+        const auto command = "cd '" + root.path().string() + "' && LD_PRELOAD='" + preloaded +
+                             "' PAM_WRAPPER=1 PAM_WRAPPER_SERVICE_DIR='" + root.path().string() + "' TMPDIR='" +
+                             root.path().string() + "' PAM_WRAPPER_DISABLE_DEEPBIND=1 " + program + " 2>&1";
+        const std::unique_ptr<FILE, int (*)(FILE*)> output(popen(command.c_str(), "r"), pclose);
+        std::string text;
+        std::array<char, 4096> part{};
+        for (std::size_t size = 0; (size = std::fread(part.data(), 1, part.size(), output.get())) > 0;) {
+            text.append(part.data(), size);
+        }
+        return text;
+    }
+
+    test::TemporaryOltRoot root;
+};
+
+constexpr auto elsewhere = "another file: -1 0, -1 0\nother ioctl: 0 3\nother open: made\n";
+
+TEST_F(BoardTest, AnswersFromTheFileWhicheverLibrariesAreBeside) {
+    const struct {
+        const char* program;
+        std::string preloaded;
+    } cases[] = {
+        {BOARD_READER, BOARD_LIBRARY},
+        {BOARD_READER, PAM_WRAPPER_LIBRARY " " BOARD_LIBRARY},
+        {BOARD_READER, BOARD_LIBRARY " " PAM_WRAPPER_LIBRARY},
+        {BOARD_READER_ASAN, ASAN_RUNTIME " " BOARD_LIBRARY},
+        {BOARD_READER_ASAN, ASAN_RUNTIME " " PAM_WRAPPER_LIBRARY " " BOARD_LIBRARY},
+    };
+    const std::string board = "pon_ports 16\nfront_ports 8\n";
+    root.write("run/board", board);
+    for (const auto& [program, preloaded] : cases) {
+        EXPECT_EQ(run(program, preloaded), std::string("open: 0 16, 0 8\nopen for writing: 0 16, 0 8\n"
+                                                       "open64: 0 16, 0 8\nopenat: 0 16, 0 8\ndup: 0 16, 0 8\n") +
+                                               elsewhere)
+            << preloaded;
+    }
+    EXPECT_EQ(root.read("run/board"), board);
+}
+
+TEST_F(BoardTest, WithoutTheFileTheDeviceIsMissing) {
+    EXPECT_EQ(run(BOARD_READER, BOARD_LIBRARY),
+              "open: No such file or directory\nopen for writing: No such file or directory\n"
+              "open64: No such file or directory\nopenat: No such file or directory\n"
+              "dup: Bad file descriptor\n" +
+                  std::string(elsewhere));
+}
+
+TEST_F(BoardTest, ADamagedFileMakesTheRequestsFail) {
+    for (const auto* text : {"", "junk", "front_ports 8\npon_ports 16\n", "pon_ports 256\nfront_ports -1\n"}) {
+        root.write("run/board", text);
+        EXPECT_THAT(run(BOARD_READER, BOARD_LIBRARY), StartsWith("open: -1 0, -1 0\n")) << text;
+    }
+}
+
+} // namespace
+} // namespace xpon
