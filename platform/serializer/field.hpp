@@ -45,6 +45,7 @@ struct Field {
     Kind kind = Kind::boolean;
     Characters characters = Characters::text;
     bool may_be_empty = false; ///< text: empty is allowed although `min` is greater than 0
+    bool is_required = false;  ///< text: has no default, so that a missing key counts as one that is too short
     std::uint32_t offset = 0;
     std::uint32_t size = 0;
     std::uint32_t count_offset = 0; ///< list: the uint8_t member that counts its elements

@@ -84,6 +84,7 @@ consteval Field text(Member<char[size]> member, Characters characters, std::int6
     field.min = min;
     field.max = size - 1;
     field.default_text = default_value;
+    field.is_required = std::string_view(default_value).size() < static_cast<std::size_t>(min);
     require(std::string_view(default_value).size() < size);
     return field;
 }
@@ -93,6 +94,7 @@ template <std::size_t size>
 consteval Field optional_text(Member<char[size]> member, Characters characters, std::int64_t min) {
     auto field = text(member, characters, min);
     field.may_be_empty = true;
+    field.is_required = false;
     return field;
 }
 

@@ -60,6 +60,8 @@ void read_object(const Table& table, const cJSON& data, std::byte* record, Field
             errors.add(Json_errors::repeated_key, field_path, {std::string_view(field.key)});
         } else if (found.values[i] != nullptr) {
             functions_of(field.kind).read(field, *found.values[i], record, errors, field_path);
+        } else if (field.is_required) {
+            errors.add(Json_errors::text_too_short, field_path, {0.0, static_cast<double>(field.min)});
         }
     }
     for (const auto* member : found.unknown) {

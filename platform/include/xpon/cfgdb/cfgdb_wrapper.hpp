@@ -45,4 +45,8 @@ private:
     int context_;
 };
 
+/// Whether this OLT has a configuration of its own: a saved file or a running database. Otherwise the first client
+/// finds factory defaults.
+bool configuration_exists();
+
 } // namespace xpon::cfgdb

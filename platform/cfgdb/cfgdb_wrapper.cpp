@@ -1,0 +1,83 @@
+#include "xpon/cfgdb/cfgdb_wrapper.hpp"
+
+#include "cfgdb/change_notice.hpp"
+#include "cfgdb/database.hpp"
+#include "xpon/cfgdb/database_log.hpp"
+#include "xpon/core/guard.hpp"
+
+#include <system_error>
+
+namespace xpon::cfgdb {
+namespace {
+
+int next_context() {
+    static int last = 0;
+    return ++last;
+}
+
+/// A fault of the database becomes an error of code CommonError; any other exception is for the guard.
+template <class Step>
+std::invoke_result_t<Step> database_step(Step&& step,
+                                         const std::source_location& where = std::source_location::current()) {
+    return core::guarded(
+        database_log(),
+        [&]() -> std::invoke_result_t<Step> {
+            try {
+                return step();
+            } catch (const std::system_error& fault) {
+                return core::ErrorPayload(core::Error::CommonError, fault.what(), where);
+            }
+        },
+        core::exception_text, where);
+}
+
+} // namespace
+
+CfgDbWrapper::CfgDbWrapper(const std::string& client_name)
+    : database_(Database::shared()), client_name_(client_name), context_(next_context()) {}
+
+CfgDbWrapper::~CfgDbWrapper() = default;
+
+core::Result<User_record> CfgDbWrapper::find_user_by_username(const std::string& name) const {
+    return database_step([&]() -> core::Result<User_record> {
+        if (const auto user = database_->find_user(name)) {
+            return *user;
+        }
+        return core::ErrorPayload(core::Error::Empty, "User not found");
+    });
+}
+
+core::Result<void> CfgDbWrapper::commit(const std::shared_ptr<ipc::IIpc>& ipc) {
+    BOOST_OUTCOME_TRY(const auto changes, database_step([&] { return database_->commit(); }));
+    // The commit has happened: nothing that goes wrong from here on makes it fail.
+    const auto told = database_step([&]() -> core::Result<void> {
+        send_change_notice(ipc.get(), changes);
+        return core::success();
+    });
+    if (told.has_error()) {
+        core::log_error(database_log(), "{}: peers were not told of a commit: {}", client_name_,
+                        told.error().to_string());
+    }
+    return core::success();
+}
+
+core::Result<void> CfgDbWrapper::rollback() {
+    return database_step([&]() -> core::Result<void> {
+        database_->rollback();
+        return core::success();
+    });
+}
+
+const void* CfgDbWrapper::handle() const {
+    return database_.get();
+}
+
+int CfgDbWrapper::context() const {
+    return context_;
+}
+
+bool configuration_exists() {
+    return Database::exists();
+}
+
+} // namespace xpon::cfgdb

@@ -1,0 +1,127 @@
+#include "cfgdb/database.hpp"
+
+#include "cfgdb/factory.hpp"
+#include "cfgdb/users.hpp"
+#include "serializer/c_boundary.hpp"
+#include "serializer/object_json.hpp"
+#include "xpon/olt_root/olt_root.hpp"
+
+#include <filesystem>
+#include <string>
+
+namespace xpon::cfgdb {
+namespace {
+
+std::string database_folder() {
+    return below_olt_root("/run/cfgdb");
+}
+
+/// Whether `path` names a part of what `parent` names, and one with at least the same indices.
+bool is_below(const Element& candidate, const Element& parent) {
+    return candidate.depth > parent.depth &&
+           std::string_view(candidate.path).starts_with(std::string(parent.path) + ".");
+}
+
+/// Calls `visit` for every record below `id`: those that share its indices.
+template <class Visit>
+void for_each_below(const RecordId& id, const Visit& visit) {
+    const auto elements = all_elements();
+    for (std::uint16_t number = 0; number < elements.size(); ++number) {
+        const auto& below = elements[number];
+        if (!is_below(below, element(id.element))) {
+            continue;
+        }
+        for (std::uint16_t second = 0; second < below.sizes[1]; ++second) {
+            visit(RecordId{static_cast<ElementId>(number), {id.indices[0], second}});
+        }
+    }
+}
+
+} // namespace
+
+std::shared_ptr<Database> Database::shared() {
+    static std::weak_ptr<Database> opened;
+    auto database = opened.lock();
+    if (!database) {
+        database = std::make_shared<Database>(database_folder());
+        opened = database;
+    }
+    return database;
+}
+
+bool Database::exists() {
+    std::error_code ignored;
+    return std::filesystem::exists(database_folder() + "/data.mdb", ignored);
+}
+
+Database::Database(const std::string& folder) : environment_(folder) {
+    fill_when_new();
+}
+
+// Whoever comes second waits for the transaction of the first and finds the mark.
+void Database::fill_when_new() const {
+    WriteTransaction transaction(environment_);
+    const auto mark = Key(Store::meta).add("filled");
+    if (transaction.get(mark)) {
+        return;
+    }
+    put_default_users(transaction);
+    transaction.put(mark, {});
+    transaction.commit();
+}
+
+void Database::read(Store store, const RecordId& id, std::byte* out) const {
+    const ReadTransaction transaction(environment_);
+    const Records records(transaction);
+    const auto record = store == Store::running ? records.running(id) : records.candidate(id);
+    std::memcpy(out, record.data(), record.size());
+}
+
+void Database::write(const RecordId& id, const std::byte* record) const {
+    const auto& table = element(id.element).table;
+    std::vector<std::byte> canonical(table.size);
+    if (!serializer::copy_canonically(table, record, canonical.data())) {
+        fail_with(EINVAL);
+    }
+    WriteTransaction transaction(environment_);
+    RecordWriter(transaction).set_candidate(id, canonical);
+    transaction.commit();
+}
+
+void Database::reset(const RecordId& id) const {
+    WriteTransaction transaction(environment_);
+    RecordWriter writer(transaction);
+    writer.set_candidate(id, factory_record(id));
+    for_each_below(id, [&](const RecordId& below) { writer.set_candidate(below, factory_record(below)); });
+    transaction.commit();
+}
+
+core::Result<std::vector<RecordId>> Database::commit() const {
+    WriteTransaction transaction(environment_);
+    RecordWriter writer(transaction);
+    auto changes = writer.list(Store::candidate);
+    if (changes.empty()) {
+        return core::ErrorPayload(core::Error::Empty, "Nothing to commit");
+    }
+    for (const auto& id : changes) {
+        writer.accept(id);
+    }
+    transaction.commit();
+    return changes;
+}
+
+void Database::rollback() const {
+    WriteTransaction transaction(environment_);
+    RecordWriter writer(transaction);
+    for (const auto& id : writer.list(Store::candidate)) {
+        writer.reject(id);
+    }
+    transaction.commit();
+}
+
+std::optional<User_record> Database::find_user(std::string_view name) const {
+    const ReadTransaction transaction(environment_);
+    return cfgdb::find_user(transaction, name);
+}
+
+} // namespace xpon::cfgdb

@@ -1,0 +1,74 @@
+#include "xpon/cfgdb/element_functions.hpp"
+
+#include "cfgdb/database.hpp"
+#include "serializer/c_boundary.hpp"
+
+#include <cstring>
+
+namespace {
+
+using namespace xpon;
+using namespace xpon::cfgdb;
+
+const Database& database_of(const void* handle) {
+    if (handle == nullptr) {
+        fail_with(EINVAL);
+    }
+    return *static_cast<const Database*>(handle);
+}
+
+RecordId make_id(ElementId id, const unsigned short* indices) {
+    const auto& row = element(id);
+    RecordId result{id, {}};
+    for (unsigned level = 0; level < row.depth; ++level) {
+        if (indices == nullptr) {
+            fail_with(EINVAL);
+        }
+        if (indices[level] >= row.sizes[level]) {
+            fail_with(ERANGE);
+        }
+        result.indices[level] = indices[level];
+    }
+    return result;
+}
+
+int read_record(const void* handle, Store store, ElementId id, void* out, const unsigned short* indices) {
+    return c_call([&] {
+        if (out == nullptr) {
+            fail_with(EINVAL);
+        }
+        std::memset(out, 0, element(id).table.size);
+        database_of(handle).read(store, make_id(id, indices), static_cast<std::byte*>(out));
+    });
+}
+
+int write_record(const void* handle, ElementId id, const void* record, const unsigned short* indices) {
+    return c_call([&] {
+        if (record == nullptr) {
+            fail_with(EINVAL);
+        }
+        database_of(handle).write(make_id(id, indices), static_cast<const std::byte*>(record));
+    });
+}
+
+int reset_record(const void* handle, ElementId id, const unsigned short* indices) {
+    return c_call([&] { database_of(handle).reset(make_id(id, indices)); });
+}
+
+} // namespace
+
+#define XPON_DEFINE_CFGDB_FUNCTIONS(suffix, record, depth, size1, size2, path)                                         \
+    int getDb_##suffix(const void* db, int, record* out, const unsigned short* indices) {                              \
+        return read_record(db, Store::candidate, ElementId::suffix, out, indices);                                     \
+    }                                                                                                                  \
+    int getRunDb_##suffix(const void* db, record* out, const unsigned short* indices) {                                \
+        return read_record(db, Store::running, ElementId::suffix, out, indices);                                       \
+    }                                                                                                                  \
+    int setDb_##suffix(const void* db, int, const record* record_in, const unsigned short* indices) {                  \
+        return write_record(db, ElementId::suffix, record_in, indices);                                                \
+    }                                                                                                                  \
+    int setDb_init_##suffix(const void* db, int, unsigned short* indices) {                                            \
+        return reset_record(db, ElementId::suffix, indices);                                                           \
+    }
+
+XPON_CFGDB_ELEMENTS(XPON_DEFINE_CFGDB_FUNCTIONS)

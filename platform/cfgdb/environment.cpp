@@ -1,0 +1,96 @@
+#include "cfgdb/environment.hpp"
+
+#include <cerrno>
+#include <filesystem>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+#include <sys/stat.h>
+
+#include <fmt/format.h>
+
+namespace xpon::cfgdb {
+namespace {
+
+/// Room for several times the largest configuration, candidate and indexes included. Unused room costs nothing.
+constexpr std::size_t map_size = std::size_t{128} << 20U;
+constexpr mode_t folder_mode = 0700;
+constexpr mdb_mode_t file_mode = 0600;
+
+int errno_of(int status) {
+    if (status == MDB_MAP_FULL || status == MDB_TXN_FULL) {
+        return ENOSPC;
+    }
+    return status == ENOMEM || status == ENOSPC || status == EACCES || status == ENOENT ? status : EIO;
+}
+
+void make_folder(const std::filesystem::path& folder) {
+    if (folder.has_parent_path()) {
+        std::filesystem::create_directories(folder.parent_path());
+    }
+    if (mkdir(folder.c_str(), folder_mode) != 0 && errno != EEXIST) {
+        throw std::system_error(errno, std::generic_category(), "the folder cannot be made");
+    }
+}
+
+} // namespace
+
+void check_lmdb(int status, const char* step) {
+    if (status != MDB_SUCCESS) {
+        throw std::system_error(errno_of(status), std::generic_category(),
+                                fmt::format("{}: {}", step, mdb_strerror(status)));
+    }
+}
+
+Environment::Environment(const std::string& folder) {
+    try {
+        open(folder);
+    } catch (const std::exception& error) {
+        throw std::runtime_error(fmt::format("Configuration database {} cannot be opened: {}", folder, error.what()));
+    }
+}
+
+Environment::~Environment() {
+    if (idle_reader_ != nullptr) {
+        mdb_txn_abort(idle_reader_);
+    }
+}
+
+void Environment::open(const std::string& folder) {
+    make_folder(folder);
+    MDB_env* created = nullptr;
+    check_lmdb(mdb_env_create(&created), "mdb_env_create");
+    environment_.reset(created);
+    check_lmdb(mdb_env_set_mapsize(created, map_size), "mdb_env_set_mapsize");
+    check_lmdb(mdb_env_open(created, folder.c_str(), MDB_NOSYNC | MDB_NOTLS, file_mode), "mdb_env_open");
+    // A process that was killed while it read leaves its reader slot, and the slot keeps old pages from reuse.
+    int cleared = 0;
+    check_lmdb(mdb_reader_check(created, &cleared), "mdb_reader_check");
+    auto* const reader = acquire_reader();
+    const int status = mdb_dbi_open(reader, nullptr, 0, &database_);
+    // The handle stays valid only when the transaction that opened it commits.
+    check_lmdb(status == MDB_SUCCESS ? mdb_txn_commit(reader) : (mdb_txn_abort(reader), status), "mdb_dbi_open");
+}
+
+MDB_txn* Environment::acquire_reader() const {
+    if (auto* const reader = std::exchange(idle_reader_, nullptr)) {
+        if (mdb_txn_renew(reader) == MDB_SUCCESS) {
+            return reader;
+        }
+        mdb_txn_abort(reader);
+    }
+    MDB_txn* reader = nullptr;
+    check_lmdb(mdb_txn_begin(environment_.get(), nullptr, MDB_RDONLY, &reader), "mdb_txn_begin");
+    return reader;
+}
+
+void Environment::release_reader(MDB_txn* reader) const {
+    if (idle_reader_ != nullptr) {
+        return mdb_txn_abort(reader);
+    }
+    mdb_txn_reset(reader);
+    idle_reader_ = reader;
+}
+
+} // namespace xpon::cfgdb

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "cfgdb/environment.hpp"
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <span>
+
+namespace xpon::cfgdb {
+
+using Bytes = std::span<const std::byte>;
+
+/// One consistent view of the database. Spans that it gives out are valid until its next write and its end.
+class Transaction {
+public:
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+
+    [[nodiscard]] std::optional<Bytes> get(Bytes key) const;
+
+    /// Calls `visit` for the entries whose keys are `from` or greater and start with `prefix`, in the order of keys,
+    /// until it returns false. It must not write.
+    void visit(Bytes prefix, Bytes from, const std::function<bool(Bytes key, Bytes value)>& visit) const;
+
+protected:
+    Transaction(const Environment& environment, MDB_txn* transaction)
+        : environment_(environment), transaction_(transaction) {}
+    ~Transaction() = default;
+
+    const Environment& environment_;
+    MDB_txn* transaction_;
+};
+
+class ReadTransaction : public Transaction {
+public:
+    explicit ReadTransaction(const Environment& environment);
+    ~ReadTransaction();
+};
+
+/// There is one at a time, in all processes together; the next waits. Without commit() nothing happens.
+class WriteTransaction : public Transaction {
+public:
+    explicit WriteTransaction(const Environment& environment);
+    ~WriteTransaction();
+
+    void put(Bytes key, Bytes value);
+    /// Nothing happens when there is no such entry.
+    void erase(Bytes key);
+    void commit();
+};
+
+} // namespace xpon::cfgdb

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "serializer/cjson_tree.hpp"
+#include "serializer/field.hpp"
+
+#include <random>
+
+namespace xpon::test {
+
+/// A JSON object that the table accepts field by field, with every kind of value somewhere between its limits. Record
+/// rules do not shape it.
+serializer::Tree generate_object(const serializer::Table& table, std::mt19937& random);
+
+} // namespace xpon::test
