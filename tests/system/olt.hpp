@@ -65,8 +65,8 @@ public:
     /// The same, logged in with the user's name as password.
     static client::Client log_in(const std::string& user);
 
-    /// The folder from which the daemon takes its PAM service file; the demo users' one unless set before the start.
-    std::filesystem::path pam_folder;
+    /// The folder from which the daemon takes its PAM service file: the demo users' one unless changed.
+    const std::filesystem::path pam_folder;
 
 private:
     [[nodiscard]] Environment environment() const;

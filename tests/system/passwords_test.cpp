@@ -74,7 +74,8 @@ TEST(Passwords, ShippedPamFileNeverDelays) {
     fs::create_directories("/run/faillock");
     ASSERT_TRUE(overlay(passwd, "/etc/passwd") && overlay(shadow, "/etc/shadow") &&
                 overlay(olt.root() / "tmp/faillock", "/run/faillock"));
-    olt.pam_folder = XPON_SOURCE_DIR "/packaging/pam";
+    fs::copy_file(XPON_SOURCE_DIR "/packaging/pam/api_service", olt.pam_folder / "api_service",
+                  fs::copy_options::overwrite_existing);
     olt.start();
 
     auto client = Olt::connect();
