@@ -1,0 +1,97 @@
+#include "tests/system/isolation.hpp"
+#include "tests/system/olt.hpp"
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include <sys/mount.h>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace xpon::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string read_file(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+TEST(Passwords, StayOutOfEveryLog) {
+    Olt olt;
+    const auto logging = olt.root() / "etc/zlog_modules_config/API-SERVICE.conf";
+    auto rules = read_file(logging);
+    ASSERT_NE(rules.find(".INFO "), std::string::npos);
+    rules.replace(rules.find(".INFO "), 6, ".DEBUG ");
+    std::ofstream(logging) << rules;
+    const std::string right = "Right-pass-1f7c";
+    const std::string wrong = "Wrong-pass-93ab";
+    std::ofstream(olt.root() / "etc/demo_users") << "admin:" << right << ":api_service\n";
+    olt.start();
+    {
+        auto client = Olt::connect();
+        EXPECT_TRUE(client.log_in("admin", right).value().success);
+        EXPECT_FALSE(client.log_in("admin", wrong).value().success);
+        // A request that cannot be read must not be quoted either.
+        ask(client, R"({"path":"auth","method":"auth","data":{"user":"admin","password":[")" + wrong + R"("]}})");
+        ask(client, R"({"path":"auth","method":"auth","data":{"user":"admin","password":")" + wrong);
+    }
+    olt.daemon().send_signal(SIGTERM);
+    ASSERT_EQ(olt.daemon().wait(), 0);
+
+    std::string everything = olt.daemon().output() + olt.simulator().output();
+    for (const auto& entry : fs::recursive_directory_iterator(olt.root() / "var")) {
+        everything += entry.is_regular_file() ? read_file(entry.path()) : "";
+    }
+    EXPECT_NE(everything.find("Invalid credentials"), std::string::npos) << "nothing was logged at all";
+    EXPECT_EQ(everything.find("-pass-"), std::string::npos);
+}
+
+/// "secret" as Debian stores it.
+constexpr auto yescrypt_of_secret = "$y$j9T$F5Jx5fExrKuPp53xLKQ..1$GmcwIgvdUC9qLWcKCi6gklUa1dM3ziD43YxYNURLKy0";
+
+/// Puts a file in place of one of the machine's for this process and its children only.
+bool overlay(const fs::path& file, const fs::path& place) {
+    return mount(file.c_str(), place.c_str(), nullptr, MS_BIND, nullptr) == 0;
+}
+
+TEST(Passwords, ShippedPamFileNeverDelays) {
+    if (getuid() != 0 || !isolate_this_process()) {
+        GTEST_SKIP() << "needs root and a mount namespace, for accounts of its own";
+    }
+    Olt olt;
+    const auto passwd = olt.root() / "tmp/passwd";
+    const auto shadow = olt.root() / "tmp/shadow";
+    fs::create_directories(olt.root() / "tmp/faillock");
+    std::ofstream(passwd) << "root:x:0:0::/root:/bin/sh\nadmin:x:60000:60000::/:/bin/false\n";
+    std::ofstream(shadow) << "root:*:20000::::::\nadmin:" << yescrypt_of_secret << ":20000::::::\n";
+    fs::permissions(shadow, fs::perms::owner_read | fs::perms::owner_write);
+    fs::create_directories("/run/faillock");
+    ASSERT_TRUE(overlay(passwd, "/etc/passwd") && overlay(shadow, "/etc/shadow") &&
+                overlay(olt.root() / "tmp/faillock", "/run/faillock"));
+    fs::copy_file(XPON_SOURCE_DIR "/packaging/pam/api_service", olt.pam_folder / "api_service",
+                  fs::copy_options::overwrite_existing);
+    olt.start();
+
+    auto client = Olt::connect();
+    const auto begin = std::chrono::steady_clock::now();
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_FALSE(client.log_in("admin", "wrong").value().success);
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(4 * 100));
+    // The right one is accepted and takes the count of wrong ones back.
+    EXPECT_TRUE(client.log_in("admin", "secret").value().success);
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_FALSE(client.log_in("admin", "wrong").value().success);
+    }
+    // Five in a row close the account for a while, also to the right one.
+    EXPECT_FALSE(client.log_in("admin", "secret").value().success);
+}
+
+} // namespace
+} // namespace xpon::test

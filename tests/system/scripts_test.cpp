@@ -1,0 +1,161 @@
+#include "tests/support/eventually.hpp"
+#include "tests/system/isolation.hpp"
+#include "tests/system/olt.hpp"
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <string_view>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace xpon::test {
+namespace {
+
+using testing::HasSubstr;
+
+const std::string is_ready = "api_service is ready on 127.0.0.1:9999";
+
+/// The part of scripts/run behind installation and build, in a folder of its own.
+class RunScript : public testing::Test {
+protected:
+    RunScript() {
+        isolate_this_process();
+    }
+
+    static Process run(const std::filesystem::path& root) {
+        return Process({XPON_SOURCE_DIR "/scripts/supervise"}, {{"OLT_ROOT", root}, {"OLT_BINARIES", BINARY_FOLDER}});
+    }
+
+    [[nodiscard]] pid_t pid_from(const std::string& name) const {
+        pid_t pid = 0;
+        std::ifstream(folder_.path() / "run" / name) >> pid;
+        return pid;
+    }
+
+    OltFolder folder_;
+};
+
+bool is_gone(pid_t pid) {
+    return kill(pid, 0) != 0;
+}
+
+TEST_F(RunScript, RunsUntilASignalAndLeavesNoProcessBehind) {
+    for (const int number : {SIGINT, SIGTERM}) {
+        auto script = run(folder_.path());
+        ASSERT_TRUE(script.wait_for_line(is_ready)) << script.output();
+        const auto daemon = pid_from("api_service.pid");
+        const auto simulator = pid_from("olt_simulator.pid");
+        ASSERT_FALSE(is_gone(daemon));
+        ASSERT_FALSE(is_gone(simulator));
+        EXPECT_EQ(Olt::log_in("admin").session_id(), "1");
+
+        script.send_signal(number);
+        EXPECT_EQ(script.wait(), 0) << script.output();
+        EXPECT_TRUE(is_gone(daemon));
+        EXPECT_TRUE(is_gone(simulator));
+    }
+}
+
+TEST_F(RunScript, EndsWhenOneOfTheTwoDies) {
+    for (const auto* victim : {"api_service.pid", "olt_simulator.pid"}) {
+        auto script = run(folder_.path());
+        ASSERT_TRUE(script.wait_for_line(is_ready)) << script.output();
+        const auto daemon = pid_from("api_service.pid");
+        const auto simulator = pid_from("olt_simulator.pid");
+        kill(pid_from(victim), SIGKILL);
+        EXPECT_NE(script.wait().value_or(0), 0) << script.output();
+        EXPECT_TRUE(is_gone(daemon));
+        EXPECT_TRUE(is_gone(simulator));
+    }
+}
+
+TEST_F(RunScript, NothingSurvivesTheScriptItself) {
+    auto script = run(folder_.path());
+    ASSERT_TRUE(script.wait_for_line(is_ready)) << script.output();
+    const auto daemon = pid_from("api_service.pid");
+    const auto simulator = pid_from("olt_simulator.pid");
+    script.send_signal(SIGKILL);
+    script.wait();
+    EXPECT_TRUE(eventually([&] { return is_gone(daemon) && is_gone(simulator); }));
+}
+
+TEST_F(RunScript, SignalWhileStartingEndsItToo) {
+    for (const auto* file : {"notify", "olt_simulator.pid", "api_service.pid"}) {
+        auto script = run(folder_.path());
+        ASSERT_TRUE(eventually([&] { return std::filesystem::exists(folder_.path() / "run" / file); }));
+        const auto daemon = pid_from("api_service.pid");
+        const auto simulator = pid_from("olt_simulator.pid");
+        script.send_signal(SIGTERM);
+        ASSERT_TRUE(script.wait().has_value());
+        EXPECT_TRUE(daemon == 0 || is_gone(daemon));
+        EXPECT_TRUE(simulator == 0 || is_gone(simulator));
+    }
+}
+
+TEST_F(RunScript, SecondOneIsRefusedAndDisturbsNothing) {
+    auto script = run(folder_.path());
+    ASSERT_TRUE(script.wait_for_line(is_ready)) << script.output();
+    auto client = Olt::log_in("admin");
+
+    auto same_folder = run(folder_.path());
+    EXPECT_EQ(same_folder.wait(), 1);
+    EXPECT_THAT(same_folder.output(), HasSubstr("another scripts/run is using OLT_ROOT " + folder_.path().string()));
+    const OltFolder other;
+    auto other_folder = run(other.path());
+    EXPECT_EQ(other_folder.wait(), 1);
+    EXPECT_THAT(other_folder.output(), HasSubstr("port 9999 of this machine is taken by api_service (pid " +
+                                                 std::to_string(pid_from("api_service.pid")) + ")"));
+
+    EXPECT_EQ(ask_in_session(client, R"({"path":"command.rollback","method":"command"})"),
+              R"({"success":true,"session_id":"1"})");
+}
+
+TEST_F(RunScript, RefusesFoldersThatCannotWork) {
+    auto too_deep = run("/tmp/" + std::string(90, 'x'));
+    EXPECT_EQ(too_deep.wait(), 1);
+    EXPECT_THAT(too_deep.output(), HasSubstr("is too deep: Unix socket paths below it take 112 bytes"));
+    std::filesystem::create_directories(folder_.path() / "photos/holidays");
+    auto not_ours = run(folder_.path() / "photos");
+    EXPECT_EQ(not_ours.wait(), 1);
+    EXPECT_THAT(not_ours.output(), HasSubstr("is no empty folder and no OLT either"));
+    EXPECT_TRUE(std::filesystem::exists(folder_.path() / "photos/holidays"));
+}
+
+/// The first code block of the README's `section` in that language.
+std::string readme_block(std::string_view section, const std::string& language) {
+    std::ifstream file(XPON_SOURCE_DIR "/README.md");
+    const std::string text(std::istreambuf_iterator<char>(file), {});
+    const std::string fence = "```" + language + "\n";
+    const auto begin = text.find(fence, text.find(section)) + fence.size();
+    return text.substr(begin, text.find("```\n", begin) - begin);
+}
+
+struct Session {
+    const char* heading;
+    const char* language;
+    const char* interpreter;
+};
+
+class ReadmeSession : public testing::TestWithParam<Session> {};
+
+TEST_P(ReadmeSession, AnswersAsPrinted) {
+    Olt olt;
+    olt.start();
+    const auto [heading, language, interpreter] = GetParam();
+    const auto program = olt.root() / "tmp/session";
+    std::ofstream(program) << readme_block(heading, language);
+    Process session({interpreter, program}, {});
+    EXPECT_EQ(session.wait(), 0);
+    EXPECT_EQ(session.output(), readme_block(heading, "text"));
+}
+
+INSTANTIATE_TEST_SUITE_P(, ReadmeSession,
+                         testing::Values(Session{"### With Python", "python", "/usr/bin/python3"},
+                                         Session{"### With nc", "sh", "/bin/sh"}),
+                         [](const auto& test) { return std::string(test.param.language); });
+
+} // namespace
+} // namespace xpon::test
