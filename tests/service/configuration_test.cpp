@@ -90,6 +90,30 @@ TEST_F(Configuration, FieldErrorsComeBeforeTheConfigurationType) {
     EXPECT_THAT(hostname("get", R"("config_type":"running")"), HasSubstr(R"("hostname":"olt")"));
 }
 
+TEST_F(Configuration, EveryChangeLeavesOneLineWithoutItsData) {
+    const auto notices = [this] {
+        std::vector<std::string> texts;
+        for (auto& text : take_log()) {
+            if (text.starts_with("Session ")) {
+                texts.push_back(text.substr(("Session " + id).size()));
+            }
+        }
+        return texts;
+    };
+    notices();
+    hostname("get", R"("config_type":"running")");
+    onts("set", R"("indices":["2","5-6"],"config_type":"candidate","data":{"password":"sesame"})");
+    onts("delete", R"("indices":["2"],"config_type":"candidate")");
+    hostname("set", R"("config_type":"candidate","data":{"hostname":7})");
+    hostname("set", R"("config_type":"running","data":{})");
+    command("commit");
+    EXPECT_THAT(notices(), testing::ElementsAre(": set configuration.ZebGCfg.pon.ont [2 5-6]: done",
+                                                ": delete configuration.ZebGCfg.pon.ont [2]: refused",
+                                                ": set configuration.CommonGCfg.hostname: refused",
+                                                ": set configuration.CommonGCfg.hostname: failed",
+                                                ": command command.commit: done"));
+}
+
 TEST_F(Configuration, SessionsShareOneCandidate) {
     const auto other = log_in("viewer");
     EXPECT_EQ(hostname("set", R"("config_type":"candidate","data":{"hostname":"shared"})"), done);

@@ -70,7 +70,7 @@ ServiceTest::ServiceTest()
 
 ServiceTest::~ServiceTest() {
     EXPECT_TRUE(service.stop({}));
-    connect(); // wakes the loop, which then sees that it is to end
+    const auto last = connect(); // wakes the loop, which then sees that it is to end
     thread.join();
 }
 
