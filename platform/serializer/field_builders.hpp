@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <string>
 #include <string_view>
 #include <type_traits>
 #include <utility>
@@ -182,7 +181,9 @@ consteval Field list(Member<Element[count]> member, Member<std::uint8_t> element
     auto field = array(member, table);
     field.kind = Kind::list;
     field.count_offset = element_count.offset;
-    require(std::string_view(element_count.name) == member.name + std::string("_count"));
+    const std::string_view key(member.name);
+    const std::string_view counted(element_count.name);
+    require(counted.starts_with(key) && counted.substr(key.size()) == "_count");
     return field;
 }
 
