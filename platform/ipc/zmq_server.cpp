@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <system_error>
 #include <utility>
 
 #include <sys/socket.h>
@@ -44,10 +45,18 @@ public:
         : address_(address), handler_(handler), logger_(logger),
           socket_(make_socket(context, zmq::socket_type::router)) {}
 
+    ~ServedPeer() {
+        std::error_code ignored;
+        std::filesystem::remove(path_, ignored);
+    }
+    ServedPeer(const ServedPeer&) = delete;
+    ServedPeer& operator=(const ServedPeer&) = delete;
+
     void listen(const std::string& path) {
         namespace fs = std::filesystem;
         fs::create_directories(fs::path(path).parent_path());
         socket_.bind("ipc://" + path);
+        path_ = path;
         // Who may connect may command the OLT.
         fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write);
     }
@@ -133,6 +142,7 @@ private:
     IPeerHandler& handler_;
     core::ILogger& logger_;
     zmq::socket_t socket_;
+    std::string path_; ///< of the socket that this object made; empty before
 };
 
 class ZmqServer : public IServer {

@@ -12,6 +12,8 @@ namespace xpon::logger {
 // zlog has no category to give while there is no context; such a logger is silent.
 Logger::Logger(const std::string& category) : category_(zlog_get_category(category.c_str())) {}
 
+Logger::Logger(zlog_category_s* category) : category_(category) {}
+
 bool Logger::is_enabled(core::LogLevel level) const {
     return zlog_level_enabled(category_, zlog_level_of(level)) != 0;
 }

@@ -26,6 +26,8 @@ class Logger : public core::ILogger {
 public:
     /// A category without a rule in the configuration file logs nothing.
     explicit Logger(const std::string& category);
+    /// Writes to a category that zlog gave out.
+    explicit Logger(zlog_category_s* category);
 
     /// Reads the zlog configuration at `config_path` (taken below OLT_ROOT). `category` must have a rule in it.
     /// `flags` is reserved and 0. Errors: CommonError with the file and the cause, Already for a second context.

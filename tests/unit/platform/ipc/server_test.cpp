@@ -45,12 +45,14 @@ TEST_F(IpcTest, AHandlerThatThrowsAnswersEio) {
 
 TEST_F(IpcTest, AnAddressIsServedOnceAndALeftOverSocketIsReplaced) {
     root.write("run/ipc/0019fffe", "left by a killed process");
-    const PeerThread server;
+    auto server = std::make_unique<PeerThread>();
     EXPECT_THROW(PeerThread(), std::runtime_error);
     ASSERT_TRUE(endpoint->connect(peer));
     EXPECT_EQ(ask("a").status, 0);
     const auto permissions = std::filesystem::status(root.path() / "run/ipc/0019fffe").permissions();
     EXPECT_EQ(permissions & std::filesystem::perms::mask, std::filesystem::perms(0600));
+    server.reset();
+    EXPECT_TRUE(std::filesystem::is_empty(root.path() / "run/ipc"));
 }
 
 } // namespace

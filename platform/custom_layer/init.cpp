@@ -1,0 +1,50 @@
+#include "xpon/cfgdb/cfgdb_wrapper.hpp"
+#include "xpon/cfgdb/database_log.hpp"
+#include "xpon/core/guard.hpp"
+#include "xpon/custom_layer/custom_layer.h"
+#include "xpon/logger/logger.hpp"
+
+#include <cerrno>
+#include <memory>
+#include <utility>
+
+namespace {
+
+using xpon::cfgdb::CfgDbWrapper;
+
+/// The layer's own client of the configuration database, from one initialisation to the next. Its place is made
+/// after the first client, and so is gone before what the database keeps for the process.
+void keep(std::unique_ptr<CfgDbWrapper> client) {
+    static std::unique_ptr<CfgDbWrapper> kept;
+    kept = std::move(client);
+}
+
+bool has_client = false;
+
+xpon::core::Result<void> open_database() {
+    if (has_client) {
+        // A service that starts again finds the database as it is now, not as it was left open.
+        keep(nullptr);
+    }
+    keep(std::make_unique<CfgDbWrapper>("custom-layer"));
+    has_client = true;
+    return xpon::core::success();
+}
+
+} // namespace
+
+int custom_layer__init(zlog_category_s* category) {
+    using namespace xpon;
+
+    if (category == nullptr) {
+        errno = EINVAL;
+        return -1;
+    }
+    const auto logger = std::make_shared<logger::Logger>(category);
+    cfgdb::set_database_log(logger);
+    if (!core::guarded(*logger, open_database)) {
+        errno = EIO;
+        return -1;
+    }
+    return 0;
+}

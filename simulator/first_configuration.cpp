@@ -1,0 +1,57 @@
+#include "simulator/first_configuration.hpp"
+
+#include "simulator/plant/ont_layout.hpp"
+#include "xpon/cfgdb/cfgdb_wrapper.hpp"
+#include "xpon/cfgdb/element_functions.hpp"
+
+#include <cerrno>
+#include <cstring>
+#include <system_error>
+
+#include <fmt/format.h>
+
+namespace xpon::simulator {
+namespace {
+
+/// The factory's template for ONTs with data, voice and television.
+constexpr std::uint8_t usual_template = 2;
+
+core::Result<void> configure(const cfgdb::CfgDbWrapper& database, const OntPosition& position) {
+    const auto index = record_index_of(position);
+    const auto description = description_of(position);
+    cfgdb::PonOnt ont;
+    if (getDb_ZebGCfg_pon_ont(database.handle(), database.context(), &ont, &index) == 0) {
+        ont.serial = serial_of(position);
+        ont.enabled = 1;
+        ont.ont_template = usual_template;
+        std::strncpy(ont.description, description.c_str(), sizeof ont.description - 1);
+        if (setDb_ZebGCfg_pon_ont(database.handle(), database.context(), &ont, &index) == 0) {
+            return core::success();
+        }
+    }
+    return core::ErrorPayload(core::Error::ErrorCApi, fmt::format("{} cannot be configured: {}", description,
+                                                                  std::generic_category().message(errno)));
+}
+
+core::Result<void> configure_all(cfgdb::CfgDbWrapper& database, unsigned onts) {
+    for (unsigned nth = 0; nth < onts; ++nth) {
+        BOOST_OUTCOME_TRY(configure(database, position_of(nth)));
+    }
+    return database.commit(nullptr);
+}
+
+} // namespace
+
+core::Result<void> configure_fresh_olt(unsigned onts) {
+    if (onts == 0 || cfgdb::configuration_exists()) {
+        return core::success();
+    }
+    cfgdb::CfgDbWrapper database("olt_simulator");
+    auto result = configure_all(database, onts);
+    if (!result) {
+        std::ignore = database.rollback();
+    }
+    return result;
+}
+
+} // namespace xpon::simulator

@@ -1,0 +1,52 @@
+#include "simulator/options.hpp"
+
+#include "simulator/plant/ont_layout.hpp"
+
+#include <iostream>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+namespace xpon::simulator {
+namespace {
+
+PlantSize size_of(const NamedPlant& plant, std::optional<unsigned> onts, std::optional<unsigned> configured) {
+    const PlantSize size = onts ? PlantSize{.onts = *onts, .configured = 0} : plant.size;
+    return {.onts = size.onts, .configured = configured.value_or(size.configured)};
+}
+
+} // namespace
+
+std::variant<Options, int> parse_options(int count, const char* const* arguments) {
+    std::vector<std::string> names;
+    for (const auto& plant : named_plants()) {
+        names.emplace_back(plant.name);
+    }
+    std::string plant(default_plant);
+    std::optional<unsigned> onts;
+    std::optional<unsigned> configured;
+
+    CLI::App app("Plays the peer daemons of an OLT whose files are below the folder OLT_ROOT.", "olt_simulator");
+    app.add_option("--plant", plant, fmt::format("the plant to simulate (default: {})", default_plant))
+        ->check(CLI::IsMember(names));
+    app.add_option("--onts", onts, "physical ONTs, spread over the PON ports; instead of the plant's number")
+        ->check(CLI::Range(0U, max_onts));
+    app.add_option("--configured", configured, "how many of them a fresh OLT_ROOT already has configured")
+        ->check(CLI::Range(0U, max_onts));
+    try {
+        app.parse(count, arguments);
+        const auto size = size_of(*find_plant(plant), onts, configured);
+        if (size.configured > size.onts) {
+            throw CLI::ValidationError(
+                "--configured", fmt::format("{} is more than the {} ONTs of the plant", size.configured, size.onts));
+        }
+        return Options{size};
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error, std::cout, std::cerr) == 0 ? 0 : 2;
+    }
+}
+
+} // namespace xpon::simulator

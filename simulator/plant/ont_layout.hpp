@@ -1,0 +1,35 @@
+#pragma once
+
+#include <compare>
+#include <cstdint>
+#include <string>
+
+namespace xpon::simulator {
+
+inline constexpr unsigned pon_ports = 16;
+inline constexpr unsigned front_ports = 8;
+inline constexpr unsigned max_onts_per_port = 256;
+inline constexpr unsigned max_onts = pon_ports * max_onts_per_port;
+
+/// Where a physical ONT is: both numbers count from 1.
+struct OntPosition {
+    unsigned port = 1;
+    unsigned ont = 1;
+
+    auto operator<=>(const OntPosition&) const = default;
+};
+
+/// The place of the `nth` physical ONT, counted from 0 and below `max_onts`: one after the other goes to the next
+/// port, so that any number of them is spread evenly.
+OntPosition position_of(unsigned nth);
+
+/// Vendor id "SIMU" and the vendor's number, most significant byte first [G.984.3 9.2]; one of a kind per position.
+std::uint64_t serial_of(const OntPosition& position);
+
+/// 0-based index of the ONT's record in the configuration database.
+unsigned short record_index_of(const OntPosition& position);
+
+/// "ONT PORT/ONT".
+std::string description_of(const OntPosition& position);
+
+} // namespace xpon::simulator

@@ -1,0 +1,46 @@
+#include "simulator/simulator.hpp"
+
+#include "simulator/board_file.hpp"
+#include "simulator/first_configuration.hpp"
+#include "simulator/peers/peers.hpp"
+#include "simulator/plant/ont_layout.hpp"
+#include "simulator/single_instance.hpp"
+#include "simulator/stop_signals.hpp"
+#include "xpon/cfgdb/database_log.hpp"
+#include "xpon/olt_root/olt_root.hpp"
+
+#include <chrono>
+#include <filesystem>
+
+namespace xpon::simulator {
+namespace {
+
+/// A signal that comes just before the wait for requests is seen after it: how long a stop may take.
+constexpr std::chrono::milliseconds longest_wait{50};
+
+void make_folders() {
+    for (const auto* folder : {"/run", "/var/log", "/configuration", "/firmware"}) {
+        std::filesystem::create_directories(below_olt_root(folder));
+    }
+}
+
+} // namespace
+
+core::Result<void> run(const Options& options, const std::shared_ptr<core::ILogger>& logger,
+                       const std::function<void()>& ready) {
+    make_folders();
+    const SingleInstance instance;
+    cfgdb::set_database_log(logger);
+    BOOST_OUTCOME_TRY(configure_fresh_olt(options.size.configured));
+    const BoardFile board(pon_ports, front_ports);
+    Peers peers(EventLog(below_olt_root("/var/log/events.log")));
+    BOOST_OUTCOME_TRY(const auto server, ipc::make_zmq_server(logger));
+    BOOST_OUTCOME_TRY(peers.bind_to(*server));
+    ready();
+    while (!stop_requested()) {
+        BOOST_OUTCOME_TRY(server->serve(longest_wait));
+    }
+    return core::success();
+}
+
+} // namespace xpon::simulator

@@ -1,0 +1,193 @@
+#include "ipc/ipc_handle.hpp"
+#include "simulator/peers/peer_table.hpp"
+#include "simulator/plant/ont_layout.hpp"
+#include "tests/support/temporary_olt_root.hpp"
+#include "xpon/cfgdb/cfgdb_wrapper.hpp"
+#include "xpon/cfgdb/element_functions.hpp"
+#include "xpon/core/unique_fd.hpp"
+#include "xpon/service/config_change.hpp"
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <sys/wait.h>
+
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+namespace xpon::simulator {
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+
+/// A real olt_simulator; killed with the object unless it has been waited for.
+class Simulator {
+public:
+    explicit Simulator(std::vector<const char*> arguments) {
+        arguments.insert(arguments.begin(), OLT_SIMULATOR);
+        arguments.push_back(nullptr);
+        int ends[2];
+        if (pipe(ends) != 0) {
+            throw std::runtime_error("pipe");
+        }
+        output_ = core::UniqueFd(ends[0]);
+        const core::UniqueFd input(ends[1]);
+        pid_ = fork();
+        if (pid_ == 0) {
+            dup2(input.get(), STDOUT_FILENO);
+            dup2(input.get(), STDERR_FILENO);
+            execv(OLT_SIMULATOR, const_cast<char* const*>(arguments.data()));
+            _exit(127);
+        }
+    }
+    ~Simulator() {
+        if (pid_ > 0) {
+            kill(pid_, SIGKILL);
+            waitpid(pid_, nullptr, 0);
+        }
+    }
+    Simulator(const Simulator&) = delete;
+    Simulator& operator=(const Simulator&) = delete;
+
+    /// What it says next, up to the end of the line.
+    std::string read_line() const {
+        std::string line;
+        for (char byte = 0; read(output_.get(), &byte, 1) == 1 && byte != '\n';) {
+            line += byte;
+        }
+        return line;
+    }
+    /// Its exit status; minus the signal that ended it.
+    int end(int signal = 0) {
+        if (signal != 0) {
+            kill(pid_, signal);
+        }
+        int status = 0;
+        waitpid(std::exchange(pid_, -1), &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+    }
+    [[nodiscard]] pid_t pid() const {
+        return pid_;
+    }
+
+private:
+    core::UniqueFd output_;
+    pid_t pid_;
+};
+
+class SimulatorTest : public testing::Test {
+protected:
+    [[nodiscard]] bool exists(const char* path) const {
+        return std::filesystem::exists(root.path() / path);
+    }
+
+    static std::vector<unsigned> configured_onts() {
+        const cfgdb::CfgDbWrapper database("test");
+        std::vector<unsigned> found;
+        for (unsigned short index = 0; index < max_onts; ++index) {
+            cfgdb::PonOnt ont;
+            EXPECT_EQ(getRunDb_ZebGCfg_pon_ont(database.handle(), &ont, &index), 0);
+            if (ont.serial != 0) {
+                found.push_back(index);
+            }
+        }
+        return found;
+    }
+
+    test::TemporaryOltRoot root;
+};
+
+constexpr auto ready = "olt_simulator is ready";
+
+TEST_F(SimulatorTest, PlaysEveryPeerAndWritesDownCommits) {
+    Simulator simulator({"--plant", "empty"});
+    ASSERT_EQ(simulator.read_line(), ready);
+    EXPECT_EQ(root.read("run/board"), "pon_ports 16\nfront_ports 8\n");
+    const auto endpoint = ipc::make_zmq_ipc({0x1bffff}, "none").value();
+    for (const auto& peer : peer_table) {
+        const auto connected = endpoint->connect(peer.address);
+        ASSERT_TRUE(connected) << peer.name << connected.error().to_string();
+        const auto unknown = static_cast<ipc::Operation>(0xffff);
+        EXPECT_EQ(endpoint->raw()->request(peer.address, unknown, {}, Ipc::default_deadline).status, EOPNOTSUPP);
+    }
+    const service::Config_change changes[] = {{1, {0, 0}}, {2, {5, 0}}, {2, {6, 0}}};
+    endpoint->raw()->notify_all(ipc::Operation::configuration_changed, std::as_bytes(std::span(changes)));
+    // The answer to a later request says that the notice has been served.
+    const auto system_manager = peer_table.front().address;
+    endpoint->raw()->request(system_manager, static_cast<ipc::Operation>(0xffff), {}, Ipc::default_deadline);
+    EXPECT_THAT(root.read("var/log/events.log"),
+                EndsWith("Z commit by 0x001bffff: CommonGCfg.hostname=1 ZebGCfg.pon.ont=2\n"));
+}
+
+TEST_F(SimulatorTest, StopsOnSignalsAndLeavesNothingBehind) {
+    for (const int signal : {SIGTERM, SIGINT}) {
+        Simulator simulator({"--plant", "empty"});
+        ASSERT_EQ(simulator.read_line(), ready);
+        EXPECT_EQ(root.read("run/olt_simulator.pid"), std::to_string(simulator.pid()) + "\n");
+        const auto begin = std::chrono::steady_clock::now();
+        EXPECT_EQ(simulator.end(signal), 0);
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2));
+        EXPECT_FALSE(exists("run/olt_simulator.pid"));
+        EXPECT_FALSE(exists("run/board"));
+        EXPECT_TRUE(std::filesystem::is_empty(root.path() / "run/ipc"));
+    }
+}
+
+TEST_F(SimulatorTest, ServesAnOltRootAloneUntilItIsKilled) {
+    Simulator first({"--plant", "empty"});
+    ASSERT_EQ(first.read_line(), ready);
+    Simulator second({"--plant", "empty"});
+    EXPECT_EQ(second.read_line(), "olt_simulator: process " + std::to_string(first.pid()) + " simulates the OLT in " +
+                                      root.path().string() + "/ already; stop it first");
+    EXPECT_EQ(second.end(), 1);
+    EXPECT_EQ(root.read("run/olt_simulator.pid"), std::to_string(first.pid()) + "\n");
+    EXPECT_TRUE(ipc::make_zmq_ipc({0x1bffff}, "none").value()->connect(peer_table.front().address));
+
+    EXPECT_EQ(first.end(SIGKILL), -SIGKILL);
+    Simulator third({"--plant", "empty"});
+    EXPECT_EQ(third.read_line(), ready);
+}
+
+TEST_F(SimulatorTest, ConfiguresAFreshOltOnce) {
+    {
+        Simulator simulator({"--onts", "40", "--configured", "18"});
+        ASSERT_EQ(simulator.read_line(), ready);
+        EXPECT_EQ(simulator.end(SIGTERM), 0);
+    }
+    std::vector<unsigned> expected{0, 1, 256, 257};
+    for (unsigned port = 3; port <= 16; ++port) {
+        expected.push_back((port - 1) * 256);
+    }
+    EXPECT_EQ(configured_onts(), expected);
+    {
+        const cfgdb::CfgDbWrapper database("test");
+        const unsigned short index = 257;
+        cfgdb::PonOnt ont;
+        ASSERT_EQ(getRunDb_ZebGCfg_pon_ont(database.handle(), &ont, &index), 0);
+        EXPECT_EQ(ont.serial, serial_of({2, 2}));
+        EXPECT_STREQ(ont.description, "ONT 2/2");
+        EXPECT_EQ(ont.ont_template, 2);
+        EXPECT_EQ(ont.enabled, 1);
+        EXPECT_STREQ(ont.password, "");
+    }
+    {
+        Simulator simulator({"--onts", "40", "--configured", "40"});
+        ASSERT_EQ(simulator.read_line(), ready);
+    }
+    EXPECT_EQ(configured_onts(), expected);
+}
+
+TEST_F(SimulatorTest, SaysWhyItCannotStart) {
+    root.write("run", "no folder");
+    Simulator simulator({});
+    EXPECT_THAT(simulator.read_line(), HasSubstr(root.path().string() + "/run"));
+    EXPECT_EQ(simulator.end(), 1);
+}
+
+} // namespace
+} // namespace xpon::simulator
