@@ -12,6 +12,7 @@
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 
 namespace xpon::test {
 namespace {
@@ -25,7 +26,8 @@ class KillAfter {
 public:
     KillAfter(Process& victim, std::chrono::microseconds delay)
         : thread_([&victim, delay] {
-              std::this_thread::sleep_for(delay);
+              const timespec moment{.tv_sec = 0, .tv_nsec = delay.count() * 1000};
+              ::ppoll(nullptr, 0, &moment, nullptr); // any moment will do
               victim.send_signal(SIGKILL);
           }) {}
 
