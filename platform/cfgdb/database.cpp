@@ -1,5 +1,6 @@
 #include "cfgdb/database.hpp"
 
+#include "cfgdb/commit.hpp"
 #include "cfgdb/factory.hpp"
 #include "cfgdb/users.hpp"
 #include "serializer/c_boundary.hpp"
@@ -98,14 +99,7 @@ void Database::reset(const RecordId& id) const {
 
 core::Result<std::vector<RecordId>> Database::commit() const {
     WriteTransaction transaction(environment_);
-    RecordWriter writer(transaction);
-    auto changes = writer.list(Store::candidate);
-    if (changes.empty()) {
-        return core::ErrorPayload(core::Error::Empty, "Nothing to commit");
-    }
-    for (const auto& id : changes) {
-        writer.accept(id);
-    }
+    BOOST_OUTCOME_TRY(auto changes, apply_candidate(transaction));
     transaction.commit();
     return changes;
 }
