@@ -7,7 +7,7 @@ namespace xpon::cfgdb {
 Key& Key::add(std::string_view text) {
     const auto length = std::min(text.size(), bytes_.size() - size_);
     std::memcpy(bytes_.data() + size_, text.data(), length);
-    size_ += length;
+    size_ = static_cast<std::uint8_t>(size_ + length);
     return *this;
 }
 

@@ -3,8 +3,9 @@
 #include "cfgdb/element.hpp"
 #include "cfgdb/transaction.hpp"
 
+#include <algorithm>
 #include <array>
-#include <bit>
+#include <compare>
 #include <concepts>
 #include <cstring>
 #include <optional>
@@ -33,13 +34,22 @@ public:
     /// A text of up to 32 bytes, as the last part.
     Key& add(std::string_view text);
 
+    /// As LMDB sorts keys.
+    friend bool operator==(const Key& left, const Key& right) {
+        return std::ranges::equal(Bytes(left), Bytes(right));
+    }
+    friend std::strong_ordering operator<=>(const Key& left, const Key& right) {
+        return std::lexicographical_compare_three_way(left.bytes_.begin(), left.bytes_.begin() + left.size_,
+                                                      right.bytes_.begin(), right.bytes_.begin() + right.size_);
+    }
+
     operator Bytes() const { // NOLINT(google-explicit-constructor): a key is its bytes
         return {bytes_.data(), size_};
     }
 
 private:
     std::array<std::byte, 40> bytes_;
-    std::size_t size_ = 0;
+    std::uint8_t size_ = 0;
 };
 
 /// Takes the parts of a key apart again, from the front.

@@ -69,7 +69,7 @@ consteval Field enumeration(Member<Enumeration> member, const char* const (&name
     auto field = field_of(Kind::enumeration, member);
     field.max = count - 1;
     field.names = names;
-    field.default_number = default_value;
+    field.default_number = static_cast<std::int64_t>(default_value);
     require(field.default_number <= field.max);
     return field;
 }
