@@ -102,6 +102,9 @@ unsigned mode_of(int flags, va_list arguments) {
 
 #define EXPORTED extern "C" __attribute__((visibility("default")))
 
+// The C library's names; its parameters' names are reserved ones.
+// NOLINTBEGIN(bugprone-reserved-identifier, readability-identifier-naming)
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
 EXPORTED int open(const char* path, int flags, ...) {
     if (is_device(path)) {
         return open_board(flags);
@@ -131,7 +134,7 @@ EXPORTED int open64(const char* path, int flags, ...) __attribute__((alias("open
 EXPORTED int openat64(int folder, const char* path, int flags, ...) __attribute__((alias("openat")));
 
 // What open becomes where the flags are no constant and the C library's checks are on.
-EXPORTED int __open_2(const char* path, int flags) { // NOLINT(bugprone-reserved-identifier): the C library's name
+EXPORTED int __open_2(const char* path, int flags) {
     return is_device(path) ? open_board(flags) : next<int(const char*, int)>("__open_2")(path, flags);
 }
 
@@ -144,3 +147,5 @@ EXPORTED int ioctl(int fd, unsigned long request, ...) noexcept {
     return answer_as_board(fd, request, argument, result) ? result
                                                           : next<decltype(ioctl)>("ioctl")(fd, request, argument);
 }
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)
+// NOLINTEND(bugprone-reserved-identifier, readability-identifier-naming)

@@ -77,7 +77,7 @@ int CfgDbWrapper::context() const {
 }
 
 bool configuration_exists() {
-    return Database::exists();
+    return Database::is_configured();
 }
 
 } // namespace xpon::cfgdb

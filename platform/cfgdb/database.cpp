@@ -1,7 +1,10 @@
 #include "cfgdb/database.hpp"
 
 #include "cfgdb/commit.hpp"
+#include "cfgdb/durable_file.hpp"
 #include "cfgdb/factory.hpp"
+#include "cfgdb/saved_configuration.hpp"
+#include "cfgdb/startup.hpp"
 #include "cfgdb/users.hpp"
 #include "serializer/c_boundary.hpp"
 #include "serializer/object_json.hpp"
@@ -38,6 +41,11 @@ void for_each_below(const RecordId& id, const Visit& visit) {
     }
 }
 
+void copy_record(const Records& records, Store store, const RecordId& id, std::byte* out) {
+    const auto record = store == Store::running ? records.running(id) : records.candidate(id);
+    std::memcpy(out, record.data(), record.size());
+}
+
 } // namespace
 
 std::shared_ptr<Database> Database::shared() {
@@ -50,32 +58,26 @@ std::shared_ptr<Database> Database::shared() {
     return database;
 }
 
-bool Database::exists() {
+bool Database::is_configured() {
     std::error_code ignored;
-    return std::filesystem::exists(database_folder() + "/data.mdb", ignored);
+    return saved_configuration_exists() || std::filesystem::exists(database_folder() + "/data.mdb", ignored);
 }
 
 Database::Database(const std::string& folder) : environment_(folder) {
-    fill_when_new();
-}
-
-// Whoever comes second waits for the transaction of the first and finds the mark.
-void Database::fill_when_new() const {
-    WriteTransaction transaction(environment_);
-    const auto mark = Key(Store::meta).add("filled");
-    if (transaction.get(mark)) {
-        return;
-    }
-    put_default_users(transaction);
-    transaction.put(mark, {});
-    transaction.commit();
+    fill_when_new(environment_);
 }
 
 void Database::read(Store store, const RecordId& id, std::byte* out) const {
     const ReadTransaction transaction(environment_);
+    copy_record(Records(transaction), store, id, out);
+}
+
+void Database::read_all(Store store, ElementId id, std::byte* out) const {
+    const ReadTransaction transaction(environment_);
     const Records records(transaction);
-    const auto record = store == Store::running ? records.running(id) : records.candidate(id);
-    std::memcpy(out, record.data(), record.size());
+    for (std::uint16_t index = 0; index < element(id).sizes[0]; ++index) {
+        copy_record(records, store, {id, {index, 0}}, out + std::size_t{index} * element(id).table.size);
+    }
 }
 
 void Database::write(const RecordId& id, const std::byte* record) const {
@@ -113,9 +115,40 @@ void Database::rollback() const {
     transaction.commit();
 }
 
+void Database::save(const std::string& path) const {
+    std::string text;
+    {
+        const ReadTransaction transaction(environment_);
+        text = print_saved_configuration(Records(transaction));
+    }
+    write_durably(path, text);
+}
+
+void Database::set_candidate_to_factory() const {
+    WriteTransaction transaction(environment_);
+    RecordWriter writer(transaction);
+    for (const auto store : {Store::candidate, Store::running}) {
+        for (const auto& id : writer.list(store)) {
+            writer.set_candidate(id, factory_record(id));
+        }
+    }
+    transaction.commit();
+}
+
+void Database::restart() const {
+    restart_from_saved(environment_);
+}
+
 std::optional<User_record> Database::find_user(std::string_view name) const {
     const ReadTransaction transaction(environment_);
     return cfgdb::find_user(transaction, name);
+}
+
+const Database& database_of(const void* handle) {
+    if (handle == nullptr) {
+        fail_with(EINVAL);
+    }
+    return *static_cast<const Database*>(handle);
 }
 
 } // namespace xpon::cfgdb

@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -20,13 +21,16 @@ public:
     /// The process's open database; opened by the first caller, closed when the last pointer goes. Throws
     /// std::runtime_error with the path and the cause.
     static std::shared_ptr<Database> shared();
-    /// Whether there is a database to open, without opening it.
-    static bool exists();
+    /// Whether there is a configuration to open or to load, without doing so.
+    static bool is_configured();
 
     explicit Database(const std::string& folder);
 
     /// Reads one record; `out` has the size of its type.
     void read(Store store, const RecordId& id, std::byte* out) const;
+
+    /// Reads all records of an element of depth 1, one behind the other.
+    void read_all(Store store, ElementId id, std::byte* out) const;
 
     /// Sets one record of the candidate. Throws std::system_error EINVAL for a record that no reader makes, such as a
     /// list of more elements than it has room for.
@@ -40,12 +44,24 @@ public:
 
     void rollback() const;
 
+    /// Writes running to a file.
+    void save(const std::string& path) const;
+    void set_candidate_to_factory() const;
+    /// Running becomes what a start would make it.
+    void restart() const;
+
     [[nodiscard]] std::optional<User_record> find_user(std::string_view name) const;
 
-private:
-    void fill_when_new() const;
+    /// For readers that need several records of one moment.
+    [[nodiscard]] const Environment& environment() const {
+        return environment_;
+    }
 
+private:
     Environment environment_;
 };
+
+/// The database behind the handle that C functions get. Throws std::system_error EINVAL for null.
+const Database& database_of(const void* handle);
 
 } // namespace xpon::cfgdb

@@ -10,13 +10,6 @@ namespace {
 using namespace xpon;
 using namespace xpon::cfgdb;
 
-const Database& database_of(const void* handle) {
-    if (handle == nullptr) {
-        fail_with(EINVAL);
-    }
-    return *static_cast<const Database*>(handle);
-}
-
 RecordId make_id(ElementId id, const unsigned short* indices) {
     const auto& row = element(id);
     RecordId result{id, {}};
@@ -72,3 +65,14 @@ int reset_record(const void* handle, ElementId id, const unsigned short* indices
     }
 
 XPON_CFGDB_ELEMENTS(XPON_DEFINE_CFGDB_FUNCTIONS)
+
+int getRunDbArray_ZebGCfg_switch_config_front_port(const void* db, FrontPort* out) {
+    return c_call([&] {
+        if (out == nullptr) {
+            fail_with(EINVAL);
+        }
+        constexpr auto id = element_of<FrontPort>;
+        std::memset(out, 0, (element(id).sizes[0] + 1U) * sizeof(FrontPort));
+        database_of(db).read_all(Store::running, id, reinterpret_cast<std::byte*>(out + 1));
+    });
+}

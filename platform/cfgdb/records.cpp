@@ -19,6 +19,15 @@ void report_foreign_record(ElementId id) {
     }
 }
 
+/// Whether the value was stored by a version with another description of the record.
+bool is_foreign(const Element& row, Bytes value) {
+    Stamp stamp = 0;
+    if (value.size() == sizeof(Stamp) + row.table.size) {
+        std::memcpy(&stamp, value.data(), sizeof(Stamp));
+    }
+    return stamp != row.table.stamp;
+}
+
 } // namespace
 
 std::optional<Bytes> Records::find(Store store, const RecordId& id) const {
@@ -26,12 +35,7 @@ std::optional<Bytes> Records::find(Store store, const RecordId& id) const {
     if (!value) {
         return {};
     }
-    const auto& table = element(id.element).table;
-    Stamp stamp = 0;
-    if (value->size() == sizeof(Stamp) + table.size) {
-        std::memcpy(&stamp, value->data(), sizeof(Stamp));
-    }
-    if (stamp != table.stamp) {
+    if (is_foreign(element(id.element), *value)) {
         report_foreign_record(id.element);
         return factory_record(id);
     }
@@ -79,6 +83,24 @@ void RecordWriter::accept(const RecordId& id) {
 
 void RecordWriter::reject(const RecordId& id) {
     transaction_.erase(record_key(Store::candidate, id));
+}
+
+void RecordWriter::drop_foreign(Store store) {
+    std::vector<std::vector<std::byte>> keys;
+    const Key prefix(store);
+    transaction_.visit(prefix, prefix, [&](Bytes key, Bytes value) {
+        const auto id = record_of(key);
+        if (!id || is_foreign(element(id->element), value)) {
+            keys.emplace_back(key.begin(), key.end());
+            if (id) {
+                report_foreign_record(id->element);
+            }
+        }
+        return true;
+    });
+    for (const auto& key : keys) {
+        transaction_.erase(key);
+    }
 }
 
 void RecordWriter::put(Store store, const RecordId& id, Bytes record) {

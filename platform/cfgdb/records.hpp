@@ -50,6 +50,9 @@ public:
     /// Drops one record from the candidate.
     void reject(const RecordId& id);
 
+    /// Removes the records of a store that another version stored.
+    void drop_foreign(Store store);
+
 private:
     void put(Store store, const RecordId& id, Bytes record);
 

@@ -169,6 +169,7 @@ public:
     Result<void> serve(std::chrono::milliseconds timeout) override {
         return core::guarded(*logger_, [&]() -> Result<void> {
             std::vector<zmq_pollitem_t> items;
+            items.reserve(peers_.size());
             for (const auto& peer : peers_) {
                 items.push_back(poll_item(peer->socket(), ZMQ_POLLIN));
             }

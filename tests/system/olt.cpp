@@ -41,7 +41,7 @@ OltFolder::~OltFolder() {
     std::filesystem::remove_all(path_, ignored);
 }
 
-Olt::Olt() : pam_folder(root() / "etc/pam.d") {
+Olt::Olt() {
     isolate_this_process();
     notify_ = std::make_unique<NotifySocket>(root() / "run/notify");
 }
@@ -70,7 +70,8 @@ void Olt::start_daemon() {
                     {
                         {"LD_PRELOAD", sanitizer_runtime + separator + "libpam_wrapper.so:" + OLT_BOARD},
                         {"PAM_WRAPPER", "1"},
-                        {"PAM_WRAPPER_SERVICE_DIR", pam_folder},
+                        {"PAM_WRAPPER_SERVICE_DIR", pam_folder()},
+                        {"PAM_WRAPPER_USE_SYSLOG", "1"}, // nobody empties its standard error
                         {"NOTIFY_SOCKET", root() / "run/notify"},
                     });
     if (!sanitizer_runtime.empty()) {

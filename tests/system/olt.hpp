@@ -65,8 +65,10 @@ public:
     /// The same, logged in with the user's name as password.
     static client::Client log_in(const std::string& user);
 
-    /// The folder from which the daemon takes its PAM service file: the demo users' one unless changed.
-    const std::filesystem::path pam_folder;
+    /// Where the daemon's PAM service file lies.
+    [[nodiscard]] std::filesystem::path pam_folder() const {
+        return root() / "etc/pam.d";
+    }
 
 private:
     [[nodiscard]] Environment environment() const;

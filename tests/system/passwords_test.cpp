@@ -74,7 +74,7 @@ TEST(Passwords, ShippedPamFileNeverDelays) {
     fs::create_directories("/run/faillock");
     ASSERT_TRUE(overlay(passwd, "/etc/passwd") && overlay(shadow, "/etc/shadow") &&
                 overlay(olt.root() / "tmp/faillock", "/run/faillock"));
-    fs::copy_file(XPON_SOURCE_DIR "/packaging/pam/api_service", olt.pam_folder / "api_service",
+    fs::copy_file(XPON_SOURCE_DIR "/packaging/pam/api_service", olt.pam_folder() / "api_service",
                   fs::copy_options::overwrite_existing);
     olt.start();
 

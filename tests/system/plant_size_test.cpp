@@ -1,5 +1,6 @@
 #include "tests/system/olt.hpp"
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,10 @@ int configured_onts(client::Client& client) {
 struct Size {
     std::vector<std::string> options;
     int configured;
+
+    friend void PrintTo(const Size& size, std::ostream* out) {
+        *out << testing::PrintToString(size.options);
+    }
 };
 
 class PlantSize : public testing::TestWithParam<Size> {};

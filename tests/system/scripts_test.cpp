@@ -5,6 +5,8 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <ostream>
 #include <string>
 #include <string_view>
 
@@ -137,6 +139,10 @@ struct Session {
     const char* heading;
     const char* language;
     const char* interpreter;
+
+    friend void PrintTo(const Session& session, std::ostream* out) {
+        *out << session.heading;
+    }
 };
 
 class ReadmeSession : public testing::TestWithParam<Session> {};

@@ -2,16 +2,15 @@
 #include "simulator/peers/peer_table.hpp"
 #include "simulator/plant/ont_layout.hpp"
 #include "tests/support/temporary_olt_root.hpp"
+#include "tests/system/process.hpp"
 #include "xpon/cfgdb/cfgdb_wrapper.hpp"
 #include "xpon/cfgdb/element_functions.hpp"
-#include "xpon/core/unique_fd.hpp"
 #include "xpon/service/config_change.hpp"
 
 #include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <sys/wait.h>
@@ -25,59 +24,20 @@ namespace {
 using testing::EndsWith;
 using testing::HasSubstr;
 
-/// A real olt_simulator; killed with the object unless it has been waited for.
-class Simulator {
+class Simulator : public test::Process {
 public:
-    explicit Simulator(std::vector<const char*> arguments) {
-        arguments.insert(arguments.begin(), OLT_SIMULATOR);
-        arguments.push_back(nullptr);
-        int ends[2];
-        if (pipe(ends) != 0) {
-            throw std::runtime_error("pipe");
-        }
-        output_ = core::UniqueFd(ends[0]);
-        const core::UniqueFd input(ends[1]);
-        pid_ = fork();
-        if (pid_ == 0) {
-            dup2(input.get(), STDOUT_FILENO);
-            dup2(input.get(), STDERR_FILENO);
-            execv(OLT_SIMULATOR, const_cast<char* const*>(arguments.data()));
-            _exit(127);
-        }
-    }
-    ~Simulator() {
-        if (pid_ > 0) {
-            kill(pid_, SIGKILL);
-            waitpid(pid_, nullptr, 0);
-        }
-    }
-    Simulator(const Simulator&) = delete;
-    Simulator& operator=(const Simulator&) = delete;
+    explicit Simulator(std::vector<std::string> arguments) : Process(with_program(std::move(arguments)), {}) {}
 
-    /// What it says next, up to the end of the line.
-    std::string read_line() const {
-        std::string line;
-        for (char byte = 0; read(output_.get(), &byte, 1) == 1 && byte != '\n';) {
-            line += byte;
-        }
-        return line;
-    }
-    /// Its exit status; minus the signal that ended it.
-    int end(int signal = 0) {
-        if (signal != 0) {
-            kill(pid_, signal);
-        }
-        int status = 0;
-        waitpid(std::exchange(pid_, -1), &status, 0);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
-    }
-    [[nodiscard]] pid_t pid() const {
-        return pid_;
+    std::optional<int> end(int signal) {
+        send_signal(signal);
+        return wait();
     }
 
 private:
-    core::UniqueFd output_;
-    pid_t pid_;
+    static std::vector<std::string> with_program(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), OLT_SIMULATOR);
+        return arguments;
+    }
 };
 
 class SimulatorTest : public testing::Test {
@@ -106,7 +66,7 @@ constexpr auto ready = "olt_simulator is ready";
 
 TEST_F(SimulatorTest, PlaysEveryPeerAndWritesDownCommits) {
     Simulator simulator({"--plant", "empty"});
-    ASSERT_EQ(simulator.read_line(), ready);
+    ASSERT_TRUE(simulator.wait_for_line(ready));
     EXPECT_EQ(root.read("run/board"), "pon_ports 16\nfront_ports 8\n");
     const auto endpoint = ipc::make_zmq_ipc({0x1bffff}, "none").value();
     for (const auto& peer : peer_table) {
@@ -127,7 +87,7 @@ TEST_F(SimulatorTest, PlaysEveryPeerAndWritesDownCommits) {
 TEST_F(SimulatorTest, StopsOnSignalsAndLeavesNothingBehind) {
     for (const int signal : {SIGTERM, SIGINT}) {
         Simulator simulator({"--plant", "empty"});
-        ASSERT_EQ(simulator.read_line(), ready);
+        ASSERT_TRUE(simulator.wait_for_line(ready));
         EXPECT_EQ(root.read("run/olt_simulator.pid"), std::to_string(simulator.pid()) + "\n");
         const auto begin = std::chrono::steady_clock::now();
         EXPECT_EQ(simulator.end(signal), 0);
@@ -140,23 +100,23 @@ TEST_F(SimulatorTest, StopsOnSignalsAndLeavesNothingBehind) {
 
 TEST_F(SimulatorTest, ServesAnOltRootAloneUntilItIsKilled) {
     Simulator first({"--plant", "empty"});
-    ASSERT_EQ(first.read_line(), ready);
+    ASSERT_TRUE(first.wait_for_line(ready));
     Simulator second({"--plant", "empty"});
-    EXPECT_EQ(second.read_line(), "olt_simulator: process " + std::to_string(first.pid()) + " simulates the OLT in " +
-                                      root.path().string() + "/ already; stop it first");
-    EXPECT_EQ(second.end(), 1);
+    EXPECT_EQ(second.wait(), 1);
+    EXPECT_EQ(second.output(), "olt_simulator: process " + std::to_string(first.pid()) + " simulates the OLT in " +
+                                   root.path().string() + "/ already; stop it first\n");
     EXPECT_EQ(root.read("run/olt_simulator.pid"), std::to_string(first.pid()) + "\n");
     EXPECT_TRUE(ipc::make_zmq_ipc({0x1bffff}, "none").value()->connect(peer_table.front().address));
 
-    EXPECT_EQ(first.end(SIGKILL), -SIGKILL);
+    EXPECT_EQ(first.end(SIGKILL), 128 + SIGKILL);
     Simulator third({"--plant", "empty"});
-    EXPECT_EQ(third.read_line(), ready);
+    EXPECT_TRUE(third.wait_for_line(ready));
 }
 
 TEST_F(SimulatorTest, ConfiguresAFreshOltOnce) {
     {
         Simulator simulator({"--onts", "40", "--configured", "18"});
-        ASSERT_EQ(simulator.read_line(), ready);
+        ASSERT_TRUE(simulator.wait_for_line(ready));
         EXPECT_EQ(simulator.end(SIGTERM), 0);
     }
     std::vector<unsigned> expected{0, 1, 256, 257};
@@ -177,7 +137,7 @@ TEST_F(SimulatorTest, ConfiguresAFreshOltOnce) {
     }
     {
         Simulator simulator({"--onts", "40", "--configured", "40"});
-        ASSERT_EQ(simulator.read_line(), ready);
+        ASSERT_TRUE(simulator.wait_for_line(ready));
     }
     EXPECT_EQ(configured_onts(), expected);
 }
@@ -185,8 +145,8 @@ TEST_F(SimulatorTest, ConfiguresAFreshOltOnce) {
 TEST_F(SimulatorTest, SaysWhyItCannotStart) {
     root.write("run", "no folder");
     Simulator simulator({});
-    EXPECT_THAT(simulator.read_line(), HasSubstr(root.path().string() + "/run"));
-    EXPECT_EQ(simulator.end(), 1);
+    EXPECT_EQ(simulator.wait(), 1);
+    EXPECT_THAT(simulator.output(), HasSubstr(root.path().string() + "/run"));
 }
 
 } // namespace

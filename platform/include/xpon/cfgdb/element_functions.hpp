@@ -25,6 +25,9 @@
 
 extern "C" {
 XPON_CFGDB_ELEMENTS(XPON_DECLARE_CFGDB_FUNCTIONS)
+
+// Reads the running front ports into `out`, an array of 17 that is indexed by port number; element 0 is zero.
+int getRunDbArray_ZebGCfg_switch_config_front_port(const void* db, xpon::cfgdb::FrontPort* out);
 }
 
 #undef XPON_DECLARE_CFGDB_FUNCTIONS

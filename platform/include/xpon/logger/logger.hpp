@@ -2,6 +2,7 @@
 
 #include "xpon/core/logger.hpp"
 #include "xpon/core/result.hpp"
+#include "xpon/core/unique_fd.hpp"
 
 #include <memory>
 #include <source_location>
@@ -15,10 +16,14 @@ namespace xpon::logger {
 /// The process's connection to the logging back end; closing it ends all logging. One at a time per process.
 class LoggerContext {
 public:
-    LoggerContext() = default;
+    /// `configuration` is the file that the back end reads and locks.
+    explicit LoggerContext(core::UniqueFd configuration);
     LoggerContext(const LoggerContext&) = delete;
     LoggerContext& operator=(const LoggerContext&) = delete;
     ~LoggerContext();
+
+private:
+    core::UniqueFd configuration_;
 };
 
 /// Writes the lines of one zlog category. Needs a LoggerContext that outlives it.

@@ -34,6 +34,7 @@ public:
     ServiceBase() = default;
     ServiceBase(const ServiceBase&) = delete;
     ServiceBase& operator=(const ServiceBase&) = delete;
+    ~ServiceBase() override = default;
 
     bool is_required_master_change_event() override;
 

@@ -1,5 +1,5 @@
 // Asks the board as the daemon does, in each way of opening it, and other files and descriptors besides; prints what
-// came back.
+// came back. The argument is a file that it may make.
 
 #include <cerrno>
 #include <cstdio>
@@ -40,7 +40,7 @@ int main(int, char** arguments) {
     const bool piped = pipe(pipe_ends) == 0 && write(pipe_ends[1], "abc", 3) == 3;
     const int status = piped ? ioctl(pipe_ends[0], FIONREAD, &waiting) : -1;
     std::printf("other ioctl: %d %d\n", status, waiting);
-    const int made = open("made", O_CREAT | O_RDWR | O_EXCL, 0640);
+    const int made = open(arguments[1], O_CREAT | O_RDWR | O_EXCL, 0640);
     std::printf("other open: %s\n", made >= 0 ? "made" : std::strerror(errno));
-    unlink("made");
+    unlink(arguments[1]);
 }

@@ -1,8 +1,6 @@
 #include "tests/support/temporary_olt_root.hpp"
+#include "tests/system/process.hpp"
 
-#include <array>
-#include <cstdio>
-#include <memory>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -17,16 +15,14 @@ class BoardTest : public testing::Test {
 protected:
     /// What the reader prints with `preloaded` libraries.
     std::string run(const std::string& program, const std::string& preloaded) const {
-        const auto command = "cd '" + root.path().string() + "' && LD_PRELOAD='" + preloaded +
-                             "' PAM_WRAPPER=1 PAM_WRAPPER_SERVICE_DIR='" + root.path().string() + "' TMPDIR='" +
-                             root.path().string() + "' PAM_WRAPPER_DISABLE_DEEPBIND=1 " + program + " 2>&1";
-        const std::unique_ptr<FILE, int (*)(FILE*)> output(popen(command.c_str(), "r"), pclose);
-        std::string text;
-        std::array<char, 4096> part{};
-        for (std::size_t size = 0; (size = std::fread(part.data(), 1, part.size(), output.get())) > 0;) {
-            text.append(part.data(), size);
-        }
-        return text;
+        const auto folder = root.path().string();
+        test::Process reader({program, folder + "/made"}, {{"LD_PRELOAD", preloaded},
+                                                           {"PAM_WRAPPER", "1"},
+                                                           {"PAM_WRAPPER_SERVICE_DIR", folder},
+                                                           {"PAM_WRAPPER_DISABLE_DEEPBIND", "1"},
+                                                           {"TMPDIR", folder}});
+        EXPECT_EQ(reader.wait(), 0);
+        return reader.output();
     }
 
     test::TemporaryOltRoot root;

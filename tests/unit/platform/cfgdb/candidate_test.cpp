@@ -144,6 +144,22 @@ TEST_F(Candidate, DropsTheServicesOfADeletedOnt) {
     EXPECT_EQ(service.c_vid, 7);
 }
 
+TEST_F(Candidate, GivesAllFrontPortsByTheirNumbers) {
+    FrontPort port{};
+    port.max_frame_size = 9000;
+    const unsigned short last = 15;
+    ASSERT_EQ(setDb_ZebGCfg_switch_config_front_port(client_.handle(), 0, &port, &last), 0);
+    EXPECT_EQ(commit(), Error::NoError);
+    FrontPort ports[17];
+    std::memset(ports, 'x', sizeof(ports));
+    ASSERT_EQ(getRunDbArray_ZebGCfg_switch_config_front_port(client_.handle(), ports), 0);
+    EXPECT_EQ(ports[0].enabled, 0);
+    EXPECT_EQ(ports[0].max_frame_size, 0);
+    EXPECT_EQ(ports[1].enabled, 1);
+    EXPECT_EQ(ports[15].max_frame_size, 2000);
+    EXPECT_EQ(ports[16].max_frame_size, 9000);
+}
+
 TEST_F(Candidate, RefusesIndicesBeyondTheTable) {
     PonOnt ont{};
     ont.enabled = 1;

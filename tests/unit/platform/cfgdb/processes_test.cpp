@@ -2,12 +2,12 @@
 #include "cfgdb/keys.hpp"
 #include "cfgdb/transaction.hpp"
 #include "tests/support/recording_logger.hpp"
+#include "tests/unit/platform/cfgdb/child.hpp"
 #include "tests/unit/platform/cfgdb/temporary_root.hpp"
 #include "xpon/cfgdb/cfgdb_wrapper.hpp"
 #include "xpon/cfgdb/database_log.hpp"
 #include "xpon/cfgdb/element_functions.hpp"
 
-#include <csignal>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -21,45 +21,7 @@
 namespace xpon::cfgdb {
 namespace {
 
-/// A child process that runs `work`, which says with `report` how far it is; killed with the object.
-class Child {
-public:
-    template <class Work>
-    explicit Child(const Work& work) {
-        int ends[2];
-        EXPECT_EQ(pipe(ends), 0);
-        reading_end_ = ends[0];
-        process_ = fork();
-        if (process_ == 0) {
-            work([end = ends[1]] { EXPECT_EQ(write(end, "x", 1), 1); });
-            _exit(0);
-        }
-        close(ends[1]);
-    }
-    Child(const Child&) = delete;
-    Child& operator=(const Child&) = delete;
-    ~Child() {
-        kill(process_, SIGKILL);
-        wait_for_end();
-        close(reading_end_);
-    }
-
-    void wait_for_report() const {
-        char byte = 0;
-        EXPECT_EQ(read(reading_end_, &byte, 1), 1);
-    }
-    void wait_for_end() const {
-        waitpid(process_, nullptr, 0);
-    }
-    void kill_hard() const {
-        kill(process_, SIGKILL);
-        wait_for_end();
-    }
-
-private:
-    int reading_end_ = -1;
-    pid_t process_ = -1;
-};
+using test::Child;
 
 GSystemHostname make_hostname(const std::string& name) {
     GSystemHostname record{};
@@ -152,29 +114,43 @@ TEST(Processes, LeaveAConsistentDatabaseWhenKilled) {
 TEST(Processes, ReadRecordsOfAnotherVersionAsFactoryState) {
     const test::TemporaryRoot root;
     const auto logger = std::make_shared<test::RecordingLogger>();
-    set_database_log(logger);
-    {
-        const CfgDbWrapper client("TEST"); // makes the database
-    }
-    {
+    const auto store_foreign_record = [&](bool has_other_mark) {
         const Environment environment(root.path() / "run/cfgdb");
         WriteTransaction transaction(environment);
         const std::vector<std::byte> foreign(72, std::byte{0x41});
         transaction.put(record_key(Store::running, {ElementId::CommonGCfg_hostname, {}}), foreign);
+        if (has_other_mark) {
+            transaction.put(Key(Store::meta).add("filled"), foreign);
+        }
         transaction.commit();
+    };
+    // Another version may run beside this one, or may have run before it.
+    for (const bool has_other_mark : {false, true}) {
+        {
+            CfgDbWrapper client("TEST");
+            PonOnt ont{};
+            ont.serial = 77;
+            const unsigned short index = 5;
+            ASSERT_EQ(setDb_ZebGCfg_pon_ont(client.handle(), 0, &ont, &index), 0);
+            EXPECT_EQ(client.commit(nullptr).has_value(), !has_other_mark);
+        }
+        store_foreign_record(has_other_mark);
+        set_database_log(logger);
+        CfgDbWrapper client("TEST");
+        auto record = make_hostname("");
+        ASSERT_EQ(getRunDb_CommonGCfg_hostname(client.handle(), &record, nullptr), 0);
+        EXPECT_STREQ(record.hostname, "olt");
+        PonOnt ont{};
+        ont.serial = 77;
+        const unsigned short other_index = 4;
+        ASSERT_EQ(setDb_ZebGCfg_pon_ont(client.handle(), 0, &ont, &other_index), 0);
+        // The index of serials knows the ONT that was there before.
+        EXPECT_FALSE(client.commit(nullptr).has_value());
+        ASSERT_TRUE(client.rollback().has_value());
+        set_database_log(nullptr);
     }
-    CfgDbWrapper client("TEST");
-    auto record = make_hostname("");
-    ASSERT_EQ(getRunDb_CommonGCfg_hostname(client.handle(), &record, nullptr), 0);
-    EXPECT_STREQ(record.hostname, "olt");
     EXPECT_THAT(logger->texts(),
                 testing::ElementsAre(testing::HasSubstr("Records of CommonGCfg_hostname were stored by another")));
-    record = make_hostname("new");
-    ASSERT_EQ(setDb_CommonGCfg_hostname(client.handle(), 0, &record, nullptr), 0);
-    EXPECT_TRUE(client.commit(nullptr).has_value());
-    ASSERT_EQ(getRunDb_CommonGCfg_hostname(client.handle(), &record, nullptr), 0);
-    EXPECT_STREQ(record.hostname, "new");
-    set_database_log(nullptr);
 }
 
 } // namespace

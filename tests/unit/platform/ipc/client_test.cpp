@@ -1,6 +1,10 @@
 #include "tests/unit/platform/ipc/peer_process.hpp"
+#include "xpon/core/unique_fd.hpp"
 
 #include <cerrno>
+
+#include <sys/socket.h>
+#include <sys/un.h>
 
 namespace xpon::ipc {
 namespace {
@@ -50,9 +54,22 @@ TEST_F(IpcTest, AMissingPeerFailsTheConnection) {
 }
 
 TEST_F(IpcTest, APeerThatComesUpDuringTheHandshakeIsWaitedFor) {
+    root.write("run/ipc/.keep", "");
+    const auto path = root.path().string() + "/run/ipc/0019fffe";
+    core::UniqueFd listener(::socket(AF_UNIX, SOCK_STREAM, 0));
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    ASSERT_EQ(::bind(listener.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(::listen(listener.get(), 1), 0);
+
     std::unique_ptr<PeerThread> server;
-    std::jthread starter([&server] {
-        std::this_thread::sleep_for(20ms);
+    std::jthread starter([&] {
+        {
+            // The endpoint's first attempt meets a daemon that ends at once.
+            const core::UniqueFd first_attempt(::accept(listener.get(), nullptr, nullptr));
+            listener = core::UniqueFd();
+        }
         server = std::make_unique<PeerThread>();
     });
     EXPECT_TRUE(endpoint->connect(peer));

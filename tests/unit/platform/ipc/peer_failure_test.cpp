@@ -1,5 +1,6 @@
 #include "tests/unit/platform/ipc/peer_process.hpp"
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <latch>
@@ -109,20 +110,23 @@ TEST_F(IpcTest, APeerKilledWhileItIsAskedEndsTheRequest) {
     }
 }
 
+std::atomic<int> signals = 0;
+
 TEST_F(IpcTest, SignalsDoNotDisturbARequest) {
     const PeerThread server(peer, [](const ServerRequest& request) {
-        std::this_thread::sleep_for(30ms);
+        eventually([] { return signals > 20; });
         return PeerThread::echo_answer(request);
     });
     ASSERT_TRUE(endpoint->connect(peer));
     struct sigaction action{};
-    action.sa_handler = [](int) {};
+    action.sa_handler = [](int) { ++signals; };
     ASSERT_EQ(sigaction(SIGALRM, &action, nullptr), 0);
     const itimerval every_millisecond{.it_interval = {0, 1000}, .it_value = {0, 1000}};
     setitimer(ITIMER_REAL, &every_millisecond, nullptr);
     EXPECT_EQ(ask("a").status, 0);
     const itimerval never{};
     setitimer(ITIMER_REAL, &never, nullptr);
+    EXPECT_GT(signals, 20);
 }
 
 } // namespace

@@ -74,15 +74,4 @@ Ipc::Reply IpcTest::ask_until_up(std::string_view text) const {
     return reply;
 }
 
-bool eventually(const std::function<bool()>& condition) {
-    const auto end = Clock::now() + 30s;
-    while (!condition()) {
-        if (Clock::now() > end) {
-            return false;
-        }
-        std::this_thread::sleep_for(1ms);
-    }
-    return true;
-}
-
 } // namespace xpon::ipc

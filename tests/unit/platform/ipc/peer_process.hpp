@@ -2,6 +2,7 @@
 
 #include "ipc/ipc_handle.hpp"
 #include "ipc/zmq_ipc.hpp"
+#include "tests/support/eventually.hpp"
 #include "tests/support/recording_logger.hpp"
 #include "tests/support/temporary_olt_root.hpp"
 #include "xpon/ipc/server.hpp"
@@ -17,6 +18,8 @@
 #include <gmock/gmock.h>
 
 namespace xpon::ipc {
+
+using test::eventually;
 
 inline constexpr Address own{0x1bffff};
 inline constexpr Address peer{0x19fffe};
@@ -55,15 +58,12 @@ protected:
 
     std::shared_ptr<IIpc> make_endpoint(Timing timing = {}) const;
     Ipc::Reply ask(std::string_view text, std::chrono::milliseconds deadline = std::chrono::seconds(10)) const;
-    /// Asks until the peer answers or half a minute is over.
+    /// Asks until the peer answers, for a limited time.
     Ipc::Reply ask_until_up(std::string_view text) const;
 
     test::TemporaryOltRoot root;
     std::shared_ptr<test::RecordingLogger> logger = std::make_shared<test::RecordingLogger>();
     std::shared_ptr<IIpc> endpoint;
 };
-
-/// Whether `condition` holds within half a minute.
-bool eventually(const std::function<bool()>& condition);
 
 } // namespace xpon::ipc

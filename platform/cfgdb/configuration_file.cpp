@@ -1,0 +1,26 @@
+#include "xpon/cfgdb/configuration_file.hpp"
+
+#include "cfgdb/database.hpp"
+#include "serializer/c_boundary.hpp"
+#include "xpon/olt_root/olt_root.hpp"
+
+namespace xpon::cfgdb {
+
+int save_running_configuration(const void* db, const char* path) {
+    return c_call([&] {
+        if (path == nullptr) {
+            fail_with(EINVAL);
+        }
+        database_of(db).save(below_olt_root(path));
+    });
+}
+
+int set_candidate_to_factory(const void* db) {
+    return c_call([&] { database_of(db).set_candidate_to_factory(); });
+}
+
+int restart_from_saved_configuration(const void* db) {
+    return c_call([&] { database_of(db).restart(); });
+}
+
+} // namespace xpon::cfgdb
