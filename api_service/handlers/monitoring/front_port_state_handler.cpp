@@ -4,8 +4,7 @@
 #include "api_service/handlers/monitoring/answer.hpp"
 #include "api_service/handlers/monitoring/library_calls.hpp"
 #include "api_service/handlers/monitoring/port_answers.hpp"
-#include "xpon/cfgdb/front_port_array.hpp"
-#include "xpon/cfgdb/records/front_port.hpp"
+#include "xpon/cfgdb/element_functions.hpp"
 
 #include <array>
 #include <cerrno>
@@ -97,7 +96,7 @@ MonitoringFrontPortStateHandler::get_sources(const cfgdb::CfgDbWrapper& db) cons
         return getRunDbArray_ZebGCfg_switch_config_front_port(db.handle(), sources->configured.data());
     }));
     BOOST_OUTCOME_TRY(core::call_c_api(
-        *logger_, [&] { return custom_layer__get_front_ports_link_states(raw_handle(ipc_), &sources->link_up); }));
+        *logger_, [&] { return custom_layer__get_front_ports_link_states(ipc_->raw(), &sources->link_up); }));
     return sources;
 }
 
@@ -106,10 +105,10 @@ Result<PortInfo> MonitoringFrontPortStateHandler::describe(const Sources& source
     described.port = port;
     BOOST_OUTCOME_TRY(described.status, get_status(sources, port));
     BOOST_OUTCOME_TRY(core::call_c_api(
-        *logger_, [&] { return custom_layer__get_front_port_info(raw_handle(ipc_), port, &described.info); }));
+        *logger_, [&] { return custom_layer__get_front_port_info(ipc_->raw(), port, &described.info); }));
     if (described.info.sfp.condition == sfp_present) {
         Front_port_sfp_eddi eddi{};
-        if (custom_layer__get_front_port_sfp_eddi(raw_handle(ipc_), port, &eddi) == 0) {
+        if (custom_layer__get_front_port_sfp_eddi(ipc_->raw(), port, &eddi) == 0) {
             described.eddi = eddi;
         }
         errno = 0; // a module without diagnostics is no failure

@@ -3,7 +3,6 @@
 #include "xpon/core/c_status.hpp"
 #include "xpon/core/logger.hpp"
 #include "xpon/core/result.hpp"
-#include "xpon/ipc/ipc.hpp"
 
 #include <cstdlib>
 #include <memory>
@@ -41,11 +40,6 @@ core::Result<T> explained(core::ILogger& logger, core::Result<T> result, const c
         log_error(logger, "{}", what_failed);
     }
     return result;
-}
-
-/// The handle for library calls, which they refuse when it is null.
-inline Ipc* raw_handle(const std::shared_ptr<ipc::IIpc>& ipc) {
-    return ipc == nullptr ? nullptr : ipc->raw();
 }
 
 } // namespace xpon::api_service

@@ -51,8 +51,8 @@ Result<Bitmap_ont_range> get_all_ont_range(core::ILogger& logger) {
 
 Result<OntReports> OntReports::get(core::ILogger& logger, const std::shared_ptr<ipc::IIpc>& ipc,
                                    const Bitmap_ont_range& range) {
-    BOOST_OUTCOME_TRY(auto states, get_states_info(logger, raw_handle(ipc), range));
-    BOOST_OUTCOME_TRY(auto unactivated, get_all_unactivated_ont(logger, raw_handle(ipc)));
+    BOOST_OUTCOME_TRY(auto states, get_states_info(logger, ipc->raw(), range));
+    BOOST_OUTCOME_TRY(auto unactivated, get_all_unactivated_ont(logger, ipc->raw()));
     return OntReports(std::move(states), std::move(unactivated));
 }
 

@@ -75,14 +75,14 @@ Result<Bitmap_pon_port_range> MonitoringPonPortStateHandler::process_request(con
 
 Result<std::vector<PortInfo>>
 MonitoringPonPortStateHandler::retrieve_pon_port_info_from_db(const Bitmap_pon_port_range& ports) const {
-    BOOST_OUTCOME_TRY(const auto states, explained(*logger_,
-                                                   fetch_buffer<Pon_ports_states>(
-                                                       *logger_, custom_layer__get_pon_ports_states, raw_handle(ipc_)),
-                                                   "Could not retrieve state for PON ports"));
+    BOOST_OUTCOME_TRY(
+        const auto states,
+        explained(*logger_, fetch_buffer<Pon_ports_states>(*logger_, custom_layer__get_pon_ports_states, ipc_->raw()),
+                  "Could not retrieve state for PON ports"));
     BOOST_OUTCOME_TRY(const auto modules,
                       explained(*logger_,
                                 fetch_buffer<Pon_ports_sfp_extended_information>(
-                                    *logger_, custom_layer__get_pon_ports_sfp_extended_information, raw_handle(ipc_)),
+                                    *logger_, custom_layer__get_pon_ports_sfp_extended_information, ipc_->raw()),
                                 "Could not retrieve extended information about PON-port plugged SFP modules"));
     return explained(*logger_,
                      describe_ports<PortInfo>(ports, get_next_bitmap_pon_port_ids,
@@ -102,7 +102,7 @@ Result<PortInfo> MonitoringPonPortStateHandler::describe(const Pon_ports_states&
     BOOST_OUTCOME_TRY(described.state, entry_of(states.ports, states.count, port, "PON port states"));
     BOOST_OUTCOME_TRY(described.module, entry_of(modules.ports, modules.count, port, "PON port modules"));
     BOOST_OUTCOME_TRY(core::call_c_api(
-        *logger_, [&] { return custom_layer__get_pon_port_type(raw_handle(ipc_), port, &described.type); }));
+        *logger_, [&] { return custom_layer__get_pon_port_type(ipc_->raw(), port, &described.type); }));
     return described;
 }
 

@@ -2,8 +2,8 @@
 
 #include "api_service/handlers/monitoring/answer.hpp"
 #include "api_service/handlers/monitoring/device_info.hpp"
-#include "api_service/handlers/monitoring/library_calls.hpp"
 #include "api_service/handlers/monitoring/record_fields.hpp"
+#include "xpon/core/c_status.hpp"
 
 namespace xpon::api_service {
 
@@ -112,7 +112,7 @@ Result<Response> MonitoringSystemHandler::operator()(const Request& request,
 Result<Environment> MonitoringSystemHandler::get_environment() const {
     Environment environment{};
     BOOST_OUTCOME_TRY(core::call_c_api(
-        *logger_, [&] { return custom_layer__get_system_environment_info(raw_handle(ipc_), &environment); }));
+        *logger_, [&] { return custom_layer__get_system_environment_info(ipc_->raw(), &environment); }));
     return environment;
 }
 
