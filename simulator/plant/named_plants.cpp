@@ -61,9 +61,9 @@ constexpr std::array usual_onts{
 constexpr std::array mixed_onts{
     OntModel{"SIM-ONT-4R", "1v2", "2.0.7", 4, 2, true},
     OntModel{"SIM-ONT-4R", "1v3", "2.1.0-beta", 4, 2, true},
-    OntModel{"TW HOME 1", "B", "V3R017C10", 1, 0, false},
+    OntModel{"TW HOME 1", "B", "3.17.10", 1, 0, false},
     OntModel{"NG-BRIDGE", "", "0.9", 1, 0, false},
-    OntModel{"TW-OFFICE-4-2-ROUTE", "REV. C-2023", "V5R020C00SPC100", 4, 2, true},
+    OntModel{"TW-OFFICE-4-2-ROUTE", "REV. C-2023", "5.20.0-r100", 4, 2, true},
 };
 
 constexpr std::uint32_t vendor_simu = 0x53494d55; // "SIMU"
