@@ -13,8 +13,14 @@
 namespace xpon::simulator {
 namespace {
 
-/// The factory's template for ONTs with data, voice and television.
-constexpr std::uint8_t usual_template = 2;
+/// The factory's template for ONTs with data, voice and television. Its guaranteed rates let no more than 56 of them
+/// share the upstream of a PON port, so the ONTs behind the first 32 of a port get plain data.
+std::uint8_t template_of(const OntPosition& position) {
+    constexpr unsigned most_triple_play_onts = 32;
+    constexpr std::uint8_t bridged = 1;
+    constexpr std::uint8_t triple_play = 2;
+    return position.ont <= most_triple_play_onts ? triple_play : bridged;
+}
 
 core::Result<void> configure(const cfgdb::CfgDbWrapper& database, const PhysicalOnt& hardware) {
     const auto& position = hardware.position;
@@ -24,7 +30,7 @@ core::Result<void> configure(const cfgdb::CfgDbWrapper& database, const Physical
     if (getDb_ZebGCfg_pon_ont(database.handle(), database.context(), &ont, &index) == 0) {
         ont.serial = hardware.serial;
         ont.enabled = 1;
-        ont.ont_template = usual_template;
+        ont.ont_template = template_of(position);
         std::strncpy(ont.description, description.c_str(), sizeof ont.description - 1);
         if (setDb_ZebGCfg_pon_ont(database.handle(), database.context(), &ont, &index) == 0) {
             return core::success();

@@ -7,6 +7,8 @@
 #include "api_service/handlers/configuration/elements.hpp"
 #include "api_service/handlers/configuration/get_handler.hpp"
 #include "api_service/handlers/configuration/rollback_handler.hpp"
+#include "api_service/handlers/configuration/save_handler.hpp"
+#include "api_service/handlers/configuration/set_default_handler.hpp"
 #include "api_service/handlers/configuration/set_handler.hpp"
 #include "api_service/protocol/board.hpp"
 #include "api_service/protocol/echo_handler.hpp"
@@ -49,6 +51,14 @@ Handler unauth(const HandlerServices& services) {
     return UnauthHandler(services.logger, services.session_manager);
 }
 
+Handler set_default(const HandlerServices& services) {
+    return ConfigurationSetDefaultHandler(services.logger, services.ipc);
+}
+
+Handler save(const HandlerServices& services) {
+    return ConfigurationSaveHandler(services.logger, services.ipc);
+}
+
 Handler commit(const HandlerServices& services) {
     return CommitHandler(services.logger, services.ipc);
 }
@@ -68,20 +78,52 @@ std::vector<PreHook> ont_indices(const HandlerServices& services) {
 // The privileges are deliberately uneven: the ONT list and commit need only an operator, rollback an administrator.
 constexpr std::array routes{
     // clang-format off
-    RouteRow{"test.echo",                        "echo",    Nothing,       echo,                            none},
-    RouteRow{"test.echo.view",                   "echo",    Viewer,        echo,                            none},
-    RouteRow{"test.echo.admin",                  "echo",    Administrator, echo,                            none},
-    RouteRow{"auth",                             "auth",    Nothing,       auth,                            none},
-    RouteRow{"unauth",                           "auth",    Nothing,       unauth,                          none},
-    RouteRow{"command.commit",                   "command", Operator,      commit,                          none},
-    RouteRow{"command.rollback",                 "command", Administrator, rollback,                        none},
-    RouteRow{"configuration.CommonGCfg.system.ntp", "get",  Viewer,        getter<CommonGCfg_system_ntp>,   none},
-    RouteRow{"configuration.CommonGCfg.system.ntp", "set",  Administrator, setter<CommonGCfg_system_ntp>,   none},
-    RouteRow{"configuration.ZebGCfg.pon.ont",    "get",     Viewer,        getter<ZebGCfg_pon_ont>,         ont_indices},
-    RouteRow{"configuration.ZebGCfg.pon.ont",    "set",     Operator,      setter<ZebGCfg_pon_ont>,         ont_indices},
-    RouteRow{"configuration.ZebGCfg.pon.ont",    "delete",  Operator,      deleter<ZebGCfg_pon_ont>,        ont_indices},
-    RouteRow{"configuration.CommonGCfg.hostname", "get",    Viewer,        getter<CommonGCfg_hostname>,     none},
-    RouteRow{"configuration.CommonGCfg.hostname", "set",    Administrator, setter<CommonGCfg_hostname>,     none},
+    RouteRow{"test.echo",                                                    "echo",    Nothing,       echo,                                                   none},
+    RouteRow{"test.echo.view",                                               "echo",    Viewer,        echo,                                                   none},
+    RouteRow{"test.echo.admin",                                              "echo",    Administrator, echo,                                                   none},
+    RouteRow{"auth",                                                         "auth",    Nothing,       auth,                                                   none},
+    RouteRow{"unauth",                                                       "auth",    Nothing,       unauth,                                                 none},
+    RouteRow{"command.default",                                              "command", Administrator, set_default,                                            none},
+    RouteRow{"command.save",                                                 "command", Administrator, save,                                                   none},
+    RouteRow{"command.commit",                                               "command", Operator,      commit,                                                 none},
+    RouteRow{"command.rollback",                                             "command", Administrator, rollback,                                               none},
+    RouteRow{"configuration.CommonGCfg.management",                          "get",     Viewer,        getter<CommonGCfg_management>,                          none},
+    RouteRow{"configuration.CommonGCfg.management",                          "set",     Administrator, setter<CommonGCfg_management>,                          none},
+    RouteRow{"configuration.CommonGCfg.system.oob",                          "get",     Viewer,        getter<CommonGCfg_system_oob>,                          none},
+    RouteRow{"configuration.CommonGCfg.system.oob",                          "set",     Administrator, setter<CommonGCfg_system_oob>,                          none},
+    RouteRow{"configuration.CommonGCfg.system.fan_speed",                    "get",     Viewer,        getter<CommonGCfg_fan_speed>,                           none},
+    RouteRow{"configuration.CommonGCfg.system.reset_status",                 "get",     Viewer,        getter<CommonGCfg_reset_button_mode>,                   none},
+    RouteRow{"configuration.ZebGCfg.switch_config.front_port",               "get",     Viewer,        getter<ZebGCfg_switch_config_front_port>,               none},
+    RouteRow{"configuration.ZebGCfg.switch_config.front_port",               "set",     Administrator, setter<ZebGCfg_switch_config_front_port>,               none},
+    RouteRow{"configuration.ZebGCfg.switch_config.port_channel",             "get",     Viewer,        getter<ZebGCfg_switch_config_lag_port_channel>,         none},
+    RouteRow{"configuration.ZebGCfg.switch_config.port_channel",             "set",     Administrator, setter<ZebGCfg_switch_config_lag_port_channel>,         none},
+    RouteRow{"configuration.ZebGCfg.pon.port_state",                         "get",     Viewer,        getter<ZebGCfg_pon_port_state>,                         none},
+    RouteRow{"configuration.ZebGCfg.pon.port_state",                         "set",     Administrator, setter<ZebGCfg_pon_port_state>,                         none},
+    RouteRow{"configuration.CommonGCfg.system.ntp",                          "get",     Viewer,        getter<CommonGCfg_system_ntp>,                          none},
+    RouteRow{"configuration.CommonGCfg.system.ntp",                          "set",     Administrator, setter<CommonGCfg_system_ntp>,                          none},
+    RouteRow{"configuration.CommonGCfg.system.snmp",                         "get",     Viewer,        getter<CommonGCfg_system_snmp>,                         none},
+    RouteRow{"configuration.CommonGCfg.system.snmp",                         "set",     Administrator, setter<CommonGCfg_system_snmp>,                         none},
+    RouteRow{"configuration.CommonGCfg.profiles.profiles_ont.ont_template",  "get",     Viewer,        getter<CommonGCfg_profiles_profiles_ont_ont_template>,  none},
+    RouteRow{"configuration.CommonGCfg.profiles.profiles_ont.ont_template",  "set",     Administrator, setter<CommonGCfg_profiles_profiles_ont_ont_template>,  none},
+    RouteRow{"configuration.CommonGCfg.profiles.profiles_ont.ports",         "get",     Viewer,        getter<CommonGCfg_profiles_profiles_ont_ports>,         none},
+    RouteRow{"configuration.CommonGCfg.profiles.profiles_ont.ports",         "set",     Administrator, setter<CommonGCfg_profiles_profiles_ont_ports>,         none},
+    RouteRow{"configuration.CommonGCfg.profiles.profiles_ont.cross_connect", "get",     Viewer,        getter<CommonGCfg_profiles_profiles_ont_cross_connect>, none},
+    RouteRow{"configuration.CommonGCfg.profiles.profiles_ont.cross_connect", "set",     Administrator, setter<CommonGCfg_profiles_profiles_ont_cross_connect>, none},
+    RouteRow{"configuration.CommonGCfg.profiles.profiles_ont.management",    "get",     Viewer,        getter<CommonGCfg_profiles_profiles_ont_management>,    none},
+    RouteRow{"configuration.CommonGCfg.profiles.profiles_ont.management",    "set",     Administrator, setter<CommonGCfg_profiles_profiles_ont_management>,    none},
+    RouteRow{"configuration.CommonGCfg.profiles.profiles_ont.dba",           "get",     Viewer,        getter<CommonGCfg_profiles_profiles_ont_dba>,           none},
+    RouteRow{"configuration.CommonGCfg.profiles.profiles_ont.dba",           "set",     Administrator, setter<CommonGCfg_profiles_profiles_ont_dba>,           none},
+    RouteRow{"configuration.CommonGCfg.profiles.profiles_ont.shaping",       "get",     Viewer,        getter<CommonGCfg_profiles_profiles_ont_shaping>,       none},
+    RouteRow{"configuration.CommonGCfg.profiles.profiles_ont.shaping",       "set",     Administrator, setter<CommonGCfg_profiles_profiles_ont_shaping>,       none},
+    RouteRow{"configuration.ZebGCfg.pon.ont",                                "get",     Viewer,        getter<ZebGCfg_pon_ont>,                                ont_indices},
+    RouteRow{"configuration.ZebGCfg.pon.ont",                                "set",     Operator,      setter<ZebGCfg_pon_ont>,                                ont_indices},
+    RouteRow{"configuration.ZebGCfg.pon.ont",                                "delete",  Operator,      deleter<ZebGCfg_pon_ont>,                               ont_indices},
+    RouteRow{"configuration.ZebGCfg.pon.ont.service",                        "get",     Viewer,        getter<ZebGCfg_pon_ont_ont_common_service>,             ont_indices},
+    RouteRow{"configuration.ZebGCfg.pon.ont.service",                        "set",     Administrator, setter<ZebGCfg_pon_ont_ont_common_service>,             ont_indices},
+    RouteRow{"configuration.CommonGCfg.system.settings.ont_sn_format",       "get",     Viewer,        getter<CommonGCfg_ont_sn_format>,                       none},
+    RouteRow{"configuration.CommonGCfg.system.settings.ont_sn_format",       "set",     Administrator, setter<CommonGCfg_ont_sn_format>,                       none},
+    RouteRow{"configuration.CommonGCfg.hostname",                            "get",     Viewer,        getter<CommonGCfg_hostname>,                            none},
+    RouteRow{"configuration.CommonGCfg.hostname",                            "set",     Administrator, setter<CommonGCfg_hostname>,                            none},
     // clang-format on
 };
 

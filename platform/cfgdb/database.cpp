@@ -11,7 +11,10 @@
 #include "xpon/olt_root/olt_root.hpp"
 
 #include <filesystem>
+#include <stdexcept>
 #include <string>
+
+#include <fmt/format.h>
 
 namespace xpon::cfgdb {
 namespace {
@@ -64,7 +67,11 @@ bool Database::is_configured() {
 }
 
 Database::Database(const std::string& folder) : environment_(folder) {
-    fill_when_new(environment_);
+    try {
+        fill_when_new(environment_);
+    } catch (const std::system_error& fault) {
+        throw std::runtime_error(fmt::format("Configuration database {} cannot be filled: {}", folder, fault.what()));
+    }
 }
 
 void Database::read(Store store, const RecordId& id, std::byte* out) const {

@@ -15,6 +15,8 @@
 #include <optional>
 #include <system_error>
 
+#include <malloc.h>
+
 namespace xpon::cfgdb {
 namespace {
 
@@ -74,9 +76,21 @@ bool apply(WriteTransaction& transaction, const SavedRecords& records, const std
     return true;
 }
 
+/// The tree of a large saved file takes ten times the memory that the process needs from then on.
+class MemoryGivenBack {
+public:
+    MemoryGivenBack() = default;
+    MemoryGivenBack(const MemoryGivenBack&) = delete;
+    MemoryGivenBack& operator=(const MemoryGivenBack&) = delete;
+    ~MemoryGivenBack() {
+        malloc_trim(0);
+    }
+};
+
 /// Runs `prepare` in a writing transaction, which says whether to go on; then the best saved configuration is applied
 /// and the transaction committed. Every file is tried in a transaction of its own, so nothing of a bad one stays.
 void start(const Environment& environment, const std::function<bool(WriteTransaction&)>& prepare) {
+    const MemoryGivenBack memory;
     const auto saved = below_olt_root(saved_configuration_path);
     for (const auto& path : {saved, previous_file(saved)}) {
         const auto records = load(path);

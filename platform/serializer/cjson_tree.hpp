@@ -1,18 +1,12 @@
 #pragma once
 
-#include <memory>
-#include <new>
+#include "xpon/core/json_tree.hpp"
 
-#include <cjson/cJSON.h>
+#include <new>
 
 namespace xpon::serializer {
 
-struct TreeDeleter {
-    void operator()(cJSON* tree) const {
-        cJSON_Delete(tree);
-    }
-};
-using Tree = std::unique_ptr<cJSON, TreeDeleter>;
+using Tree = core::JsonTree;
 
 /// Takes over what a cJSON_Create function returned. cJSON makes null of one thing only: lack of memory.
 inline Tree owned(cJSON* created) {

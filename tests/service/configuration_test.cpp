@@ -1,5 +1,6 @@
 // Reading, changing, committing: the way of a configuration through candidate and running.
 
+#include "api_service/protocol/route_table.hpp"
 #include "tests/service/service_fixture.hpp"
 
 #include <fmt/format.h>
@@ -88,6 +89,37 @@ TEST_F(Configuration, FieldErrorsComeBeforeTheConfigurationType) {
     EXPECT_THAT(hostname("set", R"("config_type":"candidate")"), HasSubstr(R"("path":"data")"));
     EXPECT_EQ(command("commit"), done);
     EXPECT_THAT(hostname("get", R"("config_type":"running")"), HasSubstr(R"("hostname":"olt")"));
+}
+
+TEST_F(Configuration, EveryElementTakesWhatItGives) {
+    const auto indices_of = [](std::string_view path) {
+        return path.ends_with("pon.ont.service") ? R"("indices":["2","3","4"],)"
+               : path.ends_with("pon.ont")       ? R"("indices":["2","3"],)"
+               : path.starts_with("configuration.ZebGCfg") || path.find("profiles_ont") != path.npos
+                   ? R"("indices":["1"],)"
+                   : "";
+    };
+    int elements = 0;
+    for (const auto& row : api_service::route_table()) {
+        if (std::string_view(row.method) != "set") {
+            continue;
+        }
+        ++elements;
+        const auto route = [&](const char* method, const std::string& members) {
+            return in_session(
+                fmt::format(R"("path":"{}","method":"{}",{}{})", row.path, method, indices_of(row.path), members));
+        };
+        const auto running = route("get", R"("config_type":"running")");
+        EXPECT_EQ(route("get", R"("config_type":"candidate")"), running);
+        auto record = running.substr(running.find(R"("data":)") + 7);
+        record = record.front() == '[' ? record.substr(1, record.size() - 3) : record.substr(0, record.size() - 1);
+        EXPECT_EQ(route("set", R"("config_type":"candidate","data":)" + record), done) << row.path;
+        EXPECT_EQ(route("get", R"("config_type":"candidate")"), running);
+        record.insert(1, R"("no such key":1,)");
+        EXPECT_THAT(route("set", R"("config_type":"candidate","data":)" + record), HasSubstr("Unknown key {p0}"))
+            << row.path;
+    }
+    EXPECT_EQ(elements, 17);
 }
 
 TEST_F(Configuration, EveryChangeLeavesOneLineWithoutItsData) {

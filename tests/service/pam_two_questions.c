@@ -1,10 +1,9 @@
 /* A PAM module that asks two questions in one conversation call, as one-time-password stacks do. */
 
-#include <stddef.h>
-#include <stdlib.h>
-
 #include <security/pam_appl.h>
 #include <security/pam_modules.h>
+#include <stddef.h>
+#include <stdlib.h>
 
 int pam_sm_authenticate(pam_handle_t* handle, int flags, int argc, const char** argv) {
     const struct pam_conv* conversation = NULL;

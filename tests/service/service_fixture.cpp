@@ -32,6 +32,17 @@ private:
     int& open_;
 };
 
+/// An endpoint without connections.
+class NoPeers : public ipc::IIpc {
+public:
+    core::Result<void> connect(ipc::Address) override {
+        return core::ErrorPayload(core::Error::CommonError, "Nobody is there");
+    }
+    [[nodiscard]] Ipc* raw() const override {
+        return nullptr;
+    }
+};
+
 std::string without_layout(const std::string& json) {
     const core::JsonTree tree(cJSON_Parse(json.c_str()));
     const core::JsonText text(cJSON_PrintUnformatted(tree.get()));
@@ -65,7 +76,7 @@ core::Result<std::shared_ptr<api_service::IPamSession>> FakePam::open_session(co
 }
 
 ServiceTest::ServiceTest()
-    : service(nullptr, logger, api_service::UnixEndpoint{root.path().string() + "/api"}, pam),
+    : service(std::make_shared<NoPeers>(), logger, api_service::UnixEndpoint{root.path().string() + "/api"}, pam),
       thread([this] { EXPECT_TRUE(service.run({})); }), connection(connect()) {}
 
 ServiceTest::~ServiceTest() {

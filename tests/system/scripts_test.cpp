@@ -61,17 +61,27 @@ TEST_F(RunScript, RunsUntilASignalAndLeavesNoProcessBehind) {
     }
 }
 
-TEST_F(RunScript, EndsWhenOneOfTheTwoDies) {
-    for (const auto* victim : {"api_service.pid", "olt_simulator.pid"}) {
-        auto script = run(folder_.path());
-        ASSERT_TRUE(script.wait_for_line(is_ready)) << script.output();
-        const auto daemon = pid_from("api_service.pid");
-        const auto simulator = pid_from("olt_simulator.pid");
-        kill(pid_from(victim), SIGKILL);
-        EXPECT_NE(script.wait().value_or(0), 0) << script.output();
-        EXPECT_TRUE(is_gone(daemon));
-        EXPECT_TRUE(is_gone(simulator));
-    }
+TEST_F(RunScript, EndsWithTheDaemon) {
+    auto script = run(folder_.path());
+    ASSERT_TRUE(script.wait_for_line(is_ready)) << script.output();
+    const auto simulator = pid_from("olt_simulator.pid");
+    kill(pid_from("api_service.pid"), SIGKILL);
+    EXPECT_EQ(script.wait(), 128 + SIGKILL) << script.output();
+    EXPECT_TRUE(is_gone(simulator));
+}
+
+TEST_F(RunScript, OutlivesTheSimulatorAndStopsTheOneThatTakesItsPlace) {
+    auto script = run(folder_.path());
+    ASSERT_TRUE(script.wait_for_line(is_ready)) << script.output();
+    kill(pid_from("olt_simulator.pid"), SIGKILL);
+    ASSERT_TRUE(eventually([&] { return script.output().find("goes on without its peers") != std::string::npos; }));
+    Process replacement({OLT_SIMULATOR}, {{"OLT_ROOT", folder_.path()}});
+    ASSERT_TRUE(replacement.wait_for_line("olt_simulator is ready")) << replacement.output();
+    EXPECT_EQ(Olt::log_in("admin").session_id(), "1");
+
+    script.send_signal(SIGTERM);
+    EXPECT_EQ(script.wait(), 0) << script.output();
+    EXPECT_EQ(replacement.wait(), 0);
 }
 
 TEST_F(RunScript, NothingSurvivesTheScriptItself) {

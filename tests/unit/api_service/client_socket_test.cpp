@@ -66,8 +66,8 @@ TEST(ClientSocket, CutsTheStreamIntoFrames) {
         ASSERT_TRUE(client.read_data());
         frames.push_back(client.take_frames());
     }
-    EXPECT_THAT(frames, ElementsAre(ElementsAre("one", "two"), ElementsAre(), ElementsAre("three", "four"),
-                                    ElementsAre()));
+    EXPECT_THAT(frames,
+                ElementsAre(ElementsAre("one", "two"), ElementsAre(), ElementsAre("three", "four"), ElementsAre()));
 }
 
 TEST(ClientSocket, TellsAnIdleConnectionFromABrokenOne) {

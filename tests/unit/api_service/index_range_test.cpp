@@ -14,7 +14,7 @@ using testing::ElementsAre;
 
 TEST(IndexRange, WritesBackWhatItReadsInCanonicalForm) {
     const std::vector<std::pair<std::string, std::string>> cases{
-        {"7", "7"},     {"2-5", "2-5"},     {"1-3,2", "1-3"},      {"1,2", "1-2"},
+        {"7", "7"},       {"2-5", "2-5"},         {"1-3,2", "1-3"},     {"1,2", "1-2"},
         {"4096", "4096"}, {"9,1,5-6", "1,5-6,9"}, {"1-4096", "1-4096"}, {"007", "7"},
     };
     for (const auto& [text, canonical] : cases) {
@@ -66,8 +66,8 @@ std::vector<std::vector<unsigned long>> walk(const std::vector<std::string>& str
 TEST(IndexRange, WalksItsMembersWithTheLastLevelFastest) {
     EXPECT_THAT(walk<0>({}), ElementsAre(ElementsAre()));
     EXPECT_THAT(walk<1>({"4096,1,3"}), ElementsAre(ElementsAre(0), ElementsAre(2), ElementsAre(4095)));
-    EXPECT_THAT(walk<2>({"2,1", "1,4096"}), ElementsAre(ElementsAre(0, 0), ElementsAre(0, 4095), ElementsAre(1, 0),
-                                                       ElementsAre(1, 4095)));
+    EXPECT_THAT(walk<2>({"2,1", "1,4096"}),
+                ElementsAre(ElementsAre(0, 0), ElementsAre(0, 4095), ElementsAre(1, 0), ElementsAre(1, 4095)));
     EXPECT_EQ(walk<1>({"1-4096"}).size(), 4096U);
 }
 

@@ -1,5 +1,4 @@
 #include "api_service/protocol/json_errors.hpp"
-
 #include "tests/support/recording_logger.hpp"
 
 #include <limits>

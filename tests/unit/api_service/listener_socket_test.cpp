@@ -33,7 +33,8 @@ TEST(ListenerSocket, NamesTheStepAndErrnoOfAFailure) {
     const UnixEndpoint taken{folder.path().string() + "/api"};
     const ListenerSocket listener(taken);
     EXPECT_EQ(failure_to_open(taken), "bind() failed: " + std::to_string(EADDRINUSE));
-    EXPECT_EQ(failure_to_open(UnixEndpoint{folder.path().string() + "/none/api"}), "bind() failed: " + std::to_string(ENOENT));
+    EXPECT_EQ(failure_to_open(UnixEndpoint{folder.path().string() + "/none/api"}),
+              "bind() failed: " + std::to_string(ENOENT));
 }
 
 TEST(ListenerSocket, CutsAPathThatIsTooLong) {

@@ -1,5 +1,4 @@
 #include "api_service/protocol/ont_indices_pre_hook.hpp"
-
 #include "tests/support/recording_logger.hpp"
 
 #include <gmock/gmock.h>

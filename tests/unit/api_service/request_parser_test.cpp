@@ -1,5 +1,4 @@
 #include "api_service/protocol/request_parser.hpp"
-
 #include "tests/support/recording_logger.hpp"
 
 #include <gmock/gmock.h>
@@ -66,8 +65,7 @@ TEST_F(RequestParserTest, PrintsAnswersInTheIndentedForm) {
         response.payload = Payload(core::JsonTree(cJSON_Parse(data)));
         const auto answer = parser.make_response(response).value();
         const core::JsonTree tree(cJSON_Parse(answer.c_str()));
-        const core::JsonText printed(
-            cJSON_PrintUnformatted(cJSON_GetObjectItemCaseSensitive(tree.get(), "data")));
+        const core::JsonText printed(cJSON_PrintUnformatted(cJSON_GetObjectItemCaseSensitive(tree.get(), "data")));
         EXPECT_STREQ(printed.get(), data);
         EXPECT_EQ(parser.make_response(response).value(), answer) << "printing must not change the payload";
     }

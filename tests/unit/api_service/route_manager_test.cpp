@@ -1,5 +1,4 @@
 #include "api_service/protocol/route_manager.hpp"
-
 #include "tests/support/recording_logger.hpp"
 
 #include <gmock/gmock.h>
@@ -22,8 +21,7 @@ TEST(RouteManager, MatchesPathAndMethodExactly) {
     EXPECT_EQ(routes.lookup_route("a.b", "get").value().privilege, PrivilegeLevel::Operator) << "the second replaces";
     EXPECT_EQ(routes.lookup_route("a.b", "set").error().code, core::Error::Empty);
     EXPECT_EQ(routes.lookup_route("A.b", "get").error().code, core::Error::Empty);
-    EXPECT_THAT(logger->texts(),
-                testing::ElementsAre("Method set not found for path a.b", "Path A.b not found"));
+    EXPECT_THAT(logger->texts(), testing::ElementsAre("Method set not found for path a.b", "Path A.b not found"));
 }
 
 TEST(PrivilegeLevel, HasNames) {

@@ -1,6 +1,7 @@
 #include "simulator/peers/change_notice.hpp"
 #include "simulator/event_log.hpp"
 #include "tests/support/temporary_olt_root.hpp"
+#include "tests/unit/simulator/element_positions.hpp"
 
 #include <gmock/gmock.h>
 
@@ -10,10 +11,13 @@ namespace {
 using service::Config_change;
 
 TEST(ChangeNoticeTest, SaysHowManyRecordsOfEachElementChanged) {
-    const Config_change changes[] = {{2, {0, 0}}, {1, {0, 0}}, {2, {4095, 0}}, {3, {0, 7}}};
+    const Config_change changes[] = {{ZebGCfg_pon_ont, {0, 0}},
+                                     {CommonGCfg_hostname, {0, 0}},
+                                     {ZebGCfg_pon_ont, {4095, 0}},
+                                     {ZebGCfg_pon_ont_ont_common_service, {0, 7}}};
     const auto parsed = parse_change_notice(std::as_bytes(std::span(changes)));
     ASSERT_TRUE(parsed);
-    EXPECT_EQ(summary_of(*parsed), "CommonGCfg.hostname=1 ZebGCfg.pon.ont=2 ZebGCfg.pon.ont.service=1");
+    EXPECT_EQ(summary_of(*parsed), "ZebGCfg.pon.ont=2 ZebGCfg.pon.ont.service=1 CommonGCfg.hostname=1");
 }
 
 TEST(ChangeNoticeTest, RefusesWhatIsNoNotice) {

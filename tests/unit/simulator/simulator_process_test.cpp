@@ -3,6 +3,7 @@
 #include "simulator/plant/ont_layout.hpp"
 #include "tests/support/temporary_olt_root.hpp"
 #include "tests/system/process.hpp"
+#include "tests/unit/simulator/element_positions.hpp"
 #include "xpon/cfgdb/cfgdb_wrapper.hpp"
 #include "xpon/cfgdb/element_functions.hpp"
 #include "xpon/service/config_change.hpp"
@@ -75,13 +76,14 @@ TEST_F(SimulatorTest, PlaysEveryPeerAndWritesDownCommits) {
         const auto unknown = static_cast<ipc::Operation>(0xffff);
         EXPECT_EQ(endpoint->raw()->request(peer.address, unknown, {}, Ipc::default_deadline).status, EOPNOTSUPP);
     }
-    const service::Config_change changes[] = {{1, {0, 0}}, {2, {5, 0}}, {2, {6, 0}}};
+    const service::Config_change changes[] = {
+        {CommonGCfg_hostname, {0, 0}}, {ZebGCfg_pon_ont, {5, 0}}, {ZebGCfg_pon_ont, {6, 0}}};
     endpoint->raw()->notify_all(ipc::Operation::configuration_changed, std::as_bytes(std::span(changes)));
     // The answer to a later request says that the notice has been served.
     const auto system_manager = peer_table.front().address;
     endpoint->raw()->request(system_manager, static_cast<ipc::Operation>(0xffff), {}, Ipc::default_deadline);
     EXPECT_THAT(root.read("var/log/events.log"),
-                EndsWith("Z commit by 0x001bffff: CommonGCfg.hostname=1 ZebGCfg.pon.ont=2\n"));
+                EndsWith("Z commit by 0x001bffff: ZebGCfg.pon.ont=2 CommonGCfg.hostname=1\n"));
 }
 
 TEST_F(SimulatorTest, StopsOnSignalsAndLeavesNothingBehind) {

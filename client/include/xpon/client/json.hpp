@@ -1,18 +1,9 @@
 #pragma once
 
-#include <memory>
-
-#include <cjson/cJSON.h>
+#include "xpon/core/json_tree.hpp"
 
 namespace xpon::client {
 
-struct JsonDeleter {
-    void operator()(cJSON* tree) const {
-        cJSON_Delete(tree);
-    }
-};
-
-/// The one owner of a JSON tree.
-using Json = std::unique_ptr<cJSON, JsonDeleter>;
+using Json = core::JsonTree;
 
 } // namespace xpon::client

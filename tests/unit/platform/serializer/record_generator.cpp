@@ -63,7 +63,7 @@ Tree generate_secret(const Field& field, std::mt19937& random) {
 Tree generate_serial(std::mt19937& random) {
     auto array = owned(cJSON_CreateArray());
     for (int i = 0; i < 10; ++i) {
-        append(*array, owned(cJSON_CreateNumber(i < 8 ? static_cast<int>(random() % 256) : 0)));
+        serializer::append(*array, owned(cJSON_CreateNumber(i < 8 ? static_cast<int>(random() % 256) : 0)));
     }
     return array;
 }
@@ -72,7 +72,7 @@ Tree generate_ports(const Field& field, std::mt19937& random) {
     auto array = owned(cJSON_CreateArray());
     for (auto port = field.max; port >= 1; --port) {
         if (random() % 2 == 0) {
-            append(*array, owned(cJSON_CreateNumber(static_cast<double>(port))));
+            serializer::append(*array, owned(cJSON_CreateNumber(static_cast<double>(port))));
         }
     }
     return array;
@@ -90,8 +90,8 @@ Tree generate_elements(const Field& field, std::mt19937& random) {
     auto array = owned(cJSON_CreateArray());
     const auto count = between(0, field.max, random);
     for (std::int64_t i = 0; i < count; ++i) {
-        append(*array,
-               field.child != nullptr ? generate_object(*field.child, random) : generate_value(*field.element, random));
+        serializer::append(*array, field.child != nullptr ? generate_object(*field.child, random)
+                                                          : generate_value(*field.element, random));
     }
     return array;
 }
@@ -135,7 +135,7 @@ Tree generate_object(const serializer::Table& table, std::mt19937& random) {
     auto object = owned(cJSON_CreateObject());
     for (const auto& field : table.fields) {
         if (field.is_required || random() % 8 != 0) {
-            add_member(*object, field.key, generate_value(field, random));
+            serializer::add_member(*object, field.key, generate_value(field, random));
         }
     }
     return object;

@@ -1,0 +1,98 @@
+#include "tests/system/olt.hpp"
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <optional>
+#include <random>
+#include <regex>
+#include <set>
+#include <string>
+#include <thread>
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+
+namespace xpon::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int rounds = WITH_SANITIZERS ? 20 : 100;
+
+/// Kills a process some time after it was made, unless it is destroyed before.
+class KillAfter {
+public:
+    KillAfter(Process& victim, std::chrono::microseconds delay)
+        : thread_([&victim, delay] {
+              const timespec moment{.tv_sec = 0, .tv_nsec = delay.count() * 1000};
+              ::ppoll(nullptr, 0, &moment, nullptr); // any moment will do
+              victim.send_signal(SIGKILL);
+          }) {}
+
+private:
+    std::jthread thread_;
+};
+
+/// Sets 128 ONTs, commits and saves, until an answer stays away.
+void change_until_killed(client::Client& client, int first_number) {
+    const auto session = fmt::format(R"("session_id":"{}")", client.session_id());
+    for (int number = first_number;; ++number) {
+        const auto set = fmt::format(R"({{{},"path":"configuration.ZebGCfg.pon.ont","method":"set",)"
+                                     R"("indices":["1-2","1-64"],"config_type":"candidate",)"
+                                     R"("data":{{"description":"change {}"}}}})",
+                                     session, number);
+        if (!client.exchange(set) ||
+            !client.exchange(fmt::format(R"({{{},"path":"command.commit","method":"command"}})", session)) ||
+            !client.exchange(fmt::format(R"({{{},"path":"command.save","method":"command"}})", session))) {
+            return;
+        }
+    }
+}
+
+/// The different descriptions that the 128 ONTs have.
+std::set<std::string> descriptions(client::Client& client, const std::string& config_type) {
+    const auto answer = ask_in_session(client, R"({"path":"configuration.ZebGCfg.pon.ont","method":"get",)"
+                                               R"("indices":["1-2","1-64"],"config_type":")" +
+                                                   config_type + R"("})");
+    static const std::regex description(R"re("description":"([^"]*)")re");
+    std::set<std::string> found;
+    std::size_t count = 0;
+    for (std::sregex_iterator at(answer.begin(), answer.end(), description), end; at != end; ++at, ++count) {
+        found.insert((*at)[1]);
+    }
+    EXPECT_EQ(count, 128U) << answer.substr(0, 500);
+    return found;
+}
+
+TEST(Crash, AtAnyMomentLeavesWholeStores) {
+    Olt olt;
+    olt.start_simulator({"--plant", "empty"});
+    std::mt19937 random(1);
+    for (int round = 0; round < rounds; ++round) {
+        olt.start_daemon();
+        olt.wait_until_ready();
+        auto client = Olt::log_in("admin");
+        EXPECT_EQ(descriptions(client, "running").size(), 1U) << "a commit moves all records or none";
+        EXPECT_LE(descriptions(client, "candidate").size(), 2U) << "each record is the old or the new one";
+        {
+            const KillAfter kill(olt.daemon(), std::chrono::microseconds(random() % 20'000));
+            change_until_killed(client, round * 1000);
+        }
+        ASSERT_EQ(olt.daemon().wait(), 128 + SIGKILL);
+    }
+
+    // What was saved last is whole, whenever the writing of the file after it was cut off.
+    olt.simulator().send_signal(SIGTERM);
+    ASSERT_EQ(olt.simulator().wait(), 0);
+    std::filesystem::remove_all(olt.root() / "run/cfgdb");
+    olt.start();
+    auto client = Olt::log_in("admin");
+    const auto saved = descriptions(client, "running");
+    ASSERT_EQ(saved.size(), 1U);
+    EXPECT_TRUE(saved.begin()->starts_with("change ")) << *saved.begin();
+}
+
+} // namespace
+} // namespace xpon::test
