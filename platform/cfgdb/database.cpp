@@ -33,7 +33,7 @@ bool is_below(const Element& candidate, const Element& parent) {
 template <class Visit>
 void for_each_below(const RecordId& id, const Visit& visit) {
     const auto elements = all_elements();
-    for (std::uint16_t number = 0; number < elements.size(); ++number) {
+    for (std::size_t number = 0; number < elements.size(); ++number) {
         const auto& below = elements[number];
         if (!is_below(below, element(id.element))) {
             continue;

@@ -1,5 +1,8 @@
 #include "cfgdb/environment.hpp"
 
+#include "cfgdb/file_descriptor.hpp"
+#include "xpon/cfgdb/database_log.hpp"
+
 #include <cerrno>
 #include <filesystem>
 #include <stdexcept>
@@ -8,6 +11,7 @@
 
 #include <sys/stat.h>
 
+#include <fcntl.h>
 #include <fmt/format.h>
 
 namespace xpon::cfgdb {
@@ -34,6 +38,15 @@ void make_folder(const std::filesystem::path& folder) {
     }
 }
 
+bool is_no_database(int status) {
+    return status == MDB_INVALID || status == MDB_CORRUPTED || status == MDB_VERSION_MISMATCH;
+}
+
+void remove_files(const std::filesystem::path& folder) {
+    std::filesystem::remove(folder / "data.mdb");
+    std::filesystem::remove(folder / "lock.mdb");
+}
+
 } // namespace
 
 void check_lmdb(int status, const char* step) {
@@ -57,18 +70,34 @@ Environment::~Environment() {
     }
 }
 
-void Environment::open(const std::string& folder) {
-    make_folder(folder);
+int Environment::try_to_open(const std::string& folder) {
     MDB_env* created = nullptr;
     check_lmdb(mdb_env_create(&created), "mdb_env_create");
     environment_.reset(created);
     check_lmdb(mdb_env_set_mapsize(created, map_size), "mdb_env_set_mapsize");
-    check_lmdb(mdb_env_open(created, folder.c_str(), MDB_NOSYNC | MDB_NOTLS, file_mode), "mdb_env_open");
+    return mdb_env_open(created, folder.c_str(), MDB_NOSYNC | MDB_NOTLS, file_mode);
+}
+
+void Environment::open(const std::string& folder) {
+    make_folder(folder);
+    // Nobody opens the files while somebody else finds that they must go.
+    const FileDescriptor folder_descriptor(folder, O_RDONLY | O_DIRECTORY);
+    folder_descriptor.lock();
+    int status = try_to_open(folder);
+    if (is_no_database(status)) {
+        // A file system that was full when the database was made leaves such a file. It holds nothing, and a start
+        // finds its configuration elsewhere.
+        core::log(database_log(), core::LogLevel::Warning, "Configuration database {} is damaged and made anew: {}",
+                  folder, mdb_strerror(status));
+        remove_files(folder);
+        status = try_to_open(folder);
+    }
+    check_lmdb(status, "mdb_env_open");
     // A process that was killed while it read leaves its reader slot, and the slot keeps old pages from reuse.
     int cleared = 0;
-    check_lmdb(mdb_reader_check(created, &cleared), "mdb_reader_check");
+    check_lmdb(mdb_reader_check(environment_.get(), &cleared), "mdb_reader_check");
     auto* const reader = acquire_reader();
-    const int status = mdb_dbi_open(reader, nullptr, 0, &database_);
+    status = mdb_dbi_open(reader, nullptr, 0, &database_);
     // The handle stays valid only when the transaction that opened it commits.
     check_lmdb(status == MDB_SUCCESS ? mdb_txn_commit(reader) : (mdb_txn_abort(reader), status), "mdb_dbi_open");
 }

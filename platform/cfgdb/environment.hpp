@@ -45,6 +45,7 @@ private:
     };
 
     void open(const std::string& folder);
+    int try_to_open(const std::string& folder);
 
     std::unique_ptr<MDB_env, Closer> environment_;
     MDB_dbi database_ = 0;

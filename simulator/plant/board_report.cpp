@@ -116,6 +116,7 @@ void put_supplies(System_environment_data& data, const Plant& plant) {
         supply.type = board.supply_type;
         put_text(supply.model, board.supply_model);
         put_text(supply.serial, board.supply_serial);
+        // Two supplies of one OLT, two numbers.
         supply.serial[0] = static_cast<char>('R' + number);
         put_text(supply.version, board.supply_version);
         put_text(supply.revision, board.supply_revision);

@@ -80,24 +80,6 @@ std::optional<FaultTarget> parse_peer(std::string_view text) {
     return peer == peers.end() ? std::nullopt : std::optional(FaultTarget{.where = Where::peer, .peer = *peer});
 }
 
-std::string expectation(const FaultRule& rule) {
-    switch (rule.target) {
-    case Target::none:
-        return "no target";
-    case Target::number:
-        return fmt::format("a number from {} to {}", rule.least, rule.most);
-    case Target::ont:
-        return fmt::format("an ONT as PORT/ONT, 1/1 to {}/{}", pon_ports, max_onts_per_port);
-    case Target::ont_or_pon_port:
-        return fmt::format("an ONT as PORT/ONT, or a PON port from 1 to {}", pon_ports);
-    case Target::module:
-        return fmt::format("a module as pon/1 to pon/{} or front/1 to front/{}", pon_ports, front_ports);
-    case Target::peer:
-        return fmt::format("one of {}", fmt::join(peers, ", "));
-    }
-    return {};
-}
-
 std::optional<FaultTarget> try_target(const FaultRule& rule, std::string_view text) {
     switch (rule.target) {
     case Target::none:
@@ -139,7 +121,7 @@ const FaultRule* find_fault(std::string_view name) {
 std::optional<FaultTarget> parse_target(const FaultRule& rule, std::string_view text, std::string& complaint) {
     auto target = try_target(rule, text);
     if (!target) {
-        complaint = fmt::format("{} takes {}, not '{}'", rule.name, expectation(rule), text);
+        complaint = fmt::format("{} takes {}, not '{}'", rule.name, expected_target(rule), text);
     }
     return target;
 }
@@ -158,6 +140,24 @@ std::string to_text(const FaultTarget& target) {
         return fmt::format("front/{}", target.port);
     case Where::peer:
         return std::string(target.peer);
+    }
+    return {};
+}
+
+std::string expected_target(const FaultRule& rule) {
+    switch (rule.target) {
+    case Target::none:
+        return "no target";
+    case Target::number:
+        return fmt::format("a number from {} to {}", rule.least, rule.most);
+    case Target::ont:
+        return fmt::format("an ONT as PORT/ONT, 1/1 to {}/{}", pon_ports, max_onts_per_port);
+    case Target::ont_or_pon_port:
+        return fmt::format("an ONT as PORT/ONT, or a PON port from 1 to {}", pon_ports);
+    case Target::module:
+        return fmt::format("a module as pon/1 to pon/{} or front/1 to front/{}", pon_ports, front_ports);
+    case Target::peer:
+        return fmt::format("one of {}", fmt::join(peers, ", "));
     }
     return {};
 }

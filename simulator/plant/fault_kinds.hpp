@@ -74,6 +74,8 @@ const FaultRule* find_fault(std::string_view name);
 /// The target that the text names; empty, with a complaint that says what is expected, when it is none of the rule's.
 std::optional<FaultTarget> parse_target(const FaultRule& rule, std::string_view text, std::string& complaint);
 std::string to_text(const FaultTarget& target);
+/// What parse_target takes, for people.
+std::string expected_target(const FaultRule& rule);
 
 /// The names of the peers, as targets name them.
 std::span<const std::string_view> peer_names();

@@ -64,17 +64,18 @@ void Olt::start_simulator(const std::vector<std::string>& options) {
 
 void Olt::start_daemon() {
     auto settings = environment();
-    const std::string sanitizer_runtime = SANITIZER_RUNTIME; // "" without sanitizers; must be the first
-    const std::string separator = sanitizer_runtime.empty() ? "" : ":";
-    settings.insert(settings.end(),
-                    {
-                        {"LD_PRELOAD", sanitizer_runtime + separator + "libpam_wrapper.so:" + OLT_BOARD},
-                        {"PAM_WRAPPER", "1"},
-                        {"PAM_WRAPPER_SERVICE_DIR", pam_folder()},
-                        {"PAM_WRAPPER_USE_SYSLOG", "1"}, // nobody empties its standard error
-                        {"NOTIFY_SOCKET", root() / "run/notify"},
-                    });
-    if (!sanitizer_runtime.empty()) {
+    const bool sanitized = WITH_SANITIZERS;
+    // The runtime must be the first. It hands on calls of libcrypt, which PAM's modules bring in late, only when that
+    // is there from the start.
+    const std::string first = sanitized ? SANITIZER_RUNTIME ":libcrypt.so.1:" : "";
+    settings.insert(settings.end(), {
+                                        {"LD_PRELOAD", first + "libpam_wrapper.so:" OLT_BOARD},
+                                        {"PAM_WRAPPER", "1"},
+                                        {"PAM_WRAPPER_SERVICE_DIR", pam_folder()},
+                                        {"PAM_WRAPPER_USE_SYSLOG", "1"}, // nobody empties its standard error
+                                        {"NOTIFY_SOCKET", root() / "run/notify"},
+                                    });
+    if (sanitized) {
         settings.emplace_back("PAM_WRAPPER_DISABLE_DEEPBIND", "1");
     }
     daemon_ = std::make_unique<Process>(std::vector<std::string>{API_SERVICE}, settings);
@@ -116,11 +117,16 @@ client::Client Olt::connect() {
 
 client::Client Olt::log_in(const std::string& user) {
     auto client = connect();
-    const auto answer = client.log_in(user, user);
-    if (!answer || !answer.value().success) {
+    if (!logs_in(client, user, user)) {
         throw std::runtime_error("login of " + user + " failed");
     }
     return client;
+}
+
+bool logs_in(client::Client& client, const std::string& user, const std::string& password) {
+    const auto answer = client.log_in(user, password);
+    EXPECT_TRUE(answer.has_value()) << answer.error().to_string();
+    return answer && answer.value().success;
 }
 
 std::string ask(client::Client& client, const std::string& request) {

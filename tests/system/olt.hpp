@@ -79,6 +79,8 @@ private:
     std::unique_ptr<Process> daemon_;
 };
 
+/// Whether the daemon grants the login.
+bool logs_in(client::Client& client, const std::string& user, const std::string& password);
 /// The answer to `request` without layout: `{"success":true,"session_id":"1"}`.
 std::string ask(client::Client& client, const std::string& request);
 /// `ask` with the client's session id put into the request.

@@ -9,12 +9,12 @@
 //   EHOSTDOWN                            it did not answer before and has not come back; fails at once
 //   EIO                                  the device reports a fault, or the peer's answer is malformed
 //   ENOMEM                               no memory for the answer
-//   EINVAL, ERANGE                       an argument is null or no value of its kind; a number has no place in its
-//   table
+//   EINVAL, ERANGE                       a null or bad argument; a number that has no place in its table
 // or what the peer says. Buffers returned through a pointer are one malloc block each: free() releases them, with
 // everything that they point to. Texts are NUL-terminated. Port, ONT and service numbers count from 1 unless the
 // comment says otherwise. `ipc` is what IIpc::raw() gives; calls must not run side by side.
 
+#include "xpon/custom_layer/configuration.h"
 #include "xpon/custom_layer/device.h"
 #include "xpon/custom_layer/front_ports.h"
 #include "xpon/custom_layer/log_files.h"

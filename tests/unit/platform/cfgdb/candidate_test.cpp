@@ -9,6 +9,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <fstream>
 #include <string>
 
 #include <sys/stat.h>
@@ -208,6 +209,21 @@ TEST(Database, IsForItsOwnerAndGoesWithTheLastClient) {
     ASSERT_EQ(stat((root.path() / "run/cfgdb/data.mdb").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777U, 0600U);
     EXPECT_TRUE(configuration_exists());
+}
+
+TEST(Database, IsMadeAnewWhenItsFileIsNone) {
+    const test::TemporaryRoot root;
+    const auto logger = std::make_shared<test::RecordingLogger>();
+    set_database_log(logger);
+    for (const std::size_t size : {1U, 200U, 5000U}) {
+        std::filesystem::create_directories(root.path() / "run/cfgdb");
+        std::ofstream(root.path() / "run/cfgdb/data.mdb", std::ios::trunc) << std::string(size, 'x');
+        logger->lines.clear();
+        const CfgDbWrapper client("TEST");
+        EXPECT_TRUE(client.find_user_by_username("admin").has_value());
+        EXPECT_THAT(logger->texts(), testing::Contains(testing::HasSubstr("is damaged and made anew")));
+    }
+    set_database_log(nullptr);
 }
 
 TEST(Database, SaysWhyItCannotBeOpened) {

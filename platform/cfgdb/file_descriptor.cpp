@@ -1,0 +1,78 @@
+#include "cfgdb/file_descriptor.hpp"
+
+#include <cerrno>
+#include <system_error>
+
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <unistd.h>
+
+namespace xpon::cfgdb {
+namespace {
+
+constexpr mode_t file_mode = 0600;
+
+} // namespace
+
+void require_file_step(bool succeeded, const char* step, const std::string& path) {
+    if (!succeeded) {
+        throw std::system_error(errno, std::generic_category(), fmt::format("{} {}", step, path));
+    }
+}
+
+FileDescriptor::FileDescriptor(const std::string& path, int flags)
+    : path_(path), number_(open(path.c_str(), flags | O_CLOEXEC, file_mode)) {
+    require_file_step(number_ >= 0, "open", path);
+}
+
+FileDescriptor::~FileDescriptor() {
+    if (number_ >= 0) {
+        close(number_);
+    }
+}
+
+void FileDescriptor::lock() const {
+    require_file_step(flock(number_, LOCK_EX) == 0, "flock", path_);
+}
+
+void FileDescriptor::sync() const {
+    require_file_step(fsync(number_) == 0, "fsync", path_);
+}
+
+off_t FileDescriptor::size() const {
+    struct stat status{};
+    require_file_step(fstat(number_, &status) == 0, "stat", path_);
+    return status.st_size;
+}
+
+void FileDescriptor::write_all(std::string_view text) const {
+    while (!text.empty()) {
+        const auto written = write(number_, text.data(), text.size());
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        require_file_step(written > 0, "write", path_);
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+void FileDescriptor::read_all(std::string& text) const {
+    std::size_t done = 0;
+    while (done < text.size()) {
+        const auto count = read(number_, text.data() + done, text.size() - done);
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        require_file_step(count >= 0, "read", path_);
+        if (count == 0) {
+            break;
+        }
+        done += static_cast<std::size_t>(count);
+    }
+    text.resize(done);
+}
+
+} // namespace xpon::cfgdb
