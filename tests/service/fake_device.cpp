@@ -46,7 +46,7 @@ int give_list(std::span<const Entry> entries, List** out) {
     *out = static_cast<List*>(std::malloc(sizeof(List) + entries.size_bytes()));
     (*out)->count = static_cast<std::uint32_t>(entries.size());
     (*out)->entries = fake_device().has_ont_entries ? reinterpret_cast<Entry*>(*out + 1) : nullptr;
-    std::memcpy(*out + 1, entries.data(), entries.size_bytes());
+    std::ranges::copy(entries, reinterpret_cast<Entry*>(*out + 1));
     return 0;
 }
 
