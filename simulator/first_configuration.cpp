@@ -22,12 +22,13 @@ std::uint8_t template_of(const OntPosition& position) {
     return position.ont <= most_triple_play_onts ? triple_play : bridged;
 }
 
-core::Result<void> configure(const cfgdb::CfgDbWrapper& database, const OntPosition& position) {
+core::Result<void> configure(const cfgdb::CfgDbWrapper& database, const PhysicalOnt& hardware) {
+    const auto& position = hardware.position;
     const auto index = record_index_of(position);
     const auto description = description_of(position);
     cfgdb::PonOnt ont;
     if (getDb_ZebGCfg_pon_ont(database.handle(), database.context(), &ont, &index) == 0) {
-        ont.serial = serial_of(position);
+        ont.serial = hardware.serial;
         ont.enabled = 1;
         ont.ont_template = template_of(position);
         std::strncpy(ont.description, description.c_str(), sizeof ont.description - 1);
@@ -39,21 +40,21 @@ core::Result<void> configure(const cfgdb::CfgDbWrapper& database, const OntPosit
                                                                   std::generic_category().message(errno)));
 }
 
-core::Result<void> configure_all(cfgdb::CfgDbWrapper& database, unsigned onts) {
-    for (unsigned nth = 0; nth < onts; ++nth) {
-        BOOST_OUTCOME_TRY(configure(database, position_of(nth)));
+core::Result<void> configure_all(cfgdb::CfgDbWrapper& database, const PlantParameters& parameters) {
+    for (unsigned nth = 0; nth < parameters.size.configured; ++nth) {
+        BOOST_OUTCOME_TRY(configure(database, make_ont(parameters, nth)));
     }
     return database.commit(nullptr);
 }
 
 } // namespace
 
-core::Result<void> configure_fresh_olt(unsigned onts) {
-    if (onts == 0 || cfgdb::configuration_exists()) {
+core::Result<void> configure_fresh_olt(const PlantParameters& parameters) {
+    if (parameters.size.configured == 0 || cfgdb::configuration_exists()) {
         return core::success();
     }
     cfgdb::CfgDbWrapper database("olt_simulator");
-    auto result = configure_all(database, onts);
+    auto result = configure_all(database, parameters);
     if (!result) {
         std::ignore = database.rollback();
     }

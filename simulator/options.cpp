@@ -1,6 +1,7 @@
 #include "simulator/options.hpp"
 
 #include "simulator/plant/ont_layout.hpp"
+#include "simulator/plant/plant_clock.hpp"
 
 #include <iostream>
 #include <optional>
@@ -28,6 +29,9 @@ std::variant<Options, int> parse_options(int count, const char* const* arguments
     std::string plant(default_plant);
     std::optional<unsigned> onts;
     std::optional<unsigned> configured;
+    std::uint64_t seed = Options{}.seed;
+    double rate = Options{}.clock_rate;
+    std::optional<std::uint32_t> uptime_s;
 
     CLI::App app("Plays the peer daemons of an OLT whose files are below the folder OLT_ROOT.", "olt_simulator");
     app.add_option("--plant", plant, fmt::format("the plant to simulate (default: {})", default_plant))
@@ -36,14 +40,23 @@ std::variant<Options, int> parse_options(int count, const char* const* arguments
         ->check(CLI::Range(0U, max_onts));
     app.add_option("--configured", configured, "how many of them a fresh OLT_ROOT already has configured")
         ->check(CLI::Range(0U, max_onts));
+    app.add_option("--seed", seed, "which plant of its kind; the same seed gives the same plant (default: 1)");
+    app.add_option("--clock-rate", rate, "how many times faster than real time; 0: the clock is stepped (default: 1)")
+        ->check(CLI::Range(0.0, PlantClock::largest_rate));
+    app.add_option("--uptime", uptime_s, "seconds that the OLT has been running; 0: its ONTs have yet to start");
     try {
         app.parse(count, arguments);
-        const auto size = size_of(*find_plant(plant), onts, configured);
+        const auto* const named = find_plant(plant);
+        const auto size = size_of(*named, onts, configured);
         if (size.configured > size.onts) {
             throw CLI::ValidationError(
                 "--configured", fmt::format("{} is more than the {} ONTs of the plant", size.configured, size.onts));
         }
-        return Options{size};
+        return Options{.plant = named,
+                       .size = size,
+                       .seed = seed,
+                       .uptime = uptime_s ? std::chrono::seconds(*uptime_s) : named->uptime,
+                       .clock_rate = rate};
     } catch (const CLI::ParseError& error) {
         return app.exit(error, std::cout, std::cerr) == 0 ? 0 : 2;
     }

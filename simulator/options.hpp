@@ -1,13 +1,19 @@
 #pragma once
 
 #include "simulator/plant/named_plants.hpp"
+#include "simulator/plant/plant_time.hpp"
 
+#include <cstdint>
 #include <variant>
 
 namespace xpon::simulator {
 
 struct Options {
+    const NamedPlant* plant = nullptr;
     PlantSize size;
+    std::uint64_t seed = 1;
+    PlantTime uptime{};    ///< of the OLT when the simulation begins
+    double clock_rate = 1; ///< 0: the clock is stepped
 };
 
 /// What the command line asks for, or the exit status with which the program ends at once: 0 after --help, 2 for a

@@ -1,9 +1,12 @@
 #include "simulator/simulator.hpp"
 
 #include "simulator/board_file.hpp"
+#include "simulator/control/control_commands.hpp"
+#include "simulator/control/control_socket.hpp"
 #include "simulator/first_configuration.hpp"
 #include "simulator/peers/peers.hpp"
 #include "simulator/plant/ont_layout.hpp"
+#include "simulator/simulation.hpp"
 #include "simulator/single_instance.hpp"
 #include "simulator/stop_signals.hpp"
 #include "xpon/cfgdb/database_log.hpp"
@@ -31,14 +34,19 @@ core::Result<void> run(const Options& options, const std::shared_ptr<core::ILogg
     make_folders();
     const SingleInstance instance;
     cfgdb::set_database_log(logger);
-    BOOST_OUTCOME_TRY(configure_fresh_olt(options.size.configured));
+    BOOST_OUTCOME_TRY(configure_fresh_olt({.plant = options.plant, .size = options.size, .seed = options.seed}));
     const BoardFile board(pon_ports, front_ports);
-    Peers peers(EventLog(below_olt_root("/var/log/events.log")));
+    Simulation simulation(options);
+    Peers peers(simulation);
     BOOST_OUTCOME_TRY(const auto server, ipc::make_zmq_server(logger));
-    BOOST_OUTCOME_TRY(peers.bind_to(*server));
+    BOOST_OUTCOME_TRY(peers.update(*server));
+    ControlSocket control([&](std::string_view line) { return run_command(simulation, line); });
     ready();
     while (!stop_requested()) {
         BOOST_OUTCOME_TRY(server->serve(longest_wait));
+        control.serve();
+        simulation.advance();
+        BOOST_OUTCOME_TRY(peers.update(*server));
     }
     return core::success();
 }

@@ -52,6 +52,11 @@ public:
 
     [[nodiscard]] std::optional<User_record> find_user(std::string_view name) const;
 
+    /// For readers that need several records of one moment.
+    [[nodiscard]] const Environment& environment() const {
+        return environment_;
+    }
+
 private:
     Environment environment_;
 };

@@ -5,9 +5,12 @@
 #include "xpon/core/unique_fd.hpp"
 #include "xpon/ipc/server.hpp"
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <filesystem>
+#include <map>
 #include <system_error>
 #include <utility>
 
@@ -64,6 +67,23 @@ public:
     zmq::socket_ref socket() {
         return socket_;
     }
+    [[nodiscard]] Address address() const {
+        return address_;
+    }
+
+    using Clock = std::chrono::steady_clock;
+
+    /// When the next answer that was kept back is due; never without one.
+    [[nodiscard]] Clock::time_point next_due() const {
+        return kept_answers_.empty() ? Clock::time_point::max() : kept_answers_.begin()->first;
+    }
+
+    void send_due() {
+        while (next_due() <= Clock::now()) {
+            auto kept = kept_answers_.extract(kept_answers_.begin());
+            send(kept.mapped().connection, kept.mapped().message);
+        }
+    }
 
     /// Serves what has arrived; a busy client cannot keep the others waiting.
     void serve() {
@@ -99,7 +119,7 @@ private:
         const auto& header = message.header;
         if (header.version != protocol_version) {
             // This side's version in the header is what the client learns from it.
-            answer(envelope, header, {EPROTONOSUPPORT, {}});
+            answer(envelope, header, {EPROTONOSUPPORT, {}, {}});
             return;
         }
         const ServerRequest request{.peer = address_,
@@ -112,36 +132,56 @@ private:
                 return core::success();
             });
         } else if (header.kind == MessageKind::request) {
-            answer(envelope, header, header.operation == Operation::hello ? ServerAnswer{} : ask_handler(request));
+            answer(envelope, header, ask_handler(request));
         }
     }
 
     ServerAnswer ask_handler(const ServerRequest& request) {
-        const auto answer = core::guarded(logger_, [&]() -> Result<ServerAnswer> { return handler_.handle(request); });
+        const bool is_hello = request.operation == static_cast<std::uint16_t>(Operation::hello);
+        const auto answer = core::guarded(logger_, [&]() -> Result<ServerAnswer> {
+            return is_hello ? handler_.greet(request) : handler_.handle(request);
+        });
         if (!answer) {
-            return {EIO, {}};
+            return {EIO, {}, {}};
         }
         const bool fits = answer.value().payload.size() + sizeof(MessageHeader) <= max_message_bytes;
-        return fits ? answer.value() : ServerAnswer{EMSGSIZE, {}};
+        return fits ? answer.value() : ServerAnswer{EMSGSIZE, {}, {}};
+    }
+
+    void answer(Envelope& envelope, const MessageHeader& asked, const ServerAnswer& answer) {
+        auto bytes = encode({.kind = MessageKind::answer,
+                             .operation = asked.operation,
+                             .sender = address_,
+                             .id = asked.id,
+                             .status = answer.status},
+                            answer.payload);
+        if (answer.delay <= std::chrono::milliseconds::zero()) {
+            send(envelope.connection, bytes);
+        } else if (kept_answers_.size() < most_kept_answers) {
+            kept_answers_.emplace(Clock::now() + answer.delay,
+                                  KeptAnswer{std::move(envelope.connection), std::move(bytes)});
+        }
     }
 
     /// A client that is gone or does not read loses its answer.
-    void answer(Envelope& envelope, const MessageHeader& asked, const ServerAnswer& answer) {
-        const auto bytes = encode({.kind = MessageKind::answer,
-                                   .operation = asked.operation,
-                                   .sender = address_,
-                                   .id = asked.id,
-                                   .status = answer.status},
-                                  answer.payload);
-        if (socket_.send(envelope.connection, zmq::send_flags::dontwait | zmq::send_flags::sndmore)) {
-            std::ignore = socket_.send(zmq::buffer(bytes), zmq::send_flags::dontwait);
+    void send(zmq::message_t& connection, std::span<const std::byte> bytes) {
+        if (socket_.send(connection, zmq::send_flags::dontwait | zmq::send_flags::sndmore)) {
+            std::ignore = socket_.send(zmq::buffer(bytes.data(), bytes.size()), zmq::send_flags::dontwait);
         }
     }
+
+    struct KeptAnswer {
+        zmq::message_t connection;
+        std::vector<std::byte> message;
+    };
+    /// Clients that go on asking a slow peer must not fill the memory.
+    static constexpr std::size_t most_kept_answers = 1024;
 
     Address address_;
     IPeerHandler& handler_;
     core::ILogger& logger_;
     zmq::socket_t socket_;
+    std::multimap<Clock::time_point, KeptAnswer> kept_answers_;
     std::string path_; ///< of the socket that this object made; empty before
 };
 
@@ -166,14 +206,30 @@ public:
         });
     }
 
+    Result<void> unbind(Address peer) override {
+        const auto removed = std::erase_if(peers_, [&](const auto& served) { return served->address() == peer; });
+        if (removed == 0) {
+            return ErrorPayload(Error::Empty, "The address is not served");
+        }
+        return core::success();
+    }
+
     Result<void> serve(std::chrono::milliseconds timeout) override {
         return core::guarded(*logger_, [&]() -> Result<void> {
+            auto due = ServedPeer::Clock::now() + timeout;
+            for (const auto& peer : peers_) {
+                due = std::min(due, peer->next_due());
+            }
             std::vector<zmq_pollitem_t> items;
             items.reserve(peers_.size());
             for (const auto& peer : peers_) {
                 items.push_back(poll_item(peer->socket(), ZMQ_POLLIN));
             }
-            wait_for(items, timeout);
+            const auto wait = std::chrono::ceil<std::chrono::milliseconds>(due - ServedPeer::Clock::now());
+            wait_for(items, std::max(wait, std::chrono::milliseconds::zero()));
+            for (const auto& peer : peers_) {
+                peer->send_due();
+            }
             for (std::size_t index = 0; index < items.size(); ++index) {
                 if ((items.at(index).revents & ZMQ_POLLIN) != 0) {
                     peers_.at(index)->serve();

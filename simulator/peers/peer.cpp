@@ -1,13 +1,85 @@
 #include "simulator/peers/peer.hpp"
 
-#include <cerrno>
+#include "simulator/peers/change_notice.hpp"
+#include "xpon/olt_root/olt_root.hpp"
+
+#include <algorithm>
+
+#include <fmt/format.h>
 
 namespace xpon::simulator {
+namespace {
 
-ipc::ServerAnswer Peer::handle(const ipc::ServerRequest&) {
-    return {EOPNOTSUPP, {}};
+FaultTarget target_of(std::string_view peer) {
+    return {.where = FaultTarget::Where::peer, .peer = peer};
 }
 
-void Peer::notice(const ipc::ServerRequest&) {}
+} // namespace
+
+Peer::Peer(const PeerDescription& description, Simulation& simulation)
+    : description_(description), simulation_(simulation) {}
+
+const Fault* Peer::fault(FaultKind kind) const {
+    return simulation_.plant().faults().find(kind, target_of(description_.name));
+}
+
+bool Peer::is_up() const {
+    // Without the broker nobody reaches anybody.
+    const auto& faults = simulation_.plant().faults();
+    return fault(FaultKind::peer_down) == nullptr && !faults.has(FaultKind::peer_down, target_of("ipc-broker"));
+}
+
+ipc::ServerAnswer Peer::handle(const ipc::ServerRequest& request) {
+    simulation_.advance();
+    ipc::ServerAnswer answer{EOPNOTSUPP, {}, {}};
+    const auto routes = description_.routes();
+    const auto route = std::ranges::find(routes, static_cast<ipc::Operation>(request.operation), &PeerRoute::operation);
+    if (const auto* const error = fault(FaultKind::peer_error)) {
+        answer.status = static_cast<int>(error->value);
+    } else if (route != routes.end()) {
+        answer = route->answer(simulation_.plant(), request.payload);
+    }
+    answer.delay = greet(request).delay;
+    return answer;
+}
+
+ipc::ServerAnswer Peer::greet(const ipc::ServerRequest&) {
+    const auto* const slow = fault(FaultKind::peer_slow);
+    ipc::ServerAnswer answer;
+    answer.delay = std::chrono::milliseconds(slow == nullptr ? 0 : static_cast<int>(slow->value));
+    return answer;
+}
+
+void Peer::notice(const ipc::ServerRequest& request) {
+    if (static_cast<ipc::Operation>(request.operation) != ipc::Operation::configuration_changed) {
+        return;
+    }
+    if (const auto changes = parse_change_notice(request.payload)) {
+        committed(request, *changes);
+    } else {
+        log(fmt::format("malformed notice of a commit by {:#010x}, {} bytes", request.client.value,
+                        request.payload.size()));
+    }
+}
+
+void Peer::committed(const ipc::ServerRequest&, std::span<const service::Config_change> changes) {
+    simulation_.configuration_changed(description_.address, changes);
+}
+
+void Peer::start() {
+    log("started");
+    // Commits that it missed while it was away.
+    simulation_.reload_configuration(description_.address);
+}
+
+void Peer::end() {
+    log("ended");
+}
+
+void Peer::log(std::string_view text) const {
+    if (!description_.log.empty()) {
+        EventLog(below_olt_root(fmt::format("/var/log/{}", description_.log))).write(text);
+    }
+}
 
 } // namespace xpon::simulator

@@ -1,23 +1,31 @@
 #pragma once
 
-#include "xpon/ipc/address.hpp"
+#include "simulator/peers/peer.hpp"
 
 #include <array>
-#include <string_view>
 
 namespace xpon::simulator {
 
-struct PeerDescription {
-    std::string_view name;
-    ipc::Address address; ///< service number in the upper 16 bits, instance 0xfffe
-};
+/// What each peer answers, in the file of its name.
+/// @{
+std::span<const PeerRoute> system_manager_routes();
+std::span<const PeerRoute> pon_state_machine_routes();
+std::span<const PeerRoute> switch_chip_routes();
+inline std::span<const PeerRoute> no_routes() {
+    return {};
+}
+/// @}
 
 /// The daemons of the OLT that the simulator plays.
 inline constexpr std::array peer_table{
-    PeerDescription{"system-mgr", {0x19fffe}}, PeerDescription{"dhcp-ra", {0x09fffe}},
-    PeerDescription{"pppoe", {0x0afffe}},      PeerDescription{"igmp", {0x08fffe}},
-    PeerDescription{"fsm-pon", {0x07fffe}},    PeerDescription{"bcm-custom", {0x0cfffe}},
-    PeerDescription{"dna", {0x06fffe}},        PeerDescription{"ipc-broker", {0x13fffe}},
+    PeerDescription{"system-mgr", ipc::peers::system_manager, "system-mgr.log", system_manager_routes},
+    PeerDescription{"dhcp-ra", ipc::peers::dhcp_relay, "dhcp-ra.log", no_routes},
+    PeerDescription{"pppoe", ipc::peers::pppoe, "pppoe.log", no_routes},
+    PeerDescription{"igmp", ipc::peers::igmp, "igmp.log", no_routes},
+    PeerDescription{"fsm-pon", ipc::peers::pon_state_machine, "fsm-pon.log", pon_state_machine_routes},
+    PeerDescription{"bcm-custom", ipc::peers::switch_chip, "", switch_chip_routes},
+    PeerDescription{"dna", ipc::peers::dna, "", no_routes},
+    PeerDescription{"ipc-broker", ipc::peers::ipc_broker, "", no_routes},
 };
 
 } // namespace xpon::simulator

@@ -1,32 +1,37 @@
 #include "simulator/peers/peers.hpp"
 
-#include "simulator/peers/peer.hpp"
 #include "simulator/peers/peer_table.hpp"
 #include "simulator/peers/system_manager.hpp"
-
-#include <string_view>
 
 namespace xpon::simulator {
 namespace {
 
-std::unique_ptr<ipc::IPeerHandler> make_handler(std::string_view peer, const EventLog& events) {
-    if (peer == "system-mgr") {
-        return std::make_unique<SystemManager>(events);
+std::unique_ptr<Peer> make_peer(const PeerDescription& description, Simulation& simulation) {
+    if (description.address == ipc::peers::system_manager) {
+        return std::make_unique<SystemManager>(description, simulation);
     }
-    return std::make_unique<Peer>();
+    return std::make_unique<Peer>(description, simulation);
 }
 
 } // namespace
 
-Peers::Peers(const EventLog& events) {
-    for (const auto& peer : peer_table) {
-        handlers_.push_back(make_handler(peer.name, events));
+Peers::Peers(Simulation& simulation) {
+    for (const auto& description : peer_table) {
+        slots_.push_back({make_peer(description, simulation)});
     }
 }
 
-core::Result<void> Peers::bind_to(ipc::IServer& server) {
-    for (std::size_t peer = 0; peer < peer_table.size(); ++peer) {
-        BOOST_OUTCOME_TRY(server.bind(peer_table.at(peer).address, *handlers_.at(peer)));
+core::Result<void> Peers::update(ipc::IServer& server) {
+    for (auto& [peer, is_served] : slots_) {
+        const bool is_up = peer->is_up();
+        if (is_up && !is_served) {
+            BOOST_OUTCOME_TRY(server.bind(peer->description().address, *peer));
+            peer->start();
+        } else if (!is_up && is_served) {
+            BOOST_OUTCOME_TRY(server.unbind(peer->description().address));
+            peer->end();
+        }
+        is_served = is_up;
     }
     return core::success();
 }

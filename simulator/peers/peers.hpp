@@ -1,6 +1,7 @@
 #pragma once
 
-#include "simulator/peers/event_log.hpp"
+#include "simulator/peers/peer.hpp"
+#include "simulator/simulation.hpp"
 #include "xpon/core/result.hpp"
 #include "xpon/ipc/server.hpp"
 
@@ -9,16 +10,21 @@
 
 namespace xpon::simulator {
 
-/// All peer daemons of one OLT.
+/// All peer daemons of one OLT. The simulation outlives this object, which outlives the server.
 class Peers {
 public:
-    explicit Peers(const EventLog& events);
+    explicit Peers(Simulation& simulation);
 
-    /// Has `server`, which must not outlive this object, serve every address of the peer table.
-    core::Result<void> bind_to(ipc::IServer& server);
+    /// Starts and ends daemons, each served by `server` while it runs, as the faults of the present ask for.
+    core::Result<void> update(ipc::IServer& server);
 
 private:
-    std::vector<std::unique_ptr<ipc::IPeerHandler>> handlers_; ///< in the order of the peer table
+    struct Slot {
+        std::unique_ptr<Peer> peer;
+        bool is_served = false;
+    };
+
+    std::vector<Slot> slots_; ///< in the order of the peer table
 };
 
 } // namespace xpon::simulator

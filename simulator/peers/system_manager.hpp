@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/peers/event_log.hpp"
+#include "simulator/event_log.hpp"
 #include "simulator/peers/peer.hpp"
 
 namespace xpon::simulator {
@@ -8,11 +8,11 @@ namespace xpon::simulator {
 /// The system manager. It keeps the record of what was committed for all peers, each of which gets the notice.
 class SystemManager : public Peer {
 public:
-    explicit SystemManager(EventLog events);
-
-    void notice(const ipc::ServerRequest& request) override;
+    SystemManager(const PeerDescription& description, Simulation& simulation);
 
 private:
+    void committed(const ipc::ServerRequest& request, std::span<const service::Config_change> changes) override;
+
     EventLog events_;
 };
 

@@ -6,10 +6,9 @@ OntPosition position_of(unsigned nth) {
     return {.port = nth % pon_ports + 1, .ont = nth / pon_ports + 1};
 }
 
-std::uint64_t serial_of(const OntPosition& position) {
-    constexpr std::uint64_t vendor = 0x53494d55; // "SIMU"
+std::uint64_t serial_of(const OntPosition& position, std::uint32_t vendor) {
     const std::uint64_t number = 0xa0000000U | position.port << 16U | position.ont;
-    return vendor << 32U | number;
+    return std::uint64_t{vendor} << 32U | number;
 }
 
 unsigned short record_index_of(const OntPosition& position) {

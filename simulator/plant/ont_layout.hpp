@@ -23,8 +23,9 @@ struct OntPosition {
 /// port, so that any number of them is spread evenly.
 OntPosition position_of(unsigned nth);
 
-/// Vendor id "SIMU" and the vendor's number, most significant byte first [G.984.3 9.2]; one of a kind per position.
-std::uint64_t serial_of(const OntPosition& position);
+/// Vendor id (4 letters) and the vendor's number, most significant byte first [G.984.3 9.2]; one of a kind per
+/// position.
+std::uint64_t serial_of(const OntPosition& position, std::uint32_t vendor = 0x53494d55 /* SIMU */);
 
 /// 0-based index of the ONT's record in the configuration database.
 unsigned short record_index_of(const OntPosition& position);

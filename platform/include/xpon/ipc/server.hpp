@@ -25,9 +25,11 @@ struct ServerRequest {
 struct ServerAnswer {
     int status = 0;
     std::vector<std::byte> payload;
+    /// How long the server keeps the answer back, while it goes on serving: how a slow peer is played.
+    std::chrono::milliseconds delay{};
 };
 
-/// What a peer daemon does with its requests. Hellos and probes are answered by the server itself.
+/// What a peer daemon does with its requests.
 class IPeerHandler {
 public:
     IPeerHandler() = default;
@@ -36,6 +38,10 @@ public:
     virtual ~IPeerHandler() = default;
 
     virtual ServerAnswer handle(const ServerRequest& request) = 0;
+    /// A hello or probe of a client. Whatever the answer says, it means that the peer is there.
+    virtual ServerAnswer greet(const ServerRequest&) {
+        return {};
+    }
     /// A message that wants no answer.
     virtual void notice(const ServerRequest& request) = 0;
 };
@@ -52,8 +58,12 @@ public:
     /// CommonError, naming the socket's path, when it is too long or cannot be bound.
     virtual core::Result<void> bind(Address peer, IPeerHandler& handler) = 0;
 
-    /// Serves what has arrived, waiting up to `timeout` for the first message. A message that is no well-formed
-    /// request is dropped. An interrupting signal ends the wait early, with success.
+    /// Stops serving `peer`: to its clients its daemon is gone. Answers that were kept back are lost. Not to be called
+    /// by a handler. Error Empty when it is not served.
+    virtual core::Result<void> unbind(Address peer) = 0;
+
+    /// Serves what has arrived, waiting up to `timeout` for the first message, and sends answers that are due. A
+    /// message that is no well-formed request is dropped. An interrupting signal ends the wait early, with success.
     virtual core::Result<void> serve(std::chrono::milliseconds timeout) = 0;
 };
 

@@ -1,4 +1,4 @@
-#include "simulator/peers/event_log.hpp"
+#include "simulator/event_log.hpp"
 
 #include <chrono>
 #include <fstream>

@@ -1,0 +1,118 @@
+#include "xpon/cfgdb/running_onts.hpp"
+
+#include "cfgdb/database.hpp"
+#include "cfgdb/effective_ont.hpp"
+
+#include <algorithm>
+#include <cstddef>
+#include <map>
+
+namespace xpon::cfgdb {
+namespace {
+
+/// Hash FNV-1a.
+class Digest {
+public:
+    void add(Bytes bytes) {
+        for (const auto byte : bytes) {
+            value_ = (value_ ^ std::to_integer<std::uint64_t>(byte)) * 0x100000001b3U;
+        }
+    }
+    template <class Number>
+    void add_number(Number number) {
+        add(std::as_bytes(std::span(&number, 1)));
+    }
+    [[nodiscard]] std::uint64_t value() const {
+        return value_;
+    }
+
+private:
+    std::uint64_t value_ = 0xcbf29ce484222325U;
+};
+
+void add_profiles(Digest& digest, const Records& records, const EffectiveOnt& ont) {
+    // Every profile begins with its name.
+    static constexpr std::size_t name_size = sizeof ProfileOntDba::name;
+    for (const auto& reference : ont.references) {
+        if (reference.element == element_of<OntTemplate>) {
+            continue;
+        }
+        digest.add_number(reference.element);
+        digest.add_number(reference.number);
+        const RecordId id{reference.element, {static_cast<std::uint16_t>(reference.number - 1), 0}};
+        digest.add(records.running(id).subspan(name_size));
+    }
+}
+
+std::uint64_t provision_of(const Records& records, const EffectiveOnt& ont, bool upstream_fec) {
+    Digest digest;
+    add_profiles(digest, records, ont);
+    for (const auto& service : ont.services) {
+        const auto& own = ont.own_services[service.position];
+        for (const std::uint32_t number :
+             {std::uint32_t{service.position}, std::uint32_t{service.cross_connect}, std::uint32_t{service.dba},
+              std::uint32_t{service.s_vid}, std::uint32_t{service.c_vid}, std::uint32_t{own.mac_limit},
+              own.downstream_kbps, own.upstream_kbps, own.static_ip}) {
+            digest.add_number(number);
+        }
+        digest.add(std::as_bytes(std::span(own.subscriber_id)));
+    }
+    digest.add_number(upstream_fec);
+    digest.add(std::as_bytes(std::span(ont.record.lines)));
+    return digest.value();
+}
+
+std::vector<RunningService> services_of(const Records& records, const EffectiveOnt& ont) {
+    std::vector<RunningService> services;
+    std::map<std::uint8_t, std::uint8_t> shared_tconts;
+    std::uint8_t tconts = 0;
+    for (const auto& service : ont.services) {
+        // Without a profile a service gets the default one, whose T-CONT is shared.
+        const bool is_shared =
+            service.dba == 0 || records.running<ProfileOntDba>(static_cast<std::uint16_t>(service.dba - 1)).shared != 0;
+        const auto known = shared_tconts.find(service.dba);
+        const bool joins = is_shared && known != shared_tconts.end();
+        const auto tcont = joins ? known->second : tconts++;
+        if (is_shared) {
+            shared_tconts.emplace(service.dba, tcont);
+        }
+        services.push_back({.number = static_cast<std::uint8_t>(service.position + 1),
+                            .tcont = tcont,
+                            .s_vid = service.s_vid,
+                            .c_vid = service.c_vid});
+    }
+    return services;
+}
+
+bool has_upstream_fec(const Records& records, const PonOnt& ont) {
+    if (ont.upstream_fec != PonOnt::from_template || ont.ont_template == 0) {
+        return ont.upstream_fec != PonOnt::off;
+    }
+    return records.running<OntTemplate>(static_cast<std::uint16_t>(ont.ont_template - 1)).upstream_fec != 0;
+}
+
+} // namespace
+
+std::vector<RunningOnt> read_running_onts(const void* db, std::span<const std::uint16_t> indices) {
+    const ReadTransaction transaction(database_of(db).environment());
+    const Records records(transaction);
+    std::vector<RunningOnt> onts;
+    for (const auto index : indices) {
+        const auto record = records.running<PonOnt>(index);
+        if (record.serial == 0) {
+            continue;
+        }
+        const auto effective = evaluate_ont(records, index, record);
+        const bool upstream_fec = has_upstream_fec(records, record);
+        onts.push_back({.index = index,
+                        .serial = record.serial,
+                        .enabled = record.enabled != 0,
+                        .upstream_fec = upstream_fec,
+                        .password = record.password,
+                        .services = services_of(records, effective),
+                        .provision = provision_of(records, effective, upstream_fec)});
+    }
+    return onts;
+}
+
+} // namespace xpon::cfgdb

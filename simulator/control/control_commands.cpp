@@ -1,0 +1,188 @@
+#include "simulator/control/control_commands.hpp"
+
+#include "simulator/control/command_fields.hpp"
+#include "simulator/control/truth.hpp"
+#include "xpon/core/json_tree.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <memory>
+
+#include <fmt/format.h>
+
+namespace xpon::simulator {
+namespace {
+
+constexpr double longest_step_s = 10.0 * 365 * 86400;
+constexpr std::size_t most_scheduled = 10000;
+
+core::JsonTree new_object() {
+    return core::JsonTree(cJSON_CreateObject());
+}
+
+PlantTime time_of(double seconds) {
+    return PlantTime(static_cast<PlantTime::rep>(std::llround(seconds * 1000)));
+}
+
+const FaultRule& known_fault(const std::string& name) {
+    const auto* const rule = find_fault(name);
+    if (rule == nullptr) {
+        throw CommandError(fmt::format("there is no fault '{}'; {{\"faults\": true}} lists them", name));
+    }
+    return *rule;
+}
+
+FaultTarget known_target(const FaultRule& rule, const std::string& text) {
+    std::string complaint;
+    const auto target = parse_target(rule, text, complaint);
+    if (!target) {
+        throw CommandError(complaint);
+    }
+    return *target;
+}
+
+core::JsonTree set_fault(Simulation& simulation, const CommandFields& fields) {
+    const auto& rule = known_fault(fields.text("fault"));
+    const auto target = known_target(rule, fields.text("target"));
+    const auto lasts = fields.number("for_s", 0, longest_step_s).value_or(0);
+    if (rule.value.empty() && fields.find("value") != nullptr) {
+        throw CommandError(fmt::format("{} takes no value", rule.name));
+    }
+    const auto value = fields.number("value", rule.least_value, rule.most_value);
+    if (!value && !rule.usual_value) {
+        throw CommandError(fmt::format("{} needs a value: {}, from {} to {}", rule.name, rule.value, rule.least_value,
+                                       rule.most_value));
+    }
+    simulation.set_fault(
+        {.kind = rule.kind, .target = target, .value = value.value_or(rule.usual_value.value_or(0)), .until = never},
+        time_of(lasts));
+    return new_object();
+}
+
+core::JsonTree clear_fault(Simulation& simulation, const CommandFields& fields) {
+    const auto name = fields.text("clear");
+    if (name == "all") {
+        simulation.clear_all_faults();
+        return new_object();
+    }
+    const auto& rule = known_fault(name);
+    const auto target = known_target(rule, fields.text("target"));
+    if (!simulation.clear_fault(rule, target)) {
+        throw CommandError(fmt::format("there is no {} {} to clear", rule.name, to_text(target)));
+    }
+    return new_object();
+}
+
+core::JsonTree step(Simulation& simulation, const CommandFields& fields) {
+    simulation.step(time_of(fields.number("step_s", 0, longest_step_s).value_or(0)));
+    return describe_summary(simulation);
+}
+
+core::JsonTree set_clock(Simulation& simulation, const CommandFields& fields) {
+    const auto kind = fields.text("clock");
+    const auto rate = fields.number("rate", 1, PlantClock::largest_rate);
+    if (kind == "scaled" ? !rate : rate.has_value()) {
+        throw CommandError(
+            fmt::format("the scaled clock takes a rate from 1 to {}, and no other", PlantClock::largest_rate));
+    }
+    if (kind != "real" && kind != "stepped" && kind != "scaled") {
+        throw CommandError(fmt::format("clock must be real, stepped or scaled, not '{}'", kind));
+    }
+    simulation.set_rate(kind == "real" ? 1 : kind == "stepped" ? 0 : *rate);
+    return describe_summary(simulation);
+}
+
+core::JsonTree dump_state(Simulation& simulation, const CommandFields& fields) {
+    const auto* const wanted = fields.find("state");
+    const auto depth = cJSON_IsTrue(wanted) != 0 ? "all" : fields.text("state");
+    if (depth != "all" && depth != "summary") {
+        throw CommandError("state must be all or summary");
+    }
+    return depth == "all" ? describe_all(simulation) : describe_summary(simulation);
+}
+
+core::JsonTree list_faults(Simulation&, const CommandFields&) {
+    return describe_fault_kinds();
+}
+
+core::JsonTree run(Simulation& simulation, const cJSON* command);
+
+core::JsonTree schedule(Simulation& simulation, const CommandFields& fields) {
+    const auto* const command = fields.find("command");
+    const auto in = fields.number("at_s", 0, longest_step_s);
+    if (cJSON_IsObject(command) == 0 || cJSON_HasObjectItem(command, "at_s") != 0) {
+        throw CommandError("command must be an object that is no at_s itself");
+    }
+    if (simulation.scheduled() >= most_scheduled) {
+        throw CommandError("too many commands are waiting for their time");
+    }
+    // cJSON trees have one owner, copied callables need a shared one.
+    const std::shared_ptr<cJSON> kept(cJSON_Duplicate(command, 1), cJSON_Delete);
+    simulation.schedule(time_of(in.value_or(0)), [&simulation, kept] {
+        try {
+            run(simulation, kept.get());
+        } catch (const CommandError&) {
+            // Such as a fault to clear that is no more: there is nobody left to tell.
+        }
+    });
+    return new_object();
+}
+
+struct CommandRow {
+    const char* key; ///< the member that makes a command this one
+    std::string_view members;
+    core::JsonTree (*run)(Simulation&, const CommandFields&);
+};
+
+constexpr std::array commands{
+    CommandRow{"fault", "fault target value for_s", set_fault},
+    CommandRow{"clear", "clear target", clear_fault},
+    CommandRow{"step_s", "step_s", step},
+    CommandRow{"clock", "clock rate", set_clock},
+    CommandRow{"at_s", "at_s command", schedule},
+    CommandRow{"state", "state", dump_state},
+    CommandRow{"faults", "faults", list_faults},
+};
+
+core::JsonTree run(Simulation& simulation, const cJSON* command) {
+    const auto row = std::ranges::find_if(
+        commands, [&](const auto& candidate) { return cJSON_GetObjectItemCaseSensitive(command, candidate.key); });
+    if (row == commands.end()) {
+        throw CommandError("a command is an object with fault, clear, step_s, clock, at_s, state or faults");
+    }
+    simulation.advance();
+    return row->run(simulation, CommandFields(command, row->members));
+}
+
+core::JsonTree run_text(Simulation& simulation, std::string_view line) {
+    const core::JsonTree command(cJSON_ParseWithLength(line.data(), line.size()));
+    if (cJSON_IsObject(command.get()) == 0) {
+        throw CommandError("a command is one line with a JSON object");
+    }
+    auto answer = run(simulation, command.get());
+    cJSON_AddTrueToObject(answer.get(), "ok");
+    return answer;
+}
+
+core::JsonTree refusal(const char* error) {
+    auto answer = new_object();
+    cJSON_AddFalseToObject(answer.get(), "ok");
+    cJSON_AddStringToObject(answer.get(), "error", error);
+    return answer;
+}
+
+} // namespace
+
+std::string run_command(Simulation& simulation, std::string_view line) {
+    core::JsonTree answer;
+    try {
+        answer = run_text(simulation, line);
+    } catch (const std::exception& error) {
+        answer = refusal(error.what());
+    }
+    const core::JsonText text(cJSON_PrintUnformatted(answer.get()));
+    return text ? text.get() : R"({"ok":false,"error":"out of memory"})";
+}
+
+} // namespace xpon::simulator

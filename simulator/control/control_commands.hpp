@@ -1,0 +1,24 @@
+#pragma once
+
+#include "simulator/simulation.hpp"
+
+#include <string>
+#include <string_view>
+
+namespace xpon::simulator {
+
+/// Carries out one command, a JSON object:
+///
+///   {"fault": KIND, "target": TEXT, "value": NUMBER, "for_s": SECONDS}   injects a fault; 0 s: until it is cleared
+///   {"clear": KIND, "target": TEXT}                                      {"clear": "all"}
+///   {"step_s": SECONDS}                                                  moves the clock ahead
+///   {"clock": "real" | "stepped" | "scaled", "rate": FACTOR}             rate with "scaled" only
+///   {"at_s": SECONDS, "command": OBJECT}                                 the command, when so much time has passed
+///   {"state": "all" | "summary"}                                         what is true of the plant
+///   {"faults": true}                                                     the kinds of faults and what they take
+///
+/// Kinds, targets and values are those of fault_kinds.hpp. The answer is {"ok": true, ...} or {"ok": false, "error":
+/// TEXT}; a refused command changes nothing. Never throws but for lack of memory.
+std::string run_command(Simulation& simulation, std::string_view line);
+
+} // namespace xpon::simulator

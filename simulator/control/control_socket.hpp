@@ -1,0 +1,49 @@
+#pragma once
+
+#include "xpon/core/unique_fd.hpp"
+
+#include <cstddef>
+#include <functional>
+#include <list>
+#include <string>
+#include <string_view>
+
+namespace xpon::simulator {
+
+/// The Unix socket through which testers command the plant, control.sock in the OLT's run folder: a line in, a line
+/// out. For the owner alone.
+class ControlSocket {
+public:
+    /// Takes a line without its end and gives the answer, without one.
+    using Command = std::function<std::string(std::string_view line)>;
+
+    /// Throws std::system_error, naming the path, when the socket cannot be made.
+    explicit ControlSocket(Command command);
+    ~ControlSocket();
+    ControlSocket(const ControlSocket&) = delete;
+    ControlSocket& operator=(const ControlSocket&) = delete;
+
+    /// Serves what has arrived; never waits.
+    void serve();
+
+private:
+    struct Client {
+        core::UniqueFd socket;
+        std::string received{};
+        std::string to_send{};
+        bool has_ended = false; ///< it sends no more
+    };
+
+    void accept_clients();
+    /// False when the client is to go.
+    bool serve(Client& client);
+    void receive(Client& client);
+    void run_commands(Client& client);
+
+    Command command_;
+    std::string path_;
+    core::UniqueFd listener_;
+    std::list<Client> clients_;
+};
+
+} // namespace xpon::simulator

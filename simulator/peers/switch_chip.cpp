@@ -1,0 +1,40 @@
+#include "simulator/peers/peer_table.hpp"
+#include "simulator/plant/port_report.hpp"
+
+#include <array>
+
+namespace xpon::simulator {
+namespace {
+
+ipc::ServerAnswer answer_front_port(const Plant& plant, std::span<const std::byte> payload) {
+    const auto port = parse_port(payload, front_ports);
+    if (!port) {
+        return {ERANGE, {}, {}};
+    }
+    return {0, ipc::record_payload(report_front_port(plant, *port)), {}};
+}
+
+ipc::ServerAnswer answer_front_diagnostics(const Plant& plant, std::span<const std::byte> payload) {
+    const auto port = parse_port(payload, front_ports);
+    if (!port) {
+        return {ERANGE, {}, {}};
+    }
+    const auto diagnostics = report_front_diagnostics(plant, *port);
+    return diagnostics ? ipc::ServerAnswer{0, ipc::record_payload(*diagnostics), {}}
+                       : ipc::ServerAnswer{ENODATA, {}, {}};
+}
+
+} // namespace
+
+std::span<const PeerRoute> switch_chip_routes() {
+    using ipc::Operation;
+    static constexpr std::array routes{
+        PeerRoute{Operation::get_front_link_states, answer_record<report_front_links>},
+        PeerRoute{Operation::get_front_port_info, answer_front_port},
+        PeerRoute{Operation::get_front_port_eddi, answer_front_diagnostics},
+        PeerRoute{Operation::get_pon_modules, answer_record<report_pon_modules>},
+    };
+    return routes;
+}
+
+} // namespace xpon::simulator

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "simulator/plant/plant.hpp"
+#include "xpon/custom_layer/device_facts.h"
+#include "xpon/custom_layer/system.h"
+
+#include <cstdint>
+
+namespace xpon::simulator {
+
+System_environment_data report_environment(const Plant& plant);
+
+/// `clock_rate` as the record wants it; its time is the present one.
+Device_facts report_device_facts(const Plant& plant, double clock_rate);
+
+} // namespace xpon::simulator

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace xpon::simulator {
+
+enum class FaultKind : std::uint8_t {
+    ont_los,
+    ont_dying_gasp,
+    ont_rogue,
+    ont_attenuation,
+    ont_omci,
+    ont_moved,
+    module_absent,
+    module_excluded,
+    module_no_diagnostics,
+    module_hot,
+    fan_failed,
+    fan_absent,
+    psu_failed,
+    psu2_present,
+    temperature,
+    slot_corrupt,
+    peer_down,
+    peer_slow,
+    peer_error,
+};
+
+/// What a fault is injected into.
+struct FaultTarget {
+    enum class Where : std::uint8_t {
+        plant,      ///< nothing in particular
+        number,     ///< "2": a fan, a supply, a sensor or a slot
+        ont,        ///< "3/17": PON port and number of a physical ONT
+        pon_port,   ///< "3", or "pon/3" where a front port could be meant
+        front_port, ///< "front/2"
+        peer,       ///< "fsm-pon"
+    };
+
+    Where where = Where::plant;
+    std::uint16_t port = 0;  ///< port or number
+    std::uint16_t ont = 0;   ///< with `ont`
+    std::string_view peer{}; ///< with `peer`; a name of the list of peers
+
+    bool operator==(const FaultTarget&) const = default;
+};
+
+/// What a kind of fault takes.
+struct FaultRule {
+    enum class Target : std::uint8_t { none, number, ont, ont_or_pon_port, module, peer };
+
+    FaultKind kind;
+    std::string_view name;
+    Target target;
+    unsigned least; ///< of a number
+    unsigned most;
+    /// What "value" means; empty: the kind takes none.
+    std::string_view value;
+    double least_value;
+    double most_value;
+    std::optional<double> usual_value; ///< without: a value must be given
+};
+
+std::span<const FaultRule> fault_rules();
+const FaultRule& rule_of(FaultKind kind);
+
+/// Null when there is no fault of that name.
+const FaultRule* find_fault(std::string_view name);
+
+/// The target that the text names; empty, with a complaint that says what is expected, when it is none of the rule's.
+std::optional<FaultTarget> parse_target(const FaultRule& rule, std::string_view text, std::string& complaint);
+std::string to_text(const FaultTarget& target);
+/// What parse_target takes, for people.
+std::string expected_target(const FaultRule& rule);
+
+/// The names of the peers, as targets name them.
+std::span<const std::string_view> peer_names();
+
+} // namespace xpon::simulator

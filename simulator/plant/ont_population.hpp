@@ -1,0 +1,34 @@
+#pragma once
+
+#include "simulator/plant/named_plants.hpp"
+#include "simulator/plant/optics.hpp"
+#include "simulator/plant/random.hpp"
+
+#include <cstdint>
+#include <string>
+
+namespace xpon::simulator {
+
+/// A plant as it is asked for.
+struct PlantParameters {
+    const NamedPlant* plant = nullptr;
+    PlantSize size;
+    std::uint64_t seed = 1;
+};
+
+/// A physical ONT and its fibre: what never changes about it.
+struct PhysicalOnt {
+    OntPosition position;
+    std::uint64_t serial;
+    const OntModel* model;
+    OntPath path;
+    bool is_switched_on;
+};
+
+/// The `nth` ONT of the plant, from 0.
+PhysicalOnt make_ont(const PlantParameters& parameters, unsigned nth);
+
+/// The PLOAM password that the ONT sends: "PW" and its place, "PW03017".
+std::string password_of(const OntPosition& position);
+
+} // namespace xpon::simulator

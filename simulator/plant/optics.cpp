@@ -1,0 +1,94 @@
+#include "simulator/plant/optics.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numbers>
+
+namespace xpon::simulator {
+namespace {
+
+using std::numbers::pi;
+
+constexpr double day_s = 86400;
+
+/// Microseconds that light takes there and back.
+double round_trip_us(double km) {
+    constexpr double refraction = 1.4677;
+    constexpr double light_km_per_us = 0.299792458;
+    return 2 * km * refraction / light_km_per_us;
+}
+
+double drifted_temperature(const Random& random, const ModuleConditions& module, PlantTime now) {
+    constexpr double ambient_c = 25;
+    constexpr double warm_c = 30;
+    constexpr double load_c = 8;
+    constexpr double warming_s = 240;
+    const double warm = warm_c + load_c * module.load;
+    const double cold_share = std::exp(-std::max(seconds_of(now - module.since), 0.0) / warming_s);
+    return warm + (ambient_c - warm) * cold_share + drift(random, module.port, now) + module.extra_degrees;
+}
+
+double supply_voltage(const Random& random, const ModuleConditions& module) {
+    return random.between(3.27, 3.33, Purpose::module_voltage, {module.port});
+}
+
+} // namespace
+
+OntPath path_of(const Random& random, const OntPosition& ont) {
+    return {.distance_km = random.between(0.3, 18, Purpose::ont_distance, {ont.port, ont.ont}),
+            .response_us = random.between(34, 36, Purpose::ont_response_time, {ont.port, ont.ont}),
+            .launch_dbm = random.between(1.5, 4, Purpose::ont_launch_power, {ont.port, ont.ont}),
+            .connectors_db = random.between(0.6, 1.5, Purpose::ont_connectors, {ont.port, ont.ont}),
+            .day_phase = random.between(0, 2 * pi, Purpose::ont_day_phase, {ont.port, ont.ont})};
+}
+
+std::uint32_t equalization_delay(const OntPath& path, unsigned reach_max_km) {
+    constexpr double bits_per_us = 1244.16;
+    const double equalized_us = round_trip_us(reach_max_km) + 50;
+    const double measured_us = round_trip_us(path.distance_km) + path.response_us;
+    return static_cast<std::uint32_t>(std::lround(std::max(equalized_us - measured_us, 0.0) * bits_per_us));
+}
+
+double received_power(const OntPath& path, unsigned split, double attenuation_db, PlantTime now) {
+    constexpr double loss_per_doubling_db = 3.5;
+    constexpr double loss_per_km_db = 0.35;
+    const double splitter_db = loss_per_doubling_db * std::log2(std::min(split, 64U));
+    const double day_db = 0.2 * std::sin(2 * pi * seconds_of(now) / day_s + path.day_phase);
+    return path.launch_dbm - splitter_db - loss_per_km_db * path.distance_km - path.connectors_db - attenuation_db +
+           day_db;
+}
+
+double loss_of_signal_dbm(PonPortSettings::OdnClass odn_class) {
+    constexpr std::array sensitivity_dbm{-24.0, -28.0, -28.0, -29.0, -32.0}; // classes A, B, B+, C, C+
+    // 10^-10 at 3 dB above the sensitivity, ten times as many for every 0.5 dB less.
+    constexpr double margin_db = 3;
+    constexpr double decades = 7;
+    return sensitivity_dbm.at(static_cast<std::size_t>(odn_class)) + margin_db - 0.5 * decades;
+}
+
+ModuleReadings front_module(const Random& random, const ModuleConditions& module, PlantTime now) {
+    return {.temperature_c = drifted_temperature(random, module, now),
+            .voltage_v = supply_voltage(random, module),
+            .bias_ma = random.between(6, 8, Purpose::module_bias, {module.port}),
+            .power = random.between(0.5, 0.65, Purpose::module_power, {module.port})};
+}
+
+ModuleReadings pon_module(const Random& random, const ModuleConditions& module, PlantTime now) {
+    constexpr double bias_ma_per_degree = 0.15;
+    const double temperature = drifted_temperature(random, module, now);
+    return {.temperature_c = temperature,
+            .voltage_v = supply_voltage(random, module),
+            .bias_ma = 14 + bias_ma_per_degree * std::max(temperature - 40, 0.0),
+            .power = random.between(2.9, 3.5, Purpose::module_power, {module.port})};
+}
+
+double drift(const Random& random, std::uint64_t key, PlantTime now) {
+    constexpr double short_period_s = 37 * 60;
+    const auto wave = [&](double period_s, Purpose purpose) {
+        return std::sin(2 * pi * seconds_of(now) / period_s + random.between(0, 2 * pi, purpose, {key}));
+    };
+    return wave(day_s, Purpose::day_drift_phase) * 1.4 + wave(short_period_s, Purpose::short_drift_phase) * 0.6;
+}
+
+} // namespace xpon::simulator

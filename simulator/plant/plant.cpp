@@ -1,0 +1,295 @@
+#include "simulator/plant/plant.hpp"
+
+#include "xpon/custom_layer/sfp.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace xpon::simulator {
+namespace {
+
+using namespace std::chrono_literals;
+using Where = FaultTarget::Where;
+
+constexpr PlantTime channel_start_time = 3s;
+constexpr PlantTime link_up_time = 2s;
+
+/// ONU-IDs 0 to 253 [G.984.3].
+constexpr unsigned onu_ids = 254;
+
+FaultTarget ont_target(const OntPosition& ont) {
+    return {
+        .where = Where::ont, .port = static_cast<std::uint16_t>(ont.port), .ont = static_cast<std::uint16_t>(ont.ont)};
+}
+
+FaultTarget port_target(Where where, unsigned port) {
+    return {.where = where, .port = static_cast<std::uint16_t>(port)};
+}
+
+/// Whether the change makes a PON port start again.
+bool restarts(const PonPortSettings& before, const PonPortSettings& after) {
+    return before.enabled != after.enabled || before.reach_min_km != after.reach_min_km ||
+           before.reach_max_km != after.reach_max_km || before.downstream_fec != after.downstream_fec ||
+           before.compares_passwords != after.compares_passwords;
+}
+
+} // namespace
+
+Plant::Plant(const PlantParameters& parameters, RunningConfiguration configuration)
+    : parameters_(parameters), random_(parameters.seed) {
+    onts_.reserve(parameters.size.onts);
+    for (unsigned nth = 0; nth < parameters.size.onts; ++nth) {
+        onts_.push_back({make_ont(parameters, nth), {}, {}});
+        // Before the start nothing had power.
+        onts_.back().situation.has_power = false;
+    }
+    change([&] {
+        configuration_ = std::move(configuration);
+        index_configuration();
+        for (const auto& [kind, target_text, value] : parameters.plant->faults) {
+            std::string complaint;
+            if (const auto target = parse_target(rule_of(kind), target_text, complaint)) {
+                faults_.set({.kind = kind, .target = *target, .value = value});
+            }
+        }
+    });
+}
+
+void Plant::advance(PlantTime now) {
+    while (faults_.next_end() <= now) {
+        now_ = std::max(now_, faults_.next_end());
+        change([&] { faults_.take_ended(now_); });
+    }
+    now_ = std::max(now_, now);
+}
+
+void Plant::configure(RunningConfiguration configuration) {
+    change([&] {
+        configuration_ = std::move(configuration);
+        index_configuration();
+    });
+}
+
+void Plant::set_fault(const Fault& fault) {
+    change([&] { faults_.set(fault); });
+}
+
+bool Plant::clear_fault(FaultKind kind, const FaultTarget& target) {
+    bool was_there = false;
+    change([&] { was_there = faults_.clear(kind, target); });
+    return was_there;
+}
+
+void Plant::clear_all_faults() {
+    change([&] { faults_.clear_all(); });
+}
+
+void Plant::change(const std::function<void()>& mutate) {
+    std::vector<OntPoint> points;
+    points.reserve(onts_.size());
+    for (const auto& ont : onts_) {
+        // A start that lies ahead is not forgotten.
+        points.push_back(now_ < ont.anchor.since ? ont.anchor : point_of(ont));
+    }
+    const auto before = configuration_;
+    mutate();
+    update_ports(before);
+    update_onts(points);
+}
+
+void Plant::update_ports(const RunningConfiguration& before) {
+    const auto update = [&](PortRun& run, bool has_module, bool is_enabled, bool restart, PlantTime start_time) {
+        if (has_module && !run.has_module) {
+            run.module_since = now_;
+        }
+        const bool ran = run.has_module && run.is_enabled;
+        run.has_module = has_module;
+        run.is_enabled = is_enabled;
+        if (has_module && is_enabled && (!ran || restart)) {
+            run.up_since = now_ + start_time;
+        }
+    };
+    for (unsigned port = 1; port <= pon_ports; ++port) {
+        const auto& settings = configuration_.pon.at(port - 1);
+        update(pon_.at(port - 1), pon_module(port) != nullptr, settings.enabled,
+               restarts(before.pon.at(port - 1), settings), channel_start_time);
+    }
+    for (unsigned port = 1; port <= front_ports; ++port) {
+        update(front_.at(port - 1), front_module(port) != nullptr, configuration_.front.at(port - 1).enabled, false,
+               link_up_time);
+    }
+}
+
+void Plant::update_onts(const std::vector<OntPoint>& points) {
+    std::vector<bool> starts(onts_.size());
+    for (std::size_t nth = 0; nth < onts_.size(); ++nth) {
+        auto& ont = onts_[nth];
+        auto after = situation_of(ont);
+        if (after == ont.situation) {
+            continue;
+        }
+        const auto point = react(points[nth], ont.situation, after, now_);
+        starts[nth] = point.state == ont_initial && point.since >= now_;
+        ont.anchor = point;
+        ont.situation = std::move(after);
+    }
+    share_discovery(starts);
+}
+
+/// ONTs that start together on one port answer in the same discovery windows, and some lose theirs.
+void Plant::share_discovery(const std::vector<bool>& starts) {
+    std::array<std::vector<TrackedOnt*>, pon_ports> starters;
+    for (std::size_t nth = 0; nth < onts_.size(); ++nth) {
+        if (starts[nth]) {
+            starters.at(onts_[nth].situation.seen_port - 1U).push_back(&onts_[nth]);
+        }
+    }
+    constexpr double loses_window = 0.25;
+    for (const auto& rivals : starters) {
+        for (auto* const ont : rivals) {
+            const auto& at = ont->hardware.position;
+            const auto waits = std::ranges::count_if(rivals, [&](const TrackedOnt* rival) {
+                const auto& other = rival->hardware.position;
+                return rival != ont && random_.share(Purpose::discovery_collision,
+                                                     {at.port, at.ont, other.port, other.ont}) < loses_window;
+            });
+            ont->situation.discovery_waits = static_cast<std::uint16_t>(waits);
+        }
+    }
+}
+
+void Plant::index_configuration() {
+    configured_.clear();
+    for (const auto& [index, settings] : configuration_.onts) {
+        configured_.emplace(std::pair(index / max_onts_per_port + 1, settings.serial), index);
+    }
+}
+
+OntSituation Plant::situation_of(const TrackedOnt& ont) const {
+    const auto& place = ont.hardware.position;
+    const auto target = ont_target(place);
+    const auto* const moved = faults_.find(FaultKind::ont_moved, target);
+    const auto port = moved != nullptr ? static_cast<unsigned>(moved->value) : place.port;
+    const auto& settings = configuration_.pon.at(port - 1);
+    const auto& run = pon_.at(port - 1);
+
+    OntSituation situation;
+    situation.has_power = ont.hardware.is_switched_on && !faults_.has(FaultKind::ont_dying_gasp, target);
+    situation.seen_port = static_cast<std::uint16_t>(port);
+    situation.channel_is_up = run.has_module && run.is_enabled;
+    situation.channel_since = run.up_since;
+    // Whether its signal is strong enough is judged when something happens; the day's wandering does not cut it.
+    const double power =
+        received_power(ont.hardware.path, parameters_.plant->split, attenuation_of(place), PlantTime{});
+    situation.is_cut = faults_.has(FaultKind::ont_los, target) ||
+                       faults_.has(FaultKind::ont_los, port_target(Where::pon_port, port)) ||
+                       power < loss_of_signal_dbm(settings.odn_class);
+    situation.discovery_interval = std::chrono::seconds(settings.discovery_interval_s);
+    situation.discovery_waits = ont.situation.discovery_waits;
+    situation.is_in_reach = ont.hardware.path.distance_km >= settings.reach_min_km &&
+                            ont.hardware.path.distance_km <= settings.reach_max_km;
+    situation.omci_works = !faults_.has(FaultKind::ont_omci, target);
+    situation.is_stopped_rogue = settings.detects_rogues && faults_.has(FaultKind::ont_rogue, target);
+    add_configuration_to(situation, ont);
+    return situation;
+}
+
+void Plant::add_configuration_to(OntSituation& situation, const TrackedOnt& ont) const {
+    const auto found = configured_.find({situation.seen_port, ont.hardware.serial});
+    if (found == configured_.end()) {
+        return;
+    }
+    const auto& settings = configuration_.onts.at(found->second);
+    const bool compares = configuration_.pon.at(situation.seen_port - 1U).compares_passwords;
+    situation.configured = found->second;
+    situation.is_enabled = settings.enabled;
+    situation.has_onu_id = onu_id_of(found->second).has_value();
+    situation.credentials = compares ? settings.password : "";
+    situation.is_authentic = !compares || settings.password == password_of(ont.hardware.position);
+    situation.services = settings.services;
+    situation.provision = settings.provision;
+}
+
+OntPoint Plant::point_of(const TrackedOnt& ont) const {
+    return walk(ont.anchor, ont.situation, {random_, ont.hardware.position.port, ont.hardware.position.ont}, now_);
+}
+
+std::vector<Plant::Ont> Plant::onts() const {
+    std::vector<Ont> onts;
+    onts.reserve(onts_.size());
+    for (const auto& ont : onts_) {
+        const auto& configured = ont.situation.configured;
+        onts.push_back({.hardware = &ont.hardware,
+                        .situation = &ont.situation,
+                        .settings = configured ? &configuration_.onts.at(*configured) : nullptr,
+                        .point = point_of(ont)});
+    }
+    return onts;
+}
+
+double Plant::received_power_of(const Ont& ont) const {
+    return received_power(ont.hardware->path, parameters_.plant->split, attenuation_of(ont.hardware->position), now_);
+}
+
+double Plant::attenuation_of(const OntPosition& ont) const {
+    const auto* const fault = faults_.find(FaultKind::ont_attenuation, ont_target(ont));
+    return fault == nullptr ? 0 : fault->value;
+}
+
+std::optional<std::uint8_t> Plant::onu_id_of(std::uint16_t index) const {
+    const auto ont = index % max_onts_per_port;
+    if (ont < onu_ids) {
+        return static_cast<std::uint8_t>(ont);
+    }
+    // The last two take what ONTs that are not configured leave, in their order.
+    const auto first = static_cast<std::uint16_t>(index - ont);
+    auto to_skip = ont - onu_ids;
+    for (unsigned id = 0; id < onu_ids; ++id) {
+        if (!configuration_.onts.contains(static_cast<std::uint16_t>(first + id)) && to_skip-- == 0) {
+            return static_cast<std::uint8_t>(id);
+        }
+    }
+    return std::nullopt;
+}
+
+bool Plant::has_rogue(unsigned pon_port) const {
+    return std::ranges::any_of(faults_.all(), [&](const Fault& fault) {
+        return fault.kind == FaultKind::ont_rogue && fault.target.port == pon_port;
+    });
+}
+
+Pon_channel_state Plant::channel_state(unsigned pon_port) const {
+    const auto& run = pon_.at(pon_port - 1);
+    if (!run.is_enabled) {
+        return pon_channel_disabled;
+    }
+    if (!run.has_module) {
+        return pon_channel_no_module;
+    }
+    if (now_ < run.up_since) {
+        return pon_channel_starting;
+    }
+    // A rogue that nobody stops talks into everyone's time.
+    const bool is_disturbed = has_rogue(pon_port) && !configuration_.pon.at(pon_port - 1).detects_rogues;
+    return is_disturbed ? pon_channel_fault : pon_channel_active;
+}
+
+bool Plant::front_link_is_up(unsigned front_port) const {
+    const auto& run = front_.at(front_port - 1);
+    const auto* const module = front_module(front_port);
+    const auto forced = configuration_.front.at(front_port - 1).speed_mbps;
+    const bool has_partner = (parameters_.plant->front_links >> (front_port - 1) & 1U) != 0;
+    return has_partner && module != nullptr && forced <= module->speed_mbps && run.is_enabled && now_ >= run.up_since;
+}
+
+const ModuleModel* Plant::pon_module(unsigned port) const {
+    const bool is_absent = faults_.has(FaultKind::module_absent, port_target(Where::pon_port, port));
+    return is_absent ? nullptr : parameters_.plant->pon_modules.at(port - 1);
+}
+
+const ModuleModel* Plant::front_module(unsigned port) const {
+    const bool is_absent = faults_.has(FaultKind::module_absent, port_target(Where::front_port, port));
+    return is_absent ? nullptr : parameters_.plant->front_modules.at(port - 1);
+}
+
+} // namespace xpon::simulator

@@ -1,0 +1,123 @@
+#pragma once
+
+#include "simulator/plant/active_faults.hpp"
+#include "simulator/plant/ont_life.hpp"
+#include "simulator/plant/ont_population.hpp"
+#include "simulator/plant/running_configuration.hpp"
+#include "xpon/custom_layer/pon_ports.h"
+
+#include <array>
+#include <functional>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace xpon::simulator {
+
+/// What is true of the simulated OLT and its ONTs. Knows nothing of who asks. Its state follows from its parameters,
+/// from the configurations and faults that it was given and when, and from the present time, and from nothing else;
+/// between such events it is worked out when it is asked for.
+class Plant {
+public:
+    /// An ONT now.
+    struct Ont {
+        const PhysicalOnt* hardware;
+        const OntSituation* situation;
+        const OntSettings* settings; ///< of the configuration on the port where it is seen; null without
+        OntPoint point;
+    };
+
+    /// Starts at time 0, with the configuration in force.
+    Plant(const PlantParameters& parameters, RunningConfiguration configuration);
+
+    /// Lets time pass up to `now`; never back.
+    void advance(PlantTime now);
+    [[nodiscard]] PlantTime now() const {
+        return now_;
+    }
+
+    /// A committed configuration takes effect.
+    void configure(RunningConfiguration configuration);
+    void set_fault(const Fault& fault);
+    /// False when there is no such fault.
+    bool clear_fault(FaultKind kind, const FaultTarget& target);
+    void clear_all_faults();
+
+    [[nodiscard]] const PlantParameters& parameters() const {
+        return parameters_;
+    }
+    [[nodiscard]] const Random& random() const {
+        return random_;
+    }
+    [[nodiscard]] const RunningConfiguration& configuration() const {
+        return configuration_;
+    }
+    [[nodiscard]] const ActiveFaults& faults() const {
+        return faults_;
+    }
+
+    /// All physical ONTs, in the order in which they were made.
+    [[nodiscard]] std::vector<Ont> onts() const;
+    /// dBm at the OLT.
+    [[nodiscard]] double received_power_of(const Ont& ont) const;
+    /// The ONU-ID that is left for a configured ONT by its flat index; empty when the port has none left.
+    [[nodiscard]] std::optional<std::uint8_t> onu_id_of(std::uint16_t index) const;
+
+    /// Ports count from 1.
+    [[nodiscard]] Pon_channel_state channel_state(unsigned pon_port) const;
+    [[nodiscard]] bool front_link_is_up(unsigned front_port) const;
+    /// The module in a port; null when the slot is empty.
+    /// @{
+    [[nodiscard]] const ModuleModel* pon_module(unsigned port) const;
+    [[nodiscard]] const ModuleModel* front_module(unsigned port) const;
+    /// @}
+    /// Since when the module is in, or the port runs.
+    /// @{
+    [[nodiscard]] PlantTime pon_module_since(unsigned port) const {
+        return pon_.at(port - 1).module_since;
+    }
+    [[nodiscard]] PlantTime front_module_since(unsigned port) const {
+        return front_.at(port - 1).module_since;
+    }
+    /// @}
+
+private:
+    /// How a port comes to run.
+    struct PortRun {
+        bool has_module = false;
+        bool is_enabled = false;
+        PlantTime module_since{};
+        PlantTime up_since{}; ///< once enabled and with a module: when it works
+    };
+    struct TrackedOnt {
+        PhysicalOnt hardware;
+        OntSituation situation;
+        OntPoint anchor; ///< where its way goes on from; may lie ahead
+    };
+
+    /// Every event: what `mutate` changes takes effect now.
+    void change(const std::function<void()>& mutate);
+    void update_ports(const RunningConfiguration& before);
+    void update_onts(const std::vector<OntPoint>& points);
+    void share_discovery(const std::vector<bool>& starts);
+    void index_configuration();
+
+    [[nodiscard]] OntSituation situation_of(const TrackedOnt& ont) const;
+    void add_configuration_to(OntSituation& situation, const TrackedOnt& ont) const;
+    [[nodiscard]] OntPoint point_of(const TrackedOnt& ont) const;
+    [[nodiscard]] bool has_rogue(unsigned pon_port) const;
+    [[nodiscard]] double attenuation_of(const OntPosition& ont) const;
+
+    PlantParameters parameters_;
+    Random random_;
+    PlantTime now_{};
+    RunningConfiguration configuration_;
+    /// (PON port, serial) to flat index.
+    std::map<std::pair<unsigned, std::uint64_t>, std::uint16_t> configured_;
+    ActiveFaults faults_;
+    std::array<PortRun, pon_ports> pon_{};
+    std::array<PortRun, front_ports> front_{};
+    std::vector<TrackedOnt> onts_;
+};
+
+} // namespace xpon::simulator

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "simulator/plant/ont_layout.hpp"
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <string>
+
+namespace xpon::simulator {
+
+/// The part of the running configuration that the plant obeys.
+struct FrontPortSettings {
+    bool enabled = true;
+    unsigned speed_mbps = 0; ///< 0 = what the module can
+
+    bool operator==(const FrontPortSettings&) const = default;
+};
+
+struct PonPortSettings {
+    enum class OdnClass : std::uint8_t { a, b, b_plus, c, c_plus }; ///< optical budget [G.984.2]
+
+    bool enabled = true;
+    OdnClass odn_class = OdnClass::b_plus;
+    unsigned reach_min_km = 0; ///< ranging window [G.984.3]
+    unsigned reach_max_km = 20;
+    unsigned discovery_interval_s = 10;
+    bool compares_passwords = false;
+    bool downstream_fec = true;
+    bool detects_rogues = true;
+
+    bool operator==(const PonPortSettings&) const = default;
+};
+
+struct OntSettings {
+    std::uint64_t serial = 0;
+    bool enabled = true;
+    bool upstream_fec = true;
+    std::string password;
+    unsigned services = 0;
+    unsigned tconts = 0;
+    std::uint64_t provision = 0; ///< changes with the data that the ONT is provided with
+
+    bool operator==(const OntSettings&) const = default;
+};
+
+struct FanSettings {
+    bool manual = false;
+    unsigned manual_percent = 60;
+    unsigned min_percent = 30;
+    int target_temp_c = 55;
+
+    bool operator==(const FanSettings&) const = default;
+};
+
+struct RunningConfiguration {
+    std::array<FrontPortSettings, front_ports> front{}; ///< port 1 first
+    std::array<PonPortSettings, pon_ports> pon{};       ///< port 1 first
+    std::map<std::uint16_t, OntSettings> onts;          ///< configured ones by flat index from 0
+    FanSettings fans;
+};
+
+} // namespace xpon::simulator

@@ -1,0 +1,66 @@
+#include "simulator/sim_command/control_client.hpp"
+
+#include "xpon/olt_root/olt_root.hpp"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <stdexcept>
+#include <system_error>
+
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <sys/un.h>
+
+#include <fmt/format.h>
+
+namespace xpon::simulator {
+namespace {
+
+constexpr timeval longest_wait{.tv_sec = 30, .tv_usec = 0};
+
+core::UniqueFd connect_to(const std::string& path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (path.size() >= sizeof address.sun_path) {
+        throw std::runtime_error(fmt::format("{}: the path of OLT_ROOT is too long", path));
+    }
+    std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
+    core::UniqueFd socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    ::setsockopt(socket.get(), SOL_SOCKET, SO_RCVTIMEO, &longest_wait, sizeof longest_wait);
+    if (::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+        throw std::runtime_error(fmt::format("no simulator answers at {} ({}); is OLT_ROOT that of a running one?",
+                                             path, std::generic_category().message(errno)));
+    }
+    return socket;
+}
+
+} // namespace
+
+ControlClient::ControlClient() : path_(below_olt_root("/run/control.sock")), socket_(connect_to(path_)) {}
+
+std::string ControlClient::ask(std::string_view command) {
+    auto line = std::string(command) + "\n";
+    for (std::string_view rest = line; !rest.empty();) {
+        const auto sent = ::send(socket_.get(), rest.data(), rest.size(), MSG_NOSIGNAL);
+        if (sent < 0) {
+            throw std::runtime_error(fmt::format("the simulator at {} is gone", path_));
+        }
+        rest.remove_prefix(static_cast<std::size_t>(sent));
+    }
+    std::array<char, 65536> bytes;
+    for (auto end = received_.find('\n');; end = received_.find('\n')) {
+        if (end != std::string::npos) {
+            auto answer = received_.substr(0, end);
+            received_.erase(0, end + 1);
+            return answer;
+        }
+        const auto count = ::recv(socket_.get(), bytes.data(), bytes.size(), 0);
+        if (count <= 0) {
+            throw std::runtime_error(fmt::format("the simulator at {} does not answer", path_));
+        }
+        received_.append(bytes.data(), static_cast<std::size_t>(count));
+    }
+}
+
+} // namespace xpon::simulator

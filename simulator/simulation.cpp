@@ -1,0 +1,111 @@
+#include "simulator/simulation.hpp"
+
+#include "simulator/device_facts_file.hpp"
+#include "simulator/plant/board_report.hpp"
+#include "xpon/olt_root/olt_root.hpp"
+
+#include <utility>
+
+#include <fmt/format.h>
+
+namespace xpon::simulator {
+
+Simulation::Simulation(const Options& options)
+    : events_(below_olt_root("/var/log/events.log")), clock_(options.uptime, options.clock_rate),
+      plant_({.plant = options.plant, .size = options.size, .seed = options.seed}, follower_.configuration()) {
+    plant_.advance(options.uptime);
+    write_facts();
+}
+
+void Simulation::advance() {
+    if (is_advancing_) {
+        // An action of the schedule: the plant is at its time, not at the present.
+        return;
+    }
+    const auto faults_before = plant_.faults().all().size();
+    advance_plant();
+    if (plant_.faults().all().size() != faults_before) {
+        write_facts();
+    }
+}
+
+void Simulation::advance_plant() {
+    struct Advancing {
+        explicit Advancing(bool& place) : flag(place) {
+            flag = true;
+        }
+        ~Advancing() {
+            flag = false;
+        }
+        bool& flag;
+    };
+    const Advancing advancing(is_advancing_);
+    const auto now = clock_.now();
+    while (!schedule_.empty() && schedule_.begin()->first <= now) {
+        auto next = schedule_.extract(schedule_.begin());
+        plant_.advance(next.key());
+        next.mapped()();
+    }
+    plant_.advance(now);
+}
+
+void Simulation::configuration_changed(ipc::Address peer, std::span<const service::Config_change> changes) {
+    advance();
+    if (follower_.follow(peer, changes)) {
+        plant_.configure(follower_.configuration());
+    }
+}
+
+void Simulation::reload_configuration(ipc::Address peer) {
+    advance();
+    follower_.reload(peer);
+    plant_.configure(follower_.configuration());
+}
+
+void Simulation::set_fault(Fault fault, PlantTime lasts) {
+    advance();
+    fault.until = lasts == PlantTime{} ? never : plant_.now() + lasts;
+    plant_.set_fault(fault);
+    events_.write(fmt::format("fault {} {} set", rule_of(fault.kind).name, to_text(fault.target)));
+    write_facts();
+}
+
+bool Simulation::clear_fault(const FaultRule& rule, const FaultTarget& target) {
+    advance();
+    const bool was_set = plant_.clear_fault(rule.kind, target);
+    if (was_set) {
+        events_.write(fmt::format("fault {} {} cleared", rule.name, to_text(target)));
+        write_facts();
+    }
+    return was_set;
+}
+
+void Simulation::clear_all_faults() {
+    advance();
+    plant_.clear_all_faults();
+    events_.write("all faults cleared");
+    write_facts();
+}
+
+void Simulation::set_rate(double rate) {
+    advance();
+    clock_.set_rate(rate);
+    write_facts();
+}
+
+void Simulation::step(PlantTime by) {
+    clock_.step(by);
+    advance();
+    write_facts();
+}
+
+void Simulation::schedule(PlantTime in, std::function<void()> action) {
+    advance();
+    schedule_.emplace(plant_.now() + in, std::move(action));
+}
+
+void Simulation::write_facts() const {
+    write_device_facts(report_device_facts(plant_, clock_.rate()));
+}
+
+} // namespace xpon::simulator

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "simulator/configuration_follower.hpp"
+#include "simulator/event_log.hpp"
+#include "simulator/options.hpp"
+#include "simulator/plant/plant.hpp"
+#include "simulator/plant/plant_clock.hpp"
+#include "xpon/service/config_change.hpp"
+
+#include <functional>
+#include <map>
+#include <span>
+
+namespace xpon::simulator {
+
+/// One running simulation: the plant, its time, its configuration, and what is to happen to it.
+class Simulation {
+public:
+    explicit Simulation(const Options& options);
+
+    /// Brings the plant to the present. Every use of the plant begins with it.
+    void advance();
+    [[nodiscard]] const Plant& plant() const {
+        return plant_;
+    }
+    [[nodiscard]] const PlantClock& clock() const {
+        return clock_;
+    }
+
+    /// A peer heard of a commit, or came back and reads its part of the configuration anew.
+    /// @{
+    void configuration_changed(ipc::Address peer, std::span<const service::Config_change> changes);
+    void reload_configuration(ipc::Address peer);
+    /// @}
+
+    void set_fault(Fault fault, PlantTime lasts);
+    bool clear_fault(const FaultRule& rule, const FaultTarget& target);
+    void clear_all_faults();
+
+    void set_rate(double rate);
+    void step(PlantTime by);
+
+    /// Has `action` happen when the plant's time has moved on by `in`.
+    void schedule(PlantTime in, std::function<void()> action);
+    [[nodiscard]] std::size_t scheduled() const {
+        return schedule_.size();
+    }
+
+private:
+    void advance_plant();
+    void write_facts() const;
+
+    EventLog events_;
+    ConfigurationFollower follower_;
+    PlantClock clock_;
+    Plant plant_;
+    std::multimap<PlantTime, std::function<void()>> schedule_;
+    bool is_advancing_ = false;
+};
+
+} // namespace xpon::simulator

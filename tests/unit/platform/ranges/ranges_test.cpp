@@ -1,0 +1,143 @@
+#include "xpon/ranges/ont_range.h"
+#include "xpon/ranges/port_ranges.h"
+
+#include <cerrno>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+namespace xpon {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+std::vector<int> members_of(const Bitmap_pon_port_range& bitmap) {
+    std::vector<int> ports;
+    std::uint8_t port = 0;
+    for (Bitmap_iterator place{}; get_next_bitmap_pon_port_ids(&bitmap, &place, &port) == 0;) {
+        ports.push_back(port);
+    }
+    return ports;
+}
+
+std::vector<std::pair<int, int>> members_of(const Bitmap_ont_range& bitmap) {
+    std::vector<std::pair<int, int>> onts;
+    std::uint8_t port = 0;
+    std::uint16_t ont = 0;
+    for (Bitmap_iterator place{}; get_next_bitmap_ont_ids(&bitmap, &place, &port, &ont) == 0;) {
+        onts.emplace_back(port, ont);
+    }
+    return onts;
+}
+
+/// 0 or the errno value of the failure.
+template <class Call>
+int errno_of(Call call) {
+    errno = 0;
+    return call() == 0 ? 0 : errno;
+}
+
+TEST(PortRange, IsASetOfPortNumbers) {
+    Bitmap_pon_port_range bitmap{};
+    ASSERT_EQ(get_parsed_pon_port_range("7,1-3,2,16", &bitmap), 0);
+    EXPECT_THAT(members_of(bitmap), ElementsAre(1, 2, 3, 7, 16));
+    bitfield_invert(bitmap.bits, bitmap.size);
+    EXPECT_THAT(members_of(bitmap), ElementsAre(4, 5, 6, 8, 9, 10, 11, 12, 13, 14, 15));
+}
+
+TEST(Ranges, RefuseWhatIsNoListOrNoPort) {
+    const std::vector<std::pair<std::string, int>> cases{
+        {"", EINVAL},     {",", EINVAL},   {"1,", EINVAL},   {",1", EINVAL},         {"1,,2", EINVAL},
+        {"3-1", EINVAL},  {"1-", EINVAL},  {"-1", EINVAL},   {"1-2-3", EINVAL},      {" 1", EINVAL},
+        {"+1", EINVAL},   {"1 ", EINVAL},  {"a", EINVAL},    {"0x1", EINVAL},        {"0", ERANGE},
+        {"17", ERANGE},   {"0-3", ERANGE}, {"1-17", ERANGE}, {"4294967297", ERANGE}, {"99999999999999999999", ERANGE},
+        {"17-x", EINVAL}, {"16", 0},       {"0001", 0},
+    };
+    for (const auto& [text, expected] : cases) {
+        Bitmap_pon_port_range pon{};
+        Bitmap_uplink_port_range uplink{};
+        Bitmap_ont_range onts{};
+        EXPECT_EQ(errno_of([&] { return get_parsed_pon_port_range(text.c_str(), &pon); }), expected) << text;
+        EXPECT_EQ(errno_of([&] { return get_parsed_uplink_port_range(text.c_str(), &uplink); }), expected) << text;
+        EXPECT_EQ(errno_of([&] { return get_parsed_ont_range(text.c_str(), "1", &onts); }), expected) << text;
+        if (expected != 0) {
+            EXPECT_THAT(members_of(pon), IsEmpty()) << text;
+            EXPECT_THAT(members_of(onts), IsEmpty()) << text;
+        }
+    }
+}
+
+TEST(OntRange, CountsFromZero) {
+    Bitmap_ont_range bitmap{};
+    ASSERT_EQ(get_parsed_ont_range("1,16", "1,256", &bitmap), 0);
+    EXPECT_THAT(members_of(bitmap),
+                ElementsAre(std::pair(0, 0), std::pair(0, 255), std::pair(15, 0), std::pair(15, 255)));
+}
+
+TEST(OntRange, IsReadFromOneTextAsWell) {
+    Bitmap_ont_range two{};
+    Bitmap_ont_range one{};
+    ASSERT_EQ(get_parsed_ont_range("1-2", "1-8,12", &two), 0);
+    ASSERT_EQ(get_parsed_ont_range("1-2/1-8,12", &one), 0);
+    EXPECT_EQ(members_of(one), members_of(two));
+    ASSERT_EQ(get_parsed_ont_range("3", &one), 0);
+    EXPECT_THAT(members_of(one), SizeIs(256));
+    for (const auto& [text, expected] : {std::pair("1/", EINVAL),
+                                         {"/1", EINVAL},
+                                         {"1/1/1", EINVAL},
+                                         {"1/257", ERANGE},
+                                         {"17/1", ERANGE},
+                                         {"17/x", EINVAL}}) {
+        EXPECT_EQ(errno_of([&, name = text] { return get_parsed_ont_range(name, &one); }), expected) << text;
+    }
+}
+
+TEST(OntRange, AllIsResetAndInvert) {
+    Bitmap_ont_range bitmap{};
+    ASSERT_EQ(prepare_bitmap_ont(&bitmap), 0);
+    EXPECT_THAT(members_of(bitmap), IsEmpty());
+    bitfield_reset(bitmap.bits, bitmap.size);
+    bitfield_invert(bitmap.bits, bitmap.size);
+    EXPECT_THAT(members_of(bitmap), SizeIs(4096));
+}
+
+TEST(PortRange, TellsSinglePorts) {
+    Bitmap_uplink_port_range bitmap{};
+    std::uint8_t value = 9;
+    ASSERT_EQ(get_parsed_uplink_port_range("2", &bitmap), 0);
+    EXPECT_EQ(get_bitmap_uplink_port_ids_value(&bitmap, 2, &value), 0);
+    EXPECT_EQ(value, 1);
+    EXPECT_EQ(get_bitmap_uplink_port_ids_value(&bitmap, 3, &value), 0);
+    EXPECT_EQ(value, 0);
+    EXPECT_EQ(errno_of([&] { return get_bitmap_uplink_port_ids_value(&bitmap, 0, &value); }), ERANGE);
+    EXPECT_EQ(errno_of([&] { return get_bitmap_uplink_port_ids_value(&bitmap, 17, &value); }), ERANGE);
+}
+
+TEST(Ranges, ABitmapOfImpossibleSizeIsRefused) {
+    Bitmap_pon_port_range pon{};
+    Bitmap_ont_range onts{};
+    pon.size = onts.size = 0xffffffff;
+    Bitmap_iterator place{};
+    std::uint8_t port = 0;
+    std::uint16_t ont = 0;
+    EXPECT_EQ(errno_of([&] { return get_next_bitmap_pon_port_ids(&pon, &place, &port); }), EINVAL);
+    EXPECT_EQ(errno_of([&] { return get_next_bitmap_ont_ids(&onts, &place, &port, &ont); }), EINVAL);
+}
+
+TEST(Ranges, NullPointersAreRefused) {
+    Bitmap_ont_range onts{};
+    Bitmap_pon_port_range pon{};
+    EXPECT_EQ(errno_of([&] { return get_parsed_ont_range(nullptr, &onts); }), EINVAL);
+    EXPECT_EQ(errno_of([&] { return get_parsed_ont_range("1", nullptr, &onts); }), EINVAL);
+    EXPECT_EQ(errno_of([&] { return get_parsed_ont_range("1", "1", nullptr); }), EINVAL);
+    EXPECT_EQ(errno_of([&] { return get_parsed_pon_port_range(nullptr, &pon); }), EINVAL);
+    EXPECT_EQ(errno_of([&] { return get_parsed_pon_port_range("1", nullptr); }), EINVAL);
+    EXPECT_EQ(errno_of([&] { return get_next_bitmap_pon_port_ids(&pon, nullptr, nullptr); }), EINVAL);
+}
+
+} // namespace
+} // namespace xpon
