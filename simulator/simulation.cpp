@@ -14,6 +14,7 @@ Simulation::Simulation(const Options& options)
     : events_(below_olt_root("/var/log/events.log")), clock_(options.uptime, options.clock_rate),
       plant_({.plant = options.plant, .size = options.size, .seed = options.seed}, follower_.configuration()) {
     plant_.advance(options.uptime);
+    events_.write(fmt::format("OLT started, plant {} of seed {}", options.plant->name, options.seed));
     write_facts();
 }
 

@@ -36,7 +36,7 @@ struct OntSettings {
     std::uint64_t serial = 0;
     bool enabled = true;
     bool upstream_fec = true;
-    std::string password;
+    std::string password{};
     unsigned services = 0;
     unsigned tconts = 0;
     std::uint64_t provision = 0; ///< changes with the data that the ONT is provided with

@@ -1,0 +1,151 @@
+#include "tests/support/temporary_olt_root.hpp"
+#include "xpon/custom_layer/custom_layer.h"
+#include "xpon/custom_layer/device_facts.h"
+
+#include <cerrno>
+#include <cstring>
+#include <ctime>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+namespace xpon {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+Device_facts some_facts() {
+    Device_facts facts{};
+    std::memcpy(facts.magic, device_facts_magic.data(), sizeof facts.magic);
+    std::strcpy(facts.factory.device_name, "SIM-OLT-16 rev 1");
+    std::strcpy(facts.slots[1].version, "1.4.1.97");
+    facts.next_boot_slot = 1;
+    facts.uptime_s = 3 * 86400 + 4 * 3600 + 5 * 60 + 6.9;
+    return facts;
+}
+
+class DeviceTest : public testing::Test {
+protected:
+    void write(const Device_facts& facts, std::size_t size = sizeof(Device_facts)) const {
+        root.write("run/device_facts", {reinterpret_cast<const char*>(&facts), size});
+    }
+    static std::string uptime() {
+        char text[formatted_uptime_size];
+        errno = 0;
+        return custom_layer__get_formatted_uptime_str(text) == 0 ? text : std::to_string(errno);
+    }
+    static int errno_of_factory() {
+        Factory_info factory;
+        errno = 0;
+        return custom_layer__get_factory_info(&factory) == 0 ? 0 : errno;
+    }
+
+    test::TemporaryOltRoot root;
+};
+
+TEST_F(DeviceTest, TellsItsFacts) {
+    write(some_facts());
+    Factory_info factory;
+    Firmware_version_info firmware;
+    std::uint8_t slot = 9;
+    ASSERT_EQ(custom_layer__get_factory_info(&factory), 0);
+    EXPECT_STREQ(factory.device_name, "SIM-OLT-16 rev 1");
+    ASSERT_EQ(custom_layer__get_running_firmware_index(&slot), 0);
+    EXPECT_EQ(slot, 0);
+    ASSERT_EQ(custom_layer__get_next_boot_firmware_index(&slot), 0);
+    EXPECT_EQ(slot, 1);
+    ASSERT_EQ(custom_layer__get_firmware_version_info(1, &firmware), 0);
+    EXPECT_STREQ(firmware.version, "1.4.1.97");
+    EXPECT_EQ(custom_layer__get_firmware_version_info(2, &firmware), -1);
+    EXPECT_EQ(errno, ERANGE);
+    EXPECT_EQ(uptime(), "3 days, 04:05:06");
+}
+
+TEST_F(DeviceTest, UptimeGoesOnAtTheClocksRate) {
+    auto facts = some_facts();
+    timespec now{};
+    clock_gettime(CLOCK_BOOTTIME, &now);
+    facts.uptime_s = 0;
+    facts.clock_rate = 1000;
+    facts.written_at_ns = (std::int64_t{now.tv_sec} - 3600) * 1'000'000'000;
+    write(facts);
+    // An hour a thousand times as fast: 41 days, 16 hours, and what the test itself took.
+    EXPECT_THAT(uptime(), testing::StartsWith("41 days, "));
+    // A clock that went back counts as one that stood still.
+    facts.written_at_ns = std::numeric_limits<std::int64_t>::max();
+    write(facts);
+    EXPECT_EQ(uptime(), "0 days, 00:00:00");
+    facts.written_at_ns = std::numeric_limits<std::int64_t>::min();
+    facts.clock_rate = 1e300;
+    write(facts);
+    EXPECT_LT(uptime().size(), formatted_uptime_size - 1);
+}
+
+TEST_F(DeviceTest, DoesNotTrustTheFile) {
+    EXPECT_EQ(errno_of_factory(), ENODATA);
+    EXPECT_EQ(uptime(), std::to_string(ENODATA));
+    for (const std::size_t size : {std::size_t{0}, std::size_t{1}, sizeof(Device_facts) - 1}) {
+        write(some_facts(), size);
+        EXPECT_EQ(errno_of_factory(), EIO) << size;
+    }
+    const std::vector<std::function<void(Device_facts&)>> faults{
+        [](auto& facts) { facts.magic[7] = '9'; },
+        [](auto& facts) { std::memset(facts.factory.mac_address, 'x', sizeof facts.factory.mac_address); },
+        [](auto& facts) { std::memset(facts.slots[1].version, 'x', sizeof facts.slots[1].version); },
+        [](auto& facts) { facts.running_slot = 2; },
+        [](auto& facts) { facts.uptime_s = std::numeric_limits<double>::quiet_NaN(); },
+    };
+    for (const auto& fault : faults) {
+        auto facts = some_facts();
+        fault(facts);
+        write(facts);
+        EXPECT_EQ(errno_of_factory(), EIO);
+    }
+}
+
+TEST(ShortDeviceName, EndsAtTheFirstBlank) {
+    char name[short_device_name_size];
+    for (const auto& [factory, expected] :
+         {std::pair("SIM-OLT-16 rev 1", "SIM-OLT-16"), {"SIM", "SIM"}, {"", ""}, {" x", ""}}) {
+        ASSERT_EQ(convert_factory_device_name_to_short_device_name(factory, name), 0);
+        EXPECT_STREQ(name, expected);
+    }
+    EXPECT_EQ(convert_factory_device_name_to_short_device_name(std::string(256, 'x').c_str(), name), -1);
+    EXPECT_EQ(errno, EMSGSIZE);
+    EXPECT_EQ(convert_factory_device_name_to_short_device_name(std::string(255, 'x').c_str(), name), 0);
+}
+
+std::vector<std::string> list_logs() {
+    char** names = nullptr;
+    std::uint32_t count = 9;
+    const int database = 0;
+    EXPECT_EQ(custom_layer__get_list_log_files(&database, 1, &names, &count), 0);
+    std::vector<std::string> copies(names, names + count);
+    std::for_each(names, names + count, [](char* name) { std::free(name); });
+    std::free(names);
+    return copies;
+}
+
+TEST_F(DeviceTest, ListsLogsThatHoldSomething) {
+    std::filesystem::create_directories(root.path() / "var/log/folder.log");
+    EXPECT_THAT(list_logs(), IsEmpty());
+    for (const auto* name : {"pppoe.log", "events.log", "api-service.log", "notes.txt", "events.log.1", ".x.log"}) {
+        root.write(std::string("var/log/") + name, "line\n");
+    }
+    root.write("var/log/igmp.log", "");
+    EXPECT_THAT(list_logs(), ElementsAre("api-service.log", "events.log", "pppoe.log"));
+
+    std::filesystem::remove_all(root.path() / "var");
+    char** names = nullptr;
+    std::uint32_t count = 0;
+    EXPECT_EQ(custom_layer__get_list_log_files(&root, 1, &names, &count), -1);
+    EXPECT_EQ(errno, ENOENT);
+    EXPECT_EQ(custom_layer__get_list_log_files(&root, 1, &names, nullptr), -1);
+    EXPECT_EQ(errno, EINVAL);
+}
+
+} // namespace
+} // namespace xpon

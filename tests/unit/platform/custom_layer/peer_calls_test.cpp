@@ -1,0 +1,268 @@
+#include "ipc/ipc_handle.hpp"
+#include "xpon/custom_layer/custom_layer.h"
+#include "xpon/ipc/payload.hpp"
+
+#include <cerrno>
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <span>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+namespace xpon {
+namespace {
+
+/// A peer that answers whatever a test wants.
+struct AnyPeer : public Ipc {
+    Reply request(ipc::Address peer, ipc::Operation operation, std::span<const std::byte> payload,
+                  std::chrono::milliseconds) override {
+        asked = peer;
+        EXPECT_EQ(ipc::owner_of(operation), peer);
+        question.assign(payload.begin(), payload.end());
+        return reply;
+    }
+    void notify_all(ipc::Operation, std::span<const std::byte>) override {}
+
+    Reply reply;
+    ipc::Address asked;
+    std::vector<std::byte> question;
+};
+
+/// A call, with its output released and whether it left something there.
+struct Call {
+    const char* name;
+    std::function<int(Ipc*)> run;
+    std::vector<std::byte> good_answer;
+    /// Answers of the right size that no reader may trust.
+    std::vector<std::vector<std::byte>> bad_answers{};
+};
+
+template <class Record>
+Record zero() {
+    Record record;
+    std::memset(&record, 0, sizeof record);
+    return record;
+}
+
+template <class Record>
+std::vector<std::byte> edited(const std::function<void(Record&)>& edit) {
+    auto record = zero<Record>();
+    edit(record);
+    return ipc::record_payload(record);
+}
+
+template <class Entry>
+std::vector<std::byte> edited_list(const std::function<void(Entry&)>& edit) {
+    std::vector<Entry> entries(2, zero<Entry>());
+    edit(entries.back());
+    return ipc::list_payload(std::span(std::as_const(entries)));
+}
+
+std::vector<std::byte> list_header(std::uint32_t count, std::uint32_t entry_size) {
+    return ipc::record_payload(ipc::ListHeader{count, entry_size});
+}
+
+template <std::size_t Size>
+void fill(char (&text)[Size]) {
+    std::memset(text, 'x', Size);
+}
+
+/// Runs a call that fills a record, and checks that a failing one leaves it zero.
+template <class Record>
+int run_record(const std::function<int(Record*)>& call) {
+    Record record;
+    std::memset(&record, 0xff, sizeof record);
+    const int status = call(&record);
+    if (status != 0) {
+        const auto cause = errno;
+        const auto expected = zero<Record>();
+        EXPECT_EQ(std::memcmp(&record, &expected, sizeof record), 0);
+        errno = cause;
+    }
+    return status;
+}
+
+/// Runs a call that makes a block, and checks that it makes one exactly when it succeeds.
+template <class Record>
+int run_block(const std::function<int(Record**)>& call) {
+    char anything = 0;
+    auto* block = reinterpret_cast<Record*>(&anything);
+    const int status = call(&block);
+    const auto cause = errno;
+    EXPECT_EQ(block != nullptr, status == 0);
+    std::free(block);
+    errno = cause;
+    return status;
+}
+
+std::vector<Call> all_calls() {
+    static const Bitmap_ont_range onts{.size = 4096, .bits = {}};
+    static const Bitmap_pon_port_range ports{.size = 17, .bits = {}};
+    using Environment = System_environment_data;
+    using Modules = Pon_ports_sfp_extended_information;
+    return {
+        {"environment",
+         [](Ipc* ipc) {
+             return run_record<Environment>(
+                 [&](auto* out) { return custom_layer__get_system_environment_info(ipc, out); });
+         },
+         edited<Environment>([](auto&) {}),
+         {edited<Environment>([](auto& data) { data.fan_count = 9; }),
+          edited<Environment>([](auto& data) { data.temp_sensor_count = 255; }),
+          edited<Environment>([](auto& data) { fill(data.power_sources[1].date); })}},
+        {"link states",
+         [](Ipc* ipc) {
+             return run_record<Bitmap_uplink_port_range>(
+                 [&](auto* out) { return custom_layer__get_front_ports_link_states(ipc, out); });
+         },
+         edited<Bitmap_uplink_port_range>([](auto&) {}),
+         {edited<Bitmap_uplink_port_range>([](auto& bitmap) { bitmap.size = 0xffffffff; })}},
+        {"front port",
+         [](Ipc* ipc) {
+             return run_record<Front_port_info>(
+                 [&](auto* out) { return custom_layer__get_front_port_info(ipc, 1, out); });
+         },
+         edited<Front_port_info>([](auto&) {}),
+         {edited<Front_port_info>([](auto& info) { fill(info.speed); }),
+          edited<Front_port_info>([](auto& info) { fill(info.sfp.revision); }),
+          edited<Front_port_info>([](auto& info) { info.sfp.condition = static_cast<sfp_condition>(3); })}},
+        {"front diagnostics",
+         [](Ipc* ipc) {
+             return run_record<Front_port_sfp_eddi>(
+                 [&](auto* out) { return custom_layer__get_front_port_sfp_eddi(ipc, 1, out); });
+         },
+         edited<Front_port_sfp_eddi>([](auto&) {})},
+        {"PON modules",
+         [](Ipc* ipc) {
+             return run_block<Modules>(
+                 [&](auto** out) { return custom_layer__get_pon_ports_sfp_extended_information(ipc, out); });
+         },
+         edited<Modules>([](auto&) {}),
+         {edited<Modules>([](auto& modules) { modules.count = 17; }),
+          edited<Modules>([](auto& modules) { fill(modules.ports[15].sfp.vendor); })}},
+        {"PON states",
+         [](Ipc* ipc) {
+             return run_block<Pon_ports_states>(
+                 [&](auto** out) { return custom_layer__get_pon_ports_states(ipc, out); });
+         },
+         edited<Pon_ports_states>([](auto&) {}),
+         {edited<Pon_ports_states>([](auto& states) { states.count = 255; })}},
+        {"PON type",
+         [](Ipc* ipc) {
+             return run_record<Pon_port_type>([&](auto* out) { return custom_layer__get_pon_port_type(ipc, 1, out); });
+         },
+         edited<Pon_port_type>([](auto&) {})},
+        {"ONT states",
+         [](Ipc* ipc) {
+             return run_block<Ont__get_state_info_response>(
+                 [&](auto** out) { return custom_layer__get_ont_state_info_by_range(ipc, &onts, out); });
+         },
+         edited_list<Ont__state_info>([](auto&) {}),
+         {edited_list<Ont__state_info>([](auto& ont) { ont.alloc_count = 10; }),
+          edited_list<Ont__state_info>([](auto& ont) { fill(ont.software_version); }), list_header(1, 1),
+          list_header(0xffffffff, sizeof(Ont__state_info)), list_header(0x80000000, 0)}},
+        {"unactivated",
+         [](Ipc* ipc) {
+             return run_block<Ont_unactivated_info>(
+                 [&](auto** out) { return custom_layer__get_ont_unactivated_by_range(ipc, &ports, out); });
+         },
+         edited_list<Ont_unactivated_entry>([](auto&) {}),
+         {edited_list<Ont_unactivated_entry>([](auto& ont) { fill(ont.password); }),
+          list_header(1, sizeof(Ont_unactivated_entry))}},
+    };
+}
+
+class PeerCallsTest : public testing::Test {
+protected:
+    int errno_of(const Call& call) {
+        errno = 0;
+        return call.run(&peer) == 0 ? 0 : errno;
+    }
+
+    AnyPeer peer;
+};
+
+TEST_F(PeerCallsTest, FailWithWhatThePeerOrTheConnectionSays) {
+    for (const auto& call : all_calls()) {
+        SCOPED_TRACE(call.name);
+        peer.reply = {0, call.good_answer};
+        EXPECT_EQ(errno_of(call), 0);
+        for (const int status : {ECONNREFUSED, ETIMEDOUT, EHOSTDOWN, ERANGE, ENODATA}) {
+            // A payload beside a failure is not looked at.
+            peer.reply = {status, call.good_answer};
+            EXPECT_EQ(errno_of(call), status);
+        }
+        for (const int status : {-1, 4096, std::numeric_limits<int>::min()}) {
+            peer.reply = {status, {}};
+            EXPECT_EQ(errno_of(call), EIO);
+        }
+        errno = 0;
+        EXPECT_EQ(call.run(nullptr), -1);
+        EXPECT_EQ(errno, EINVAL);
+    }
+}
+
+TEST_F(PeerCallsTest, DoNotTrustAnswers) {
+    for (const auto& call : all_calls()) {
+        SCOPED_TRACE(call.name);
+        for (std::size_t size = 0; size < call.good_answer.size(); ++size) {
+            peer.reply = {0, {call.good_answer.begin(), call.good_answer.begin() + static_cast<std::ptrdiff_t>(size)}};
+            EXPECT_EQ(errno_of(call), EIO) << size;
+        }
+        peer.reply = {0, call.good_answer};
+        peer.reply.payload.push_back({});
+        EXPECT_EQ(errno_of(call), EIO);
+        for (const auto& bad : call.bad_answers) {
+            peer.reply = {0, bad};
+            EXPECT_EQ(errno_of(call), EIO);
+        }
+    }
+}
+
+TEST_F(PeerCallsTest, GiveWhatThePeerAnswered) {
+    std::vector<Ont__state_info> states(3, zero<Ont__state_info>());
+    states[2].ont_id = 17;
+    states[2].alloc_count = 9;
+    states[2].alloc_ids[8] = 399;
+    peer.reply = {0, ipc::list_payload(std::span(std::as_const(states)))};
+    const Bitmap_ont_range range{.size = 4096, .bits = {5}};
+    Ont__get_state_info_response* response = nullptr;
+    ASSERT_EQ(custom_layer__get_ont_state_info_by_range(&peer, &range, &response), 0);
+    EXPECT_EQ(peer.question, ipc::record_payload(range));
+    ASSERT_EQ(response->count, 3U);
+    EXPECT_EQ(std::memcmp(response->entries, states.data(), 3 * sizeof states[0]), 0);
+    std::free(response);
+
+    peer.reply = {0, edited<Front_port_sfp_eddi>([](auto& eddi) { eddi.power = 0.5; })};
+    Front_port_sfp_eddi eddi{};
+    ASSERT_EQ(custom_layer__get_front_port_sfp_eddi(&peer, 7, &eddi), 0);
+    EXPECT_EQ(eddi.power, 0.5);
+    EXPECT_EQ(peer.question, ipc::record_payload(std::uint8_t{7}));
+}
+
+TEST(StateTexts, AreThereForEveryValue) {
+    EXPECT_STREQ(ont_state_to_str(ont_operational), "OPERATIONAL");
+    EXPECT_STREQ(ont_state_to_str(ont_disabled), "DISABLED");
+    EXPECT_STREQ(channel_state_to_str(pon_channel_fault), "FAULT");
+    EXPECT_STREQ(Pon_port_type_to_str(pon_xgs_pon), "XGS-PON");
+    for (unsigned value = 0; value < 256; ++value) {
+        EXPECT_EQ(std::string(channel_state_to_str(static_cast<Pon_channel_state>(value))) == "UNKNOWN", value > 4);
+        EXPECT_EQ(std::string(ont_state_to_str(static_cast<Ont_state>(value))) == "UNKNOWN", value < 1 || value > 13);
+    }
+}
+
+TEST(OntIdentity, BytesAndIndex) {
+    std::uint8_t bytes[10];
+    unsigned_long_serial_to_bin(0x53494d55'a0030011U, bytes);
+    EXPECT_THAT(bytes, testing::ElementsAre(83, 73, 77, 85, 160, 3, 0, 17, 0, 0));
+    EXPECT_EQ(get_ont_config_index(0, 0), 0);
+    EXPECT_EQ(get_ont_config_index(15, 255), 4095);
+    EXPECT_EQ(get_ont_config_index(16, 0), 65535);
+    EXPECT_EQ(get_ont_config_index(0, 256), 65535);
+}
+
+} // namespace
+} // namespace xpon

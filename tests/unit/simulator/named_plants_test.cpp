@@ -1,0 +1,200 @@
+#include "simulator/plant/board_report.hpp"
+#include "simulator/plant/named_plants.hpp"
+#include "simulator/plant/ont_report.hpp"
+#include "simulator/plant/port_report.hpp"
+#include "xpon/ipc/payload.hpp"
+
+#include <map>
+#include <set>
+#include <string>
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+
+namespace xpon::simulator {
+namespace {
+
+/// The values that each field took, over all records of all plants.
+class SeenValues {
+public:
+    template <class Value>
+    void add(const std::string& field, const Value& value) {
+        seen_[field].insert(fmt::format("{}", value));
+    }
+    [[nodiscard]] std::set<std::string> constant_fields() const {
+        std::set<std::string> constant;
+        for (const auto& [field, values] : seen_) {
+            if (values.size() < 2) {
+                constant.insert(field + " = " + *values.begin());
+            }
+        }
+        return constant;
+    }
+
+private:
+    std::map<std::string, std::set<std::string>> seen_;
+};
+
+#define XPON_SEE(record, member) seen.add(#record "." #member, (record).member)
+
+void see_environment(SeenValues& seen, const System_environment_data& environment) {
+    XPON_SEE(environment, ram_total);
+    XPON_SEE(environment, ram_free);
+    XPON_SEE(environment, disk_total);
+    XPON_SEE(environment, disk_free);
+    XPON_SEE(environment, load_1m);
+    XPON_SEE(environment, load_5m);
+    XPON_SEE(environment, load_15m);
+    XPON_SEE(environment, fpga_version);
+    XPON_SEE(environment, pld_version);
+    for (unsigned fan = 0; fan < environment.fan_count; ++fan) {
+        XPON_SEE(environment.fans[fan], is_fault);
+        XPON_SEE(environment.fans[fan], is_present);
+        XPON_SEE(environment.fans[fan], rate);
+    }
+    for (unsigned sensor = 0; sensor < environment.temp_sensor_count; ++sensor) {
+        seen.add("sensor.id", static_cast<unsigned>(environment.temp_sensors[sensor].id));
+        XPON_SEE(environment.temp_sensors[sensor], value);
+    }
+    for (const auto& supply : environment.power_sources) {
+        XPON_SEE(supply, is_220v_present);
+        XPON_SEE(supply, is_present);
+        XPON_SEE(supply, is_power_good);
+        XPON_SEE(supply, is_read_info);
+        XPON_SEE(supply, is_required_reset);
+        if (supply.is_read_info != 0) {
+            XPON_SEE(supply, model);
+            seen.add("supply.type", static_cast<unsigned>(supply.type));
+            XPON_SEE(supply, serial);
+            XPON_SEE(supply, version);
+            XPON_SEE(supply, revision);
+            XPON_SEE(supply, date);
+        }
+    }
+}
+
+void see_facts(SeenValues& seen, const Device_facts& facts) {
+    XPON_SEE(facts.factory, device_type);
+    XPON_SEE(facts.factory, board_version);
+    XPON_SEE(facts.factory, serial_number);
+    XPON_SEE(facts.factory, mac_address);
+    XPON_SEE(facts.factory, device_name);
+    XPON_SEE(facts, uptime_s);
+    for (const auto& slot : facts.slots) {
+        XPON_SEE(slot, version);
+        XPON_SEE(slot, built);
+        XPON_SEE(slot, size);
+        XPON_SEE(slot, crc);
+        XPON_SEE(slot, valid);
+    }
+}
+
+void see_module(SeenValues& seen, const std::string& where, const Sfp_identification& sfp) {
+    seen.add(where + ".condition", static_cast<unsigned>(sfp.condition));
+    if (sfp.condition == sfp_present) {
+        seen.add(where + ".condition_text", sfp.condition_text);
+        seen.add(where + ".vendor", sfp.vendor);
+        seen.add(where + ".part_number", sfp.part_number);
+        seen.add(where + ".revision", sfp.revision);
+    }
+}
+
+void see_ports(SeenValues& seen, const Plant& plant) {
+    for (unsigned port = 1; port <= front_ports; ++port) {
+        const auto front = report_front_port(plant, port);
+        see_module(seen, "front", front.sfp);
+        XPON_SEE(front, speed);
+        XPON_SEE(front, media);
+        seen.add("front.link", plant.front_link_is_up(port));
+        const auto eddi = report_front_diagnostics(plant, port);
+        seen.add("front.has_eddi", eddi.has_value());
+        if (eddi) {
+            XPON_SEE(*eddi, temperature);
+            XPON_SEE(*eddi, voltage);
+            XPON_SEE(*eddi, bias);
+            XPON_SEE(*eddi, power);
+        }
+    }
+    for (const auto& pon : report_pon_states(plant).ports) {
+        seen.add("pon.channel_state", static_cast<unsigned>(pon.channel_state));
+        XPON_SEE(pon, ont_count);
+    }
+    for (const auto& module : report_pon_modules(plant).ports) {
+        see_module(seen, "pon", module.sfp);
+        XPON_SEE(module, valid);
+        if (module.valid != 0) {
+            XPON_SEE(module, temperature);
+            XPON_SEE(module, voltage);
+            XPON_SEE(module, bias);
+            XPON_SEE(module, power);
+        }
+    }
+}
+
+std::string text_of(const std::uint8_t (&serial)[ont_serial_bin_size]) {
+    return fmt::format("{}", fmt::join(serial, ","));
+}
+
+void see_onts(SeenValues& seen, const Plant& plant) {
+    Bitmap_ont_range onts{.size = max_onts, .bits = {}};
+    std::fill(std::begin(onts.bits), std::end(onts.bits), std::uint8_t{0xff});
+    const Bitmap_pon_port_range ports{.size = pon_ports + 1, .bits = {0xff, 0xff, 0xff}};
+    for (const auto& ont : report_ont_states(plant, onts)) {
+        seen.add("ont.serial", text_of(ont.serial));
+        seen.add("ont.vendor", std::string(ont.serial, ont.serial + 4));
+        seen.add("ont.state", static_cast<unsigned>(ont.state));
+        XPON_SEE(ont, port);
+        XPON_SEE(ont, ont_id);
+        XPON_SEE(ont, equipment_id);
+        XPON_SEE(ont, hardware_version);
+        XPON_SEE(ont, software_version);
+        XPON_SEE(ont, equalization_delay);
+        XPON_SEE(ont, fec_state);
+        XPON_SEE(ont, distance);
+        XPON_SEE(ont, rssi);
+        XPON_SEE(ont, alloc_count);
+        XPON_SEE(ont, alloc_ids[0]);
+        XPON_SEE(ont, alloc_ids[1]);
+    }
+    for (const auto& unactivated : report_unactivated(plant, ports)) {
+        seen.add("unactivated.serial", text_of(unactivated.serial));
+        XPON_SEE(unactivated, port);
+        XPON_SEE(unactivated, password);
+    }
+}
+
+#undef XPON_SEE
+
+TEST(NamedPlants, LeaveNoFieldAtOneValue) {
+    SeenValues seen;
+    for (const auto& named : named_plants()) {
+        const PlantParameters parameters{.plant = &named, .size = named.size};
+        RunningConfiguration configuration;
+        for (unsigned nth = 0; nth < named.size.configured; ++nth) {
+            const auto ont = make_ont(parameters, nth);
+            configuration.onts[record_index_of(ont.position)] = {
+                .serial = ont.serial, .upstream_fec = nth % 3 != 0, .services = 4, .tconts = 3};
+        }
+        Plant plant(parameters, configuration);
+        plant.advance(named.uptime);
+        see_environment(seen, report_environment(plant));
+        see_facts(seen, report_device_facts(plant, 1));
+        see_ports(seen, plant);
+        see_onts(seen, plant);
+    }
+    EXPECT_THAT(seen.constant_fields(), testing::IsEmpty());
+}
+
+TEST(NamedPlants, HaveFaultsThatExist) {
+    for (const auto& named : named_plants()) {
+        for (const auto& fault : named.faults) {
+            std::string complaint;
+            EXPECT_TRUE(parse_target(rule_of(fault.kind), fault.target, complaint)) << named.name << ": " << complaint;
+        }
+        const PlantParameters parameters{.plant = &named, .size = named.size};
+        EXPECT_EQ(Plant(parameters, {}).faults().all().size(), named.faults.size());
+    }
+}
+
+} // namespace
+} // namespace xpon::simulator
