@@ -1,0 +1,387 @@
+#include "ipc/ipc_handle.hpp"
+#include "simulator/peers/peer_table.hpp"
+#include "simulator/plant/ont_layout.hpp"
+#include "simulator/sim_command/command_line.hpp"
+#include "simulator/sim_command/control_client.hpp"
+#include "tests/support/temporary_olt_root.hpp"
+#include "tests/system/process.hpp"
+#include "xpon/cfgdb/cfgdb_wrapper.hpp"
+#include "xpon/cfgdb/element_functions.hpp"
+#include "xpon/core/json_tree.hpp"
+#include "xpon/custom_layer/custom_layer.h"
+
+#include <cerrno>
+#include <chrono>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+
+namespace xpon::simulator {
+namespace {
+
+using testing::HasSubstr;
+
+struct FreeBlock {
+    void operator()(void* block) const {
+        std::free(block);
+    }
+};
+template <class Record>
+using Block = std::unique_ptr<Record, FreeBlock>;
+
+constexpr ipc::Address daemon_address{0x1bffff};
+
+/// A real simulator with a stepped clock, the custom layer connected to it as the daemon is, and its control socket.
+class LiveOltTest : public testing::Test {
+protected:
+    explicit LiveOltTest(const std::vector<std::string>& options = {"--onts", "64", "--configured", "48"}) {
+        std::vector<std::string> command{OLT_SIMULATOR, "--clock-rate", "0"};
+        command.insert(command.end(), options.begin(), options.end());
+        simulator = std::make_unique<test::Process>(command, test::Environment{});
+        EXPECT_TRUE(simulator->wait_for_line("olt_simulator is ready"));
+        endpoint = ipc::make_zmq_ipc(daemon_address, "none").value();
+        for (const auto& peer : peer_table) {
+            EXPECT_TRUE(endpoint->connect(peer.address)) << peer.name;
+        }
+        control = std::make_unique<ControlClient>();
+        database = std::make_unique<cfgdb::CfgDbWrapper>("test");
+    }
+
+    [[nodiscard]] Ipc* ipc() const {
+        return endpoint->raw();
+    }
+    /// The simulator's answer to a command line of olt_sim.
+    std::string command(const std::vector<std::string>& words) const {
+        return control->ask(command_of(words));
+    }
+    void must(const std::vector<std::string>& words) const {
+        ASSERT_THAT(command(words), HasSubstr(R"("ok":true)"));
+    }
+
+    /// State texts by configured (port, ONT).
+    std::map<OntPosition, std::string> ont_states() const {
+        Bitmap_ont_range range;
+        prepare_bitmap_ont(&range);
+        bitfield_invert(range.bits, range.size);
+        Ont__get_state_info_response* response = nullptr;
+        EXPECT_EQ(custom_layer__get_ont_state_info_by_range(ipc(), &range, &response), 0);
+        const Block<Ont__get_state_info_response> owner(response);
+        std::map<OntPosition, std::string> states;
+        for (std::uint32_t nth = 0; response != nullptr && nth < response->count; ++nth) {
+            const auto& ont = response->entries[nth];
+            states[{.port = ont.port, .ont = ont.ont_id}] = ont_state_to_str(ont.state);
+        }
+        return states;
+    }
+    std::size_t unactivated(const char* ports = "1-16") const {
+        Bitmap_pon_port_range range;
+        EXPECT_EQ(get_parsed_pon_port_range(ports, &range), 0);
+        Ont_unactivated_info* info = nullptr;
+        EXPECT_EQ(custom_layer__get_ont_unactivated_by_range(ipc(), &range, &info), 0);
+        const Block<Ont_unactivated_info> owner(info);
+        return info == nullptr ? 0 : info->count;
+    }
+    int errno_of_environment() const {
+        System_environment_data data;
+        errno = 0;
+        return custom_layer__get_system_environment_info(ipc(), &data) == 0 ? 0 : errno;
+    }
+
+    template <class Record, class Get, class Set>
+    void edit(Get get, Set set, unsigned short index, const std::function<void(Record&)>& change) {
+        Record record;
+        ASSERT_EQ(get(database->handle(), database->context(), &record, &index), 0);
+        change(record);
+        ASSERT_EQ(set(database->handle(), database->context(), &record, &index), 0);
+    }
+    void edit_ont(const OntPosition& ont, const std::function<void(cfgdb::PonOnt&)>& change) {
+        edit<cfgdb::PonOnt>(getDb_ZebGCfg_pon_ont, setDb_ZebGCfg_pon_ont, record_index_of(ont), change);
+    }
+    void commit() {
+        const auto committed = database->commit(endpoint);
+        ASSERT_TRUE(committed) << committed.error().to_string();
+    }
+
+    test::TemporaryOltRoot root;
+    std::unique_ptr<test::Process> simulator;
+    std::shared_ptr<ipc::IIpc> endpoint;
+    std::unique_ptr<ControlClient> control;
+    /// Opened after the simulator, which configures only an OLT that nobody has opened.
+    std::unique_ptr<cfgdb::CfgDbWrapper> database;
+};
+
+/// An ONT that is there and not configured at first, with power; one that is configured and in service.
+constexpr OntPosition fresh{.port = 1, .ont = 4};
+constexpr OntPosition served{.port = 1, .ont = 1};
+
+TEST_F(LiveOltTest, OntsFollowCommits) {
+    ASSERT_EQ(ont_states()[served], "OPERATIONAL");
+    const auto strangers = unactivated("1");
+    ASSERT_GE(strangers, 1U);
+
+    edit_ont(fresh, [](auto& ont) {
+        ont.serial = serial_of(fresh);
+        ont.ont_template = 1;
+    });
+    EXPECT_EQ(unactivated("1"), strangers); // not committed yet
+    commit();
+    EXPECT_EQ(unactivated("1"), strangers - 1);
+    EXPECT_EQ(ont_states()[fresh], "RANGING");
+    must({"step", "60"});
+    EXPECT_EQ(ont_states()[fresh], "OPERATIONAL");
+
+    edit_ont(served, [](auto& ont) { ont.enabled = 0; });
+    commit();
+    EXPECT_EQ(ont_states()[served], "DISABLED");
+
+    // A profile in use changes, and with it every ONT that uses it.
+    edit<cfgdb::ProfileOntDba>(getDb_CommonGCfg_profiles_profiles_ont_dba, setDb_CommonGCfg_profiles_profiles_ont_dba,
+                               0, [](auto& dba) { dba.maximum_kbps = 640; });
+    commit();
+    EXPECT_EQ(ont_states()[fresh], "CONFIGURING");
+    must({"step", "60"});
+    EXPECT_EQ(ont_states()[fresh], "OPERATIONAL");
+
+    // A description is nothing that an ONT is told.
+    edit<cfgdb::ProfileOntDba>(getDb_CommonGCfg_profiles_profiles_ont_dba, setDb_CommonGCfg_profiles_profiles_ont_dba,
+                               0, [](auto& dba) { std::strcpy(dba.name, "renamed"); });
+    edit_ont(fresh, [](auto& ont) { std::strcpy(ont.description, "Flat 17"); });
+    commit();
+    EXPECT_EQ(ont_states()[fresh], "OPERATIONAL");
+
+    unsigned short index = record_index_of(fresh);
+    ASSERT_EQ(setDb_init_ZebGCfg_pon_ont(database->handle(), database->context(), &index), 0);
+    commit();
+    EXPECT_EQ(ont_states().count(fresh), 0U);
+    EXPECT_EQ(unactivated("1"), strangers);
+}
+
+TEST_F(LiveOltTest, PortsFollowCommits) {
+    const auto link = [this] {
+        Bitmap_uplink_port_range up;
+        std::uint8_t value = 0;
+        EXPECT_EQ(custom_layer__get_front_ports_link_states(ipc(), &up), 0);
+        EXPECT_EQ(get_bitmap_uplink_port_ids_value(&up, 2, &value), 0);
+        return value != 0;
+    };
+    const auto channel = [this] {
+        Pon_ports_states* states = nullptr;
+        EXPECT_EQ(custom_layer__get_pon_ports_states(ipc(), &states), 0);
+        const Block<Pon_ports_states> owner(states);
+        return std::string(channel_state_to_str(states->ports[0].channel_state));
+    };
+    const auto enable = [this](std::uint8_t enabled) {
+        edit<cfgdb::FrontPort>(getDb_ZebGCfg_switch_config_front_port, setDb_ZebGCfg_switch_config_front_port, 1,
+                               [&](auto& port) { port.enabled = enabled; });
+        edit<cfgdb::PonPort>(getDb_ZebGCfg_pon_port_state, setDb_ZebGCfg_pon_port_state, 0,
+                             [&](auto& port) { port.enabled = enabled; });
+        commit();
+    };
+    EXPECT_TRUE(link());
+    EXPECT_EQ(channel(), "ACTIVE");
+    enable(0);
+    EXPECT_FALSE(link());
+    EXPECT_EQ(channel(), "DISABLED");
+    EXPECT_EQ(ont_states().count(served), 0U);
+    enable(1);
+    EXPECT_EQ(channel(), "STARTING");
+    EXPECT_FALSE(link());
+    must({"step", "3"});
+    EXPECT_TRUE(link());
+    EXPECT_EQ(channel(), "ACTIVE");
+    must({"step", "300"});
+    EXPECT_EQ(ont_states()[served], "OPERATIONAL");
+}
+
+TEST_F(LiveOltTest, EveryCallAnswersForEveryPort) {
+    for (std::uint8_t port = 1; port <= front_ports; ++port) {
+        Front_port_info info;
+        Front_port_sfp_eddi eddi;
+        ASSERT_EQ(custom_layer__get_front_port_info(ipc(), port, &info), 0);
+        const bool has_eddi = custom_layer__get_front_port_sfp_eddi(ipc(), port, &eddi) == 0;
+        EXPECT_TRUE(has_eddi || errno == ENODATA);
+        EXPECT_TRUE(!has_eddi || info.sfp.condition == sfp_present);
+    }
+    Pon_port_type type{};
+    EXPECT_EQ(custom_layer__get_pon_port_type(ipc(), 16, &type), 0);
+    EXPECT_STREQ(Pon_port_type_to_str(type), "GPON");
+    for (const std::uint8_t port : std::vector<std::uint8_t>{0, 17, 255}) {
+        Front_port_info info;
+        EXPECT_EQ(custom_layer__get_front_port_info(ipc(), port, &info), -1);
+        EXPECT_EQ(errno, ERANGE);
+        EXPECT_EQ(custom_layer__get_pon_port_type(ipc(), port, &type), -1);
+        EXPECT_EQ(errno, ERANGE);
+    }
+    Factory_info factory;
+    ASSERT_EQ(custom_layer__get_factory_info(&factory), 0);
+    EXPECT_STREQ(factory.device_type, "SIM-OLT-16");
+}
+
+TEST_F(LiveOltTest, ADaemonThatIsDownRefusesAndReturns) {
+    ASSERT_EQ(errno_of_environment(), 0);
+    must({"fault", "peer_down", "system-mgr"});
+    const auto eventually = [&](const std::function<bool(int)>& wanted) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        while (std::chrono::steady_clock::now() < end) {
+            if (wanted(errno_of_environment())) {
+                return true;
+            }
+        }
+        return false;
+    };
+    EXPECT_TRUE(eventually([](int cause) { return cause == ECONNREFUSED; }));
+    EXPECT_FALSE(ont_states().empty()); // the others go on
+    must({"clear", "peer_down", "system-mgr"});
+    EXPECT_TRUE(eventually([](int cause) { return cause == 0; }));
+}
+
+TEST_F(LiveOltTest, CommitsThatADaemonMissedAreReadWhenItReturns) {
+    must({"fault", "peer_down", "fsm-pon"});
+    edit_ont(served, [](auto& ont) { ont.enabled = 0; });
+    commit();
+    EXPECT_THAT(command({"state", "all"}), Not(HasSubstr("DISABLED")));
+    must({"clear", "peer_down", "fsm-pon"});
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    std::string state;
+    while (state != "DISABLED" && std::chrono::steady_clock::now() < end) {
+        Bitmap_ont_range range;
+        Ont__get_state_info_response* response = nullptr;
+        ASSERT_EQ(get_parsed_ont_range("1/1", &range), 0);
+        custom_layer__get_ont_state_info_by_range(ipc(), &range, &response);
+        const Block<Ont__get_state_info_response> owner(response);
+        state = response != nullptr && response->count == 1 ? ont_state_to_str(response->entries[0].state) : "";
+    }
+    EXPECT_EQ(state, "DISABLED");
+}
+
+TEST_F(LiveOltTest, ASlowDaemonCostsOneDeadlineAndHoldsUpNobodyElse) {
+    using Clock = std::chrono::steady_clock;
+    must({"fault", "peer_slow", "system-mgr", "value", "60000"});
+    const auto begin = Clock::now();
+    EXPECT_EQ(errno_of_environment(), ETIMEDOUT);
+    EXPECT_GE(Clock::now() - begin, std::chrono::milliseconds(2900));
+    const auto after_first = Clock::now();
+    for (int request = 0; request < 10; ++request) {
+        EXPECT_EQ(errno_of_environment(), EHOSTDOWN);
+        EXPECT_FALSE(ont_states().empty());
+    }
+    EXPECT_LT(Clock::now() - after_first, std::chrono::seconds(2));
+
+    must({"clear", "peer_slow", "system-mgr"});
+    must({"fault", "peer_slow", "fsm-pon", "value", "100"});
+    const auto slow = Clock::now();
+    EXPECT_FALSE(ont_states().empty());
+    EXPECT_GE(Clock::now() - slow, std::chrono::milliseconds(100));
+    must({"fault", "peer_error", "fsm-pon", "value", std::to_string(ENOSPC)});
+    Pon_ports_states* states = nullptr;
+    EXPECT_EQ(custom_layer__get_pon_ports_states(ipc(), &states), -1);
+    EXPECT_EQ(errno, ENOSPC);
+}
+
+TEST_F(LiveOltTest, DamagedRequestsAreRefused) {
+    const std::vector<std::byte> nothing;
+    const std::vector<std::byte> too_much(100'000, std::byte{0xff});
+    for (const auto& [operation, peer] : ipc::operation_owners) {
+        EXPECT_NE(ipc()->request(peer, operation, too_much, Ipc::default_deadline).status, 0)
+            << static_cast<int>(operation);
+        // Every operation is known to its owner, with or without a question.
+        EXPECT_NE(ipc()->request(peer, operation, nothing, Ipc::default_deadline).status, EOPNOTSUPP)
+            << static_cast<int>(operation);
+    }
+    Bitmap_ont_range range;
+    prepare_bitmap_ont(&range);
+    range.size = 0xffffffff;
+    Ont__get_state_info_response* response = nullptr;
+    EXPECT_EQ(custom_layer__get_ont_state_info_by_range(ipc(), &range, &response), -1);
+    EXPECT_EQ(errno, EINVAL);
+}
+
+TEST_F(LiveOltTest, AScenarioHappensInThePlantsTime) {
+    const auto commands = commands_of_scenario("# cut a port, then join it again\n\n"
+                                               "at 10 fault ont_los 1\n"
+                                               "at 40 clear ont_los 1\n"
+                                               R"({"at_s": 500, "command": {"fault": "slot_corrupt", "target": 1}})");
+    ASSERT_EQ(commands.size(), 3U);
+    for (const auto& line : commands) {
+        ASSERT_THAT(control->ask(line), HasSubstr(R"("ok":true)"));
+    }
+    must({"step", "9.9"});
+    EXPECT_EQ(ont_states()[served], "OPERATIONAL");
+    must({"step", "0.15"});
+    EXPECT_EQ(ont_states()[served], "POPUP");
+    must({"step", "20"});
+    EXPECT_EQ(ont_states().count(served), 0U);
+    // Both ends of the fault lie within one step, and so does the way back into service.
+    must({"step", "400"});
+    EXPECT_EQ(ont_states()[served], "OPERATIONAL");
+    Firmware_version_info firmware;
+    ASSERT_EQ(custom_layer__get_firmware_version_info(1, &firmware), 0);
+    EXPECT_EQ(firmware.valid, 1);
+    must({"step", "100"});
+    ASSERT_EQ(custom_layer__get_firmware_version_info(1, &firmware), 0);
+    EXPECT_EQ(firmware.valid, 0);
+}
+
+TEST_F(LiveOltTest, RefusedCommandsSayWhyAndChangeNothing) {
+    const auto before = command({"state", "all"});
+    const std::pair<const char*, const char*> cases[] = {
+        {"", "one line with a JSON object"},
+        {"[]", "one line with a JSON object"},
+        {"{}", "a command is an object with"},
+        {R"({"fault":"ont_lo","target":"1/1"})", "no fault 'ont_lo'"},
+        {R"({"fault":"ont_los","target":"17"})", "PON port from 1 to 16, not '17'"},
+        {R"({"fault":"ont_los","target":"1/257"})", "not '1/257'"},
+        {R"({"fault":"ont_los","target":[1]})", "target must be a text"},
+        {R"({"fault":"ont_los","target":"1","for_s":-1})", "for_s must be a number from 0"},
+        {R"({"fault":"ont_los","target":"1","for_s":1e300})", "for_s must be a number from 0"},
+        {R"({"fault":"ont_los","target":"1","for":1})", "not 'for'"},
+        {R"({"fault":"ont_los","target":"1","value":1})", "takes no value"},
+        {R"({"fault":"ont_attenuation","target":"1/1"})", "needs a value: dB, from 0 to 40"},
+        {R"({"fault":"ont_moved","target":"1/1","value":17})", "value must be a number from 1 to 16"},
+        {R"({"fault":"peer_down","target":"nobody"})", "one of system-mgr"},
+        {R"({"clear":"ont_los","target":"1"})", "there is no ont_los pon/1 to clear"},
+        {R"({"step_s":-1})", "step_s must be a number"},
+        {R"({"step_s":"1"})", "step_s must be a number"},
+        {R"({"clock":"fast"})", "clock must be real, stepped or scaled"},
+        {R"({"clock":"scaled"})", "takes a rate"},
+        {R"({"clock":"real","rate":2})", "takes a rate"},
+        {R"({"at_s":1,"command":{"at_s":1}})", "no at_s itself"},
+        {R"({"state":"none"})", "all or summary"},
+    };
+    for (const auto& [line, complaint] : cases) {
+        const auto answer = control->ask(line);
+        EXPECT_THAT(answer, HasSubstr(R"("ok":false)")) << line;
+        EXPECT_THAT(answer, HasSubstr(complaint)) << line;
+    }
+    EXPECT_EQ(command({"state", "all"}), before);
+}
+
+TEST(CommandLine, NamesTheWordAtFault) {
+    const std::pair<std::vector<std::string>, const char*> cases[] = {
+        {{"break"}, "no command 'break'"},
+        {{"fault"}, "kind of fault is missing"},
+        {{"fault", "x", "1", "2"}, "not '2'"},
+        {{"fault", "x", "1", "for"}, "for is missing"},
+        {{"step", "x"}, "not 'x'"},
+        {{"step", "1", "2"}, "'2' is too much"},
+        {{"at", "1"}, "the command is missing"},
+        {{"clear"}, "kind of fault is missing"},
+    };
+    for (const auto& [words, complaint] : cases) {
+        try {
+            command_of(words);
+            ADD_FAILURE() << complaint;
+        } catch (const std::runtime_error& error) {
+            EXPECT_THAT(error.what(), HasSubstr(complaint));
+        }
+    }
+    EXPECT_EQ(command_of(std::vector<std::string>{"fault", "ont_los", "3/17", "for", "30"}),
+              R"({"fault":"ont_los","target":"3/17","for_s":30})");
+    EXPECT_THROW(commands_of_scenario("step 1\nstop\n"), std::runtime_error);
+}
+
+} // namespace
+} // namespace xpon::simulator
