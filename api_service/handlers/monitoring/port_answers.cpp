@@ -21,7 +21,8 @@ Result<std::string> text_of_condition(const Sfp_identification& sfp) {
     case sfp_excluded_from_polling:
         return std::string("ExcludePolling");
     }
-    return core::ErrorPayload(core::Error::InvalidInputArg, fmt::format("unknown value {}", sfp.condition));
+    return core::ErrorPayload(core::Error::InvalidInputArg,
+                              fmt::format("unknown value {}", static_cast<unsigned>(sfp.condition)));
 }
 
 constexpr JsonField<Sfp_identification> condition_fields[] = {
