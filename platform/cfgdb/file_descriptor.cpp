@@ -24,33 +24,27 @@ void require_file_step(bool succeeded, const char* step, const std::string& path
 }
 
 FileDescriptor::FileDescriptor(const std::string& path, int flags)
-    : path_(path), number_(open(path.c_str(), flags | O_CLOEXEC, file_mode)) {
-    require_file_step(number_ >= 0, "open", path);
-}
-
-FileDescriptor::~FileDescriptor() {
-    if (number_ >= 0) {
-        close(number_);
-    }
+    : path_(path), fd_(open(path.c_str(), flags | O_CLOEXEC, file_mode)) {
+    require_file_step(fd_.get() >= 0, "open", path);
 }
 
 void FileDescriptor::lock() const {
-    require_file_step(flock(number_, LOCK_EX) == 0, "flock", path_);
+    require_file_step(flock(fd_.get(), LOCK_EX) == 0, "flock", path_);
 }
 
 void FileDescriptor::sync() const {
-    require_file_step(fsync(number_) == 0, "fsync", path_);
+    require_file_step(fsync(fd_.get()) == 0, "fsync", path_);
 }
 
 off_t FileDescriptor::size() const {
     struct stat status{};
-    require_file_step(fstat(number_, &status) == 0, "stat", path_);
+    require_file_step(fstat(fd_.get(), &status) == 0, "stat", path_);
     return status.st_size;
 }
 
 void FileDescriptor::write_all(std::string_view text) const {
     while (!text.empty()) {
-        const auto written = write(number_, text.data(), text.size());
+        const auto written = write(fd_.get(), text.data(), text.size());
         if (written < 0 && errno == EINTR) {
             continue;
         }
@@ -62,7 +56,7 @@ void FileDescriptor::write_all(std::string_view text) const {
 void FileDescriptor::read_all(std::string& text) const {
     std::size_t done = 0;
     while (done < text.size()) {
-        const auto count = read(number_, text.data() + done, text.size() - done);
+        const auto count = read(fd_.get(), text.data() + done, text.size() - done);
         if (count < 0 && errno == EINTR) {
             continue;
         }

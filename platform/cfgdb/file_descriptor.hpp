@@ -1,5 +1,7 @@
 #pragma once
 
+#include "xpon/core/unique_fd.hpp"
+
 #include <string>
 #include <string_view>
 
@@ -15,9 +17,6 @@ void require_file_step(bool succeeded, const char* step, const std::string& path
 class FileDescriptor {
 public:
     FileDescriptor(const std::string& path, int flags);
-    FileDescriptor(const FileDescriptor&) = delete;
-    FileDescriptor& operator=(const FileDescriptor&) = delete;
-    ~FileDescriptor();
 
     /// Waits until no other descriptor holds the lock; closing gives it back, as does the end of the process.
     void lock() const;
@@ -29,7 +28,7 @@ public:
 
 private:
     std::string path_;
-    int number_;
+    core::UniqueFd fd_;
 };
 
 } // namespace xpon::cfgdb
