@@ -77,31 +77,15 @@ Result<void> wait_for(int descriptor, short events, Deadline deadline) {
 
 Result<Connection> Connection::open(const Endpoint& endpoint) {
     const int family = std::holds_alternative<TcpEndpoint>(endpoint) ? AF_INET : AF_UNIX;
-    const int descriptor = socket(family, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (descriptor < 0) {
+    core::UniqueFd descriptor(socket(family, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    if (!descriptor) {
         return system_error("socket");
     }
-    Connection connection(descriptor);
-    BOOST_OUTCOME_TRY(std::visit([descriptor](const auto& to) { return connect_to(descriptor, to); }, endpoint));
-    if (fcntl(descriptor, F_SETFL, O_NONBLOCK) != 0) {
+    BOOST_OUTCOME_TRY(std::visit([&](const auto& to) { return connect_to(descriptor.get(), to); }, endpoint));
+    if (fcntl(descriptor.get(), F_SETFL, O_NONBLOCK) != 0) {
         return system_error("fcntl");
     }
-    return connection;
-}
-
-Connection::Connection(Connection&& other) noexcept
-    : descriptor_(std::exchange(other.descriptor_, -1)), received_(std::move(other.received_)) {}
-
-Connection& Connection::operator=(Connection&& other) noexcept {
-    std::swap(descriptor_, other.descriptor_);
-    std::swap(received_, other.received_);
-    return *this;
-}
-
-Connection::~Connection() {
-    if (descriptor_ >= 0) {
-        close(descriptor_);
-    }
+    return Connection(std::move(descriptor));
 }
 
 Result<void> Connection::send_frame(std::string_view text, Deadline deadline) {
@@ -112,11 +96,11 @@ Result<void> Connection::send_frame(std::string_view text, Deadline deadline) {
 
 Result<void> Connection::send_bytes(std::string_view bytes, Deadline deadline) {
     while (!bytes.empty()) {
-        const auto sent = send(descriptor_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        const auto sent = send(descriptor_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
         if (sent >= 0) {
             bytes.remove_prefix(static_cast<std::size_t>(sent));
         } else if (errno == EAGAIN) {
-            BOOST_OUTCOME_TRY(wait_for(descriptor_, POLLOUT, deadline));
+            BOOST_OUTCOME_TRY(wait_for(descriptor_.get(), POLLOUT, deadline));
         } else if (errno == EPIPE || errno == ECONNRESET) {
             return ErrorPayload(Error::Empty, "The daemon has closed the connection");
         } else if (errno != EINTR) {
@@ -135,9 +119,9 @@ Result<std::string> Connection::receive_frame(Deadline deadline) {
             return frame;
         }
         searched = received_.size();
-        BOOST_OUTCOME_TRY(wait_for(descriptor_, POLLIN, deadline));
+        BOOST_OUTCOME_TRY(wait_for(descriptor_.get(), POLLIN, deadline));
         std::array<char, 65536> buffer; // filled by recv
-        const auto count = recv(descriptor_, buffer.data(), buffer.size(), 0);
+        const auto count = recv(descriptor_.get(), buffer.data(), buffer.size(), 0);
         if (count > 0) {
             received_.append(buffer.data(), static_cast<std::size_t>(count));
         } else if (count == 0 || errno == ECONNRESET) {

@@ -1,5 +1,5 @@
 #include "cfgdb/checks/checks.hpp"
-#include "cfgdb/checks/front_port_count.hpp"
+#include "ranges/board_ports.hpp"
 
 #include <algorithm>
 #include <array>
@@ -87,7 +87,7 @@ void check_channel_members(const CheckContext& context) {
             context.faults.add(where, "Port channel has {} members, needs {}", members.size(), channel.min_links);
         }
         std::erase_if(members, [&](std::uint16_t port) {
-            const bool is_missing = port > front_port_count();
+            const bool is_missing = port > ranges::board_uplink_ports();
             if (is_missing) {
                 context.faults.add(where, "Front port {} does not exist", port);
             }

@@ -1,5 +1,5 @@
 #include "cfgdb/checks/checks.hpp"
-#include "cfgdb/checks/front_port_count.hpp"
+#include "ranges/board_ports.hpp"
 
 #include <algorithm>
 #include <array>
@@ -20,7 +20,7 @@ RecordId source_of(const VlanUse& use) {
 
 VlanBits carried_vlans(const Records& records) {
     VlanBits carried;
-    const auto count = static_cast<std::uint16_t>(front_port_count());
+    const auto count = static_cast<std::uint16_t>(ranges::board_uplink_ports());
     for (std::uint16_t position = 0; position < count; ++position) {
         const auto port = records.running<FrontPort>(position);
         if (port.enabled == 0) {

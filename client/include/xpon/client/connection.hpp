@@ -1,11 +1,13 @@
 #pragma once
 
 #include "xpon/core/result.hpp"
+#include "xpon/core/unique_fd.hpp"
 
 #include <chrono>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 
 namespace xpon::client {
@@ -28,12 +30,6 @@ class Connection {
 public:
     static core::Result<Connection> open(const Endpoint& endpoint);
 
-    Connection(Connection&& other) noexcept;
-    Connection& operator=(Connection&& other) noexcept;
-    Connection(const Connection&) = delete;
-    Connection& operator=(const Connection&) = delete;
-    ~Connection();
-
     /// Sends `text`, which holds no NUL byte, and the NUL behind it.
     core::Result<void> send_frame(std::string_view text, Deadline deadline);
     /// Sends bytes as they are, for those who want to say something odd.
@@ -42,13 +38,13 @@ public:
     core::Result<std::string> receive_frame(Deadline deadline);
 
     [[nodiscard]] int descriptor() const {
-        return descriptor_;
+        return descriptor_.get();
     }
 
 private:
-    explicit Connection(int descriptor) : descriptor_(descriptor) {}
+    explicit Connection(core::UniqueFd descriptor) : descriptor_(std::move(descriptor)) {}
 
-    int descriptor_;       // owned; -1 once moved from
+    core::UniqueFd descriptor_;
     std::string received_; // bytes behind the last frame that was handed out
 };
 
