@@ -41,6 +41,7 @@ bool read(const Table& table, const cJSON* data, Record& record) {
 
 } // namespace
 
+// NOLINTNEXTLINE(readability-identifier-naming): the name is libFuzzer's
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t size) {
     if (size == 0) {
         return 0;

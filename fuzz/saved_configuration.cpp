@@ -9,6 +9,7 @@
 #include <cjson/cJSON.h>
 #include <fmt/format.h>
 
+// NOLINTNEXTLINE(readability-identifier-naming): the name is libFuzzer's
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(input), size);
     static_cast<void>(xpon::cfgdb::parse_saved_configuration(text));

@@ -1,5 +1,8 @@
 #include "api_service/protocol/json_building.hpp"
 
+#include <array>
+#include <charconv>
+#include <limits>
 #include <utility>
 
 #include <fmt/format.h>
@@ -19,6 +22,13 @@ Result<JsonTree> made(cJSON* tree, const char* what_failed) {
         return ErrorPayload(Error::CommonError, what_failed);
     }
     return JsonTree(tree);
+}
+
+template <class Integer>
+Result<JsonTree> made_of_digits(Integer value) {
+    std::array<char, std::numeric_limits<Integer>::digits10 + 3> digits{}; // with sign and NUL
+    std::to_chars(digits.begin(), digits.end() - 1, value);
+    return made(cJSON_CreateRaw(digits.data()), "cJSON_CreateRaw() failed");
 }
 
 Result<void> check_parent(const cJSON* parent) {
@@ -60,12 +70,16 @@ Result<JsonTree> create_cjson_from_value(const bool& value) {
 
 template <>
 Result<JsonTree> create_cjson_from_value(const unsigned long& value) {
-    return create_cjson_from_value(static_cast<double>(value));
+    return made_of_digits(value);
 }
 
 template <>
 Result<JsonTree> create_cjson_from_value(const double& value) {
     return made(cJSON_CreateNumber(value), "cJSON_CreateNumber() failed");
+}
+
+Result<JsonTree> create_integer(std::int64_t value) {
+    return made_of_digits(value);
 }
 
 Result<void> add_to_object(cJSON* object, const char* key, JsonTree item) {
@@ -102,6 +116,15 @@ Result<cJSON*> create_object_in_array(cJSON* array) {
     cJSON* const borrowed = object.get();
     BOOST_OUTCOME_TRY(add_to_array(array, std::move(object)));
     return borrowed;
+}
+
+Result<cJSON*> create_object_in_array(cJSON* array, unsigned number) {
+    auto object = create_object_in_array(array);
+    if (!object) {
+        const auto& error = object.error();
+        return ErrorPayload(error.code, fmt::format("{} for {}", error.info->message, number));
+    }
+    return object;
 }
 
 Result<JsonTree> borrow_tree(const cJSON* tree) {

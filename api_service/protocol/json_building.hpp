@@ -3,6 +3,7 @@
 #include "xpon/core/json_tree.hpp"
 #include "xpon/core/result.hpp"
 
+#include <cstdint>
 #include <string>
 
 namespace xpon::api_service {
@@ -25,6 +26,9 @@ core::Result<core::JsonTree> create_cjson_from_value(const unsigned long& value)
 template <>
 core::Result<core::JsonTree> create_cjson_from_value(const double& value);
 
+/// A number without a fraction, put in as its digits: formatting numbers is most of the time that printing takes.
+core::Result<core::JsonTree> create_integer(std::int64_t value);
+
 /// Hands `item` to the object under a copy of `key`.
 core::Result<void> add_to_object(cJSON* object, const char* key, core::JsonTree item);
 /// Hands `item` to the array, at its end.
@@ -40,6 +44,8 @@ core::Result<void> set_object_item(cJSON* object, const char* key, const T& valu
 core::Result<cJSON*> add_subobject(cJSON* object, const char* key);
 core::Result<cJSON*> add_array_subobject(cJSON* object, const char* key);
 core::Result<cJSON*> create_object_in_array(cJSON* array);
+/// The same; an error ends with what the object is for.
+core::Result<cJSON*> create_object_in_array(cJSON* array, unsigned number);
 
 /// A node that prints like `tree` and borrows its members: it must be deleted before `tree` is.
 core::Result<core::JsonTree> borrow_tree(const cJSON* tree);

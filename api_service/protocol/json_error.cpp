@@ -8,8 +8,6 @@
 
 namespace xpon::api_service {
 
-using core::Error;
-using core::ErrorPayload;
 using core::JsonTree;
 using core::Result;
 

@@ -17,7 +17,7 @@ Result<JsonTree> parse_json(const std::string& text) {
     if (tree == nullptr) {
         // cJSON remembers where it stopped, inside a text that is about to be freed. Parsing something that
         // lives for ever makes it forget.
-        JsonTree(cJSON_Parse("0"));
+        const JsonTree lasting(cJSON_Parse("0"));
         return ErrorPayload(Error::CommonError, "cJSON_Parse() failed");
     }
     return tree;

@@ -10,6 +10,13 @@
 #include "api_service/handlers/configuration/save_handler.hpp"
 #include "api_service/handlers/configuration/set_default_handler.hpp"
 #include "api_service/handlers/configuration/set_handler.hpp"
+#include "api_service/handlers/monitoring/constants_handler.hpp"
+#include "api_service/handlers/monitoring/front_port_state_handler.hpp"
+#include "api_service/handlers/monitoring/log_files_handler.hpp"
+#include "api_service/handlers/monitoring/ont_state_by_serial_handler.hpp"
+#include "api_service/handlers/monitoring/ont_state_handler.hpp"
+#include "api_service/handlers/monitoring/pon_port_state_handler.hpp"
+#include "api_service/handlers/monitoring/system_handler.hpp"
 #include "api_service/protocol/board.hpp"
 #include "api_service/protocol/echo_handler.hpp"
 #include "api_service/protocol/ont_indices_pre_hook.hpp"
@@ -51,6 +58,19 @@ Handler unauth(const HandlerServices& services) {
     return UnauthHandler(services.logger, services.session_manager);
 }
 
+template <class MonitoringHandler>
+Handler monitoring(const HandlerServices& services) {
+    return MonitoringHandler(services.logger, services.ipc);
+}
+
+Handler log_files(const HandlerServices& services) {
+    return MonitoringLogFiles(services.logger);
+}
+
+Handler constants(const HandlerServices& services) {
+    return MonitoringConstants(services.logger);
+}
+
 Handler set_default(const HandlerServices& services) {
     return ConfigurationSetDefaultHandler(services.logger, services.ipc);
 }
@@ -83,10 +103,16 @@ constexpr std::array routes{
     RouteRow{"test.echo.admin",                                              "echo",    Administrator, echo,                                                   none},
     RouteRow{"auth",                                                         "auth",    Nothing,       auth,                                                   none},
     RouteRow{"unauth",                                                       "auth",    Nothing,       unauth,                                                 none},
+    RouteRow{"monitoring.system",                                            "get",     Viewer,        monitoring<MonitoringSystemHandler>,                    none},
+    RouteRow{"monitoring.interface.front_port.state",                        "get",     Viewer,        monitoring<MonitoringFrontPortStateHandler>,            none},
+    RouteRow{"monitoring.interface.pon_port.state",                          "get",     Viewer,        monitoring<MonitoringPonPortStateHandler>,              none},
+    RouteRow{"utils.ont.find",                                               "call",    Viewer,        monitoring<MonitoringOntStateBySerialHandler>,          none},
     RouteRow{"command.default",                                              "command", Administrator, set_default,                                            none},
     RouteRow{"command.save",                                                 "command", Administrator, save,                                                   none},
+    RouteRow{"monitoring.logs",                                              "get",     Viewer,        log_files,                                              none},
     RouteRow{"command.commit",                                               "command", Operator,      commit,                                                 none},
     RouteRow{"command.rollback",                                             "command", Administrator, rollback,                                               none},
+    RouteRow{"monitoring.constants",                                         "get",     Nothing,       constants,                                              none},
     RouteRow{"configuration.CommonGCfg.management",                          "get",     Viewer,        getter<CommonGCfg_management>,                          none},
     RouteRow{"configuration.CommonGCfg.management",                          "set",     Administrator, setter<CommonGCfg_management>,                          none},
     RouteRow{"configuration.CommonGCfg.system.oob",                          "get",     Viewer,        getter<CommonGCfg_system_oob>,                          none},
@@ -120,6 +146,7 @@ constexpr std::array routes{
     RouteRow{"configuration.ZebGCfg.pon.ont",                                "delete",  Operator,      deleter<ZebGCfg_pon_ont>,                               ont_indices},
     RouteRow{"configuration.ZebGCfg.pon.ont.service",                        "get",     Viewer,        getter<ZebGCfg_pon_ont_ont_common_service>,             ont_indices},
     RouteRow{"configuration.ZebGCfg.pon.ont.service",                        "set",     Administrator, setter<ZebGCfg_pon_ont_ont_common_service>,             ont_indices},
+    RouteRow{"monitoring.interface.ont.state",                               "get",     Viewer,        monitoring<MonitoringOntStateHandler>,                  none},
     RouteRow{"configuration.CommonGCfg.system.settings.ont_sn_format",       "get",     Viewer,        getter<CommonGCfg_ont_sn_format>,                       none},
     RouteRow{"configuration.CommonGCfg.system.settings.ont_sn_format",       "set",     Administrator, setter<CommonGCfg_ont_sn_format>,                       none},
     RouteRow{"configuration.CommonGCfg.hostname",                            "get",     Viewer,        getter<CommonGCfg_hostname>,                            none},

@@ -24,10 +24,10 @@ protected:
 
     void restart_everything() {
         client.reset();
-        for (auto* process : {&olt.daemon(), &olt.simulator()}) {
-            process->send_signal(SIGTERM);
-            ASSERT_EQ(process->wait(), 0) << process->output();
-        }
+        olt.daemon().send_signal(SIGTERM);
+        EXPECT_THAT(olt.notifications_until_end(), testing::ElementsAre(shutting_down));
+        olt.simulator().send_signal(SIGTERM);
+        ASSERT_EQ(olt.simulator().wait(), 0) << olt.simulator().output();
         std::filesystem::remove_all(olt.root() / "run/cfgdb"); // volatile on a device
         olt.start({"--plant", "empty"});
         client.emplace(Olt::log_in("admin"));

@@ -20,7 +20,8 @@ RecordId source_of(const VlanUse& use) {
 
 VlanBits carried_vlans(const Records& records) {
     VlanBits carried;
-    for (std::uint16_t position = 0; position < front_port_count(); ++position) {
+    const auto count = static_cast<std::uint16_t>(front_port_count());
+    for (std::uint16_t position = 0; position < count; ++position) {
         const auto port = records.running<FrontPort>(position);
         if (port.enabled == 0) {
             continue;

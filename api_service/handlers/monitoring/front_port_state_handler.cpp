@@ -1,0 +1,129 @@
+#include "api_service/handlers/monitoring/front_port_state_handler.hpp"
+
+#include "api_service/handlers/configuration/request_checks.hpp"
+#include "api_service/handlers/monitoring/answer.hpp"
+#include "api_service/handlers/monitoring/library_calls.hpp"
+#include "api_service/handlers/monitoring/port_answers.hpp"
+#include "xpon/cfgdb/element_functions.hpp"
+
+#include <array>
+#include <cerrno>
+
+namespace xpon::api_service {
+
+using core::JsonTree;
+using core::Result;
+using PortInfo = MonitoringFrontPortStateHandler::PortInfo;
+
+namespace {
+
+constexpr JsonField<PortInfo> port_fields[] = {
+    {"port", member<&PortInfo::port>},
+    {"status", member<&PortInfo::status>},
+    {"speed", [](const PortInfo& port) { return create_field_value(port.info.speed); }},
+};
+
+constexpr JsonField<Front_port_info> media_fields[] = {
+    {"media", member<&Front_port_info::media>},
+};
+
+constexpr JsonField<Front_port_sfp_eddi> eddi_fields[] = {
+    {"temperature_c", member<&Front_port_sfp_eddi::temperature>},
+    {"voltage_v", member<&Front_port_sfp_eddi::voltage>},
+    {"tx_bias_current_ma", member<&Front_port_sfp_eddi::bias>},
+    {"tx_power_mw", member<&Front_port_sfp_eddi::power>},
+};
+
+Result<void> fill_port(cJSON* object, const PortInfo& port) {
+    BOOST_OUTCOME_TRY(add_fields(object, port, port_fields));
+    BOOST_OUTCOME_TRY(const bool is_present, add_sfp_condition(object, port.info.sfp));
+    if (!is_present) {
+        return core::success();
+    }
+    BOOST_OUTCOME_TRY(auto* sfp, add_sfp(object, port.info.sfp));
+    BOOST_OUTCOME_TRY(add_fields(sfp, port.info, media_fields));
+    if (!port.eddi) {
+        return core::success();
+    }
+    return add_record(object, "eddi", *port.eddi, eddi_fields);
+}
+
+} // namespace
+
+/// What is asked once for all ports.
+struct MonitoringFrontPortStateHandler::Sources {
+    std::array<cfgdb::FrontPort, max_uplink_ports + 1> configured{}; ///< by port number
+    Bitmap_uplink_port_range link_up{};
+};
+
+MonitoringFrontPortStateHandler::MonitoringFrontPortStateHandler(const std::shared_ptr<core::ILogger>& logger,
+                                                                 const std::shared_ptr<ipc::IIpc>& ipc)
+    : logger_(logger), ipc_(ipc) {}
+
+Result<Response> MonitoringFrontPortStateHandler::operator()(const Request& request,
+                                                             const std::shared_ptr<Session>& session) const {
+    return answer_with_data(request, session, logger_, [&]() -> Result<JsonTree> {
+        BOOST_OUTCOME_TRY(const auto db, database_of(session, "No session"));
+        BOOST_OUTCOME_TRY(const auto range, process_request(request));
+        BOOST_OUTCOME_TRY(const auto ports, retrieve_front_port_info_from_db(*db, range));
+        return compose_response(ports);
+    });
+}
+
+Result<Bitmap_uplink_port_range> MonitoringFrontPortStateHandler::process_request(const Request& request) const {
+    return get_port_range<Bitmap_uplink_port_range>(*logger_, request, get_parsed_uplink_port_range);
+}
+
+Result<std::vector<PortInfo>>
+MonitoringFrontPortStateHandler::retrieve_front_port_info_from_db(const cfgdb::CfgDbWrapper& db,
+                                                                  const Bitmap_uplink_port_range& ports) const {
+    const auto retrieve = [&]() -> Result<std::vector<PortInfo>> {
+        BOOST_OUTCOME_TRY(const auto sources, get_sources(db));
+        return describe_ports<PortInfo>(ports, get_next_bitmap_uplink_port_ids,
+                                        [&](std::uint8_t port) { return describe(*sources, port); });
+    };
+    return explained(*logger_, retrieve(), "Failed to retrieve front port info");
+}
+
+Result<JsonTree> MonitoringFrontPortStateHandler::compose_response(const std::vector<PortInfo>& ports) {
+    return compose_ports(ports, fill_port);
+}
+
+Result<std::unique_ptr<MonitoringFrontPortStateHandler::Sources>>
+MonitoringFrontPortStateHandler::get_sources(const cfgdb::CfgDbWrapper& db) const {
+    auto sources = std::make_unique<Sources>();
+    BOOST_OUTCOME_TRY(core::call_c_api(*logger_, [&] {
+        return getRunDbArray_ZebGCfg_switch_config_front_port(db.handle(), sources->configured.data());
+    }));
+    BOOST_OUTCOME_TRY(core::call_c_api(
+        *logger_, [&] { return custom_layer__get_front_ports_link_states(ipc_->raw(), &sources->link_up); }));
+    return sources;
+}
+
+Result<PortInfo> MonitoringFrontPortStateHandler::describe(const Sources& sources, std::uint8_t port) const {
+    PortInfo described{};
+    described.port = port;
+    BOOST_OUTCOME_TRY(described.status, get_status(sources, port));
+    BOOST_OUTCOME_TRY(core::call_c_api(
+        *logger_, [&] { return custom_layer__get_front_port_info(ipc_->raw(), port, &described.info); }));
+    if (described.info.sfp.condition == sfp_present) {
+        Front_port_sfp_eddi eddi{};
+        if (custom_layer__get_front_port_sfp_eddi(ipc_->raw(), port, &eddi) == 0) {
+            described.eddi = eddi;
+        }
+        errno = 0; // a module without diagnostics is no failure
+    }
+    return described;
+}
+
+Result<const char*> MonitoringFrontPortStateHandler::get_status(const Sources& sources, std::uint8_t port) const {
+    if (sources.configured.at(port).enabled == 0) {
+        return "SHUTDOWN";
+    }
+    std::uint8_t is_up = 0;
+    BOOST_OUTCOME_TRY(
+        core::call_c_api(*logger_, [&] { return get_bitmap_uplink_port_ids_value(&sources.link_up, port, &is_up); }));
+    return is_up != 0 ? "UP" : "DOWN";
+}
+
+} // namespace xpon::api_service

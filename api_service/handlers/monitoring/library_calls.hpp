@@ -1,0 +1,45 @@
+#pragma once
+
+#include "xpon/core/c_status.hpp"
+#include "xpon/core/logger.hpp"
+#include "xpon/core/result.hpp"
+
+#include <cstdlib>
+#include <memory>
+
+namespace xpon::api_service {
+
+struct FreeDeleter {
+    void operator()(void* block) const {
+        std::free(block); // NOLINT(cppcoreguidelines-no-malloc): the libraries allocate with malloc
+    }
+};
+
+/// The one owner of a block that a library allocated with malloc.
+template <class T>
+using LibraryBuffer = std::unique_ptr<T, FreeDeleter>;
+
+/// The record that `function` returns through a `Record**` behind the other arguments. A call that succeeds without a
+/// record is an error.
+template <class Record, class Function, class... Args>
+core::Result<LibraryBuffer<Record>> fetch_buffer(core::ILogger& logger, Function function, Args... args) {
+    Record* out = nullptr;
+    const auto called = core::call_c_api(logger, [&] { return function(args..., &out); });
+    LibraryBuffer<Record> buffer(out);
+    BOOST_OUTCOME_TRY(called);
+    if (buffer == nullptr) {
+        return core::ErrorPayload(core::Error::InvalidInputArg, "Object cannot be null");
+    }
+    return buffer;
+}
+
+/// Logs what an error keeps from being done, behind its cause.
+template <class T>
+core::Result<T> explained(core::ILogger& logger, core::Result<T> result, const char* what_failed) {
+    if (!result) {
+        log_error(logger, "{}", what_failed);
+    }
+    return result;
+}
+
+} // namespace xpon::api_service

@@ -1,0 +1,73 @@
+#include "api_service/handlers/monitoring/log_files_handler.hpp"
+
+#include "api_service/handlers/configuration/request_checks.hpp"
+#include "api_service/handlers/monitoring/answer.hpp"
+#include "api_service/handlers/monitoring/library_calls.hpp"
+#include "api_service/protocol/json_building.hpp"
+#include "xpon/custom_layer/log_files.h"
+
+namespace xpon::api_service {
+
+using core::JsonTree;
+using core::Result;
+
+namespace {
+
+/// The one owner of an array of names and of each name, all blocks of their own.
+struct NameList {
+    NameList() = default;
+    NameList(const NameList&) = delete;
+    NameList& operator=(const NameList&) = delete;
+    ~NameList() {
+        for (char* name : all()) {
+            FreeDeleter()(name);
+        }
+        FreeDeleter()(names);
+    }
+
+    [[nodiscard]] std::span<char*> all() const {
+        return {names, names == nullptr ? 0 : count};
+    }
+
+    char** names = nullptr;
+    std::uint32_t count = 0;
+};
+
+} // namespace
+
+MonitoringLogFiles::MonitoringLogFiles(const std::shared_ptr<core::ILogger>& logger) : logger_(logger) {}
+
+Result<Response> MonitoringLogFiles::operator()(const Request& request, const std::shared_ptr<Session>& session) const {
+    return answer_with_data(request, session, logger_, [&]() -> Result<JsonTree> {
+        BOOST_OUTCOME_TRY(const auto db, database_of(session, "No session"));
+        BOOST_OUTCOME_TRY(const auto names, get_log_file_list(db));
+        return serialize_payload(names);
+    });
+}
+
+Result<std::vector<std::string>>
+MonitoringLogFiles::get_log_file_list(const std::shared_ptr<cfgdb::CfgDbWrapper>& db) const {
+    NameList list;
+    BOOST_OUTCOME_TRY(core::call_c_api(*logger_, [&] {
+        return custom_layer__get_list_log_files(db->handle(), db->context(), &list.names, &list.count);
+    }));
+    std::vector<std::string> names;
+    for (const char* name : list.all()) {
+        names.emplace_back(name);
+    }
+    return names;
+}
+
+Result<JsonTree> MonitoringLogFiles::serialize_payload(std::span<const std::string> names) {
+    BOOST_OUTCOME_TRY(auto root, create_object());
+    BOOST_OUTCOME_TRY(auto array, create_array());
+    cJSON* const log_files = array.get();
+    BOOST_OUTCOME_TRY(add_to_object(root.get(), "log_files", std::move(array)));
+    for (const auto& name : names) {
+        BOOST_OUTCOME_TRY(auto item, create_cjson_from_value(name));
+        BOOST_OUTCOME_TRY(add_to_array(log_files, std::move(item)));
+    }
+    return root;
+}
+
+} // namespace xpon::api_service

@@ -1,0 +1,59 @@
+#include "api_service/handlers/monitoring/ont_reports.hpp"
+
+#include "xpon/core/c_status.hpp"
+
+#include <utility>
+
+namespace xpon::api_service {
+
+using core::Error;
+using core::ErrorPayload;
+using core::Result;
+
+namespace {
+
+template <class Report>
+Result<LibraryBuffer<Report>> with_entries(Result<LibraryBuffer<Report>> report) {
+    if (report && report.value()->count > 0 && report.value()->entries == nullptr) {
+        return ErrorPayload(Error::InvalidInputArg, "Object cannot be null");
+    }
+    return report;
+}
+
+Result<LibraryBuffer<Ont__get_state_info_response>> get_states_info(core::ILogger& logger, Ipc* ipc,
+                                                                    const Bitmap_ont_range& range) {
+    BOOST_OUTCOME_TRY(auto states, with_entries(fetch_buffer<Ont__get_state_info_response>(
+                                       logger, custom_layer__get_ont_state_info_by_range, ipc, &range)));
+    if (states->count > max_configured_onts) {
+        return ErrorPayload(Error::InvalidState, "The number of received states is greater than requested");
+    }
+    return states;
+}
+
+Result<LibraryBuffer<Ont_unactivated_info>> get_all_unactivated_ont(core::ILogger& logger, Ipc* ipc) {
+    Bitmap_pon_port_range ports{};
+    BOOST_OUTCOME_TRY(core::call_c_api(logger, [&] { return prepare_bitmap_pon_port(&ports); }));
+    bitfield_reset(ports.bits, ports.size);
+    bitfield_invert(ports.bits, ports.size);
+    return with_entries(
+        fetch_buffer<Ont_unactivated_info>(logger, custom_layer__get_ont_unactivated_by_range, ipc, &ports));
+}
+
+} // namespace
+
+Result<Bitmap_ont_range> get_all_ont_range(core::ILogger& logger) {
+    Bitmap_ont_range range{};
+    BOOST_OUTCOME_TRY(core::call_c_api(logger, [&] { return prepare_bitmap_ont(&range); }));
+    bitfield_reset(range.bits, range.size);
+    bitfield_invert(range.bits, range.size);
+    return range;
+}
+
+Result<OntReports> OntReports::get(core::ILogger& logger, const std::shared_ptr<ipc::IIpc>& ipc,
+                                   const Bitmap_ont_range& range) {
+    BOOST_OUTCOME_TRY(auto states, get_states_info(logger, ipc->raw(), range));
+    BOOST_OUTCOME_TRY(auto unactivated, get_all_unactivated_ont(logger, ipc->raw()));
+    return OntReports(std::move(states), std::move(unactivated));
+}
+
+} // namespace xpon::api_service

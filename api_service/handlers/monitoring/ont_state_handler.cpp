@@ -1,0 +1,120 @@
+#include "api_service/handlers/monitoring/ont_state_handler.hpp"
+
+#include "api_service/handlers/configuration/request_checks.hpp"
+#include "api_service/handlers/monitoring/answer.hpp"
+#include "api_service/handlers/monitoring/ont_fields.hpp"
+
+namespace xpon::api_service {
+
+using cfgdb::PonOnt;
+using core::Error;
+using core::ErrorPayload;
+using core::JsonTree;
+using core::Result;
+
+namespace {
+
+constexpr JsonField<PonOnt> configuration_fields[] = {
+    {"password", member<&PonOnt::password>},
+    {"description", member<&PonOnt::description>},
+};
+
+constexpr JsonField<Ont__state_info> ont_info_fields[] = {
+    {"equipment_id", member<&Ont__state_info::equipment_id>},
+    {"hardware_version", member<&Ont__state_info::hardware_version>},
+    {"software_version", member<&Ont__state_info::software_version>},
+    {"equalization_delay", member<&Ont__state_info::equalization_delay>},
+    {"fec_state", member<&Ont__state_info::fec_state>},
+    {"distance", member<&Ont__state_info::distance>},
+    {"rssi", member<&Ont__state_info::rssi>},
+};
+
+constexpr JsonField<Ont_unactivated_entry> password_fields[] = {
+    {"password", member<&Ont_unactivated_entry::password>},
+};
+
+Result<void> fill_activated(cJSON* object, const Ont__state_info& state) {
+    BOOST_OUTCOME_TRY(add_fields(object, state, activated_ont_fields));
+    BOOST_OUTCOME_TRY(add_record(object, "ont_info", state, ont_info_fields));
+    BOOST_OUTCOME_TRY(const auto alloc_ids, bounded_items(state.alloc_ids, state.alloc_count, "alloc_ids"));
+    BOOST_OUTCOME_TRY(auto numbers, create_number_array(alloc_ids));
+    return add_to_object(object, "alloc_ids", std::move(numbers));
+}
+
+Result<void> fill_configured(cJSON* object, const ConfiguredOnt& ont) {
+    BOOST_OUTCOME_TRY(add_fields(object, ont, configured_ont_fields));
+    BOOST_OUTCOME_TRY(add_fields(object, ont.configuration, configuration_fields));
+    if (ont.state != nullptr) {
+        return fill_activated(object, *ont.state);
+    }
+    if (ont.unactivated != nullptr) {
+        return add_fields(object, *ont.unactivated, unactivated_ont_fields);
+    }
+    return core::success();
+}
+
+Result<void> fill_unconfigured(cJSON* object, const Ont_unactivated_entry& ont) {
+    BOOST_OUTCOME_TRY(add_fields(object, ont, unactivated_ont_serial_fields));
+    BOOST_OUTCOME_TRY(add_fields(object, ont, password_fields));
+    return add_fields(object, ont, unactivated_ont_fields);
+}
+
+Result<void> fill_array(cJSON* array, OntWalk& walk) {
+    for (;;) {
+        BOOST_OUTCOME_TRY(const auto ont, walk.next());
+        if (!ont) {
+            break;
+        }
+        BOOST_OUTCOME_TRY(auto* object, create_object_in_array(array));
+        BOOST_OUTCOME_TRY(fill_configured(object, *ont));
+    }
+    BOOST_OUTCOME_TRY(walk.finish());
+    for (const auto* ont : walk.unclaimed()) {
+        BOOST_OUTCOME_TRY(auto* object, create_object_in_array(array));
+        BOOST_OUTCOME_TRY(fill_unconfigured(object, *ont));
+    }
+    return core::success();
+}
+
+} // namespace
+
+MonitoringOntStateHandler::MonitoringOntStateHandler(const std::shared_ptr<core::ILogger>& logger,
+                                                     const std::shared_ptr<ipc::IIpc>& ipc)
+    : logger_(logger), ipc_(ipc) {}
+
+Result<Response> MonitoringOntStateHandler::operator()(const Request& request,
+                                                       const std::shared_ptr<Session>& session) const {
+    return answer_with_data(request, session, logger_, [&]() -> Result<JsonTree> {
+        BOOST_OUTCOME_TRY(const auto db, database_of(session, "No session"));
+        BOOST_OUTCOME_TRY(const auto range, get_ont_range(request));
+        return serialize_payload(*db, range);
+    });
+}
+
+Result<Bitmap_ont_range> MonitoringOntStateHandler::get_ont_range(const Request& request) const {
+    const auto& indices = request.indices;
+    if (indices.empty()) {
+        return get_all_ont_range(*logger_);
+    }
+    if (indices.size() == 1) {
+        return ErrorPayload(Error::InvalidInputArg, "Indices cannot contain a single element");
+    }
+    if (indices.size() > 2) {
+        return ErrorPayload(Error::InvalidInputArg, "Indices must contain no more than two elements");
+    }
+    Bitmap_ont_range range{};
+    BOOST_OUTCOME_TRY(core::call_c_api(
+        *logger_, [&] { return get_parsed_ont_range(indices[0].c_str(), indices[1].c_str(), &range); }));
+    return range;
+}
+
+Result<JsonTree> MonitoringOntStateHandler::serialize_payload(const cfgdb::CfgDbWrapper& db,
+                                                              const Bitmap_ont_range& range) const {
+    BOOST_OUTCOME_TRY(const auto reports, OntReports::get(*logger_, ipc_, range));
+    BOOST_OUTCOME_TRY(auto array, create_array());
+    OntWalk walk(*logger_, db, range, reports);
+    BOOST_OUTCOME_TRY(fill_array(array.get(), walk));
+    return array;
+}
+
+} // namespace xpon::api_service

@@ -1,0 +1,109 @@
+#include "api_service/handlers/monitoring/pon_port_state_handler.hpp"
+
+#include "api_service/handlers/configuration/request_checks.hpp"
+#include "api_service/handlers/monitoring/answer.hpp"
+#include "api_service/handlers/monitoring/library_calls.hpp"
+#include "api_service/handlers/monitoring/port_answers.hpp"
+
+#include <algorithm>
+
+namespace xpon::api_service {
+
+using core::JsonTree;
+using core::Result;
+using PortInfo = MonitoringPonPortStateHandler::PortInfo;
+
+namespace {
+
+constexpr JsonField<PortInfo> port_fields[] = {
+    {"port", member<&PortInfo::port>},
+    {"state", [](const PortInfo& port) { return create_field_value(channel_state_to_str(port.state.channel_state)); }},
+    {"pon_type", [](const PortInfo& port) { return create_field_value(Pon_port_type_to_str(port.type)); }},
+    {"ont_count", [](const PortInfo& port) { return create_field_value(port.state.ont_count); }},
+};
+
+constexpr JsonField<Pon_port_sfp_info> eddi_fields[] = {
+    {"temperature_c", member<&Pon_port_sfp_info::temperature>},
+    {"voltage_v", member<&Pon_port_sfp_info::voltage>},
+    {"tx_bias_current_ma", member<&Pon_port_sfp_info::bias>},
+    {"tx_power_dbm", member<&Pon_port_sfp_info::power>},
+};
+
+Result<void> fill_port(cJSON* object, const PortInfo& port) {
+    BOOST_OUTCOME_TRY(add_fields(object, port, port_fields));
+    BOOST_OUTCOME_TRY(const bool is_present, add_sfp_condition(object, port.module.sfp));
+    if (!is_present) {
+        return core::success();
+    }
+    BOOST_OUTCOME_TRY(add_sfp(object, port.module.sfp));
+    if (port.module.valid == 0) {
+        return core::success();
+    }
+    return add_record(object, "eddi", port.module, eddi_fields);
+}
+
+/// The entry of `port` in a record with one entry for each port.
+template <class Entry, std::size_t N>
+Result<Entry> entry_of(const Entry (&entries)[N], std::size_t count, std::uint8_t port, const char* name) {
+    BOOST_OUTCOME_TRY(const auto valid, bounded_items(entries, count, name));
+    const auto found = std::ranges::find(valid, port, &Entry::port);
+    if (found == valid.end()) {
+        return core::ErrorPayload(core::Error::Empty, fmt::format("{}: nothing of port {}", name, port));
+    }
+    return *found;
+}
+
+} // namespace
+
+MonitoringPonPortStateHandler::MonitoringPonPortStateHandler(const std::shared_ptr<core::ILogger>& logger,
+                                                             const std::shared_ptr<ipc::IIpc>& ipc)
+    : logger_(logger), ipc_(ipc) {}
+
+Result<Response> MonitoringPonPortStateHandler::operator()(const Request& request,
+                                                           const std::shared_ptr<Session>& session) const {
+    return answer_with_data(request, session, logger_, [&]() -> Result<JsonTree> {
+        BOOST_OUTCOME_TRY(database_of(session, "No session"));
+        BOOST_OUTCOME_TRY(const auto range, process_request(request));
+        BOOST_OUTCOME_TRY(const auto ports, retrieve_pon_port_info_from_db(range));
+        return compose_response(ports);
+    });
+}
+
+Result<Bitmap_pon_port_range> MonitoringPonPortStateHandler::process_request(const Request& request) const {
+    return get_port_range<Bitmap_pon_port_range>(*logger_, request, get_parsed_pon_port_range);
+}
+
+Result<std::vector<PortInfo>>
+MonitoringPonPortStateHandler::retrieve_pon_port_info_from_db(const Bitmap_pon_port_range& ports) const {
+    BOOST_OUTCOME_TRY(
+        const auto states,
+        explained(*logger_, fetch_buffer<Pon_ports_states>(*logger_, custom_layer__get_pon_ports_states, ipc_->raw()),
+                  "Could not retrieve state for PON ports"));
+    BOOST_OUTCOME_TRY(const auto modules,
+                      explained(*logger_,
+                                fetch_buffer<Pon_ports_sfp_extended_information>(
+                                    *logger_, custom_layer__get_pon_ports_sfp_extended_information, ipc_->raw()),
+                                "Could not retrieve extended information about PON-port plugged SFP modules"));
+    return explained(*logger_,
+                     describe_ports<PortInfo>(ports, get_next_bitmap_pon_port_ids,
+                                              [&](std::uint8_t port) { return describe(*states, *modules, port); }),
+                     "Failed to retrieve pon port info");
+}
+
+Result<JsonTree> MonitoringPonPortStateHandler::compose_response(const std::vector<PortInfo>& ports) {
+    return compose_ports(ports, fill_port);
+}
+
+Result<PortInfo> MonitoringPonPortStateHandler::describe(const Pon_ports_states& states,
+                                                         const Pon_ports_sfp_extended_information& modules,
+                                                         std::uint8_t port) const {
+    PortInfo described{};
+    described.port = port;
+    BOOST_OUTCOME_TRY(described.state, entry_of(states.ports, states.count, port, "PON port states"));
+    BOOST_OUTCOME_TRY(described.module, entry_of(modules.ports, modules.count, port, "PON port modules"));
+    BOOST_OUTCOME_TRY(core::call_c_api(
+        *logger_, [&] { return custom_layer__get_pon_port_type(ipc_->raw(), port, &described.type); }));
+    return described;
+}
+
+} // namespace xpon::api_service

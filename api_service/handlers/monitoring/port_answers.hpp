@@ -1,0 +1,62 @@
+#pragma once
+
+#include "api_service/handlers/monitoring/record_fields.hpp"
+#include "api_service/protocol/request.hpp"
+#include "xpon/core/c_status.hpp"
+#include "xpon/core/logger.hpp"
+#include "xpon/core/result.hpp"
+#include "xpon/custom_layer/sfp.h"
+#include "xpon/ranges/bitfield.h"
+
+#include <cstdint>
+#include <vector>
+
+// What the answers about front ports and about PON ports share.
+
+namespace xpon::api_service {
+
+/// The set of ports that the request's one index names.
+template <class Bitmap>
+core::Result<Bitmap> get_port_range(core::ILogger& logger, const Request& request,
+                                    int (*parse)(const char* text, Bitmap* out)) {
+    if (request.indices.size() != 1) {
+        return core::ErrorPayload(core::Error::InvalidInputArg, "Indices must contain exactly one element");
+    }
+    Bitmap ports{};
+    BOOST_OUTCOME_TRY(core::call_c_api(logger, [&] { return parse(request.indices.front().c_str(), &ports); }));
+    return ports;
+}
+
+/// What `describe` says of each port of the set, ascending.
+template <class PortInfo, class Bitmap, class Describe>
+core::Result<std::vector<PortInfo>>
+describe_ports(const Bitmap& ports, int (*next)(const Bitmap* bitmap, Bitmap_iterator* iterator, std::uint8_t* port),
+               Describe&& describe) {
+    std::vector<PortInfo> described;
+    Bitmap_iterator iterator{};
+    for (std::uint8_t port = 0; next(&ports, &iterator, &port) == 0;) {
+        BOOST_OUTCOME_TRY(auto info, describe(port));
+        described.push_back(info);
+    }
+    return described;
+}
+
+/// An array with one object for each port, filled by `fill`.
+template <class PortInfo>
+core::Result<core::JsonTree> compose_ports(const std::vector<PortInfo>& ports,
+                                           core::Result<void> (*fill)(cJSON* object, const PortInfo& port)) {
+    BOOST_OUTCOME_TRY(auto array, create_array());
+    for (const auto& port : ports) {
+        BOOST_OUTCOME_TRY(auto* object, create_object_in_array(array.get(), port.port));
+        BOOST_OUTCOME_TRY(fill(object, port));
+    }
+    return array;
+}
+
+/// Adds "sfp_condition". True when there is a module to describe.
+core::Result<bool> add_sfp_condition(cJSON* object, const Sfp_identification& sfp);
+
+/// Adds "sfp" with how the module identifies itself, and returns it.
+core::Result<cJSON*> add_sfp(cJSON* object, const Sfp_identification& sfp);
+
+} // namespace xpon::api_service

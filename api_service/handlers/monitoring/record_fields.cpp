@@ -1,0 +1,26 @@
+#include "api_service/handlers/monitoring/record_fields.hpp"
+
+#include <algorithm>
+
+namespace xpon::api_service {
+
+using core::Error;
+using core::ErrorPayload;
+using core::Result;
+
+Result<std::string> bounded_text(std::span<const char> buffer) {
+    const auto end = std::find(buffer.begin(), buffer.end(), '\0');
+    if (end == buffer.end()) {
+        return ErrorPayload(Error::InvalidInputArg, fmt::format("no end within {} bytes", buffer.size()));
+    }
+    return std::string(buffer.begin(), end);
+}
+
+Result<std::string> text_of_value(std::span<const char* const> texts, std::size_t value) {
+    if (value >= texts.size()) {
+        return ErrorPayload(Error::InvalidInputArg, fmt::format("{} of at most {}", value, texts.size() - 1));
+    }
+    return std::string(texts[value]);
+}
+
+} // namespace xpon::api_service
