@@ -150,7 +150,9 @@ System_environment_data report_environment(const Plant& plant) {
     const Activity activity(plant);
     System_environment_data data{};
     data.ram_total = board.ram_mib;
-    data.ram_free = board.ram_mib - base_ram_mib - ram_per_ont_mib * static_cast<float>(activity.in_service);
+    const float used = base_ram_mib + ram_per_ont_mib * static_cast<float>(activity.in_service);
+    // In quarters, which a float holds exactly.
+    data.ram_free = std::floor((board.ram_mib - used) * 4) / 4;
     data.disk_total = board.disk_mib;
     data.disk_free = board.disk_mib - board.base_disk_mib;
     data.load_1m = activity.load(plant, 60);

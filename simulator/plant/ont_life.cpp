@@ -54,7 +54,9 @@ struct Row {
 /// The states that end by themselves.
 constexpr std::array life{
     Row{ont_initial, initial_time, [](const auto&) { return ont_standby; }},
-    Row{ont_standby, [](const auto&) -> PlantTime { return 500ms; }, [](const auto&) { return ont_serial_number; }},
+    Row{ont_standby, [](const auto&) -> PlantTime { return 500ms; },
+        // An ONT that is known to talk out of turn is stopped before it talks again.
+        [](const auto& situation) { return situation.is_stopped_rogue ? ont_emergency_stop : ont_serial_number; }},
     Row{ont_serial_number, discovery_time,
         [](const auto& situation) {
             return !may_range(situation) ? ont_serial_number : situation.is_enabled ? ont_ranging : ont_disabled;

@@ -33,6 +33,15 @@ double supply_voltage(const Random& random, const ModuleConditions& module) {
     return random.between(3.27, 3.33, Purpose::module_voltage, {module.port});
 }
 
+/// As finely as modules are usually read.
+ModuleReadings rounded(const ModuleReadings& readings) {
+    const auto to = [](double value, double parts) { return std::round(value * parts) / parts; };
+    return {.temperature_c = to(readings.temperature_c, 10),
+            .voltage_v = to(readings.voltage_v, 1000),
+            .bias_ma = to(readings.bias_ma, 100),
+            .power = to(readings.power, 1000)};
+}
+
 } // namespace
 
 OntPath path_of(const Random& random, const OntPosition& ont) {
@@ -68,19 +77,19 @@ double loss_of_signal_dbm(PonPortSettings::OdnClass odn_class) {
 }
 
 ModuleReadings front_module(const Random& random, const ModuleConditions& module, PlantTime now) {
-    return {.temperature_c = drifted_temperature(random, module, now),
-            .voltage_v = supply_voltage(random, module),
-            .bias_ma = random.between(6, 8, Purpose::module_bias, {module.port}),
-            .power = random.between(0.5, 0.65, Purpose::module_power, {module.port})};
+    return rounded({.temperature_c = drifted_temperature(random, module, now),
+                    .voltage_v = supply_voltage(random, module),
+                    .bias_ma = random.between(6, 8, Purpose::module_bias, {module.port}),
+                    .power = random.between(0.5, 0.65, Purpose::module_power, {module.port})});
 }
 
 ModuleReadings pon_module(const Random& random, const ModuleConditions& module, PlantTime now) {
     constexpr double bias_ma_per_degree = 0.15;
     const double temperature = drifted_temperature(random, module, now);
-    return {.temperature_c = temperature,
-            .voltage_v = supply_voltage(random, module),
-            .bias_ma = 14 + bias_ma_per_degree * std::max(temperature - 40, 0.0),
-            .power = random.between(2.9, 3.5, Purpose::module_power, {module.port})};
+    return rounded({.temperature_c = temperature,
+                    .voltage_v = supply_voltage(random, module),
+                    .bias_ma = 14 + bias_ma_per_degree * std::max(temperature - 40, 0.0),
+                    .power = random.between(2.9, 3.5, Purpose::module_power, {module.port})});
 }
 
 double drift(const Random& random, std::uint64_t key, PlantTime now) {

@@ -1,5 +1,6 @@
 #include "ipc/ipc_handle.hpp"
 #include "simulator/peers/peer_table.hpp"
+#include "simulator/plant/fixed_text.hpp"
 #include "simulator/plant/ont_layout.hpp"
 #include "simulator/sim_command/command_line.hpp"
 #include "simulator/sim_command/control_client.hpp"
@@ -147,8 +148,8 @@ TEST_F(LiveOltTest, OntsFollowCommits) {
 
     // A description is nothing that an ONT is told.
     edit<cfgdb::ProfileOntDba>(getDb_CommonGCfg_profiles_profiles_ont_dba, setDb_CommonGCfg_profiles_profiles_ont_dba,
-                               0, [](auto& dba) { std::strcpy(dba.name, "renamed"); });
-    edit_ont(fresh, [](auto& ont) { std::strcpy(ont.description, "Flat 17"); });
+                               0, [](auto& dba) { put_text(dba.name, "renamed"); });
+    edit_ont(fresh, [](auto& ont) { put_text(ont.description, "Flat 17"); });
     commit();
     EXPECT_EQ(ont_states()[fresh], "OPERATIONAL");
 

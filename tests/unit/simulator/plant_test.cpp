@@ -242,6 +242,20 @@ TEST_F(PlantTest, AFaultEndsByItself) {
     EXPECT_LT(plant.onts().front().point.since, plant.now() - 4min);
 }
 
+TEST_F(PlantTest, ARogueIsStoppedHoweverItComesBack) {
+    plant.configure(configured(1));
+    plant.set_fault(fault("ont_rogue", "1/1"));
+    pass(5min);
+    EXPECT_EQ(state(), "EMERGENCY_STOP");
+    configure([](auto& configuration) { configuration.pon[0].enabled = false; });
+    configure([](auto& configuration) { configuration.pon[0].enabled = true; });
+    pass(5min);
+    EXPECT_EQ(state(), "EMERGENCY_STOP");
+    plant.clear_all_faults();
+    pass(5min);
+    EXPECT_EQ(state(), "OPERATIONAL");
+}
+
 TEST_F(PlantTest, AnEventDuringAStartDoesNotLoseTheOnt) {
     plant.configure(configured(1));
     pass(5min);

@@ -20,8 +20,13 @@ using testing::IsEmpty;
 Device_facts some_facts() {
     Device_facts facts{};
     std::memcpy(facts.magic, device_facts_magic.data(), sizeof facts.magic);
-    std::strcpy(facts.factory.device_name, "SIM-OLT-16 rev 1");
-    std::strcpy(facts.slots[1].version, "1.4.1.97");
+    facts.factory = {.device_type = {},
+                     .board_version = {},
+                     .serial_number = {},
+                     .mac_address = {},
+                     .device_name = "SIM-OLT-16 rev 1",
+                     .reserved = {}};
+    facts.slots[1] = {.version = "1.4.1.97", .built = {}, .size = 0, .crc = 0, .valid = 1};
     facts.next_boot_slot = 1;
     facts.uptime_s = 3 * 86400 + 4 * 3600 + 5 * 60 + 6.9;
     return facts;
