@@ -3,6 +3,7 @@
 #include "serializer/record_json.hpp"
 #include "tests/unit/platform/serializer/record_generator.hpp"
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -84,6 +85,45 @@ std::vector<const cfgdb::Element*> every_element() {
         elements.push_back(&element);
     }
     return elements;
+}
+
+/// A value of the field: a number, or a text or array of that size.
+Tree value_of(const serializer::Field& field, std::int64_t size) {
+    if (field.kind == serializer::Kind::text) {
+        return Tree(cJSON_CreateString(std::string(static_cast<std::size_t>(size), 'a').c_str()));
+    }
+    if (field.kind != serializer::Kind::array && field.kind != serializer::Kind::list) {
+        return Tree(cJSON_CreateNumber(static_cast<double>(size)));
+    }
+    Tree array(cJSON_CreateArray());
+    for (std::int64_t i = 0; i < size; ++i) {
+        cJSON_AddItemToArray(array.get(), cJSON_CreateObject());
+    }
+    return array;
+}
+
+TEST_P(EveryRecord, TakesTheLimitsOfItsFieldsAndNothingBeyond) {
+    using serializer::Kind;
+    const std::set numbers{Kind::u8, Kind::u16, Kind::u32, Kind::i8, Kind::i16};
+    for (const auto& field : table_.fields) {
+        const bool is_number = numbers.contains(field.kind);
+        const bool is_array = field.kind == Kind::array || field.kind == Kind::list;
+        const std::string fault = is_number ? "out of range" : is_array ? "at most {p1} allowed" : "Text is too ";
+        const auto is_refused = [&](std::int64_t size) {
+            const Tree data(cJSON_CreateObject());
+            cJSON_AddItemToObject(data.get(), field.key, value_of(field, size).release());
+            Record record(table_.size);
+            return read_errors(table_, *data, record).find(fault) != std::string::npos;
+        };
+        if (is_number || is_array || field.kind == Kind::text) {
+            EXPECT_FALSE(is_refused(field.max)) << field.key;
+            EXPECT_TRUE(is_refused(field.max + 1)) << field.key;
+        }
+        if (is_number || (field.kind == Kind::text && field.min > 0 && !field.may_be_empty)) {
+            EXPECT_FALSE(is_refused(field.min)) << field.key;
+            EXPECT_TRUE(is_refused(field.min - 1)) << field.key;
+        }
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Configuration, EveryRecord, testing::ValuesIn(every_element()),
