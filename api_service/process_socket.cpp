@@ -55,6 +55,8 @@ Result<void> ApiService::dispatch(IClientSocket& socket, Request& request) {
     const auto response = core::guarded(*logger_, [&] { return route.handler(request, session); });
     change.report(*logger_, response);
     if (!response) {
+        // The client learns no cause: the log names the request and its cause.
+        log_error(*logger_, "{} {}: {}", request.method, request.path, response.error().to_string());
         return answer_with_error(socket, session, Json_errors::request_not_processed, request.path);
     }
     return answer(socket, response.value());

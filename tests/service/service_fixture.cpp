@@ -81,7 +81,8 @@ ServiceTest::ServiceTest()
 
 ServiceTest::~ServiceTest() {
     EXPECT_TRUE(service.stop({}));
-    const auto last = connect(); // wakes the loop, which then sees that it is to end
+    // Wakes the loop, which then sees that it is to end; it may have ended already.
+    const auto last = client::Connection::open(client::UnixEndpoint{root.path().string() + "/api"});
     thread.join();
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "api_service/auth/session.hpp"
-#include "api_service/protocol/request.hpp"
 #include "api_service/protocol/response.hpp"
 #include "xpon/core/guard.hpp"
 #include "xpon/core/json_tree.hpp"
@@ -14,18 +13,13 @@
 
 namespace xpon::api_service {
 
-/// The answer whose data is the tree that `build` makes. The client of a failed request learns no cause, so the log
-/// names the request and its cause.
+/// The answer whose data is the tree that `build` makes.
 template <class Build>
-core::Result<Response> answer_with_data(const Request& request, const std::shared_ptr<Session>& session,
+core::Result<Response> answer_with_data(const std::shared_ptr<Session>& session,
                                         const std::shared_ptr<core::ILogger>& logger, Build&& build) {
-    core::Result<core::JsonTree> data = core::guarded(*logger, std::forward<Build>(build));
-    if (!data) {
-        log_error(*logger, "{} {}: {}", request.method, request.path, data.error().to_string());
-        return data.error();
-    }
+    BOOST_OUTCOME_TRY(core::JsonTree data, core::guarded(*logger, std::forward<Build>(build)));
     auto response = Response::make_success_response(session, logger);
-    response.payload = Payload(std::move(data).value());
+    response.payload = Payload(std::move(data));
     return response;
 }
 

@@ -27,9 +27,8 @@ constexpr Constant constants[] = {
 
 MonitoringConstants::MonitoringConstants(const std::shared_ptr<core::ILogger>& logger) : logger_(logger) {}
 
-Result<Response> MonitoringConstants::operator()(const Request& request,
-                                                 const std::shared_ptr<Session>& session) const {
-    return answer_with_data(request, session, logger_, [this] { return serialize_payload(); });
+Result<Response> MonitoringConstants::operator()(const Request&, const std::shared_ptr<Session>& session) const {
+    return answer_with_data(session, logger_, [this] { return serialize_payload(); });
 }
 
 Result<JsonTree> MonitoringConstants::serialize_payload() const {

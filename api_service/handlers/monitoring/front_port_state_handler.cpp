@@ -62,7 +62,7 @@ MonitoringFrontPortStateHandler::MonitoringFrontPortStateHandler(const std::shar
 
 Result<Response> MonitoringFrontPortStateHandler::operator()(const Request& request,
                                                              const std::shared_ptr<Session>& session) const {
-    return answer_with_data(request, session, logger_, [&]() -> Result<JsonTree> {
+    return answer_with_data(session, logger_, [&]() -> Result<JsonTree> {
         BOOST_OUTCOME_TRY(const auto db, database_of(session, "No session"));
         BOOST_OUTCOME_TRY(const auto range, process_request(request));
         BOOST_OUTCOME_TRY(const auto ports, retrieve_front_port_info_from_db(*db, range));

@@ -37,8 +37,8 @@ struct NameList {
 
 MonitoringLogFiles::MonitoringLogFiles(const std::shared_ptr<core::ILogger>& logger) : logger_(logger) {}
 
-Result<Response> MonitoringLogFiles::operator()(const Request& request, const std::shared_ptr<Session>& session) const {
-    return answer_with_data(request, session, logger_, [&]() -> Result<JsonTree> {
+Result<Response> MonitoringLogFiles::operator()(const Request&, const std::shared_ptr<Session>& session) const {
+    return answer_with_data(session, logger_, [&]() -> Result<JsonTree> {
         BOOST_OUTCOME_TRY(const auto db, database_of(session, "No session"));
         BOOST_OUTCOME_TRY(const auto names, get_log_file_list(db));
         return serialize_payload(names);

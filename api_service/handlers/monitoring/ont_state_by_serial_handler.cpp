@@ -71,11 +71,12 @@ MonitoringOntStateBySerialHandler::MonitoringOntStateBySerialHandler(const std::
 Result<Response> MonitoringOntStateBySerialHandler::operator()(const Request& request,
                                                                const std::shared_ptr<Session>& session) const {
     std::optional<JsonError> refusal;
-    auto answered = answer_with_data(request, session, logger_, [&]() -> Result<JsonTree> {
+    auto answered = answer_with_data(session, logger_, [&]() -> Result<JsonTree> {
         BOOST_OUTCOME_TRY(const auto db, database_of(session, "No session"));
         BOOST_OUTCOME_TRY(const auto* item, get_serial_item(request));
         const auto serial = get_serial_from_array(item);
         if (!serial) {
+            log_error(*logger_, "{}", serial.error().to_string());
             log_error(*logger_, "get_serial_from_array() failed, unable to parse serial number");
             refusal.emplace(Json_errors::cannot_parse, "serial", logger_).add_param("InvalidSerial");
             return serial.error();

@@ -84,7 +84,7 @@ MonitoringOntStateHandler::MonitoringOntStateHandler(const std::shared_ptr<core:
 
 Result<Response> MonitoringOntStateHandler::operator()(const Request& request,
                                                        const std::shared_ptr<Session>& session) const {
-    return answer_with_data(request, session, logger_, [&]() -> Result<JsonTree> {
+    return answer_with_data(session, logger_, [&]() -> Result<JsonTree> {
         BOOST_OUTCOME_TRY(const auto db, database_of(session, "No session"));
         BOOST_OUTCOME_TRY(const auto range, get_ont_range(request));
         return serialize_payload(*db, range);

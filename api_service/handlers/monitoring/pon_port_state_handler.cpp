@@ -61,7 +61,7 @@ MonitoringPonPortStateHandler::MonitoringPonPortStateHandler(const std::shared_p
 
 Result<Response> MonitoringPonPortStateHandler::operator()(const Request& request,
                                                            const std::shared_ptr<Session>& session) const {
-    return answer_with_data(request, session, logger_, [&]() -> Result<JsonTree> {
+    return answer_with_data(session, logger_, [&]() -> Result<JsonTree> {
         BOOST_OUTCOME_TRY(database_of(session, "No session"));
         BOOST_OUTCOME_TRY(const auto range, process_request(request));
         BOOST_OUTCOME_TRY(const auto ports, retrieve_pon_port_info_from_db(range));

@@ -99,9 +99,8 @@ MonitoringSystemHandler::MonitoringSystemHandler(const std::shared_ptr<core::ILo
                                                  const std::shared_ptr<ipc::IIpc>& ipc)
     : logger_(logger), ipc_(ipc) {}
 
-Result<Response> MonitoringSystemHandler::operator()(const Request& request,
-                                                     const std::shared_ptr<Session>& session) const {
-    return answer_with_data(request, session, logger_, [&]() -> Result<JsonTree> {
+Result<Response> MonitoringSystemHandler::operator()(const Request&, const std::shared_ptr<Session>& session) const {
+    return answer_with_data(session, logger_, [&]() -> Result<JsonTree> {
         if (session == nullptr) {
             return ErrorPayload(Error::InvalidInputArg, "No session");
         }
