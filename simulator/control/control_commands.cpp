@@ -122,7 +122,7 @@ core::JsonTree schedule(Simulation& simulation, const CommandFields& fields) {
     simulation.schedule(time_of(in.value_or(0)), [&simulation, kept] {
         try {
             run(simulation, kept.get());
-        } catch (const CommandError&) {
+        } catch (const CommandError&) { // NOLINT(bugprone-empty-catch)
             // Such as a fault to clear that is no more: there is nobody left to tell.
         }
     });

@@ -57,6 +57,7 @@ int custom_layer__get_pon_ports_sfp_extended_information(Ipc* ipc, Pon_ports_sfp
 int custom_layer__get_pon_port_type(Ipc* ipc, std::uint8_t port, Pon_port_type* out);
 
 /// "Unknown", "GPON", "XG-PON" or "XGS-PON"; "Unknown" for any other value.
+// NOLINTNEXTLINE(readability-identifier-naming): the library's own name
 const char* Pon_port_type_to_str(Pon_port_type type);
 /// "DISABLED", "NO_MODULE", "STARTING", "ACTIVE" or "FAULT"; "UNKNOWN" for any other value.
 const char* channel_state_to_str(Pon_channel_state state);
