@@ -80,20 +80,6 @@ unsigned mbps_of(cfgdb::FrontPort::Speed speed) {
     return speeds.at(static_cast<std::size_t>(speed));
 }
 
-OntSettings settings_of(const cfgdb::RunningOnt& ont) {
-    unsigned tconts = 0;
-    for (const auto& service : ont.services) {
-        tconts = std::max(tconts, service.tcont + 1U);
-    }
-    return {.serial = ont.serial,
-            .enabled = ont.enabled,
-            .upstream_fec = ont.upstream_fec,
-            .password = ont.password,
-            .services = static_cast<unsigned>(ont.services.size()),
-            .tconts = tconts,
-            .provision = ont.provision};
-}
-
 } // namespace
 
 ConfigurationFollower::ConfigurationFollower() {
@@ -190,7 +176,7 @@ void ConfigurationFollower::read_onts(std::span<const std::uint16_t> indices) {
         configuration_.onts.erase(index);
     }
     for (const auto& ont : onts) {
-        configuration_.onts[ont.index] = settings_of(ont);
+        configuration_.onts[ont.index] = ont;
     }
 }
 

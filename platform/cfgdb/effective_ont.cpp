@@ -75,10 +75,11 @@ EffectiveOnt evaluate_ont(const Records& records, std::uint16_t index, const Pon
     const auto choose = [](std::uint8_t own, std::uint8_t from_template) { return own != 0 ? own : from_template; };
     ont.ports_profile = choose(record.ports_profile, bundle.ports_profile);
     ont.management_profile = choose(record.management_profile, bundle.management_profile);
+    ont.shaping_profile = choose(record.shaping_profile, bundle.shaping_profile);
     add_reference<OntTemplate>(ont, record.ont_template);
     add_reference<ProfileOntPortsCfg>(ont, ont.ports_profile);
     add_reference<ProfileOntManagementCfg>(ont, ont.management_profile);
-    add_reference<ProfileOntShaping>(ont, choose(record.shaping_profile, bundle.shaping_profile));
+    add_reference<ProfileOntShaping>(ont, ont.shaping_profile);
     for (std::uint16_t position = 0; position < services_per_ont; ++position) {
         ont.own_services.push_back(records.running<OntServices>(index, position));
         const auto profiles = profiles_of(ont.own_services.back(), bundle.services[position]);

@@ -32,6 +32,7 @@ struct EffectiveOnt {
     PonOnt record;
     std::uint8_t ports_profile; ///< 0 = none
     std::uint8_t management_profile;
+    std::uint8_t shaping_profile;
     std::vector<OntServices> own_services;  ///< the records, one per service
     std::vector<EffectiveService> services; ///< those whose cross-connect profile is defined
     std::vector<Reference> references;      ///< without repeats, in order

@@ -62,24 +62,55 @@ std::uint64_t provision_of(const Records& records, const EffectiveOnt& ont, bool
     return digest.value();
 }
 
-std::vector<RunningService> services_of(const Records& records, const EffectiveOnt& ont) {
+/// The lower of two rates, of which 0 is no limit.
+std::uint32_t lower(std::uint32_t one, std::uint32_t other) {
+    return one == 0 ? other : other == 0 ? one : std::min(one, other);
+}
+
+/// A profile by its number from 1. No profile, 0, is a place where nothing is stored: the defaults.
+template <class Profile>
+Profile profile_of(const Records& records, std::uint8_t number) {
+    return records.running<Profile>(static_cast<std::uint16_t>(number - 1));
+}
+
+RunningService service_of(const EffectiveService& service, const OntServices& own, const ShapingQueue& queue,
+                          const ProfileOntDba& dba) {
+    const auto& profile = service.profile;
+    return {.number = static_cast<std::uint8_t>(service.position + 1),
+            .tcont = 0,
+            .type = profile.service_type,
+            .termination = profile.termination,
+            .uni_ports = profile.uni_ports,
+            .uni_vid = profile.uni_vid,
+            .s_vid = service.s_vid,
+            .c_vid = service.c_vid,
+            .multicast_vid = profile.multicast_vid,
+            .dhcp_agent = profile.dhcp_agent != 0,
+            .pppoe_agent = profile.pppoe_agent != 0,
+            .broadcast_downstream = profile.broadcast_downstream != 0,
+            .mac_limit = own.mac_limit != 0 ? static_cast<std::uint8_t>(own.mac_limit) : profile.mac_limit,
+            .static_ip = own.static_ip,
+            .downstream_kbps = lower(own.downstream_kbps, queue.max_kbps),
+            .upstream_kbps = lower(lower(own.upstream_kbps, queue.upstream_max_kbps), dba.maximum_kbps)};
+}
+
+std::vector<RunningService> services_of(const Records& records, const EffectiveOnt& ont,
+                                        const ProfileOntShaping& shaping) {
     std::vector<RunningService> services;
     std::map<std::uint8_t, std::uint8_t> shared_tconts;
     std::uint8_t tconts = 0;
     for (const auto& service : ont.services) {
         // Without a profile a service gets the default one, whose T-CONT is shared.
-        const bool is_shared =
-            service.dba == 0 || records.running<ProfileOntDba>(static_cast<std::uint16_t>(service.dba - 1)).shared != 0;
+        const auto dba = profile_of<ProfileOntDba>(records, service.dba);
+        const bool is_shared = dba.shared != 0;
         const auto known = shared_tconts.find(service.dba);
         const bool joins = is_shared && known != shared_tconts.end();
-        const auto tcont = joins ? known->second : tconts++;
+        const auto& queue = shaping.queues[service.profile.priority % std::size(shaping.queues)];
+        auto& added = services.emplace_back(service_of(service, ont.own_services[service.position], queue, dba));
+        added.tcont = joins ? known->second : tconts++;
         if (is_shared) {
-            shared_tconts.emplace(service.dba, tcont);
+            shared_tconts.emplace(service.dba, added.tcont);
         }
-        services.push_back({.number = static_cast<std::uint8_t>(service.position + 1),
-                            .tcont = tcont,
-                            .s_vid = service.s_vid,
-                            .c_vid = service.c_vid});
     }
     return services;
 }
@@ -104,12 +135,26 @@ std::vector<RunningOnt> read_running_onts(const void* db, std::span<const std::u
         }
         const auto effective = evaluate_ont(records, index, record);
         const bool upstream_fec = has_upstream_fec(records, record);
+        const auto shaping = profile_of<ProfileOntShaping>(records, effective.shaping_profile);
+        const auto ports = profile_of<ProfileOntPortsCfg>(records, effective.ports_profile);
+        const auto management = profile_of<ProfileOntManagementCfg>(records, effective.management_profile);
+        auto services = services_of(records, effective, shaping);
+        unsigned tconts = 0;
+        for (const auto& service : services) {
+            tconts = std::max(tconts, service.tcont + 1U);
+        }
         onts.push_back({.index = index,
                         .serial = record.serial,
                         .enabled = record.enabled != 0,
                         .upstream_fec = upstream_fec,
                         .password = record.password,
-                        .services = services_of(records, effective),
+                        .services = std::move(services),
+                        .tconts = static_cast<std::uint8_t>(tconts),
+                        .downstream_kbps = shaping.downstream_kbps,
+                        .upstream_kbps = shaping.upstream_kbps,
+                        .pm_collection = management.pm_collection != 0,
+                        .immediate_leave = ports.immediate_leave != 0,
+                        .max_groups = ports.max_groups,
                         .provision = provision_of(records, effective, upstream_fec)});
     }
     return onts;

@@ -39,7 +39,7 @@ Plant::Plant(const PlantParameters& parameters, RunningConfiguration configurati
     : parameters_(parameters), random_(parameters.seed) {
     onts_.reserve(parameters.size.onts);
     for (unsigned nth = 0; nth < parameters.size.onts; ++nth) {
-        onts_.push_back({make_ont(parameters, nth), {}, {}});
+        onts_.push_back({make_ont(parameters, nth), {}, {}, {}});
         // Before the start nothing had power.
         onts_.back().situation.has_power = false;
     }
@@ -91,13 +91,13 @@ void Plant::change(const std::function<void()>& mutate) {
         // A start that lies ahead is not forgotten.
         points.push_back(now_ < ont.anchor.since ? ont.anchor : point_of(ont));
     }
-    const auto before = configuration_;
+    const auto before = configuration_.pon;
     mutate();
     update_ports(before);
     update_onts(points);
 }
 
-void Plant::update_ports(const RunningConfiguration& before) {
+void Plant::update_ports(const std::array<PonPortSettings, pon_ports>& before) {
     const auto update = [&](PortRun& run, bool has_module, bool is_enabled, bool restart, PlantTime start_time) {
         if (has_module && !run.has_module) {
             run.module_since = now_;
@@ -112,7 +112,7 @@ void Plant::update_ports(const RunningConfiguration& before) {
     for (unsigned port = 1; port <= pon_ports; ++port) {
         const auto& settings = configuration_.pon.at(port - 1);
         update(pon_.at(port - 1), pon_module(port) != nullptr, settings.enabled,
-               restarts(before.pon.at(port - 1), settings), channel_start_time);
+               restarts(before.at(port - 1), settings), channel_start_time);
     }
     for (unsigned port = 1; port <= front_ports; ++port) {
         update(front_.at(port - 1), front_module(port) != nullptr, configuration_.front.at(port - 1).enabled, false,
@@ -129,11 +129,15 @@ void Plant::update_onts(const std::vector<OntPoint>& points) {
             continue;
         }
         const auto point = react(points[nth], ont.situation, after, now_);
+        if (points[nth].state == ont_operational && point.state != ont_operational) {
+            ont.last_service = {points[nth].since, now_};
+        }
         starts[nth] = point.state == ont_initial && point.since >= now_;
         ont.anchor = point;
         ont.situation = std::move(after);
     }
     share_discovery(starts);
+    index_onts();
 }
 
 /// ONTs that start together on one port answer in the same discovery windows, and some lose theirs.
@@ -162,6 +166,15 @@ void Plant::index_configuration() {
     configured_.clear();
     for (const auto& [index, settings] : configuration_.onts) {
         configured_.emplace(std::pair(index / max_onts_per_port + 1, settings.serial), index);
+    }
+}
+
+void Plant::index_onts() {
+    by_configuration_.clear();
+    for (std::size_t nth = 0; nth < onts_.size(); ++nth) {
+        if (const auto& configured = onts_[nth].situation.configured) {
+            by_configuration_.emplace(*configured, nth);
+        }
     }
 }
 
@@ -206,7 +219,7 @@ void Plant::add_configuration_to(OntSituation& situation, const TrackedOnt& ont)
     situation.has_onu_id = onu_id_of(found->second).has_value();
     situation.credentials = compares ? settings.password : "";
     situation.is_authentic = !compares || settings.password == password_of(ont.hardware.position);
-    situation.services = settings.services;
+    situation.services = static_cast<unsigned>(settings.services.size());
     situation.provision = settings.provision;
 }
 
@@ -214,17 +227,27 @@ OntPoint Plant::point_of(const TrackedOnt& ont) const {
     return walk(ont.anchor, ont.situation, {random_, ont.hardware.position.port, ont.hardware.position.ont}, now_);
 }
 
+Plant::Ont Plant::describe(const TrackedOnt& ont) const {
+    const auto& configured = ont.situation.configured;
+    return {.hardware = &ont.hardware,
+            .situation = &ont.situation,
+            .settings = configured ? &configuration_.onts.at(*configured) : nullptr,
+            .point = point_of(ont),
+            .last_service = ont.last_service};
+}
+
 std::vector<Plant::Ont> Plant::onts() const {
     std::vector<Ont> onts;
     onts.reserve(onts_.size());
     for (const auto& ont : onts_) {
-        const auto& configured = ont.situation.configured;
-        onts.push_back({.hardware = &ont.hardware,
-                        .situation = &ont.situation,
-                        .settings = configured ? &configuration_.onts.at(*configured) : nullptr,
-                        .point = point_of(ont)});
+        onts.push_back(describe(ont));
     }
     return onts;
+}
+
+std::optional<Plant::Ont> Plant::ont_configured_as(std::uint16_t index) const {
+    const auto found = by_configuration_.find(index);
+    return found == by_configuration_.end() ? std::nullopt : std::optional(describe(onts_[found->second]));
 }
 
 double Plant::received_power_of(const Ont& ont) const {

@@ -19,12 +19,18 @@ namespace xpon::simulator {
 /// between such events it is worked out when it is asked for.
 class Plant {
 public:
+    /// A time in which an ONT was OPERATIONAL.
+    struct Stretch {
+        PlantTime since;
+        PlantTime until;
+    };
     /// An ONT now.
     struct Ont {
         const PhysicalOnt* hardware;
         const OntSituation* situation;
         const OntSettings* settings; ///< of the configuration on the port where it is seen; null without
         OntPoint point;
+        std::optional<Stretch> last_service; ///< the last one that has ended
     };
 
     /// Starts at time 0, with the configuration in force.
@@ -58,6 +64,8 @@ public:
 
     /// All physical ONTs, in the order in which they were made.
     [[nodiscard]] std::vector<Ont> onts() const;
+    /// The ONT that is seen where the configuration with this flat index wants it; empty without one.
+    [[nodiscard]] std::optional<Ont> ont_configured_as(std::uint16_t index) const;
     /// dBm at the OLT.
     [[nodiscard]] double received_power_of(const Ont& ont) const;
     /// The ONU-ID that is left for a configured ONT by its flat index; empty when the port has none left.
@@ -93,18 +101,21 @@ private:
         PhysicalOnt hardware;
         OntSituation situation;
         OntPoint anchor; ///< where its way goes on from; may lie ahead
+        std::optional<Stretch> last_service;
     };
 
     /// Every event: what `mutate` changes takes effect now.
     void change(const std::function<void()>& mutate);
-    void update_ports(const RunningConfiguration& before);
+    void update_ports(const std::array<PonPortSettings, pon_ports>& before);
     void update_onts(const std::vector<OntPoint>& points);
     void share_discovery(const std::vector<bool>& starts);
     void index_configuration();
+    void index_onts();
 
     [[nodiscard]] OntSituation situation_of(const TrackedOnt& ont) const;
     void add_configuration_to(OntSituation& situation, const TrackedOnt& ont) const;
     [[nodiscard]] OntPoint point_of(const TrackedOnt& ont) const;
+    [[nodiscard]] Ont describe(const TrackedOnt& ont) const;
     [[nodiscard]] bool has_rogue(unsigned pon_port) const;
     [[nodiscard]] double attenuation_of(const OntPosition& ont) const;
 
@@ -118,6 +129,7 @@ private:
     std::array<PortRun, pon_ports> pon_{};
     std::array<PortRun, front_ports> front_{};
     std::vector<TrackedOnt> onts_;
+    std::map<std::uint16_t, std::size_t> by_configuration_; ///< flat index to place in `onts_`
 };
 
 } // namespace xpon::simulator

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "simulator/plant/ont_layout.hpp"
+#include "xpon/cfgdb/running_onts.hpp"
 
 #include <array>
 #include <cstdint>
@@ -32,17 +33,8 @@ struct PonPortSettings {
     bool operator==(const PonPortSettings&) const = default;
 };
 
-struct OntSettings {
-    std::uint64_t serial = 0;
-    bool enabled = true;
-    bool upstream_fec = true;
-    std::string password{};
-    unsigned services = 0;
-    unsigned tconts = 0;
-    std::uint64_t provision = 0; ///< changes with the data that the ONT is provided with
-
-    bool operator==(const OntSettings&) const = default;
-};
+using OntSettings = cfgdb::RunningOnt;
+using ServiceSettings = cfgdb::RunningService;
 
 struct FanSettings {
     bool manual = false;

@@ -172,8 +172,10 @@ TEST(NamedPlants, LeaveNoFieldAtOneValue) {
         RunningConfiguration configuration;
         for (unsigned nth = 0; nth < named.size.configured; ++nth) {
             const auto ont = make_ont(parameters, nth);
-            configuration.onts[record_index_of(ont.position)] = {
-                .serial = ont.serial, .upstream_fec = nth % 3 != 0, .services = 4, .tconts = 3};
+            configuration.onts[record_index_of(ont.position)] = {.serial = ont.serial,
+                                                                 .upstream_fec = nth % 3 != 0,
+                                                                 .services = std::vector<ServiceSettings>(4),
+                                                                 .tconts = 3};
         }
         Plant plant(parameters, configuration);
         plant.advance(named.uptime);

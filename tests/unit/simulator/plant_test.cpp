@@ -42,7 +42,7 @@ Bitmap_pon_port_range all_ports() {
 }
 
 OntSettings settings_of(const OntPosition& ont) {
-    return {.serial = serial_of(ont), .services = 4, .tconts = 3, .provision = 1};
+    return {.serial = serial_of(ont), .services = std::vector<ServiceSettings>(4), .tconts = 3, .provision = 1};
 }
 
 /// The first `onts` ones of a plant, each where it is.

@@ -14,12 +14,16 @@
 // everything that they point to. Texts are NUL-terminated. Port, ONT and service numbers count from 1 unless the
 // comment says otherwise. `ipc` is what IIpc::raw() gives; calls must not run side by side.
 
+#include "xpon/custom_layer/commands.h"
 #include "xpon/custom_layer/configuration.h"
 #include "xpon/custom_layer/device.h"
 #include "xpon/custom_layer/front_ports.h"
 #include "xpon/custom_layer/log_files.h"
+#include "xpon/custom_layer/ont_counters.h"
 #include "xpon/custom_layer/onts.h"
 #include "xpon/custom_layer/pon_ports.h"
+#include "xpon/custom_layer/snmp.h"
+#include "xpon/custom_layer/subscribers.h"
 #include "xpon/custom_layer/system.h"
 
 struct zlog_category_s;

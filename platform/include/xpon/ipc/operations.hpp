@@ -1,5 +1,6 @@
 #pragma once
 
+#include "xpon/custom_layer/ont_counters.h"
 #include "xpon/ipc/address.hpp"
 
 #include <array>
@@ -26,6 +27,8 @@ enum class Operation : std::uint16_t {
     hello = 1,
     /// Notice: an array of service::Config_change, what a commit changed in the running configuration.
     configuration_changed = 2,
+    /// An array of service::Config_change, what a commit is about to change; nothing. An error refuses it.
+    accept_configuration = 3,
 
     /// Nothing; System_environment_data.
     get_environment = 16,
@@ -45,6 +48,50 @@ enum class Operation : std::uint16_t {
     get_ont_states = 23,
     /// Bitmap_pon_port_range; list of Ont_unactivated_entry.
     get_unactivated_onts = 24,
+    /// Ont_information_question; the record of its kind.
+    get_ont_information = 25,
+    /// Nothing; list of Dhcp_session.
+    get_dhcp_sessions = 26,
+    /// Nothing; list of Pppoe_session.
+    get_pppoe_sessions = 27,
+    /// Nothing; Bitmap_vlan, the VLANs with IGMP snooping.
+    get_igmp_snooping_vlans = 28,
+    /// Nothing; list of Igmp_group, ascending by VLAN and address.
+    get_igmp_groups = 29,
+    /// Nothing; list of Bcm_mac_entry.
+    get_mac_table = 30,
+    /// Bitmap_ont_range; list of Bcm_mac_entry.
+    get_mac_table_of_onts = 31,
+    /// Nothing; Snmp_environment_data.
+    get_engine_id = 32,
+
+    // What acts on the device answers nothing.
+
+    /// std::uint32_t, when.
+    reboot = 64,
+    /// Nothing.
+    reconfigure_olt = 65,
+    /// Bitmap_pon_port_range.
+    reconfigure_pon_ports = 66,
+    /// Bitmap_ont_range.
+    /// @{
+    reconfigure_onts = 67,
+    reset_onts = 68,
+    reboot_onts = 69,
+    /// @}
+    /// The text of a path. The writing goes on after the answer.
+    update_firmware = 70,
+    /// Nothing. Answers EBUSY while an update writes, then how the last one ended.
+    get_firmware_update_status = 71,
+    /// std::uint32_t, a Firmware_selector.
+    select_image = 72,
+};
+
+/// Which counters of which ONT, numbers from 1.
+struct Ont_information_question {
+    Ont_information_kind kind;
+    std::uint8_t port;
+    std::uint16_t ont;
 };
 
 /// Who answers a request.
@@ -63,6 +110,23 @@ inline constexpr std::array operation_owners{
     OperationOwner{Operation::get_pon_port_type, peers::pon_state_machine},
     OperationOwner{Operation::get_ont_states, peers::pon_state_machine},
     OperationOwner{Operation::get_unactivated_onts, peers::pon_state_machine},
+    OperationOwner{Operation::get_ont_information, peers::pon_state_machine},
+    OperationOwner{Operation::get_dhcp_sessions, peers::dhcp_relay},
+    OperationOwner{Operation::get_pppoe_sessions, peers::pppoe},
+    OperationOwner{Operation::get_igmp_snooping_vlans, peers::igmp},
+    OperationOwner{Operation::get_igmp_groups, peers::igmp},
+    OperationOwner{Operation::get_mac_table, peers::switch_chip},
+    OperationOwner{Operation::get_mac_table_of_onts, peers::switch_chip},
+    OperationOwner{Operation::get_engine_id, peers::dna},
+    OperationOwner{Operation::reboot, peers::system_manager},
+    OperationOwner{Operation::reconfigure_olt, peers::system_manager},
+    OperationOwner{Operation::reconfigure_pon_ports, peers::pon_state_machine},
+    OperationOwner{Operation::reconfigure_onts, peers::pon_state_machine},
+    OperationOwner{Operation::reset_onts, peers::pon_state_machine},
+    OperationOwner{Operation::reboot_onts, peers::pon_state_machine},
+    OperationOwner{Operation::update_firmware, peers::system_manager},
+    OperationOwner{Operation::get_firmware_update_status, peers::system_manager},
+    OperationOwner{Operation::select_image, peers::system_manager},
 };
 
 /// Empty for an operation that every peer knows, or none.
