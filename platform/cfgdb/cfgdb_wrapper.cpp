@@ -48,7 +48,11 @@ core::Result<User_record> CfgDbWrapper::find_user_by_username(const std::string&
 }
 
 core::Result<void> CfgDbWrapper::commit(const std::shared_ptr<ipc::IIpc>& ipc) {
-    BOOST_OUTCOME_TRY(const auto changes, database_step([&] { return database_->commit(); }));
+    BOOST_OUTCOME_TRY(const auto changes, database_step([&] {
+                          return database_->commit([&](std::span<const RecordId> pending) {
+                              return ask_for_acceptance(ipc.get(), pending);
+                          });
+                      }));
     // The commit has happened: nothing that goes wrong from here on makes it fail.
     const auto told = database_step([&]() -> core::Result<void> {
         send_change_notice(ipc.get(), changes);

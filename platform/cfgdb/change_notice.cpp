@@ -5,19 +5,45 @@
 
 #include <vector>
 
-namespace xpon::cfgdb {
+#include <fmt/format.h>
 
-void send_change_notice(const ipc::IIpc* ipc, std::span<const RecordId> changes) {
-    auto* const handle = ipc == nullptr ? nullptr : ipc->raw();
-    if (handle == nullptr) {
-        return;
-    }
+namespace xpon::cfgdb {
+namespace {
+
+Ipc* handle_of(const ipc::IIpc* ipc) {
+    return ipc == nullptr ? nullptr : ipc->raw();
+}
+
+std::vector<service::Config_change> notice_of(std::span<const RecordId> changes) {
     std::vector<service::Config_change> notice;
     notice.reserve(changes.size());
     for (const auto& id : changes) {
         notice.push_back({static_cast<std::uint16_t>(id.element), {id.indices[0], id.indices[1]}});
     }
-    handle->notify_all(ipc::Operation::configuration_changed, std::as_bytes(std::span(notice)));
+    return notice;
+}
+
+} // namespace
+
+core::Result<void> ask_for_acceptance(const ipc::IIpc* ipc, std::span<const RecordId> changes) {
+    if (auto* const handle = handle_of(ipc)) {
+        const auto notice = notice_of(changes);
+        const auto refusal = handle->ask_all(ipc::Operation::accept_configuration, std::as_bytes(std::span(notice)),
+                                             Ipc::default_deadline);
+        if (refusal) {
+            return core::ErrorPayload(
+                core::Error::InvalidState,
+                fmt::format("configuration: Peer {} refused the configuration", ipc::name_of(refusal->peer)));
+        }
+    }
+    return core::success();
+}
+
+void send_change_notice(const ipc::IIpc* ipc, std::span<const RecordId> changes) {
+    if (auto* const handle = handle_of(ipc)) {
+        const auto notice = notice_of(changes);
+        handle->notify_all(ipc::Operation::configuration_changed, std::as_bytes(std::span(notice)));
+    }
 }
 
 } // namespace xpon::cfgdb

@@ -106,9 +106,10 @@ void Database::reset(const RecordId& id) const {
     transaction.commit();
 }
 
-core::Result<std::vector<RecordId>> Database::commit() const {
+core::Result<std::vector<RecordId>> Database::commit(const Acceptance& accept) const {
     WriteTransaction transaction(environment_);
     BOOST_OUTCOME_TRY(auto changes, apply_candidate(transaction));
+    BOOST_OUTCOME_TRY(accept(changes));
     transaction.commit();
     return changes;
 }

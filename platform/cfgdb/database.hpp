@@ -39,8 +39,11 @@ public:
     /// Puts a record of the candidate, and those of the elements below it, back to factory state.
     void reset(const RecordId& id) const;
 
-    /// Makes the candidate's changes run, all or none, and returns what changed. Errors: Empty, InvalidState.
-    [[nodiscard]] core::Result<std::vector<RecordId>> commit() const;
+    /// Judges the changes of a commit that has passed all checks; its error refuses them.
+    using Acceptance = std::function<core::Result<void>(std::span<const RecordId> changes)>;
+    /// Makes the candidate's changes run, all or none, and returns what changed. Errors: Empty, InvalidState, that of
+    /// `accept`.
+    [[nodiscard]] core::Result<std::vector<RecordId>> commit(const Acceptance& accept) const;
 
     void rollback() const;
 

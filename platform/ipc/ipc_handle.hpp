@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -31,6 +32,18 @@ struct Ipc {
     /// side.
     virtual Reply request(xpon::ipc::Address peer, xpon::ipc::Operation operation, std::span<const std::byte> payload,
                           std::chrono::milliseconds deadline) = 0;
+
+    /// A peer's answer that is an error.
+    struct Refusal {
+        xpon::ipc::Address peer;
+        int status;
+    };
+
+    /// Asks every peer that is up, all at the same time, and waits for their answers. Empty when none of them is an
+    /// error; else the first in the order of addresses. A peer that gives no answer, or does not know the operation
+    /// (EOPNOTSUPP), is passed over.
+    virtual std::optional<Refusal> ask_all(xpon::ipc::Operation operation, std::span<const std::byte> payload,
+                                           std::chrono::milliseconds deadline) = 0;
 
     /// Sends every connected peer a message that wants no answer. Never waits; a peer that cannot take it misses it.
     virtual void notify_all(xpon::ipc::Operation operation, std::span<const std::byte> payload) = 0;

@@ -73,6 +73,24 @@ Ipc::Reply PeerConnection::request(Operation operation, std::span<const std::byt
     return answer;
 }
 
+std::optional<std::uint32_t> PeerConnection::begin_request(Operation operation, std::span<const std::byte> payload) {
+    monitor_.update();
+    if (!is_up_ || !monitor_.is_connected() || payload.size() + sizeof(MessageHeader) > max_message_bytes) {
+        return std::nullopt;
+    }
+    const auto id = ++last_id_;
+    return send(MessageKind::request, operation, id, payload) ? std::optional(id) : std::nullopt;
+}
+
+std::optional<Ipc::Reply> PeerConnection::finish_request(std::uint32_t id, Clock::time_point deadline) {
+    Ipc::Reply answer;
+    if (const int cause = await_answer(id, deadline, answer)) {
+        mark_down(cause);
+        return std::nullopt;
+    }
+    return answer;
+}
+
 void PeerConnection::notify(Operation operation, std::span<const std::byte> payload) {
     std::ignore = send(MessageKind::notice, operation, 0, payload);
 }

@@ -40,6 +40,12 @@ public:
     Ipc::Reply request(Operation operation, std::span<const std::byte> payload, std::chrono::milliseconds deadline);
     void notify(Operation operation, std::span<const std::byte> payload);
 
+    /// A request whose answer is fetched later, by its number; empty when the peer is down or does not take it at
+    /// once.
+    std::optional<std::uint32_t> begin_request(Operation operation, std::span<const std::byte> payload);
+    /// Empty without an answer.
+    std::optional<Ipc::Reply> finish_request(std::uint32_t id, Clock::time_point deadline);
+
 private:
     /// 0, or the errno value that says why there was no answer.
     int exchange(Operation operation, std::span<const std::byte> payload, Clock::time_point deadline,

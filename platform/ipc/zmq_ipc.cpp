@@ -44,6 +44,31 @@ public:
         return reply ? reply.value() : Reply{EIO, {}};
     }
 
+    std::optional<Refusal> ask_all(Operation operation, std::span<const std::byte> payload,
+                                   std::chrono::milliseconds deadline) override {
+        const auto end = Clock::now() + deadline;
+        const auto refusal = core::guarded(*logger_, [&]() -> Result<std::optional<Refusal>> {
+            std::map<Address, std::uint32_t> asked;
+            for (const auto& [address, connection] : peers_) {
+                if (const auto id = connection->begin_request(operation, payload)) {
+                    asked.emplace(address, *id);
+                }
+            }
+            // All answers are fetched, also after a refusal: one that is left behind would cost its peer's next
+            // request.
+            std::optional<Refusal> first;
+            for (const auto& [address, id] : asked) {
+                const auto reply = peers_.at(address)->finish_request(id, end);
+                const int status = reply ? reply->status : 0;
+                if (status != 0 && status != EOPNOTSUPP && !first) {
+                    first = {address, status};
+                }
+            }
+            return first;
+        });
+        return refusal ? refusal.value() : std::nullopt;
+    }
+
     void notify_all(Operation operation, std::span<const std::byte> payload) override {
         for (const auto& [address, connection] : peers_) {
             std::ignore = core::guarded(*logger_, [&]() -> Result<void> {

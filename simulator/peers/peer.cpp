@@ -36,6 +36,8 @@ ipc::ServerAnswer Peer::handle(const ipc::ServerRequest& request) {
     const auto route = std::ranges::find(routes, static_cast<ipc::Operation>(request.operation), &PeerRoute::operation);
     if (const auto* const error = fault(FaultKind::peer_error)) {
         answer.status = static_cast<int>(error->value);
+    } else if (static_cast<ipc::Operation>(request.operation) == ipc::Operation::accept_configuration) {
+        answer.status = fault(FaultKind::commit_refused) == nullptr ? 0 : EPERM;
     } else if (route != routes.end()) {
         answer = route->answer(simulation_.plant(), request.payload);
     }

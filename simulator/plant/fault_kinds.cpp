@@ -33,6 +33,7 @@ constexpr std::array rules{
     FaultRule{FaultKind::psu2_present, "psu2_present", Target::none, 0, 0, "", 0, 0, 0},
     FaultRule{FaultKind::temperature, "temperature", Target::number, 0, 4, "degrees", -60, 125, must_be_given},
     FaultRule{FaultKind::slot_corrupt, "slot_corrupt", Target::number, 0, 1, "", 0, 0, 0},
+    FaultRule{FaultKind::commit_refused, "commit_refused", Target::peer, 0, 0, "", 0, 0, 0},
     FaultRule{FaultKind::peer_down, "peer_down", Target::peer, 0, 0, "", 0, 0, 0},
     FaultRule{FaultKind::peer_slow, "peer_slow", Target::peer, 0, 0, "ms", 1, 600000, must_be_given},
     FaultRule{FaultKind::peer_error, "peer_error", Target::peer, 0, 0, "errno", 1, 4095, 5},

@@ -25,6 +25,7 @@ enum class FaultKind : std::uint8_t {
     psu2_present,
     temperature,
     slot_corrupt,
+    commit_refused,
     peer_down,
     peer_slow,
     peer_error,

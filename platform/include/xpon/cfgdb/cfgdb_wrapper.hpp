@@ -25,10 +25,11 @@ public:
     /// Error Empty, "User not found", for an unknown name. Names are compared exactly.
     [[nodiscard]] core::Result<User_record> find_user_by_username(const std::string& name) const;
 
-    /// Moves the candidate's changes into the running configuration, all or none, and tells every connected peer
-    /// of `ipc` (which may be empty) what changed.
-    /// Errors: Empty when nothing is pending; InvalidState when a check refuses the configuration, with the message
-    /// "PATH: TEXT"; CommonError for a fault of the database. After an error both stores are as they were.
+    /// Moves the candidate's changes into the running configuration, all or none. Asks every connected peer of `ipc`
+    /// (which may be empty) whether it accepts them before, and tells it afterwards. A peer that is down or silent
+    /// does not hold a commit up.
+    /// Errors: Empty when nothing is pending; InvalidState when a check or a peer refuses the configuration, with the
+    /// message "PATH: TEXT"; CommonError for a fault of the database. After an error both stores are as they were.
     core::Result<void> commit(const std::shared_ptr<ipc::IIpc>& ipc);
 
     /// Drops the candidate's changes.

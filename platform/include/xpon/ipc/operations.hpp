@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <string_view>
 
 namespace xpon::ipc {
 
@@ -21,13 +22,42 @@ inline constexpr Address dna{0x06fffe};
 inline constexpr Address ipc_broker{0x13fffe};
 } // namespace peers
 
+/// What a daemon is called.
+// (moved)
+struct PeerName {
+    Address peer;
+    std::string_view name;
+};
+
+inline constexpr std::array peer_names{
+    PeerName{peers::system_manager, "system-mgr"},
+    PeerName{peers::dhcp_relay, "dhcp-ra"},
+    PeerName{peers::pppoe, "pppoe"},
+    PeerName{peers::igmp, "igmp"},
+    PeerName{peers::pon_state_machine, "fsm-pon"},
+    PeerName{peers::switch_chip, "bcm-custom"},
+    PeerName{peers::dna, "dna"},
+    PeerName{peers::ipc_broker, "ipc-broker"},
+};
+
+/// Empty for a daemon that is none of them.
+constexpr std::string_view name_of(Address peer) {
+    for (const auto& row : peer_names) {
+        if (row.peer == peer) {
+            return row.name;
+        }
+    }
+    return {};
+}
+
 /// The operations that peers understand, one number space for all of them. The payloads of requests and answers are
 /// records of the custom layer's headers, or lists of them (xpon/ipc/payload.hpp).
 enum class Operation : std::uint16_t {
     hello = 1,
     /// Notice: an array of service::Config_change, what a commit changed in the running configuration.
     configuration_changed = 2,
-    /// An array of service::Config_change, what a commit is about to change; nothing. An error refuses it.
+    /// An array of service::Config_change, what a commit is about to change; nothing. An error refuses it. A peer
+    /// that never refuses need not know it.
     accept_configuration = 3,
 
     /// Nothing; System_environment_data.

@@ -23,12 +23,17 @@ namespace {
 using core::Error;
 using testing::ElementsAre;
 
-/// Keeps the notices that a commit sends.
+/// Keeps the notices that a commit sends, and may refuse one.
 class RecordingIpc : public ipc::IIpc {
 public:
     struct Handle : Ipc {
         Reply request(ipc::Address, ipc::Operation, std::span<const std::byte>, std::chrono::milliseconds) override {
             return {};
+        }
+        std::optional<Refusal> ask_all(ipc::Operation operation, std::span<const std::byte>,
+                                       std::chrono::milliseconds) override {
+            EXPECT_EQ(operation, ipc::Operation::accept_configuration);
+            return refusal;
         }
         void notify_all(ipc::Operation operation, std::span<const std::byte> payload) override {
             EXPECT_EQ(operation, ipc::Operation::configuration_changed);
@@ -39,6 +44,7 @@ public:
                                   std::to_string(change.indices[1]));
             }
         }
+        std::optional<Refusal> refusal;
         std::vector<std::string> notices;
     };
 
@@ -124,6 +130,20 @@ TEST_F(Candidate, TellsPeersWhichRecordsChanged) {
                 testing::UnorderedElementsAre(position(ElementId::CommonGCfg_hostname) + "/0/0",
                                               position(ElementId::ZebGCfg_pon_ont) + "/4095/0",
                                               position(ElementId::ZebGCfg_pon_ont_ont_common_service) + "/4095/7"));
+}
+
+TEST_F(Candidate, StaysWhatItIsWhenAPeerRefuses) {
+    set_hostname("olt-7");
+    ipc_->handle->refusal = {ipc::peers::pon_state_machine, EPERM};
+    const auto refused = client_.commit(ipc_);
+    ASSERT_TRUE(refused.has_error());
+    EXPECT_EQ(refused.error().code, Error::InvalidState);
+    EXPECT_EQ(refused.error().info->message, "configuration: Peer fsm-pon refused the configuration");
+    EXPECT_EQ(hostname(true), "olt");
+    EXPECT_TRUE(ipc_->handle->notices.empty());
+    ipc_->handle->refusal.reset();
+    EXPECT_EQ(commit(), Error::NoError);
+    EXPECT_EQ(hostname(true), "olt-7");
 }
 
 TEST_F(Candidate, DropsTheServicesOfADeletedOnt) {

@@ -2,6 +2,7 @@
 #include "xpon/core/unique_fd.hpp"
 
 #include <cerrno>
+#include <latch>
 
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -40,6 +41,37 @@ TEST_F(IpcTest, APeersStatusIsItsAnswerNotItsDeath) {
     EXPECT_EQ(ask("b").status, ECONNREFUSED);
     EXPECT_THAT(server.requests(), ElementsAre("a", "b"));
     EXPECT_TRUE(logger->lines.empty());
+}
+
+TEST_F(IpcTest, AllPeersAreAskedAtOnceAndTheFirstRefusalCounts) {
+    constexpr Address silent{0x07fffe};
+    constexpr Address refusing{0x08fffe};
+    constexpr Address ignorant{0x09fffe};
+    std::latch released(1);
+    const PeerThread silent_server(silent, [&](const ServerRequest& request) {
+        released.wait();
+        return PeerThread::echo_answer(request);
+    });
+    const auto status = [](int value) { return [value](const ServerRequest&) { return ServerAnswer{value, {}}; }; };
+    const PeerThread ignorant_server(ignorant, status(EOPNOTSUPP));
+    const PeerThread willing_server(peer);
+    auto refusing_server = std::make_unique<PeerThread>(refusing, status(EPERM));
+    for (const auto address : {silent, refusing, ignorant, peer}) {
+        ASSERT_TRUE(endpoint->connect(address));
+    }
+    const auto ask_all = [&](std::string_view text, std::chrono::milliseconds deadline) {
+        return endpoint->raw()->ask_all(echo, bytes_of(text), deadline);
+    };
+    const auto refusal = ask_all("all", 50ms);
+    ASSERT_TRUE(refusal);
+    EXPECT_EQ(refusal->peer, refusing);
+    EXPECT_EQ(refusal->status, EPERM);
+    // The silent one is down now, so nobody waits for it again.
+    refusing_server.reset();
+    EXPECT_TRUE(eventually([&] { return !ask_all("again", 10s); }));
+    EXPECT_THAT(willing_server.requests(), testing::Contains("all"));
+    EXPECT_THAT(silent_server.requests(), ElementsAre("all"));
+    released.count_down();
 }
 
 TEST_F(IpcTest, AMissingPeerFailsTheConnection) {
