@@ -18,7 +18,7 @@ namespace {
 namespace peers = ipc::peers;
 
 /// What a change of an element means to the plant.
-enum class Effect : std::uint8_t { none, fans, front_port, pon_port, ont, all_onts };
+enum class Effect : std::uint8_t { none, fans, hostname, front_port, pon_port, ont, all_onts };
 
 struct Row {
     Effect effect;
@@ -27,6 +27,7 @@ struct Row {
 
 constexpr Row nothing{Effect::none, {}};
 constexpr Row fans{Effect::fans, peers::system_manager};
+constexpr Row hostname{Effect::hostname, peers::system_manager};
 constexpr Row front_port{Effect::front_port, peers::switch_chip};
 constexpr Row pon_port{Effect::pon_port, peers::pon_state_machine};
 constexpr Row one_ont{Effect::ont, peers::pon_state_machine};
@@ -37,6 +38,8 @@ template <class Record>
 constexpr Row row_of = nothing;
 template <>
 constexpr Row row_of<cfgdb::GSystemFanSpeed> = fans;
+template <>
+constexpr Row row_of<cfgdb::GSystemHostname> = hostname;
 template <>
 constexpr Row row_of<cfgdb::FrontPort> = front_port;
 template <>
@@ -91,6 +94,7 @@ ConfigurationFollower::ConfigurationFollower() {
 void ConfigurationFollower::reload(ipc::Address peer) {
     if (peer == peers::system_manager) {
         read_fans();
+        read_hostname();
     } else if (peer == peers::switch_chip) {
         std::ranges::for_each(counted(front_ports), [this](auto index) { read_front_port(index); });
     } else if (peer == peers::pon_state_machine) {
@@ -113,6 +117,9 @@ bool ConfigurationFollower::follow(ipc::Address peer, std::span<const service::C
         switch (effect) {
         case Effect::fans:
             read_fans();
+            break;
+        case Effect::hostname:
+            read_hostname();
             break;
         case Effect::front_port:
             read_front_port(index);
@@ -141,6 +148,12 @@ void ConfigurationFollower::read_fans() {
                            .manual_percent = record.manual_percent,
                            .min_percent = record.min_percent,
                            .target_temp_c = record.target_temp_c};
+}
+
+void ConfigurationFollower::read_hostname() {
+    cfgdb::GSystemHostname record;
+    check(getRunDb_CommonGCfg_hostname(database_.handle(), &record, nullptr));
+    configuration_.hostname = record.hostname;
 }
 
 void ConfigurationFollower::read_front_port(std::uint16_t index) {

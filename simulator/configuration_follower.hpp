@@ -29,6 +29,7 @@ public:
 
 private:
     void read_fans();
+    void read_hostname();
     void read_front_port(std::uint16_t index);
     void read_pon_port(std::uint16_t index);
     void read_onts(std::span<const std::uint16_t> indices);

@@ -32,6 +32,7 @@ std::variant<Options, int> parse_options(int count, const char* const* arguments
     std::uint64_t seed = Options{}.seed;
     double rate = Options{}.clock_rate;
     std::optional<std::uint32_t> uptime_s;
+    bool applies_hostname = false;
 
     CLI::App app("Plays the peer daemons of an OLT whose files are below the folder OLT_ROOT.", "olt_simulator");
     app.add_option("--plant", plant, fmt::format("the plant to simulate (default: {})", default_plant))
@@ -44,6 +45,8 @@ std::variant<Options, int> parse_options(int count, const char* const* arguments
     app.add_option("--clock-rate", rate, "how many times faster than real time; 0: the clock is stepped (default: 1)")
         ->check(CLI::Range(0.0, PlantClock::largest_rate));
     app.add_option("--uptime", uptime_s, "seconds that the OLT has been running; 0: its ONTs have yet to start");
+    app.add_flag("--apply-hostname", applies_hostname,
+                 "make the configured host name that of the UTS namespace, which must not be the machine's");
     try {
         app.parse(count, arguments);
         const auto* const named = find_plant(plant);
@@ -56,7 +59,8 @@ std::variant<Options, int> parse_options(int count, const char* const* arguments
                        .size = size,
                        .seed = seed,
                        .uptime = uptime_s ? std::chrono::seconds(*uptime_s) : named->uptime,
-                       .clock_rate = rate};
+                       .clock_rate = rate,
+                       .applies_hostname = applies_hostname};
     } catch (const CLI::ParseError& error) {
         return app.exit(error, std::cout, std::cerr) == 0 ? 0 : 2;
     }

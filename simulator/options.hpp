@@ -12,8 +12,9 @@ struct Options {
     const NamedPlant* plant = nullptr;
     PlantSize size;
     std::uint64_t seed = 1;
-    PlantTime uptime{};    ///< of the OLT when the simulation begins
-    double clock_rate = 1; ///< 0: the clock is stepped
+    PlantTime uptime{};            ///< of the OLT when the simulation begins
+    double clock_rate = 1;         ///< 0: the clock is stepped
+    bool applies_hostname = false; ///< the configured host name becomes that of the UTS namespace
 };
 
 /// What the command line asks for, or the exit status with which the program ends at once: 0 after --help, 2 for a

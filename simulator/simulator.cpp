@@ -4,6 +4,7 @@
 #include "simulator/control/control_commands.hpp"
 #include "simulator/control/control_socket.hpp"
 #include "simulator/first_configuration.hpp"
+#include "simulator/host_name.hpp"
 #include "simulator/peers/peers.hpp"
 #include "simulator/plant/ont_layout.hpp"
 #include "simulator/simulation.hpp"
@@ -36,17 +37,20 @@ core::Result<void> run(const Options& options, const std::shared_ptr<core::ILogg
     cfgdb::set_database_log(logger);
     BOOST_OUTCOME_TRY(configure_fresh_olt({.plant = options.plant, .size = options.size, .seed = options.seed}));
     const BoardFile board(pon_ports, front_ports);
+    HostName host_name(options.applies_hostname);
     Simulation simulation(options);
     Peers peers(simulation);
     BOOST_OUTCOME_TRY(const auto server, ipc::make_zmq_server(logger));
     BOOST_OUTCOME_TRY(peers.update(*server));
     ControlSocket control([&](std::string_view line) { return run_command(simulation, line); });
+    host_name.follow(simulation.plant().configuration().hostname);
     ready();
     while (!stop_requested()) {
         BOOST_OUTCOME_TRY(server->serve(longest_wait));
         control.serve();
         simulation.advance();
         BOOST_OUTCOME_TRY(peers.update(*server));
+        host_name.follow(simulation.plant().configuration().hostname);
     }
     return core::success();
 }

@@ -50,6 +50,7 @@ struct RunningConfiguration {
     std::array<PonPortSettings, pon_ports> pon{};       ///< port 1 first
     std::map<std::uint16_t, OntSettings> onts;          ///< configured ones by flat index from 0
     FanSettings fans;
+    std::string hostname;
 };
 
 } // namespace xpon::simulator
