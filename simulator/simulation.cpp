@@ -100,6 +100,25 @@ void Simulation::step(PlantTime by) {
     write_facts();
 }
 
+void Simulation::take_snapshot(const std::string& name) {
+    advance();
+    snapshots_.insert_or_assign(name, Snapshot{plant_, schedule_});
+}
+
+bool Simulation::load_snapshot(const std::string& name) {
+    const auto found = snapshots_.find(name);
+    if (found == snapshots_.end()) {
+        return false;
+    }
+    plant_ = found->second.plant;
+    schedule_ = found->second.schedule;
+    clock_ = PlantClock(plant_.now(), clock_.rate());
+    plant_.configure(follower_.configuration());
+    events_.write(fmt::format("snapshot {} loaded", name));
+    write_facts();
+    return true;
+}
+
 void Simulation::schedule(PlantTime in, std::function<void()> action) {
     advance();
     schedule_.emplace(plant_.now() + in, std::move(action));

@@ -10,12 +10,19 @@
 #include <functional>
 #include <map>
 #include <span>
+#include <string>
 
 namespace xpon::simulator {
 
 /// One running simulation: the plant, its time, its configuration, and what is to happen to it.
 class Simulation {
 public:
+    using Schedule = std::multimap<PlantTime, std::function<void()>>;
+    struct Snapshot {
+        Plant plant;
+        Schedule schedule;
+    };
+
     explicit Simulation(const Options& options);
 
     /// Brings the plant to the present. Every use of the plant begins with it.
@@ -40,6 +47,16 @@ public:
     void set_rate(double rate);
     void step(PlantTime by);
 
+    /// Keeps the plant, its time and what is scheduled under a name until the simulator ends. One that is kept under
+    /// the name already is replaced.
+    void take_snapshot(const std::string& name);
+    /// Goes back to a snapshot; not within an action of the schedule. The configuration of now takes effect as if it
+    /// were committed then, and the clock keeps its rate. False when there is no snapshot of that name.
+    bool load_snapshot(const std::string& name);
+    [[nodiscard]] const std::map<std::string, Snapshot>& snapshots() const {
+        return snapshots_;
+    }
+
     /// Has `action` happen when the plant's time has moved on by `in`.
     void schedule(PlantTime in, std::function<void()> action);
     [[nodiscard]] std::size_t scheduled() const {
@@ -54,7 +71,8 @@ private:
     ConfigurationFollower follower_;
     PlantClock clock_;
     Plant plant_;
-    std::multimap<PlantTime, std::function<void()>> schedule_;
+    Schedule schedule_;
+    std::map<std::string, Snapshot> snapshots_;
     bool is_advancing_ = false;
 };
 

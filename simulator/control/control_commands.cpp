@@ -16,6 +16,7 @@ namespace {
 
 constexpr double longest_step_s = 10.0 * 365 * 86400;
 constexpr std::size_t most_scheduled = 10000;
+constexpr std::size_t most_snapshots = 16; // of a few MB each
 
 core::JsonTree new_object() {
     return core::JsonTree(cJSON_CreateObject());
@@ -106,13 +107,41 @@ core::JsonTree list_faults(Simulation&, const CommandFields&) {
     return describe_fault_kinds();
 }
 
+/// The name that a member gives; it must have one.
+std::string snapshot_name(const CommandFields& fields, const char* member) {
+    static constexpr std::size_t longest = 64;
+    auto name = fields.text(member);
+    if (name.empty() || name.size() > longest) {
+        throw CommandError(fmt::format("{} needs a name of at most {} bytes", member, longest));
+    }
+    return name;
+}
+
+core::JsonTree take_snapshot(Simulation& simulation, const CommandFields& fields) {
+    const auto name = snapshot_name(fields, "snapshot");
+    if (simulation.snapshots().size() >= most_snapshots && !simulation.snapshots().contains(name)) {
+        throw CommandError(fmt::format("there are {} snapshots already; use one of their names", most_snapshots));
+    }
+    simulation.take_snapshot(name);
+    return describe_summary(simulation);
+}
+
+core::JsonTree load_snapshot(Simulation& simulation, const CommandFields& fields) {
+    const auto name = snapshot_name(fields, "load");
+    if (!simulation.load_snapshot(name)) {
+        throw CommandError(fmt::format("there is no snapshot '{}'", name));
+    }
+    return describe_summary(simulation);
+}
+
 core::JsonTree run(Simulation& simulation, const cJSON* command);
 
 core::JsonTree schedule(Simulation& simulation, const CommandFields& fields) {
     const auto* const command = fields.find("command");
     const auto in = fields.number("at_s", 0, longest_step_s);
-    if (cJSON_IsObject(command) == 0 || cJSON_HasObjectItem(command, "at_s") != 0) {
-        throw CommandError("command must be an object that is no at_s itself");
+    const auto is_one_of = [&](const char* key) { return cJSON_HasObjectItem(command, key) != 0; };
+    if (cJSON_IsObject(command) == 0 || is_one_of("at_s") || is_one_of("load")) {
+        throw CommandError("command must be an object that is no at_s or load itself");
     }
     if (simulation.scheduled() >= most_scheduled) {
         throw CommandError("too many commands are waiting for their time");
@@ -142,6 +171,8 @@ constexpr std::array commands{
     CommandRow{"clock", "clock rate", set_clock},
     CommandRow{"at_s", "at_s command", schedule},
     CommandRow{"state", "state", dump_state},
+    CommandRow{"snapshot", "snapshot", take_snapshot},
+    CommandRow{"load", "load", load_snapshot},
     CommandRow{"faults", "faults", list_faults},
 };
 
@@ -149,7 +180,8 @@ core::JsonTree run(Simulation& simulation, const cJSON* command) {
     const auto row = std::ranges::find_if(
         commands, [&](const auto& candidate) { return cJSON_GetObjectItemCaseSensitive(command, candidate.key); });
     if (row == commands.end()) {
-        throw CommandError("a command is an object with fault, clear, step_s, clock, at_s, state or faults");
+        throw CommandError(
+            "a command is an object with fault, clear, step_s, clock, at_s, state, snapshot, load or faults");
     }
     simulation.advance();
     return row->run(simulation, CommandFields(command, row->members));

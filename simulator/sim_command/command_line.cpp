@@ -90,6 +90,9 @@ core::JsonTree parse(Words words) {
     } else if (verb == "state") {
         cJSON_AddStringToObject(command.get(), "state", words.empty() ? "summary" : take(words, "state").c_str());
         end(words);
+    } else if (verb == "snapshot" || verb == "load") {
+        cJSON_AddStringToObject(command.get(), verb.c_str(), take(words, "the name of the snapshot").c_str());
+        end(words);
     } else if (verb == "faults") {
         cJSON_AddTrueToObject(command.get(), "faults");
         end(words);
@@ -97,7 +100,8 @@ core::JsonTree parse(Words words) {
         cJSON_AddNumberToObject(command.get(), "at_s", number_of(take(words, "seconds"), "seconds"));
         cJSON_AddItemToObject(command.get(), "command", parse(words).release());
     } else {
-        refuse(fmt::format("there is no command '{}'; try fault, clear, step, clock, state, faults or at", verb));
+        refuse(fmt::format(
+            "there is no command '{}'; try fault, clear, step, clock, state, snapshot, load, faults or at", verb));
     }
     return command;
 }

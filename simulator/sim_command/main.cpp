@@ -22,6 +22,8 @@ Commands the simulated OLT whose files are below the folder OLT_ROOT, and prints
   step SECONDS                                       move the plant's clock ahead
   clock real | stepped | scaled FACTOR               how the clock moves
   state [all | summary]                              what is true of the plant
+  snapshot NAME                                      keep the plant, its time and faults as they are
+  load NAME                                          go back to them; the configuration stays that of now
   at SECONDS COMMAND...                              the command, once so much of the plant's time has passed
   run FILE                                           the commands of a file, one a line; "#" begins a remark
   '{...}'                                            a command as the control socket takes it

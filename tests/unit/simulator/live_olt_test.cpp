@@ -326,6 +326,33 @@ TEST_F(LiveOltTest, AScenarioHappensInThePlantsTime) {
     EXPECT_EQ(firmware.valid, 0);
 }
 
+TEST_F(LiveOltTest, ASnapshotBringsBackAllButTheConfiguration) {
+    must({"fault", "ont_los", "1", "for", "30"});
+    must({"step", "20"});
+    const auto cut = command({"state", "all"});
+    must({"snapshot", "cut"});
+    must({"step", "400"});
+    EXPECT_EQ(ont_states()[served], "OPERATIONAL");
+    must({"load", "cut"});
+    EXPECT_EQ(command({"state", "all"}), cut);
+    EXPECT_EQ(ont_states().count(served), 0U);
+    must({"step", "400"});
+    EXPECT_EQ(ont_states()[served], "OPERATIONAL") << "the fault of then ends as it did";
+
+    cfgdb::PonPort port{};
+    const unsigned short first = 0;
+    ASSERT_EQ(getDb_ZebGCfg_pon_port_state(database->handle(), database->context(), &port, &first), 0);
+    port.enabled = 0;
+    ASSERT_EQ(setDb_ZebGCfg_pon_port_state(database->handle(), database->context(), &port, &first), 0);
+    must({"fault", "commit_refused", "igmp"});
+    EXPECT_EQ(database->commit(endpoint).error().code, core::Error::InvalidState);
+    must({"clear", "commit_refused", "igmp"});
+    commit();
+    must({"load", "cut"});
+    must({"step", "400"});
+    EXPECT_EQ(ont_states().count(served), 0U) << "the port is disabled now";
+}
+
 TEST_F(LiveOltTest, RefusedCommandsSayWhyAndChangeNothing) {
     const auto before = command({"state", "all"});
     const std::pair<const char*, const char*> cases[] = {
@@ -349,7 +376,10 @@ TEST_F(LiveOltTest, RefusedCommandsSayWhyAndChangeNothing) {
         {R"({"clock":"fast"})", "clock must be real, stepped or scaled"},
         {R"({"clock":"scaled"})", "takes a rate"},
         {R"({"clock":"real","rate":2})", "takes a rate"},
-        {R"({"at_s":1,"command":{"at_s":1}})", "no at_s itself"},
+        {R"({"at_s":1,"command":{"at_s":1}})", "no at_s or load itself"},
+        {R"({"at_s":1,"command":{"load":"x"}})", "no at_s or load itself"},
+        {R"({"snapshot":""})", "snapshot needs a name"},
+        {R"({"load":"x"})", "no snapshot 'x'"},
         {R"({"state":"none"})", "all or summary"},
     };
     for (const auto& [line, complaint] : cases) {
