@@ -88,18 +88,6 @@ TEST_F(WholeConfiguration, WithoutASaveARestartForgetsAndDefaultReturnsToTheFact
     EXPECT_THAT(request(hostname, "get", R"(,"config_type":"running")"), HasSubstr(R"("hostname":"olt")"));
 }
 
-TEST_F(WholeConfiguration, DamagedFileGivesWayToTheOneBefore) {
-    const std::string hostname = "configuration.CommonGCfg.hostname";
-    for (const auto* name : {"first", "second"}) {
-        succeed(hostname, "set", fmt::format(R"(,"config_type":"candidate","data":{{"hostname":"{}"}})", name));
-        succeed("command.commit", "command");
-        succeed("command.save", "command");
-    }
-    std::filesystem::resize_file(olt.root() / "configuration/save-config", 40);
-    restart_everything();
-    EXPECT_THAT(request(hostname, "get", R"(,"config_type":"running")"), HasSubstr(R"("hostname":"first")"));
-}
-
 TEST_F(WholeConfiguration, RefusedCommitNamesThePathAndChangesNothing) {
     const std::string serial = R"("serial":[83,73,77,85,0,0,0,1,0,0])";
     succeed(ont, "set", R"(,"indices":["1","1-2"],"config_type":"candidate","data":{)" + serial + "}");

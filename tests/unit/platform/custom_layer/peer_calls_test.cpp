@@ -24,6 +24,9 @@ struct AnyPeer : public Ipc {
         question.assign(payload.begin(), payload.end());
         return reply;
     }
+    std::optional<Refusal> ask_all(ipc::Operation, std::span<const std::byte>, std::chrono::milliseconds) override {
+        return std::nullopt;
+    }
     void notify_all(ipc::Operation, std::span<const std::byte>) override {}
 
     Reply reply;
