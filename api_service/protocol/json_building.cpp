@@ -119,12 +119,7 @@ Result<cJSON*> create_object_in_array(cJSON* array) {
 }
 
 Result<cJSON*> create_object_in_array(cJSON* array, unsigned number) {
-    auto object = create_object_in_array(array);
-    if (!object) {
-        const auto& error = object.error();
-        return ErrorPayload(error.code, fmt::format("{} for {}", error.info->message, number));
-    }
-    return object;
+    return made_for(create_object_in_array(array), "{}", number);
 }
 
 Result<JsonTree> borrow_tree(const cJSON* tree) {

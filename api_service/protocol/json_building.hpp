@@ -5,6 +5,9 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
+
+#include <fmt/format.h>
 
 namespace xpon::api_service {
 
@@ -46,6 +49,17 @@ core::Result<cJSON*> add_array_subobject(cJSON* object, const char* key);
 core::Result<cJSON*> create_object_in_array(cJSON* array);
 /// The same; an error ends with what the object is for.
 core::Result<cJSON*> create_object_in_array(cJSON* array, unsigned number);
+
+/// What a step made; the text of an error ends with what it was for, such as "port 3".
+template <class T, class... Args>
+core::Result<T> made_for(core::Result<T> made, fmt::format_string<Args...> what, Args&&... args) {
+    if (!made && made.error().info) {
+        const auto& error = made.error();
+        return core::ErrorPayload(
+            error.code, fmt::format("{} for {}", error.info->message, fmt::format(what, std::forward<Args>(args)...)));
+    }
+    return made;
+}
 
 /// A node that prints like `tree` and borrows its members: it must be deleted before `tree` is.
 core::Result<core::JsonTree> borrow_tree(const cJSON* tree);
