@@ -22,7 +22,7 @@ namespace xpon::api_service {
 /// One member of an object: its key, and what makes its value from the record.
 template <class Record>
 struct JsonField {
-    const char* key;
+    LiteralKey key;
     core::Result<core::JsonTree> (*make)(const Record& record);
 };
 
@@ -105,7 +105,7 @@ core::Result<void> add_fields(cJSON* object, const Record& record, JsonFields<Re
         auto value = field.make(record);
         if (!value && value.error().code == core::Error::InvalidInputArg && value.error().info) {
             return core::ErrorPayload(value.error().code,
-                                      fmt::format("{}: {}", field.key, value.error().info->message));
+                                      fmt::format("{}: {}", field.key.text, value.error().info->message));
         }
         BOOST_OUTCOME_TRY(auto item, std::move(value));
         BOOST_OUTCOME_TRY(add_to_object(object, field.key, std::move(item)));

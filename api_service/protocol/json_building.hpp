@@ -32,8 +32,18 @@ core::Result<core::JsonTree> create_cjson_from_value(const double& value);
 /// A number without a fraction, put in as its digits: formatting numbers is most of the time that printing takes.
 core::Result<core::JsonTree> create_integer(std::int64_t value);
 
+/// A key that lives as long as the program, as only literals do. Answers hold hundreds of thousands of keys: making and
+/// freeing copies of them would take as long as all the rest.
+struct LiteralKey {
+    consteval LiteralKey(const char* literal) : text(literal) {} // NOLINT(google-explicit-constructor): see above
+
+    const char* text;
+};
+
 /// Hands `item` to the object under a copy of `key`.
 core::Result<void> add_to_object(cJSON* object, const char* key, core::JsonTree item);
+/// Hands `item` to the object under `key` itself.
+core::Result<void> add_to_object(cJSON* object, LiteralKey key, core::JsonTree item);
 /// Hands `item` to the array, at its end.
 core::Result<void> add_to_array(cJSON* array, core::JsonTree item);
 

@@ -19,7 +19,7 @@ struct NoGroup {};
 /// One counter: its label, its values by instance, and its value in the record of a group, where the kind has groups.
 template <class Values, class Group = NoGroup>
 struct Counter {
-    const char* label;
+    LiteralKey label;
     Ont_instance_values Values::* instances;
     std::uint32_t Group::* group = nullptr;
 };
