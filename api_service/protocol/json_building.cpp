@@ -38,6 +38,17 @@ Result<void> check_parent(const cJSON* parent) {
     return core::success();
 }
 
+/// `add` is one of the two functions of the library, which differ in who owns the key.
+Result<void> hand_over(cJSON_bool (*add)(cJSON* object, const char* key, cJSON* item), cJSON* object, const char* key,
+                       JsonTree item) {
+    BOOST_OUTCOME_TRY(check_parent(object));
+    if (add(object, key, item.get()) == 0) {
+        return ErrorPayload(Error::CommonError, "cJSON_AddItemToObject() failed");
+    }
+    std::ignore = item.release();
+    return core::success();
+}
+
 Result<cJSON*> add_made_member(cJSON* object, const char* key, cJSON* made_member, const char* maker) {
     JsonTree member(made_member);
     if (member == nullptr) {
@@ -83,12 +94,11 @@ Result<JsonTree> create_integer(std::int64_t value) {
 }
 
 Result<void> add_to_object(cJSON* object, const char* key, JsonTree item) {
-    BOOST_OUTCOME_TRY(check_parent(object));
-    if (cJSON_AddItemToObject(object, key, item.get()) == 0) {
-        return ErrorPayload(Error::CommonError, "cJSON_AddItemToObject() failed");
-    }
-    std::ignore = item.release();
-    return core::success();
+    return hand_over(cJSON_AddItemToObject, object, key, std::move(item));
+}
+
+Result<void> add_to_object(cJSON* object, LiteralKey key, JsonTree item) {
+    return hand_over(cJSON_AddItemToObjectCS, object, key.text, std::move(item));
 }
 
 Result<void> add_to_array(cJSON* array, JsonTree item) {
@@ -119,12 +129,7 @@ Result<cJSON*> create_object_in_array(cJSON* array) {
 }
 
 Result<cJSON*> create_object_in_array(cJSON* array, unsigned number) {
-    auto object = create_object_in_array(array);
-    if (!object) {
-        const auto& error = object.error();
-        return ErrorPayload(error.code, fmt::format("{} for {}", error.info->message, number));
-    }
-    return object;
+    return made_for(create_object_in_array(array), "{}", number);
 }
 
 Result<JsonTree> borrow_tree(const cJSON* tree) {

@@ -5,6 +5,9 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
+
+#include <fmt/format.h>
 
 namespace xpon::api_service {
 
@@ -29,8 +32,18 @@ core::Result<core::JsonTree> create_cjson_from_value(const double& value);
 /// A number without a fraction, put in as its digits: formatting numbers is most of the time that printing takes.
 core::Result<core::JsonTree> create_integer(std::int64_t value);
 
+/// A key that lives as long as the program, as only literals do. Answers hold hundreds of thousands of keys: making and
+/// freeing copies of them would take as long as all the rest.
+struct LiteralKey {
+    consteval LiteralKey(const char* literal) : text(literal) {} // NOLINT(google-explicit-constructor): see above
+
+    const char* text;
+};
+
 /// Hands `item` to the object under a copy of `key`.
 core::Result<void> add_to_object(cJSON* object, const char* key, core::JsonTree item);
+/// Hands `item` to the object under `key` itself.
+core::Result<void> add_to_object(cJSON* object, LiteralKey key, core::JsonTree item);
 /// Hands `item` to the array, at its end.
 core::Result<void> add_to_array(cJSON* array, core::JsonTree item);
 
@@ -46,6 +59,17 @@ core::Result<cJSON*> add_array_subobject(cJSON* object, const char* key);
 core::Result<cJSON*> create_object_in_array(cJSON* array);
 /// The same; an error ends with what the object is for.
 core::Result<cJSON*> create_object_in_array(cJSON* array, unsigned number);
+
+/// What a step made; the text of an error ends with what it was for, such as "port 3".
+template <class T, class... Args>
+core::Result<T> made_for(core::Result<T> made, fmt::format_string<Args...> what, Args&&... args) {
+    if (!made && made.error().info) {
+        const auto& error = made.error();
+        return core::ErrorPayload(
+            error.code, fmt::format("{} for {}", error.info->message, fmt::format(what, std::forward<Args>(args)...)));
+    }
+    return made;
+}
 
 /// A node that prints like `tree` and borrows its members: it must be deleted before `tree` is.
 core::Result<core::JsonTree> borrow_tree(const cJSON* tree);

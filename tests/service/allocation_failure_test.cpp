@@ -54,6 +54,14 @@ protected:
             {"configuration.ZebGCfg.pon.ont", R"("indices":["1","1-2"],"data":{})"},
             {"monitoring.interface.front_port", R"("indices":["1-4"])"},
             {"monitoring.interface.pon_port", R"("indices":["1-3"])"},
+            {"monitoring.interface.ont.counters", R"("indices":["1","1"])"},
+            {"monitoring.mac", R"("indices":["1"])"},
+            {"command.reconfigure.pon_port", R"("indices":["1"])"},
+            {"command.reconfigure.ont", R"("indices":["1/1"])"},
+            {"command.resettodefault.ont", R"("indices":["1/1"])"},
+            {"command.reboot.ont", R"("indices":["1/1"])"},
+            {"command.olt.firmware.update", R"("data":{"path":"/image"})"},
+            {"utils.text", R"("data":{"text":""})"},
             {"utils.ont.find", R"("data":{"serial":[83,73,77,85,0,0,0,1,0,0]})"},
             {"", R"("data":{})"},
         };
@@ -83,7 +91,7 @@ TEST_F(AllocationFailure, AlwaysLeadsToAnAnswerAndLeaksNothing) {
             ask(R"({"path":"test.echo","method":"echo"})");
             EXPECT_EQ(blocks_in_use, before) << frame << " at allocation " << n;
         }
-        if (!std::string_view(row.path).starts_with("configuration.")) {
+        if (!std::string_view(row.path).starts_with("configuration.") || row.method == std::string_view("generate")) {
             EXPECT_THAT(answer, testing::StartsWith("{\n\t\"success\":\ttrue")) << row.path;
         }
     }

@@ -1,13 +1,14 @@
 // The custom layer's calls that ask a peer or the device. Those that only compute stay the real ones.
 
-#include "tests/service/fake_device.hpp"
+#include "tests/service/fake_answers.hpp"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <optional>
 #include <span>
+
+#include <fmt/format.h>
 
 namespace xpon::test {
 
@@ -20,35 +21,18 @@ std::array<std::uint8_t, ont_serial_bin_size> serial_of(std::uint8_t last) {
     return {'S', 'I', 'M', 'U', 0, 0, 0, last, 0, 0};
 }
 
+std::string text_of(const Bitmap_ont_range& range) {
+    std::string text;
+    Bitmap_iterator iterator{};
+    std::uint8_t port = 0;
+    std::uint16_t ont = 0;
+    while (get_next_bitmap_ont_ids(&range, &iterator, &port, &ont) == 0) {
+        text += fmt::format(" {}/{}", port + 1, ont + 1);
+    }
+    return text;
+}
+
 namespace {
-
-int answer(auto&& give) {
-    auto& device = fake_device();
-    if (++device.calls == device.failing_call) {
-        errno = EIO;
-        return -1;
-    }
-    return give(device);
-}
-
-template <class Record>
-int give_copy(const std::optional<Record>& record, Record** out) {
-    *out = nullptr;
-    if (record) {
-        *out = static_cast<Record*>(std::malloc(sizeof(Record)));
-        std::memcpy(*out, &*record, sizeof(Record));
-    }
-    return 0;
-}
-
-template <class List, class Entry>
-int give_list(std::span<const Entry> entries, List** out) {
-    *out = static_cast<List*>(std::malloc(sizeof(List) + entries.size_bytes()));
-    (*out)->count = static_cast<std::uint32_t>(entries.size());
-    (*out)->entries = fake_device().has_ont_entries ? reinterpret_cast<Entry*>(*out + 1) : nullptr;
-    std::ranges::copy(entries, reinterpret_cast<Entry*>(*out + 1));
-    return 0;
-}
 
 template <class Record>
 int give_entry(const std::map<std::uint8_t, Record>& records, std::uint8_t number, Record* out) {
@@ -123,15 +107,12 @@ int custom_layer__get_pon_port_type(Ipc*, std::uint8_t, Pon_port_type* out) {
 }
 
 int custom_layer__get_ont_state_info_by_range(Ipc*, const Bitmap_ont_range*, Ont__get_state_info_response** out) {
-    return answer([&](auto& device) {
-        return give_list<Ont__get_state_info_response>(std::span<const Ont__state_info>(device.activated), out);
-    });
+    return answer([&](auto& device) { return give_list(std::span<const Ont__state_info>(device.activated), out); });
 }
 
 int custom_layer__get_ont_unactivated_by_range(Ipc*, const Bitmap_pon_port_range*, Ont_unactivated_info** out) {
-    return answer([&](auto& device) {
-        return give_list<Ont_unactivated_info>(std::span<const Ont_unactivated_entry>(device.unactivated), out);
-    });
+    return answer(
+        [&](auto& device) { return give_list(std::span<const Ont_unactivated_entry>(device.unactivated), out); });
 }
 
 int custom_layer__get_list_log_files(const void*, int, char*** names, std::uint32_t* count) {
@@ -141,4 +122,8 @@ int custom_layer__get_list_log_files(const void*, int, char*** names, std::uint3
         std::ranges::transform(device.log_files, *names, copy_of);
         return 0;
     });
+}
+
+int custom_layer__generating_engine_id(Ipc*, Snmp_environment_data* out) {
+    return answer([&](auto& device) { return *out = device.snmp, 0; });
 }

@@ -3,9 +3,12 @@
 #include "xpon/custom_layer/custom_layer.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <map>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -30,9 +33,25 @@ struct FakeDevice {
 
     std::vector<Ont__state_info> activated;
     std::vector<Ont_unactivated_entry> unactivated;
-    bool has_ont_entries = true; ///< false: the lists have their count, but no entries
+
+    /// The bytes of the record that every ONT has of a kind; none: the call succeeds without a record.
+    std::map<Ont_information_kind, std::vector<std::byte>> counters;
+
+    std::vector<Dhcp_session> leases;
+    std::vector<Pppoe_session> pppoe_sessions;
+    struct Vlan {
+        std::uint8_t is_snooping;
+        std::vector<Igmp_group> groups;
+    };
+    std::map<std::uint16_t, Vlan> vlans;
+    std::vector<Bcm_mac_entry> mac_table;
+    bool has_entries = true; ///< false: lists have their count, but no entries
 
     std::vector<const char*> log_files;
+    Snmp_environment_data snmp{};
+
+    /// What was asked of ONTs or done to the device, in order: "reboot 0", "counters 3 of 1/2", "omci_reboot 1/1 1/2".
+    std::vector<std::string> journal;
 
     /// The call with this number, counted from 1, fails with errno EIO; 0 = none.
     int failing_call = 0;
@@ -42,7 +61,8 @@ struct FakeDevice {
 /// The one device. Not to be changed while a request is under way.
 FakeDevice& fake_device();
 
-/// A device with a bit of everything: front ports 1 to 4, PON ports 1 to 3, ONTs activated and not, two log files.
+/// A device with a bit of everything: front ports 1 to 4, PON ports 1 to 3, ONTs activated and not, two log files,
+/// counters of every kind, subscribers of every kind.
 FakeDevice filled_device();
 
 /// The serial number "SIMU" and three zero bytes before `last`, as records hold it.
@@ -52,6 +72,14 @@ std::array<std::uint8_t, ont_serial_bin_size> serial_of(std::uint8_t last);
 template <std::size_t N>
 void set_text(char (&buffer)[N], std::string_view text) {
     buffer[text.copy(buffer, N - 1)] = '\0';
+}
+
+/// The record that every ONT has of a kind.
+template <class Record>
+void set_counters(FakeDevice& device, Ont_information_kind kind, const Record& record) {
+    auto& bytes = device.counters[kind];
+    bytes.resize(sizeof(record));
+    std::memcpy(bytes.data(), &record, sizeof(record));
 }
 
 } // namespace xpon::test

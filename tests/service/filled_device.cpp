@@ -84,6 +84,72 @@ void fill_onts(FakeDevice& device) {
     std::ranges::copy(serial_of(9), device.unactivated[1].serial);
 }
 
+template <class Record>
+Record with_an_instance() {
+    Record record{};
+    record.count = 1;
+    return record;
+}
+
+void fill_counters(FakeDevice& device) {
+    auto gem_port = with_an_instance<Ont_gem_port_pm>();
+    gem_port.mc.valid = 1;
+    auto frames = with_an_instance<Ont_eth_frame_ext_pm>();
+    frames.downstream.veip.valid = 1;
+    auto olt_gem_ports = with_an_instance<Ont__get_gem_port_counters_response>();
+    olt_gem_ports.entries[0].group = gem_port_broadcast;
+    set_counters(device, ont_information_gem_port_pm, gem_port);
+    set_counters(device, ont_information_gem_port_nctp_pm, with_an_instance<Ont_gem_port_nctp_pm>());
+    set_counters(device, ont_information_eth_pm_history_data, with_an_instance<Ont_eth_pm_history_data>());
+    set_counters(device, ont_information_ethernet_pm_2, with_an_instance<Ont_ethernet_pm_2>());
+    set_counters(device, ont_information_eth_pm_history_data_3, with_an_instance<Ont_eth_pm_history_data_3>());
+    set_counters(device, ont_information_gal_eth_pm, with_an_instance<Ont_gal_eth_pm>());
+    set_counters(device, ont_information_fec_pm, with_an_instance<Ont_fec_pm_counters>());
+    set_counters(device, ont_information_eth_frame_ext_pm, frames);
+    set_counters(device, ont_information_olt_gem_port, olt_gem_ports);
+    set_counters(device, ont_information_olt_pon, Ont__get_pon_counters_response{});
+}
+
+void fill_subscribers(FakeDevice& device) {
+    device.leases = {{.pon_port = 3,
+                      .ont_id = 17,
+                      .mac = {0x02, 0x53, 0x49, 0x03, 0x10, 0x0A},
+                      .service_id = 2,
+                      .gem_port = 640,
+                      .outer_vid = 100,
+                      .ip = {10, 0, 0, 1},
+                      .life_time_msec = 4294967295,
+                      .ont_serial = {'S', 'I', 'M', 'U', 0, 0, 0, 9, 0, 0}}};
+    device.pppoe_sessions = {{.pon_port = 16,
+                              .ont_id = 256,
+                              .gem_port = 4093,
+                              .session_id = 65535,
+                              .ont_serial = {'S', 'I', 'M', 'U', 0, 0, 0, 8, 0, 0},
+                              .duration_sec = 86400,
+                              .unblock_rest_sec = 30,
+                              .client_mac = {0xFF, 0x00, 0xAB, 0x01, 0x0F, 0xF0}}};
+    const Igmp_group group{.address = {239, 0, 0, 7},
+                           .is_in_deletion_queue = 0,
+                           .filter_mode = igmp_exclude,
+                           .vlan = 201,
+                           .source_count = 1,
+                           .sources = {{{192, 168, 255, 1}, igmp_include}},
+                           .port_count = 2,
+                           .ports = {{switch_port_pon, 1, 3, 0, 214}, {switch_port_cpu, 1, 0, 255, 0}}};
+    device.vlans[201] = {.is_snooping = 1, .groups = {group}};
+    device.mac_table = {{.mac = {0x02, 0x53, 0x49, 0x03, 0x10, 0x10},
+                         .kind = switch_port_pon,
+                         .unit = 1,
+                         .number = 3,
+                         .svid = 100,
+                         .cvid = 7,
+                         .uvid = 4094,
+                         .ont_id = 17,
+                         .gem = 640,
+                         .type = mac_entry_dynamic}};
+    set_text(device.snmp.engine_id, "80007ed90302534a4d0001");
+}
+
 } // namespace
 
 FakeDevice filled_device() {
@@ -91,6 +157,8 @@ FakeDevice filled_device() {
     fill_board(device);
     fill_ports(device);
     fill_onts(device);
+    fill_counters(device);
+    fill_subscribers(device);
     return device;
 }
 

@@ -2,6 +2,7 @@
 
 #include "tests/service/monitoring_fixture.hpp"
 
+#include <algorithm>
 #include <functional>
 
 #include <sys/utsname.h>
@@ -115,13 +116,21 @@ TEST_F(Monitoring, EveryFailingCallFailsTheRequest) {
           "Could not retrieve extended information about PON-port plugged SFP modules",
           "Failed to retrieve pon port info"}},
         {"monitoring.interface.ont.state", "[]", {}},
+        {"monitoring.interface.ont.counters.olt_side.pon", R"(["1","1-3"])", {}},
+        {"monitoring.ip.dhcp.sessions", "[]", {}},
+        {"monitoring.ip.pppoe.sessions", "[]", {}},
+        {"monitoring.ip.igmp.snooping.groups", "[]", {}},
+        {"monitoring.mac", "[]", {}},
+        {"monitoring.mac", R"(["1/1"])", {}},
     };
     for (const auto& [path, indices, texts] : routes) {
         const auto members = R"("indices":)"s + indices;
         device.calls = 0;
         device.failing_call = 0;
         const auto whole = get(path, members);
-        const int calls = device.calls;
+        // The groups of each VLAN are asked for alike.
+        const int calls = std::min(device.calls, 20);
+        EXPECT_GT(calls, 0) << path;
         take_log();
         for (int call = 1; call <= calls; ++call) {
             device.calls = 0;
@@ -171,7 +180,7 @@ TEST_F(Monitoring, RecordsThatContradictThemselvesAreRefused) {
         {onts, [&](auto& d) { fill(d.activated[0].equipment_id); }, "equipment_id: no end within 21 bytes"},
         {onts, [&](auto& d) { d.activated[0].alloc_count = 10; }, "alloc_ids: 10 of at most 9"},
         {onts, [&](auto& d) { fill(d.unactivated[1].password); }, "password: no end within 11 bytes"},
-        {onts, [&](auto& d) { d.has_ont_entries = false; }, "Object cannot be null"},
+        {onts, [&](auto& d) { d.has_entries = false; }, "Object cannot be null"},
     };
     for (const auto& [path, spoil, cause] : cases) {
         device = filled_device();

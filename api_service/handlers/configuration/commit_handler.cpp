@@ -1,6 +1,6 @@
 #include "api_service/handlers/configuration/commit_handler.hpp"
 
-#include "api_service/handlers/configuration/request_checks.hpp"
+#include "api_service/handlers/session_checks.hpp"
 #include "xpon/core/guard.hpp"
 
 #include <string>

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "api_service/handlers/configuration/request_checks.hpp"
+#include "api_service/handlers/session_checks.hpp"
 #include "api_service/protocol/json_building.hpp"
 #include "xpon/core/c_status.hpp"
 #include "xpon/core/guard.hpp"

@@ -2,20 +2,6 @@
 
 namespace xpon::api_service {
 
-using core::Error;
-using core::ErrorPayload;
-
-core::Result<std::shared_ptr<cfgdb::CfgDbWrapper>> database_of(const std::shared_ptr<Session>& session,
-                                                               const char* no_session_text) {
-    if (session == nullptr) {
-        return ErrorPayload(Error::InvalidInputArg, no_session_text);
-    }
-    if (session->cfgdb == nullptr) {
-        return ErrorPayload(Error::InvalidInputArg, "CfgDb context is missing");
-    }
-    return session->cfgdb;
-}
-
 std::optional<Json_errors> find_request_error(const Request& request, std::size_t index_count) {
     if (request.indices.size() != index_count) {
         return Json_errors::wrong_index_count;

@@ -5,7 +5,6 @@
 #include "api_service/protocol/request.hpp"
 #include "api_service/protocol/response.hpp"
 #include "xpon/core/logger.hpp"
-#include "xpon/core/result.hpp"
 
 #include <array>
 #include <cstddef>
@@ -15,10 +14,6 @@
 #include <utility>
 
 namespace xpon::api_service {
-
-/// The session's database client. Errors: `no_session_text` without a session, "CfgDb context is missing".
-core::Result<std::shared_ptr<cfgdb::CfgDbWrapper>> database_of(const std::shared_ptr<Session>& session,
-                                                               const char* no_session_text);
 
 /// What is wrong with the request itself: other than `index_count` index strings, or no configuration type.
 std::optional<Json_errors> find_request_error(const Request& request, std::size_t index_count);

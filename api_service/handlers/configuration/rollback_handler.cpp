@@ -1,6 +1,6 @@
 #include "api_service/handlers/configuration/rollback_handler.hpp"
 
-#include "api_service/handlers/configuration/request_checks.hpp"
+#include "api_service/handlers/session_checks.hpp"
 
 namespace xpon::api_service {
 

@@ -1,6 +1,6 @@
 #include "api_service/handlers/configuration/save_handler.hpp"
 
-#include "api_service/handlers/configuration/request_checks.hpp"
+#include "api_service/handlers/session_checks.hpp"
 #include "xpon/core/c_status.hpp"
 #include "xpon/custom_layer/configuration.h"
 

@@ -1,6 +1,6 @@
 #include "api_service/handlers/monitoring/constants_handler.hpp"
 
-#include "api_service/handlers/monitoring/answer.hpp"
+#include "api_service/handlers/answer.hpp"
 #include "api_service/handlers/monitoring/device_info.hpp"
 #include "api_service/protocol/board.hpp"
 #include "api_service/protocol/json_building.hpp"

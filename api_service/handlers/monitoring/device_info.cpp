@@ -1,6 +1,6 @@
 #include "api_service/handlers/monitoring/device_info.hpp"
 
-#include "api_service/handlers/monitoring/record_fields.hpp"
+#include "api_service/handlers/record_fields.hpp"
 #include "xpon/core/c_status.hpp"
 
 #include <array>

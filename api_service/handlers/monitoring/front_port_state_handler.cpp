@@ -1,9 +1,10 @@
 #include "api_service/handlers/monitoring/front_port_state_handler.hpp"
 
-#include "api_service/handlers/configuration/request_checks.hpp"
-#include "api_service/handlers/monitoring/answer.hpp"
-#include "api_service/handlers/monitoring/library_calls.hpp"
+#include "api_service/handlers/answer.hpp"
+#include "api_service/handlers/library_calls.hpp"
 #include "api_service/handlers/monitoring/port_answers.hpp"
+#include "api_service/handlers/port_range_index.hpp"
+#include "api_service/handlers/session_checks.hpp"
 #include "xpon/cfgdb/element_functions.hpp"
 
 #include <array>

@@ -1,8 +1,8 @@
 #include "api_service/handlers/monitoring/log_files_handler.hpp"
 
-#include "api_service/handlers/configuration/request_checks.hpp"
-#include "api_service/handlers/monitoring/answer.hpp"
-#include "api_service/handlers/monitoring/library_calls.hpp"
+#include "api_service/handlers/answer.hpp"
+#include "api_service/handlers/library_calls.hpp"
+#include "api_service/handlers/session_checks.hpp"
 #include "api_service/protocol/json_building.hpp"
 #include "xpon/custom_layer/log_files.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "api_service/handlers/monitoring/ont_walk.hpp"
-#include "api_service/handlers/monitoring/record_fields.hpp"
+#include "api_service/handlers/record_fields.hpp"
 
 // Parts of an ONT's object that both answers about ONTs have.
 

@@ -12,18 +12,10 @@ using core::Result;
 
 namespace {
 
-template <class Report>
-Result<LibraryBuffer<Report>> with_entries(Result<LibraryBuffer<Report>> report) {
-    if (report && report.value()->count > 0 && report.value()->entries == nullptr) {
-        return ErrorPayload(Error::InvalidInputArg, "Object cannot be null");
-    }
-    return report;
-}
-
 Result<LibraryBuffer<Ont__get_state_info_response>> get_states_info(core::ILogger& logger, Ipc* ipc,
                                                                     const Bitmap_ont_range& range) {
-    BOOST_OUTCOME_TRY(auto states, with_entries(fetch_buffer<Ont__get_state_info_response>(
-                                       logger, custom_layer__get_ont_state_info_by_range, ipc, &range)));
+    BOOST_OUTCOME_TRY(auto states, fetch_list<Ont__get_state_info_response>(
+                                       logger, custom_layer__get_ont_state_info_by_range, ipc, &range));
     if (states->count > max_configured_onts) {
         return ErrorPayload(Error::InvalidState, "The number of received states is greater than requested");
     }
@@ -35,8 +27,7 @@ Result<LibraryBuffer<Ont_unactivated_info>> get_all_unactivated_ont(core::ILogge
     BOOST_OUTCOME_TRY(core::call_c_api(logger, [&] { return prepare_bitmap_pon_port(&ports); }));
     bitfield_reset(ports.bits, ports.size);
     bitfield_invert(ports.bits, ports.size);
-    return with_entries(
-        fetch_buffer<Ont_unactivated_info>(logger, custom_layer__get_ont_unactivated_by_range, ipc, &ports));
+    return fetch_list<Ont_unactivated_info>(logger, custom_layer__get_ont_unactivated_by_range, ipc, &ports);
 }
 
 } // namespace

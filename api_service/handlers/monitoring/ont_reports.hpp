@@ -1,6 +1,6 @@
 #pragma once
 
-#include "api_service/handlers/monitoring/library_calls.hpp"
+#include "api_service/handlers/library_calls.hpp"
 #include "xpon/core/logger.hpp"
 #include "xpon/core/result.hpp"
 #include "xpon/custom_layer/onts.h"

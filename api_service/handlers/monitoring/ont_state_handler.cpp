@@ -1,8 +1,8 @@
 #include "api_service/handlers/monitoring/ont_state_handler.hpp"
 
-#include "api_service/handlers/configuration/request_checks.hpp"
-#include "api_service/handlers/monitoring/answer.hpp"
+#include "api_service/handlers/answer.hpp"
 #include "api_service/handlers/monitoring/ont_fields.hpp"
+#include "api_service/handlers/session_checks.hpp"
 
 namespace xpon::api_service {
 

@@ -1,8 +1,8 @@
 #include "api_service/handlers/monitoring/system_handler.hpp"
 
-#include "api_service/handlers/monitoring/answer.hpp"
+#include "api_service/handlers/answer.hpp"
 #include "api_service/handlers/monitoring/device_info.hpp"
-#include "api_service/handlers/monitoring/record_fields.hpp"
+#include "api_service/handlers/record_fields.hpp"
 #include "xpon/core/c_status.hpp"
 
 namespace xpon::api_service {

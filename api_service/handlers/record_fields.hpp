@@ -5,6 +5,7 @@
 #include "xpon/core/result.hpp"
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <type_traits>
@@ -21,20 +22,21 @@ namespace xpon::api_service {
 /// One member of an object: its key, and what makes its value from the record.
 template <class Record>
 struct JsonField {
-    const char* key;
+    LiteralKey key;
     core::Result<core::JsonTree> (*make)(const Record& record);
 };
 
 /// The text in a buffer, up to its NUL. A buffer without one is an error.
 core::Result<std::string> bounded_text(std::span<const char> buffer);
 
+/// The count. More than there is place for is an error, which names it.
+core::Result<std::size_t> bounded_count(std::size_t count, std::size_t limit, const char* name);
+
 /// The `count` valid elements of an array. More than it has is an error, which names it.
 template <class T, std::size_t N>
 core::Result<std::span<const T>> bounded_items(const T (&array)[N], std::size_t count, const char* name) {
-    if (count > N) {
-        return core::ErrorPayload(core::Error::InvalidInputArg, fmt::format("{}: {} of at most {}", name, count, N));
-    }
-    return std::span(array).first(count);
+    BOOST_OUTCOME_TRY(const auto bounded, bounded_count(count, N, name));
+    return std::span(array).first(bounded);
 }
 
 /// The text of an enumeration's value; a value without one is an error.
@@ -52,7 +54,9 @@ core::Result<core::JsonTree> create_number_array(std::span<const Integer> number
 
 template <class T>
 core::Result<core::JsonTree> create_field_value(const T& value) {
-    if constexpr (std::is_integral_v<T>) {
+    if constexpr (std::is_same_v<T, std::uint64_t>) {
+        return create_cjson_from_value(value);
+    } else if constexpr (std::is_integral_v<T>) {
         return create_integer(value);
     } else if constexpr (std::is_floating_point_v<T>) {
         return create_cjson_from_value(static_cast<double>(value));
@@ -101,7 +105,7 @@ core::Result<void> add_fields(cJSON* object, const Record& record, JsonFields<Re
         auto value = field.make(record);
         if (!value && value.error().code == core::Error::InvalidInputArg && value.error().info) {
             return core::ErrorPayload(value.error().code,
-                                      fmt::format("{}: {}", field.key, value.error().info->message));
+                                      fmt::format("{}: {}", field.key.text, value.error().info->message));
         }
         BOOST_OUTCOME_TRY(auto item, std::move(value));
         BOOST_OUTCOME_TRY(add_to_object(object, field.key, std::move(item)));

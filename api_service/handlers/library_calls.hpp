@@ -33,6 +33,16 @@ core::Result<LibraryBuffer<Record>> fetch_buffer(core::ILogger& logger, Function
     return buffer;
 }
 
+/// The same for a list with `count` entries behind `entries`. A list with a count but without entries is an error.
+template <class List, class Function, class... Args>
+core::Result<LibraryBuffer<List>> fetch_list(core::ILogger& logger, Function function, Args... args) {
+    BOOST_OUTCOME_TRY(auto list, fetch_buffer<List>(logger, function, args...));
+    if (list->count > 0 && list->entries == nullptr) {
+        return core::ErrorPayload(core::Error::InvalidInputArg, "Object cannot be null");
+    }
+    return list;
+}
+
 /// Logs what an error keeps from being done, behind its cause.
 template <class T>
 core::Result<T> explained(core::ILogger& logger, core::Result<T> result, const char* what_failed) {

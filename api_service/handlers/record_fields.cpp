@@ -1,4 +1,4 @@
-#include "api_service/handlers/monitoring/record_fields.hpp"
+#include "api_service/handlers/record_fields.hpp"
 
 #include <algorithm>
 
@@ -14,6 +14,13 @@ Result<std::string> bounded_text(std::span<const char> buffer) {
         return ErrorPayload(Error::InvalidInputArg, fmt::format("no end within {} bytes", buffer.size()));
     }
     return std::string(buffer.begin(), end);
+}
+
+Result<std::size_t> bounded_count(std::size_t count, std::size_t limit, const char* name) {
+    if (count > limit) {
+        return ErrorPayload(Error::InvalidInputArg, fmt::format("{}: {} of at most {}", name, count, limit));
+    }
+    return count;
 }
 
 Result<std::string> text_of_value(std::span<const char* const> texts, std::size_t value) {

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "api_service/auth/session.hpp"
+#include "api_service/protocol/request.hpp"
+#include "api_service/protocol/response.hpp"
+
+#include <memory>
+
+namespace xpon::api_service {
+
+// Turn the "text" of the data into the form in which the configuration keeps secrets, and back. They never log it.
+
+core::Result<Response> text_obfuscate_handler(const std::shared_ptr<core::ILogger>& logger, const Request& request,
+                                              const std::shared_ptr<Session>& session);
+core::Result<Response> text_deobfuscate_handler(const std::shared_ptr<core::ILogger>& logger, const Request& request,
+                                                const std::shared_ptr<Session>& session);
+
+} // namespace xpon::api_service

@@ -1,0 +1,75 @@
+#include "api_service/handlers/monitoring/mac_table_handler.hpp"
+
+#include "api_service/handlers/answer.hpp"
+#include "api_service/handlers/monitoring/wire_texts.hpp"
+#include "api_service/handlers/record_fields.hpp"
+#include "api_service/handlers/session_checks.hpp"
+
+namespace xpon::api_service {
+
+using core::JsonTree;
+using core::Result;
+
+namespace {
+
+/// By Mac_entry_type.
+constexpr const char* entry_types[] = {"dynamic", "static"};
+
+std::string ont_text(const Bcm_mac_entry& entry) {
+    const bool is_behind_ont = entry.kind == switch_port_pon && entry.ont_id != 0;
+    return is_behind_ont ? fmt::format("{}/{}", entry.number, entry.ont_id) : std::string();
+}
+
+constexpr JsonField<Bcm_mac_entry> entry_fields[] = {
+    {"mac", [](const Bcm_mac_entry& entry) { return create_field_value(mac_text(entry.mac)); }},
+    {"port",
+     [](const Bcm_mac_entry& entry) {
+         return create_field_value(switch_port_text(entry.kind, entry.unit, entry.number));
+     }},
+    {"svid", member<&Bcm_mac_entry::svid>},
+    {"cvid", member<&Bcm_mac_entry::cvid>},
+    {"uvid", member<&Bcm_mac_entry::uvid>},
+    {"ont", [](const Bcm_mac_entry& entry) { return create_field_value(ont_text(entry)); }},
+    {"gem", member<&Bcm_mac_entry::gem>},
+    {"type", [](const Bcm_mac_entry& entry) { return create_field_value(text_of_value(entry_types, entry.type)); }},
+};
+
+} // namespace
+
+MonitoringMacTable::MonitoringMacTable(const std::shared_ptr<core::ILogger>& logger,
+                                       const std::shared_ptr<ipc::IIpc>& ipc)
+    : logger_(logger), ipc_(ipc) {}
+
+Result<Response> MonitoringMacTable::operator()(const Request& request, const std::shared_ptr<Session>& session) const {
+    return answer_with_data(session, logger_, [&]() -> Result<JsonTree> {
+        BOOST_OUTCOME_TRY(check_session(session, "No session"));
+        BOOST_OUTCOME_TRY(const auto table, get_mac_table(request));
+        return serialize_payload(*table);
+    });
+}
+
+Result<LibraryBuffer<Bcm_get_mac_table_response>> MonitoringMacTable::get_mac_table(const Request& request) const {
+    const auto& indices = request.indices;
+    if (indices.empty()) {
+        return fetch_list<Bcm_get_mac_table_response>(*logger_, custom_layer__get_mac_table, ipc_->raw());
+    }
+    if (indices.size() > 1) {
+        return core::ErrorPayload(core::Error::InvalidInputArg, "Indices cannot contain more than 1 element");
+    }
+    Bitmap_ont_range range{};
+    BOOST_OUTCOME_TRY(
+        core::call_c_api(*logger_, [&] { return get_parsed_ont_range(indices.front().c_str(), &range); }));
+    return fetch_list<Bcm_get_mac_table_response>(*logger_, custom_layer__get_mac_table_by_ont_range, ipc_->raw(),
+                                                  &range);
+}
+
+Result<JsonTree> MonitoringMacTable::serialize_payload(const Bcm_get_mac_table_response& table) {
+    BOOST_OUTCOME_TRY(auto array, create_array());
+    for (const auto& entry : std::span(table.entries, table.count)) {
+        BOOST_OUTCOME_TRY(auto* object, create_object_in_array(array.get()));
+        BOOST_OUTCOME_TRY(add_fields(object, entry, entry_fields));
+    }
+    return array;
+}
+
+} // namespace xpon::api_service

@@ -1,0 +1,142 @@
+#include "api_service/handlers/monitoring/ont_counter_tables.hpp"
+#include "api_service/handlers/monitoring/ont_counters_handler.hpp"
+
+#include <span>
+
+namespace xpon::api_service {
+
+using core::JsonTree;
+using core::Result;
+using CountersHandler = MonitoringOntCountersHandler;
+
+namespace {
+
+template <class Record>
+Result<JsonTree> compose(const CounterRecords<Record>& records, Result<void> (*fill)(cJSON* object, const Record&)) {
+    BOOST_OUTCOME_TRY(auto array, create_array());
+    for (const auto& record : records) {
+        BOOST_OUTCOME_TRY(auto* object, create_object_in_array(array.get()));
+        BOOST_OUTCOME_TRY(fill(object, *record));
+    }
+    return array;
+}
+
+/// The object of a kind whose counters have no direction.
+template <const auto& table, class Record>
+Result<void> fill(cJSON* object, const Record& record) {
+    BOOST_OUTCOME_TRY(const auto keys, instance_keys(record));
+    BOOST_OUTCOME_TRY(add_instances(object, keys, record, table));
+    if constexpr (requires { record.mc; }) {
+        BOOST_OUTCOME_TRY(add_gem_groups(object, record, table));
+    }
+    return core::success();
+}
+
+Result<void> fill_nctp(cJSON* object, const Ont_gem_port_nctp_pm& record) {
+    BOOST_OUTCOME_TRY(const auto keys, instance_keys(record));
+    BOOST_OUTCOME_TRY(add_unless_empty(object, "Downstream counters for gem", [&](cJSON* added) -> Result<void> {
+        BOOST_OUTCOME_TRY(add_instances(added, keys, record.downstream, counter_tables::nctp_downstream));
+        return add_gem_groups(added, record, counter_tables::nctp_downstream);
+    }));
+    return add_unless_empty(object, "Upstream counters for gem", [&](cJSON* added) {
+        return add_instances(added, keys, record.upstream, counter_tables::nctp_upstream);
+    });
+}
+
+using GemPorts = std::span<const Ont_gem_port_counters>;
+
+Result<void> add_gem_ports(cJSON* object, GemPorts gem_ports, Gem_port_group group) {
+    for (const auto& gem_port : gem_ports) {
+        if (gem_port.group == group) {
+            const auto key = fmt::format("GEM port {}", gem_port.gem_port);
+            BOOST_OUTCOME_TRY(add_record(object, key.c_str(), gem_port, counter_tables::olt_gem_port));
+        }
+    }
+    return core::success();
+}
+
+Result<void> fill_gem_ports(cJSON* object, const Ont__get_gem_port_counters_response& record) {
+    BOOST_OUTCOME_TRY(const GemPorts gem_ports, bounded_items(record.entries, record.count, "count"));
+    for (const auto& gem_port : gem_ports) {
+        BOOST_OUTCOME_TRY(bounded_count(gem_port.group, gem_port_broadcast, "group"));
+    }
+    BOOST_OUTCOME_TRY(add_gem_ports(object, gem_ports, gem_port_unicast));
+    BOOST_OUTCOME_TRY(add_unless_empty(
+        object, "Multicast", [&](cJSON* added) { return add_gem_ports(added, gem_ports, gem_port_multicast); }));
+    return add_unless_empty(object, "Broadcast",
+                            [&](cJSON* added) { return add_gem_ports(added, gem_ports, gem_port_broadcast); });
+}
+
+Result<void> fill_pon(cJSON* object, const Ont__get_pon_counters_response& record) {
+    return add_fields(object, record, counter_tables::olt_pon);
+}
+
+} // namespace
+
+CountersHandler::Payload
+CountersHandler::get_payload_for_pm_history_data(const CounterRecords<Ont_gem_port_pm>& records) {
+    return compose(records, fill<counter_tables::gem_port>);
+}
+
+CountersHandler::Payload
+CountersHandler::get_payload_for_nctp_pm_history_data(const CounterRecords<Ont_gem_port_nctp_pm>& records) {
+    return compose(records, fill_nctp);
+}
+
+CountersHandler::Payload
+CountersHandler::get_payload_for_eth_pm_history_data(const CounterRecords<Ont_eth_pm_history_data>& records) {
+    return compose(records, fill<counter_tables::ethernet>);
+}
+
+CountersHandler::Payload
+CountersHandler::get_payload_for_eth_pm_history_data_2(const CounterRecords<Ont_ethernet_pm_2>& records) {
+    return compose(records, fill<counter_tables::ethernet_2>);
+}
+
+CountersHandler::Payload
+CountersHandler::get_payload_for_eth_pm_history_data_3(const CounterRecords<Ont_eth_pm_history_data_3>& records) {
+    return compose(records, fill<counter_tables::ethernet_3>);
+}
+
+CountersHandler::Payload
+CountersHandler::get_payload_for_gal_eth_pm_history_data(const CounterRecords<Ont_gal_eth_pm>& records) {
+    return compose(records, fill<counter_tables::gal_ethernet>);
+}
+
+CountersHandler::Payload
+CountersHandler::get_payload_for_fec_pm_history_data(const CounterRecords<Ont_fec_pm_counters>& records) {
+    return compose(records, fill<counter_tables::fec>);
+}
+
+CountersHandler::Payload
+CountersHandler::get_payload_for_eth_frame_ext_pm(const CounterRecords<Ont_eth_frame_ext_pm>& records) {
+    return compose(records, fill_eth_frame_ext_pm);
+}
+
+CountersHandler::Payload
+CountersHandler::get_payload_for_gem_port_counters(const CounterRecords<Ont__get_gem_port_counters_response>& records) {
+    return compose(records, fill_gem_ports);
+}
+
+CountersHandler::Payload
+CountersHandler::get_payload_for_pon_counters(const CounterRecords<Ont__get_pon_counters_response>& records) {
+    return compose(records, fill_pon);
+}
+
+Result<void> CountersHandler::fill_eth_frame_ext_pm(cJSON* object, const Ont_eth_frame_ext_pm& record) {
+    BOOST_OUTCOME_TRY(const auto keys, instance_keys(record));
+    BOOST_OUTCOME_TRY(
+        add_eth_frame_ext_pm_counters_to_json(object, "Upstream counters for ports", keys, record.upstream));
+    return add_eth_frame_ext_pm_counters_to_json(object, "Downstream counters for ports", keys, record.downstream);
+}
+
+Result<void> CountersHandler::add_eth_frame_ext_pm_counters_to_json(cJSON* object, const char* key,
+                                                                    const std::vector<std::string>& instances,
+                                                                    const Ont_eth_frame_ext_pm::Direction& counters) {
+    return add_unless_empty(object, key, [&](cJSON* added) -> Result<void> {
+        BOOST_OUTCOME_TRY(add_instances(added, instances, counters, counter_tables::frame_extended));
+        return add_group(added, "veip", counters.veip, counter_tables::frame_extended);
+    });
+}
+
+} // namespace xpon::api_service

@@ -1,0 +1,83 @@
+#include "api_service/handlers/monitoring/sessions_handler.hpp"
+
+#include "api_service/handlers/answer.hpp"
+#include "api_service/handlers/library_calls.hpp"
+#include "api_service/handlers/monitoring/wire_texts.hpp"
+#include "api_service/handlers/record_fields.hpp"
+#include "api_service/handlers/session_checks.hpp"
+
+namespace xpon::api_service {
+
+using core::JsonTree;
+using core::Result;
+
+namespace {
+
+/// Where the sessions of a kind come from and what is told of each.
+template <class SessionList>
+struct SessionTable;
+
+template <>
+struct SessionTable<Dhcp_get_sessions_msg> {
+    static constexpr auto fetch = custom_layer__get_dhcp_session;
+    static constexpr JsonField<Dhcp_session> fields[] = {
+        {"pon_port_id", member<&Dhcp_session::pon_port>},
+        {"ont_id", member<&Dhcp_session::ont_id>},
+        {"mac", [](const Dhcp_session& lease) { return create_field_value(mac_text(lease.mac)); }},
+        {"service_id", member<&Dhcp_session::service_id>},
+        {"gem_port", member<&Dhcp_session::gem_port>},
+        {"outer_vid", member<&Dhcp_session::outer_vid>},
+        {"ip", [](const Dhcp_session& lease) { return create_field_value(ipv4_text(lease.ip)); }},
+        {"life_time_msec", member<&Dhcp_session::life_time_msec>},
+        {"ont_serial", member<&Dhcp_session::ont_serial>},
+    };
+};
+
+template <>
+struct SessionTable<Pppoe_get_sessions_msg> {
+    static constexpr auto fetch = custom_layer__get_pppoe_session;
+    static constexpr JsonField<Pppoe_session> fields[] = {
+        {"pon_port_id", member<&Pppoe_session::pon_port>},
+        {"ont_id", member<&Pppoe_session::ont_id>},
+        {"gem_port", member<&Pppoe_session::gem_port>},
+        {"session_id", member<&Pppoe_session::session_id>},
+        {"ont_serial", member<&Pppoe_session::ont_serial>},
+        {"duration_sec", member<&Pppoe_session::duration_sec>},
+        {"unblock_rest_sec", member<&Pppoe_session::unblock_rest_sec>},
+        {"client_mac", [](const Pppoe_session& session) { return create_field_value(mac_text(session.client_mac)); }},
+    };
+};
+
+} // namespace
+
+template <class SessionList>
+MonitoringSessionsHandler<SessionList>::MonitoringSessionsHandler(const std::shared_ptr<core::ILogger>& logger,
+                                                                  const std::shared_ptr<ipc::IIpc>& ipc)
+    : logger_(logger), ipc_(ipc) {}
+
+template <class SessionList>
+Result<Response> MonitoringSessionsHandler<SessionList>::operator()(const Request&,
+                                                                    const std::shared_ptr<Session>& session) const {
+    return answer_with_data(session, logger_, [&]() -> Result<JsonTree> {
+        BOOST_OUTCOME_TRY(check_session(session, "No session"));
+        BOOST_OUTCOME_TRY(const auto sessions,
+                          fetch_list<SessionList>(*logger_, SessionTable<SessionList>::fetch, ipc_->raw()));
+        return serialize_payload(*sessions);
+    });
+}
+
+template <class SessionList>
+Result<JsonTree> MonitoringSessionsHandler<SessionList>::serialize_payload(const SessionList& sessions) {
+    BOOST_OUTCOME_TRY(auto root, create_object());
+    BOOST_OUTCOME_TRY(auto* array, add_array_subobject(root.get(), "sessions"));
+    for (std::uint32_t i = 0; i < sessions.count; ++i) {
+        BOOST_OUTCOME_TRY(auto* object, create_object_in_array(array, i));
+        BOOST_OUTCOME_TRY(add_fields(object, sessions.entries[i], SessionTable<SessionList>::fields));
+    }
+    return root;
+}
+
+template class MonitoringSessionsHandler<Dhcp_get_sessions_msg>;
+template class MonitoringSessionsHandler<Pppoe_get_sessions_msg>;
+
+} // namespace xpon::api_service
