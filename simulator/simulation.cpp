@@ -88,6 +88,10 @@ void Simulation::clear_all_faults() {
     write_facts();
 }
 
+void Simulation::note(std::string_view text) const {
+    events_.write(text);
+}
+
 void Simulation::set_rate(double rate) {
     advance();
     clock_.set_rate(rate);

@@ -10,6 +10,7 @@
 #include <functional>
 #include <map>
 #include <span>
+#include <string_view>
 
 namespace xpon::simulator {
 
@@ -36,6 +37,9 @@ public:
     void set_fault(Fault fault, PlantTime lasts);
     bool clear_fault(const FaultRule& rule, const FaultTarget& target);
     void clear_all_faults();
+
+    /// Writes a line to the OLT's events.
+    void note(std::string_view text) const;
 
     void set_rate(double rate);
     void step(PlantTime by);

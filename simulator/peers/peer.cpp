@@ -4,6 +4,7 @@
 #include "xpon/olt_root/olt_root.hpp"
 
 #include <algorithm>
+#include <system_error>
 
 #include <fmt/format.h>
 
@@ -25,22 +26,39 @@ const Fault* Peer::fault(FaultKind kind) const {
 
 bool Peer::is_up() const {
     // Without the broker nobody reaches anybody.
-    const auto& faults = simulation_.plant().faults();
-    return fault(FaultKind::peer_down) == nullptr && !faults.has(FaultKind::peer_down, target_of("ipc-broker"));
+    const auto& plant = simulation_.plant();
+    return !plant.is_booting() && fault(FaultKind::peer_down) == nullptr &&
+           !plant.faults().has(FaultKind::peer_down, target_of("ipc-broker"));
 }
 
 ipc::ServerAnswer Peer::handle(const ipc::ServerRequest& request) {
     simulation_.advance();
+    if (!is_up()) {
+        // Since this very turn of the server: it goes on to serve what had arrived.
+        return {ECONNREFUSED, {}, {}};
+    }
     ipc::ServerAnswer answer{EOPNOTSUPP, {}, {}};
     const auto routes = description_.routes();
     const auto route = std::ranges::find(routes, static_cast<ipc::Operation>(request.operation), &PeerRoute::operation);
     if (const auto* const error = fault(FaultKind::peer_error)) {
         answer.status = static_cast<int>(error->value);
     } else if (route != routes.end()) {
-        answer = route->answer(simulation_.plant(), request.payload);
+        answer = this->answer(*route, request);
     }
-    answer.delay = greet(request).delay;
+    answer.delay += greet(request).delay;
     return answer;
+}
+
+ipc::ServerAnswer Peer::answer(const PeerRoute& route, const ipc::ServerRequest& request) {
+    if (const auto* const report = std::get_if<Report>(&route.answer)) {
+        return (*report)(simulation_.plant(), request.payload);
+    }
+    try {
+        return std::get<Action>(route.answer)(simulation_, request);
+    } catch (const std::system_error& refusal) {
+        simulation_.note(fmt::format("refused to {:#010x}: {}", request.client.value, refusal.what()));
+        return {refusal.code().value(), {}, {}};
+    }
 }
 
 ipc::ServerAnswer Peer::greet(const ipc::ServerRequest&) {

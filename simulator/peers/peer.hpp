@@ -10,13 +10,20 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <variant>
 
 namespace xpon::simulator {
 
-/// One operation that a peer answers from the plant. Payloads are those of the list of operations.
+/// Tells what is true of the plant.
+using Report = ipc::ServerAnswer (*)(const Plant&, std::span<const std::byte> payload);
+/// Does something to the OLT. A std::system_error that it throws is a refusal: its errno value is the answer, its text
+/// goes to the OLT's events.
+using Action = ipc::ServerAnswer (*)(Simulation&, const ipc::ServerRequest&);
+
+/// One operation that a peer answers. Payloads are those of the list of operations.
 struct PeerRoute {
     ipc::Operation operation;
-    ipc::ServerAnswer (*answer)(const Plant&, std::span<const std::byte> payload);
+    std::variant<Report, Action> answer;
 };
 
 struct PeerDescription {
@@ -39,7 +46,7 @@ public:
     [[nodiscard]] const PeerDescription& description() const {
         return description_;
     }
-    /// Whether the plant's faults leave the daemon running.
+    /// Whether the daemon runs: the OLT does, and no fault keeps it down.
     [[nodiscard]] bool is_up() const;
     /// The daemon starts, again or for the first time, or ends.
     /// @{
@@ -57,6 +64,7 @@ protected:
 
 private:
     [[nodiscard]] const Fault* fault(FaultKind kind) const;
+    ipc::ServerAnswer answer(const PeerRoute& route, const ipc::ServerRequest& request);
     void log(std::string_view text) const;
 
     const PeerDescription& description_;

@@ -85,6 +85,8 @@ enum class Operation : std::uint16_t {
     get_firmware_update_status = 71,
     /// std::uint32_t, a Firmware_selector.
     select_image = 72,
+    /// Nothing. Asked before the running configuration is written to a file; an error forbids it.
+    save_configuration = 73,
 };
 
 /// Which counters of which ONT, numbers from 1.
@@ -127,6 +129,7 @@ inline constexpr std::array operation_owners{
     OperationOwner{Operation::update_firmware, peers::system_manager},
     OperationOwner{Operation::get_firmware_update_status, peers::system_manager},
     OperationOwner{Operation::select_image, peers::system_manager},
+    OperationOwner{Operation::save_configuration, peers::dna},
 };
 
 /// Empty for an operation that every peer knows, or none.
