@@ -12,10 +12,24 @@ namespace xpon::simulator {
 
 Simulation::Simulation(const Options& options)
     : events_(below_olt_root("/var/log/events.log")), clock_(options.uptime, options.clock_rate),
-      plant_({.plant = options.plant, .size = options.size, .seed = options.seed}, follower_.configuration()) {
+      plant_({.plant = options.plant, .size = options.size, .seed = options.seed}, follower_.configuration()),
+      firmware_(make_firmware(options)), boot_time_(options.boot_time) {
     plant_.advance(options.uptime);
     events_.write(fmt::format("OLT started, plant {} of seed {}", options.plant->name, options.seed));
+    for (const auto& complaint : firmware_.complaints()) {
+        events_.write(complaint);
+    }
     write_facts();
+}
+
+Firmware Simulation::make_firmware(const Options& options) const {
+    const auto& board = *options.plant->board;
+    const auto facts = read_device_facts();
+    const bool ran_before = facts && facts->factory.serial_number == std::string_view(board.serial_number);
+    return {{.board = &board,
+             .write_time = options.firmware_write_time,
+             .is_spoilt = [this](unsigned slot) { return is_slot_spoilt(plant_, slot); }},
+            ran_before ? std::optional<unsigned>(facts->running_slot) : std::nullopt};
 }
 
 void Simulation::advance() {
@@ -88,6 +102,45 @@ void Simulation::clear_all_faults() {
     write_facts();
 }
 
+void Simulation::reboot() {
+    advance();
+    follower_.restart();
+    firmware_.boot();
+    plant_.configure(follower_.configuration());
+    plant_.boot(boot_time_);
+    write_facts();
+}
+
+void Simulation::restart_pon_ports(const std::function<bool(unsigned port)>& is_meant) {
+    advance();
+    plant_.restart_pon_ports(is_meant);
+}
+
+std::vector<std::uint16_t> Simulation::command_onts(OntCommand command,
+                                                    const std::function<bool(std::uint16_t index)>& is_meant) {
+    advance();
+    return plant_.command_onts(command, is_meant);
+}
+
+void Simulation::select_firmware(std::uint32_t selector) {
+    advance();
+    firmware_.select(selector);
+    write_facts();
+}
+
+void Simulation::start_firmware_update(const std::string& path) {
+    advance();
+    firmware_.start_update(path);
+    write_facts();
+}
+
+void Simulation::work() {
+    if (const auto outcome = firmware_.write_on()) {
+        events_.write(*outcome);
+        write_facts();
+    }
+}
+
 void Simulation::note(std::string_view text) const {
     events_.write(text);
 }
@@ -110,7 +163,7 @@ void Simulation::schedule(PlantTime in, std::function<void()> action) {
 }
 
 void Simulation::write_facts() const {
-    write_device_facts(report_device_facts(plant_, clock_.rate()));
+    write_device_facts(report_device_facts(plant_, firmware_.slots(), clock_.rate()));
 }
 
 } // namespace xpon::simulator

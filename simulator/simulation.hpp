@@ -2,6 +2,7 @@
 
 #include "simulator/configuration_follower.hpp"
 #include "simulator/event_log.hpp"
+#include "simulator/firmware/firmware.hpp"
 #include "simulator/options.hpp"
 #include "simulator/plant/plant.hpp"
 #include "simulator/plant/plant_clock.hpp"
@@ -18,6 +19,8 @@ namespace xpon::simulator {
 class Simulation {
 public:
     explicit Simulation(const Options& options);
+    Simulation(const Simulation&) = delete;
+    Simulation& operator=(const Simulation&) = delete;
 
     /// Brings the plant to the present. Every use of the plant begins with it.
     void advance();
@@ -38,6 +41,24 @@ public:
     bool clear_fault(const FaultRule& rule, const FaultTarget& target);
     void clear_all_faults();
 
+    [[nodiscard]] const Firmware& firmware() const {
+        return firmware_;
+    }
+
+    // What the OLT is told to do. Refusals are std::system_error with the errno value for who asked.
+
+    /// Into the next-boot slot and the saved configuration. What testers injected or planned stays.
+    void reboot();
+    void restart_pon_ports(const std::function<bool(unsigned port)>& is_meant);
+    /// Indices of the configurations of the ONTs that were told.
+    std::vector<std::uint16_t> command_onts(OntCommand command,
+                                            const std::function<bool(std::uint16_t index)>& is_meant);
+    void select_firmware(std::uint32_t selector);
+    void start_firmware_update(const std::string& path);
+
+    /// What the OLT does by itself: a firmware update goes on. To be called often.
+    void work();
+
     /// Writes a line to the OLT's events.
     void note(std::string_view text) const;
 
@@ -52,12 +73,15 @@ public:
 
 private:
     void advance_plant();
+    [[nodiscard]] Firmware make_firmware(const Options& options) const;
     void write_facts() const;
 
     EventLog events_;
     ConfigurationFollower follower_;
     PlantClock clock_;
     Plant plant_;
+    Firmware firmware_;
+    PlantTime boot_time_;
     std::multimap<PlantTime, std::function<void()>> schedule_;
     bool is_advancing_ = false;
 };

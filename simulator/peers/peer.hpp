@@ -80,11 +80,18 @@ ipc::ServerAnswer answer_record(const Plant& plant, std::span<const std::byte> p
     return {0, ipc::record_payload(Report(plant)), {}};
 }
 
+/// Empty when the payload is no such bitmap.
+template <class Bitmap>
+std::optional<Bitmap> parse_bitmap(std::span<const std::byte> payload) {
+    const auto bitmap = ipc::parse_record<Bitmap>(payload);
+    return bitmap && bitmap->size <= sizeof bitmap->bits * 8 ? bitmap : std::nullopt;
+}
+
 /// The answer of a route that takes a bitmap and gives a list.
 template <class Bitmap, auto Report>
 ipc::ServerAnswer answer_list(const Plant& plant, std::span<const std::byte> payload) {
-    const auto bitmap = ipc::parse_record<Bitmap>(payload);
-    if (!bitmap || bitmap->size > sizeof bitmap->bits * 8) {
+    const auto bitmap = parse_bitmap<Bitmap>(payload);
+    if (!bitmap) {
         return {EINVAL, {}, {}};
     }
     const auto entries = Report(plant, *bitmap);

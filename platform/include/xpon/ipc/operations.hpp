@@ -81,7 +81,8 @@ enum class Operation : std::uint16_t {
     /// @}
     /// The text of a path. The writing goes on after the answer.
     update_firmware = 70,
-    /// Nothing. Answers EBUSY while an update writes, then how the last one ended.
+    /// Nothing. Answers EBUSY while an update writes, after a pause that lets it be asked over and over; then how the
+    /// last one ended: ECANCELED when it was cut off, or there was none since the daemon's start.
     get_firmware_update_status = 71,
     /// std::uint32_t, a Firmware_selector.
     select_image = 72,
