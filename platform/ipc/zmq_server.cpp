@@ -46,11 +46,7 @@ class ServedPeer {
 public:
     ServedPeer(zmq::context_t& context, Address address, IPeerHandler& handler, core::ILogger& logger)
         : address_(address), handler_(handler), logger_(logger),
-          socket_(make_socket(context, zmq::socket_type::router)) {
-        // Who was answered just before the end still hears it.
-        static constexpr int farewell_ms = 200;
-        socket_.set(zmq::sockopt::linger, farewell_ms);
-    }
+          socket_(make_socket(context, zmq::socket_type::router)) {}
 
     ~ServedPeer() {
         std::error_code ignored;

@@ -85,11 +85,8 @@ Firmware::Firmware(Settings settings, std::optional<unsigned> running)
         files_.emplace_back(slot_path(folder_, slot));
     }
     chosen_ = read_choice(folder_);
-    if (running && *running < slot_count) {
-        running_ = static_cast<std::uint8_t>(*running);
-    } else {
-        boot();
-    }
+    settle_choice();
+    running_ = running && *running < slot_count ? static_cast<std::uint8_t>(*running) : chosen_;
 }
 
 FirmwareSlots Firmware::slots() const {
@@ -108,9 +105,13 @@ void Firmware::boot() {
         update_.reset();
         last_status_ = ECANCELED;
     }
-    running_ = slots().next_boot();
-    if (running_ != chosen_) {
-        choose(running_);
+    settle_choice();
+    running_ = chosen_;
+}
+
+void Firmware::settle_choice() {
+    if (const auto slot = slots().next_boot(); slot != chosen_) {
+        choose(slot);
     }
 }
 

@@ -61,6 +61,8 @@ private:
     };
 
     void choose(unsigned slot);
+    /// A chosen slot that is invalid after a start is chosen no more.
+    void settle_choice();
     /// True when the image is there.
     bool write_some();
 

@@ -34,7 +34,7 @@ bool Peer::is_up() const {
 ipc::ServerAnswer Peer::handle(const ipc::ServerRequest& request) {
     simulation_.advance();
     if (!is_up()) {
-        // Since this very turn of the server: it goes on to serve what had arrived.
+        // It is about to be served no more.
         return {ECONNREFUSED, {}, {}};
     }
     ipc::ServerAnswer answer{EOPNOTSUPP, {}, {}};
@@ -46,7 +46,13 @@ ipc::ServerAnswer Peer::handle(const ipc::ServerRequest& request) {
         answer = this->answer(*route, request);
     }
     answer.delay += greet(request).delay;
+    last_answer_ = Clock::now();
     return answer;
+}
+
+bool Peer::has_just_answered() const {
+    static constexpr std::chrono::seconds reading_time{1};
+    return last_answer_ && Clock::now() - *last_answer_ < reading_time;
 }
 
 ipc::ServerAnswer Peer::answer(const PeerRoute& route, const ipc::ServerRequest& request) {
@@ -69,7 +75,7 @@ ipc::ServerAnswer Peer::greet(const ipc::ServerRequest&) {
 }
 
 void Peer::notice(const ipc::ServerRequest& request) {
-    if (static_cast<ipc::Operation>(request.operation) != ipc::Operation::configuration_changed) {
+    if (!is_up() || static_cast<ipc::Operation>(request.operation) != ipc::Operation::configuration_changed) {
         return;
     }
     if (const auto changes = parse_change_notice(request.payload)) {

@@ -7,6 +7,7 @@
 #include "xpon/ipc/server.hpp"
 
 #include <cerrno>
+#include <chrono>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -48,6 +49,8 @@ public:
     }
     /// Whether the daemon runs: the OLT does, and no fault keeps it down.
     [[nodiscard]] bool is_up() const;
+    /// Whether somebody may not have read an answer yet: a connection that ends takes it along.
+    [[nodiscard]] bool has_just_answered() const;
     /// The daemon starts, again or for the first time, or ends.
     /// @{
     void start();
@@ -67,8 +70,11 @@ private:
     ipc::ServerAnswer answer(const PeerRoute& route, const ipc::ServerRequest& request);
     void log(std::string_view text) const;
 
+    using Clock = std::chrono::steady_clock;
+
     const PeerDescription& description_;
     Simulation& simulation_;
+    std::optional<Clock::time_point> last_answer_;
 };
 
 /// The answer of a route that takes nothing and gives a record.
