@@ -4,6 +4,7 @@
 #include "simulator/plant/board_report.hpp"
 #include "xpon/olt_root/olt_root.hpp"
 
+#include <system_error>
 #include <utility>
 
 #include <fmt/format.h>
@@ -19,7 +20,7 @@ Simulation::Simulation(const Options& options)
     for (const auto& complaint : firmware_.complaints()) {
         events_.write(complaint);
     }
-    write_facts();
+    write_device_facts(present_facts());
 }
 
 Firmware Simulation::make_firmware(const Options& options) const {
@@ -130,13 +131,22 @@ void Simulation::select_firmware(std::uint32_t selector) {
 
 void Simulation::start_firmware_update(const std::string& path) {
     advance();
-    firmware_.start_update(path);
+    try {
+        firmware_.start_update(path);
+    } catch (const std::system_error&) {
+        // A fault of the flash may have cost the slot what it held.
+        write_facts();
+        throw;
+    }
     write_facts();
 }
 
 void Simulation::work() {
     if (const auto outcome = firmware_.write_on()) {
         events_.write(*outcome);
+        write_facts();
+    }
+    if (facts_are_old_) {
         write_facts();
     }
 }
@@ -162,8 +172,18 @@ void Simulation::schedule(PlantTime in, std::function<void()> action) {
     schedule_.emplace(plant_.now() + in, std::move(action));
 }
 
-void Simulation::write_facts() const {
-    write_device_facts(report_device_facts(plant_, firmware_.slots(), clock_.rate()));
+Device_facts Simulation::present_facts() const {
+    return report_device_facts(plant_, firmware_.slots(), clock_.rate());
+}
+
+void Simulation::write_facts() {
+    try {
+        write_device_facts(present_facts());
+        facts_are_old_ = false;
+    } catch (const std::system_error&) {
+        // A full disk must not stop the OLT: it is tried again until it succeeds.
+        facts_are_old_ = true;
+    }
 }
 
 } // namespace xpon::simulator

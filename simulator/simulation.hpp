@@ -6,6 +6,7 @@
 #include "simulator/options.hpp"
 #include "simulator/plant/plant.hpp"
 #include "simulator/plant/plant_clock.hpp"
+#include "xpon/custom_layer/device_facts.h"
 #include "xpon/service/config_change.hpp"
 
 #include <functional>
@@ -56,7 +57,7 @@ public:
     void select_firmware(std::uint32_t selector);
     void start_firmware_update(const std::string& path);
 
-    /// What the OLT does by itself: a firmware update goes on. To be called often.
+    /// What the OLT does by itself: a firmware update goes on, files that could not be written are. To be called often.
     void work();
 
     /// Writes a line to the OLT's events.
@@ -74,7 +75,8 @@ public:
 private:
     void advance_plant();
     [[nodiscard]] Firmware make_firmware(const Options& options) const;
-    void write_facts() const;
+    [[nodiscard]] Device_facts present_facts() const;
+    void write_facts();
 
     EventLog events_;
     ConfigurationFollower follower_;
@@ -84,6 +86,7 @@ private:
     PlantTime boot_time_;
     std::multimap<PlantTime, std::function<void()>> schedule_;
     bool is_advancing_ = false;
+    bool facts_are_old_ = false;
 };
 
 } // namespace xpon::simulator

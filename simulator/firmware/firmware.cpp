@@ -185,7 +185,8 @@ bool Firmware::write_some() {
     const auto size = image.payload.size();
     const std::chrono::duration<double, std::milli> passed = Clock::now() - begun;
     const bool is_due = passed >= settings_.write_time;
-    const auto due = is_due ? size : static_cast<std::size_t>(static_cast<double>(size) * (passed / settings_.write_time));
+    const auto due =
+        is_due ? size : static_cast<std::size_t>(static_cast<double>(size) * (passed / settings_.write_time));
     const auto piece = std::min(due - std::min(written, due), largest_piece);
     if (piece != 0) {
         files_.at(slot).write(written, std::span(image.payload).subspan(written, piece));

@@ -42,8 +42,8 @@ public:
     /// Judges the image in the file `path`, taken below OLT_ROOT, and begins to write it to the slot that does not run.
     /// A refused one changes nothing. EBUSY while an update runs.
     void start_update(const std::string& path);
-    /// EBUSY while an update is being written; then how it ended, 0 or an errno value. ECANCELED when it was cut off, or
-    /// when there was none since the simulator's start.
+    /// EBUSY while an update is being written; then how it ended, 0 or an errno value. ECANCELED when it was cut off,
+    /// or when there was none since the simulator's start.
     [[nodiscard]] int update_status() const {
         return update_ ? EBUSY : last_status_;
     }

@@ -128,8 +128,9 @@ ImageHeader parse_image_header(std::span<const std::byte> begin, std::uint64_t f
     const auto format = read_number<std::uint16_t>(begin, format_at);
     const auto header_size = read_number<std::uint16_t>(begin, header_size_at);
     if (format != format_version || header_size != image_header_size) {
-        refuse(EINVAL, name, fmt::format("it is of format {} with a header of {} bytes, known is format {} with {}", format,
-                                   header_size, format_version, image_header_size));
+        refuse(EINVAL, name,
+               fmt::format("it is of format {} with a header of {} bytes, known is format {} with {}", format,
+                           header_size, format_version, image_header_size));
     }
     ImageHeader header{.payload_size = read_number<std::uint32_t>(begin, payload_size_at),
                        .payload_crc = read_number<std::uint32_t>(begin, payload_crc_at),
@@ -137,12 +138,13 @@ ImageHeader parse_image_header(std::span<const std::byte> begin, std::uint64_t f
                        .hardware_id = read_number<std::uint32_t>(begin, hardware_at),
                        .built = read_number<std::uint32_t>(begin, built_at)};
     if (header.payload_size < smallest_payload || header.payload_size > largest_payload) {
-        refuse(EINVAL, name, fmt::format("it has a payload of {} bytes; possible are {} to {}", header.payload_size,
-                                   smallest_payload, largest_payload));
+        refuse(EINVAL, name,
+               fmt::format("it has a payload of {} bytes; possible are {} to {}", header.payload_size, smallest_payload,
+                           largest_payload));
     }
     if (header.hardware_id != olt_hardware_id) {
-        refuse(ENODEV, name, fmt::format("it is made for hardware {:#010x}, this is {:#010x}", header.hardware_id,
-                                   olt_hardware_id));
+        refuse(ENODEV, name,
+               fmt::format("it is made for hardware {:#010x}, this is {:#010x}", header.hardware_id, olt_hardware_id));
     }
     const auto expected_size = image_header_size + std::uint64_t{header.payload_size};
     if (file_size != expected_size) {

@@ -51,8 +51,9 @@ std::uint32_t crc32_of(std::span<const std::byte> bytes);
 ImageHeaderBytes encode(const ImageHeader& header);
 
 /// The header of a file of `file_size` bytes that begins with `begin`, its first 64 bytes or as many as there are.
-/// Errors call the file `name`. Throws std::system_error for what is no image for this OLT: EINVAL for none at all, ENODEV for another device's,
-/// ENODATA for a file that is too short, EFBIG for one that is too long, EBADMSG for a wrong checksum.
+/// Errors call the file `name`. Throws std::system_error for what is no image for this OLT: EINVAL for none at all,
+/// ENODEV for another device's, ENODATA for a file that is too short, EFBIG for one that is too long, EBADMSG for a
+/// wrong checksum.
 ImageHeader parse_image_header(std::span<const std::byte> begin, std::uint64_t file_size, std::string_view name);
 
 /// The image in a file. Throws as above; EINVAL for what is no file, EBADMSG for a payload that is damaged, and

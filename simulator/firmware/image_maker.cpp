@@ -29,8 +29,7 @@ void write_image(const std::filesystem::path& path, const FirmwareImage& image) 
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
     const auto header = encode(image.header);
     file.write(reinterpret_cast<const char*>(header.data()), static_cast<std::streamsize>(header.size()));
-    file.write(reinterpret_cast<const char*>(image.payload.data()),
-               static_cast<std::streamsize>(image.payload.size()));
+    file.write(reinterpret_cast<const char*>(image.payload.data()), static_cast<std::streamsize>(image.payload.size()));
     file.close();
     if (!file) {
         throw std::system_error(errno, std::generic_category(), path.string());

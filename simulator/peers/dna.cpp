@@ -19,7 +19,8 @@ Snmp_environment_data report_engine_id(const Plant& plant) {
     constexpr unsigned format_mac = 3;
     std::string mac(plant.parameters().plant->board->mac_address);
     std::erase(mac, ':');
-    std::ranges::transform(mac, mac.begin(), [](unsigned char digit) { return static_cast<char>(std::tolower(digit)); });
+    std::ranges::transform(mac, mac.begin(),
+                           [](unsigned char digit) { return static_cast<char>(std::tolower(digit)); });
     Snmp_environment_data data{};
     put_text(data.engine_id, fmt::format("{:08x}{:02x}{}", enterprise | 0x80000000U, format_mac, mac));
     return data;

@@ -12,8 +12,8 @@
 namespace xpon::simulator {
 namespace {
 
-using testing::HasSubstr;
 using test::eventually;
+using testing::HasSubstr;
 
 using OntCall = int (*)(Ipc*, const Bitmap_ont_range*);
 

@@ -1,6 +1,7 @@
 #include "custom_layer/own_connection.hpp"
 #include "ipc/ipc_handle.hpp"
 #include "simulator/firmware/image_maker.hpp"
+#include "simulator/sim_command/make_image.hpp"
 #include "tests/support/eventually.hpp"
 #include "tests/support/recording_logger.hpp"
 #include "tests/unit/simulator/live_olt.hpp"
@@ -90,7 +91,9 @@ protected:
 
 TEST_F(FirmwareTest, AnUpdateWritesTheOtherSlotAndABootRunsIt) {
     EXPECT_EQ(slots(), expected(old_running, old_alternate, 0, 0));
-    put_image("new.img", make_image("1.5.0.1", 2 * mib, 1'724'842'800));
+    const auto file = (root.path() / "firmware/new.img").string();
+    const std::vector<std::string> words{"--version", "1.5.0.1", "--size-mib", "2", "--built", "1724842800", file};
+    ASSERT_EQ(make_image_file(words), 0);
     EXPECT_EQ(update("/firmware/new.img"), 0);
     EXPECT_EQ(slots(), expected(old_running, "1.5.0.1", 0, 0));
     Firmware_version_info info;
@@ -209,6 +212,46 @@ TEST_F(FirmwareTest, OnlyAValidSlotIsSelected) {
     reboot();
     must({"clear", "slot_corrupt", "1"});
     EXPECT_EQ(slots(), expected(old_running, old_alternate, 0, 0));
+}
+
+TEST_F(FirmwareTest, FaultsOfTheDiskEndTheUpdateAndNotTheOlt) {
+    put_image("new.img", make_image("1.5.0.1", mib, 0));
+    const auto slot = root.path() / "firmware/SIM0A0000042/slot-1.img";
+    std::filesystem::remove(slot);
+    std::filesystem::create_symlink("/dev/full", slot);
+    EXPECT_EQ(update("/firmware/new.img"), ENOSPC);
+    EXPECT_EQ(slots(), expected(old_running, "", 0, 0));
+    EXPECT_THAT(root.read("var/log/events.log"), HasSubstr("refused to 0x001bfffe: " + slot.string()));
+    std::filesystem::remove(slot);
+
+    // Nor does it stop when it cannot tell the world.
+    const auto in_the_way = root.path() / "run/device_facts.new";
+    std::filesystem::create_directory(in_the_way);
+    EXPECT_EQ(update("/firmware/new.img"), 0);
+    EXPECT_EQ(slots(), expected(old_running, "", 0, 0));
+    std::filesystem::remove(in_the_way);
+    EXPECT_TRUE(eventually([] { return slots() == expected(old_running, "1.5.0.1", 0, 0); }));
+}
+
+TEST(MakeImage, BadCommandLinesMakeNothing) {
+    const test::TemporaryOltRoot root;
+    const auto file = (root.path() / "new.img").string();
+    const std::vector<std::string> cases[] = {
+        {file},
+        {"--version", "1"},
+        {"--version", "", file},
+        {"--version", "1 5", file},
+        {"--version", std::string(32, '1'), file},
+        {"--version", "1", "--size-mib", "0", file},
+        {"--version", "1", "--size-mib", "65", file},
+        {"--version", "1", "--hardware-id", "x", file},
+        {"--version", "1", file, "more"},
+    };
+    for (const auto& words : cases) {
+        EXPECT_EQ(make_image_file(words), 2) << testing::PrintToString(words);
+        EXPECT_FALSE(std::filesystem::exists(file));
+    }
+    EXPECT_EQ(make_image_file(std::vector<std::string>{"--version", "1", "/dev/full"}), 1);
 }
 
 class SlowFlashTest : public FirmwareTest {

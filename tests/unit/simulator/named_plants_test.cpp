@@ -183,9 +183,9 @@ TEST(NamedPlants, LeaveNoFieldAtOneValue) {
         Plant plant(parameters, configuration);
         plant.advance(named.uptime);
         see_environment(seen, report_environment(plant));
-        const Firmware firmware({.board = named.board,
-                                 .is_spoilt = [&](unsigned slot) { return is_slot_spoilt(plant, slot); }},
-                                std::nullopt);
+        const Firmware firmware(
+            {.board = named.board, .is_spoilt = [&](unsigned slot) { return is_slot_spoilt(plant, slot); }},
+            std::nullopt);
         see_facts(seen, report_device_facts(plant, firmware.slots(), 1));
         see_ports(seen, plant);
         see_onts(seen, plant);

@@ -94,9 +94,8 @@ TEST_F(OwnConnectionTest, AnUpdateWaitsForItsEndAndPassesItOn) {
             EXPECT_EQ(operation, Operation::get_firmware_update_status);
             return {++status_questions < 5 ? EBUSY : outcome, {}, {}};
         });
-        EXPECT_TRUE(eventually([&] {
-            return errno_of(custom_layer__update_firmware("/firmware/new 1.img")) == outcome;
-        }));
+        EXPECT_TRUE(
+            eventually([&] { return errno_of(custom_layer__update_firmware("/firmware/new 1.img")) == outcome; }));
         EXPECT_EQ(status_questions, 5);
         EXPECT_THAT(manager.requests(), ElementsAre("/firmware/new 1.img", "", "", "", "", ""));
     }
@@ -116,8 +115,7 @@ TEST_F(OwnConnectionTest, AnUpdateEndsWithItsDaemon) {
         EXPECT_TRUE(eventually([&] { return manager->requests().size() > 3; }));
         manager.reset();
     });
-    EXPECT_THAT(errno_of(custom_layer__update_firmware("/firmware/new.img")),
-                AnyOf(ECONNRESET, ECONNREFUSED));
+    EXPECT_THAT(errno_of(custom_layer__update_firmware("/firmware/new.img")), AnyOf(ECONNRESET, ECONNREFUSED));
 }
 
 } // namespace
