@@ -1,5 +1,6 @@
 #include "simulator/configuration_follower.hpp"
 
+#include "xpon/cfgdb/configuration_file.hpp"
 #include "xpon/cfgdb/element_functions.hpp"
 #include "xpon/cfgdb/running_onts.hpp"
 #include "xpon/ipc/operations.hpp"
@@ -86,6 +87,15 @@ unsigned mbps_of(cfgdb::FrontPort::Speed speed) {
 } // namespace
 
 ConfigurationFollower::ConfigurationFollower() {
+    read_all();
+}
+
+void ConfigurationFollower::restart() {
+    check(cfgdb::restart_from_saved_configuration(database_.handle()));
+    read_all();
+}
+
+void ConfigurationFollower::read_all() {
     for (const auto peer : {peers::system_manager, peers::switch_chip, peers::pon_state_machine}) {
         reload(peer);
     }

@@ -24,10 +24,14 @@ public:
     /// Reads all that is the business of one peer: of the PON state machine, the switch chip or the system manager.
     void reload(ipc::Address peer);
 
+    /// Has the running configuration become what it is after a start of the OLT, and reads all of it.
+    void restart();
+
     /// Reads what a commit changed of it. False when that is nothing.
     bool follow(ipc::Address peer, std::span<const service::Config_change> changes);
 
 private:
+    void read_all();
     void read_fans();
     void read_hostname();
     void read_front_port(std::uint16_t index);

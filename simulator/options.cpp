@@ -33,6 +33,9 @@ std::variant<Options, int> parse_options(int count, const char* const* arguments
     double rate = Options{}.clock_rate;
     std::optional<std::uint32_t> uptime_s;
     bool applies_hostname = false;
+    std::uint32_t boot_s = 20;
+    std::uint32_t firmware_write_s = 0;
+    constexpr std::uint32_t longest_s = 600;
 
     CLI::App app("Plays the peer daemons of an OLT whose files are below the folder OLT_ROOT.", "olt_simulator");
     app.add_option("--plant", plant, fmt::format("the plant to simulate (default: {})", default_plant))
@@ -47,6 +50,11 @@ std::variant<Options, int> parse_options(int count, const char* const* arguments
     app.add_option("--uptime", uptime_s, "seconds that the OLT has been running; 0: its ONTs have yet to start");
     app.add_flag("--apply-hostname", applies_hostname,
                  "make the configured host name that of the UTS namespace, which must not be the machine's");
+    app.add_option("--boot-s", boot_s, "seconds of the plant's time that a restart of the OLT takes (default: 20)")
+        ->check(CLI::Range(0U, longest_s));
+    app.add_option("--firmware-write-s", firmware_write_s,
+                   "seconds of real time that a firmware update blocks its caller (default: 0)")
+        ->check(CLI::Range(0U, longest_s));
     try {
         app.parse(count, arguments);
         const auto* const named = find_plant(plant);
@@ -60,6 +68,8 @@ std::variant<Options, int> parse_options(int count, const char* const* arguments
                        .seed = seed,
                        .uptime = uptime_s ? std::chrono::seconds(*uptime_s) : named->uptime,
                        .clock_rate = rate,
+                       .boot_time = std::chrono::seconds(boot_s),
+                       .firmware_write_time = std::chrono::seconds(firmware_write_s),
                        .applies_hostname = applies_hostname};
     } catch (const CLI::ParseError& error) {
         return app.exit(error, std::cout, std::cerr) == 0 ? 0 : 2;

@@ -4,6 +4,7 @@
 #include "simulator/plant/board_report.hpp"
 #include "xpon/olt_root/olt_root.hpp"
 
+#include <system_error>
 #include <utility>
 
 #include <fmt/format.h>
@@ -12,10 +13,24 @@ namespace xpon::simulator {
 
 Simulation::Simulation(const Options& options)
     : events_(below_olt_root("/var/log/events.log")), clock_(options.uptime, options.clock_rate),
-      plant_({.plant = options.plant, .size = options.size, .seed = options.seed}, follower_.configuration()) {
+      plant_({.plant = options.plant, .size = options.size, .seed = options.seed}, follower_.configuration()),
+      firmware_(make_firmware(options)), boot_time_(options.boot_time) {
     plant_.advance(options.uptime);
     events_.write(fmt::format("OLT started, plant {} of seed {}", options.plant->name, options.seed));
-    write_facts();
+    for (const auto& complaint : firmware_.complaints()) {
+        events_.write(complaint);
+    }
+    write_device_facts(present_facts());
+}
+
+Firmware Simulation::make_firmware(const Options& options) const {
+    const auto& board = *options.plant->board;
+    const auto facts = read_device_facts();
+    const bool ran_before = facts && facts->factory.serial_number == std::string_view(board.serial_number);
+    return {{.board = &board,
+             .write_time = options.firmware_write_time,
+             .is_spoilt = [this](unsigned slot) { return is_slot_spoilt(plant_, slot); }},
+            ran_before ? std::optional<unsigned>(facts->running_slot) : std::nullopt};
 }
 
 void Simulation::advance() {
@@ -88,6 +103,58 @@ void Simulation::clear_all_faults() {
     write_facts();
 }
 
+void Simulation::reboot() {
+    advance();
+    follower_.restart();
+    firmware_.boot();
+    plant_.configure(follower_.configuration());
+    plant_.boot(boot_time_);
+    write_facts();
+}
+
+void Simulation::restart_pon_ports(const std::function<bool(unsigned port)>& is_meant) {
+    advance();
+    plant_.restart_pon_ports(is_meant);
+}
+
+std::vector<std::uint16_t> Simulation::command_onts(OntCommand command,
+                                                    const std::function<bool(std::uint16_t index)>& is_meant) {
+    advance();
+    return plant_.command_onts(command, is_meant);
+}
+
+void Simulation::select_firmware(std::uint32_t selector) {
+    advance();
+    firmware_.select(selector);
+    write_facts();
+}
+
+void Simulation::start_firmware_update(const std::string& path) {
+    advance();
+    try {
+        firmware_.start_update(path);
+    } catch (const std::system_error&) {
+        // A fault of the flash may have cost the slot what it held.
+        write_facts();
+        throw;
+    }
+    write_facts();
+}
+
+void Simulation::work() {
+    if (const auto outcome = firmware_.write_on()) {
+        events_.write(*outcome);
+        write_facts();
+    }
+    if (facts_are_old_) {
+        write_facts();
+    }
+}
+
+void Simulation::note(std::string_view text) const {
+    events_.write(text);
+}
+
 void Simulation::set_rate(double rate) {
     advance();
     clock_.set_rate(rate);
@@ -124,8 +191,18 @@ void Simulation::schedule(PlantTime in, std::function<void()> action) {
     schedule_.emplace(plant_.now() + in, std::move(action));
 }
 
-void Simulation::write_facts() const {
-    write_device_facts(report_device_facts(plant_, clock_.rate()));
+Device_facts Simulation::present_facts() const {
+    return report_device_facts(plant_, firmware_.slots(), clock_.rate());
+}
+
+void Simulation::write_facts() {
+    try {
+        write_device_facts(present_facts());
+        facts_are_old_ = false;
+    } catch (const std::system_error&) {
+        // A full disk must not stop the OLT: it is tried again until it succeeds.
+        facts_are_old_ = true;
+    }
 }
 
 } // namespace xpon::simulator

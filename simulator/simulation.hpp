@@ -2,15 +2,18 @@
 
 #include "simulator/configuration_follower.hpp"
 #include "simulator/event_log.hpp"
+#include "simulator/firmware/firmware.hpp"
 #include "simulator/options.hpp"
 #include "simulator/plant/plant.hpp"
 #include "simulator/plant/plant_clock.hpp"
+#include "xpon/custom_layer/device_facts.h"
 #include "xpon/service/config_change.hpp"
 
 #include <functional>
 #include <map>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace xpon::simulator {
 
@@ -24,6 +27,8 @@ public:
     };
 
     explicit Simulation(const Options& options);
+    Simulation(const Simulation&) = delete;
+    Simulation& operator=(const Simulation&) = delete;
 
     /// Brings the plant to the present. Every use of the plant begins with it.
     void advance();
@@ -43,6 +48,27 @@ public:
     void set_fault(Fault fault, PlantTime lasts);
     bool clear_fault(const FaultRule& rule, const FaultTarget& target);
     void clear_all_faults();
+
+    [[nodiscard]] const Firmware& firmware() const {
+        return firmware_;
+    }
+
+    // What the OLT is told to do. Refusals are std::system_error with the errno value for who asked.
+
+    /// Into the next-boot slot and the saved configuration. What testers injected or planned stays.
+    void reboot();
+    void restart_pon_ports(const std::function<bool(unsigned port)>& is_meant);
+    /// Indices of the configurations of the ONTs that were told.
+    std::vector<std::uint16_t> command_onts(OntCommand command,
+                                            const std::function<bool(std::uint16_t index)>& is_meant);
+    void select_firmware(std::uint32_t selector);
+    void start_firmware_update(const std::string& path);
+
+    /// What the OLT does by itself: a firmware update goes on, files that could not be written are. To be called often.
+    void work();
+
+    /// Writes a line to the OLT's events.
+    void note(std::string_view text) const;
 
     void set_rate(double rate);
     void step(PlantTime by);
@@ -65,15 +91,20 @@ public:
 
 private:
     void advance_plant();
-    void write_facts() const;
+    [[nodiscard]] Firmware make_firmware(const Options& options) const;
+    [[nodiscard]] Device_facts present_facts() const;
+    void write_facts();
 
     EventLog events_;
     ConfigurationFollower follower_;
     PlantClock clock_;
     Plant plant_;
+    Firmware firmware_;
+    PlantTime boot_time_;
     Schedule schedule_;
     std::map<std::string, Snapshot> snapshots_;
     bool is_advancing_ = false;
+    bool facts_are_old_ = false;
 };
 
 } // namespace xpon::simulator

@@ -49,6 +49,7 @@ core::Result<void> run(const Options& options, const std::shared_ptr<core::ILogg
         BOOST_OUTCOME_TRY(server->serve(longest_wait));
         control.serve();
         simulation.advance();
+        simulation.work();
         BOOST_OUTCOME_TRY(peers.update(*server));
         host_name.follow(simulation.plant().configuration().hostname);
     }

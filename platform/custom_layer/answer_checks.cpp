@@ -65,6 +65,10 @@ bool is_sound(const Ont_unactivated_entry& record) {
     return all_end(record.password);
 }
 
+bool is_sound(const Snmp_environment_data& record) {
+    return all_end(record.engine_id);
+}
+
 bool is_sound(const Device_facts& record) {
     return device_facts_magic == std::string_view(record.magic, sizeof record.magic) && is_sound(record.factory) &&
            std::ranges::all_of(record.slots, [](const auto& slot) { return is_sound(slot); }) &&

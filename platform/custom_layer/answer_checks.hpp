@@ -15,6 +15,7 @@ bool is_sound(const Pon_ports_states& record);
 bool is_sound(const Pon_ports_sfp_extended_information& record);
 bool is_sound(const Ont__state_info& record);
 bool is_sound(const Ont_unactivated_entry& record);
+bool is_sound(const Snmp_environment_data& record);
 bool is_sound(const Device_facts& record);
 inline bool is_sound(const Front_port_sfp_eddi&) {
     return true;

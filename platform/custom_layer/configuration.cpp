@@ -1,8 +1,13 @@
 #include "xpon/custom_layer/configuration.h"
 
+#include "custom_layer/peer_request.hpp"
 #include "xpon/cfgdb/configuration_file.hpp"
 
-int custom_layer__configuration_save(Ipc*, const void* db, int, const char* path) {
+int custom_layer__configuration_save(Ipc* ipc, const void* db, int, const char* path) {
+    using namespace xpon::custom_layer;
+    if (ipc != nullptr && order(ipc, xpon::ipc::Operation::save_configuration, no_question()) != 0) {
+        return -1;
+    }
     return xpon::cfgdb::save_running_configuration(db, path);
 }
 

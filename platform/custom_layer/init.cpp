@@ -1,3 +1,4 @@
+#include "custom_layer/own_connection.hpp"
 #include "xpon/cfgdb/cfgdb_wrapper.hpp"
 #include "xpon/cfgdb/database_log.hpp"
 #include "xpon/core/guard.hpp"
@@ -42,6 +43,7 @@ int custom_layer__init(zlog_category_s* category) {
     }
     const auto logger = std::make_shared<logger::Logger>(category);
     cfgdb::set_database_log(logger);
+    custom_layer::renew_own_connection(logger);
     if (!core::guarded(*logger, open_database)) {
         errno = EIO;
         return -1;

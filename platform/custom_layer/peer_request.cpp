@@ -28,4 +28,12 @@ bool ask(Ipc* ipc, ipc::Operation operation, std::span<const std::byte> question
     return true;
 }
 
+int order(Ipc* ipc, ipc::Operation operation, std::span<const std::byte> question) {
+    std::vector<std::byte> nothing;
+    if (!ask(ipc, operation, question, nothing)) {
+        return -1;
+    }
+    return nothing.empty() ? 0 : fail(EIO);
+}
+
 } // namespace xpon::custom_layer

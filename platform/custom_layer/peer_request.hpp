@@ -28,6 +28,9 @@ std::span<const std::byte> question(const Question& question) {
     return std::as_bytes(std::span(&question, 1));
 }
 
+/// A call whose answer is nothing but that it succeeded.
+int order(Ipc* ipc, ipc::Operation operation, std::span<const std::byte> question);
+
 /// A call whose answer is one record.
 template <class Record>
 int ask_record(Ipc* ipc, ipc::Operation operation, std::span<const std::byte> question, Record* out) {

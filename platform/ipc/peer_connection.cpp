@@ -52,6 +52,14 @@ core::Result<void> PeerConnection::shake_hands() {
     return core::ErrorPayload(core::Error::CommonError, fmt::format("Peer {}: {}", to_text(peer_), explain(cause)));
 }
 
+void PeerConnection::await_first_contact() {
+    const auto deadline = Clock::now() + timing_.first_contact;
+    for (monitor_.update(); !monitor_.is_connected() && Clock::now() < deadline; monitor_.update()) {
+        wait_for_change(0, deadline);
+    }
+    is_up_ = true; // until a request shows that it is not
+}
+
 Ipc::Reply PeerConnection::request(Operation operation, std::span<const std::byte> payload, milliseconds deadline) {
     if (payload.size() + sizeof(MessageHeader) > max_message_bytes) {
         return {EMSGSIZE, {}};

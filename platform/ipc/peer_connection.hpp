@@ -20,6 +20,8 @@ using Clock = std::chrono::steady_clock;
 /// How patient an endpoint is.
 struct Timing {
     std::chrono::milliseconds handshake{3000};
+    /// How long a daemon may take to be there where no handshake is asked for.
+    std::chrono::milliseconds first_contact{250};
     std::chrono::milliseconds probe_interval{1000}; ///< shortest time between two probes of a peer that is down
     /// How long a request to a peer that is down waits for the answer to its probe: long enough for a peer that is
     /// back, short enough that a dead one costs its callers next to nothing.
@@ -36,6 +38,8 @@ public:
                    const Timing& timing);
 
     core::Result<void> shake_hands();
+    /// Waits until there is a daemon to ask, if there is one: a new connection is not made at once.
+    void await_first_contact();
     /// The statuses of Ipc::request.
     Ipc::Reply request(Operation operation, std::span<const std::byte> payload, std::chrono::milliseconds deadline);
     void notify(Operation operation, std::span<const std::byte> payload);

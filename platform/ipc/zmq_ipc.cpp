@@ -19,16 +19,16 @@ using core::Result;
 
 class PeerConnections : public Ipc {
 public:
-    PeerConnections(Address own, const std::shared_ptr<core::ILogger>& logger, const Timing& timing)
-        : own_(own), logger_(logger), timing_(timing) {}
+    PeerConnections(Address own, const std::shared_ptr<core::ILogger>& logger, const Timing& timing,
+                    Connecting connecting)
+        : own_(own), logger_(logger), timing_(timing), connecting_(connecting) {}
 
     Result<void> connect(Address peer) {
         return core::guarded(*logger_, [&]() -> Result<void> {
             if (peers_.contains(peer)) {
                 return ErrorPayload(Error::Already, fmt::format("Peer {} is connected", to_text(peer)));
             }
-            BOOST_OUTCOME_TRY(const auto path, socket_path(peer));
-            auto connection = std::make_unique<PeerConnection>(context_, own_, peer, path, *logger_, timing_);
+            BOOST_OUTCOME_TRY(auto connection, make_connection(peer));
             BOOST_OUTCOME_TRY(connection->shake_hands());
             peers_.emplace(peer, std::move(connection));
             return core::success();
@@ -38,8 +38,18 @@ public:
     Reply request(Address peer, Operation operation, std::span<const std::byte> payload,
                   std::chrono::milliseconds deadline) override {
         const auto reply = core::guarded(*logger_, [&]() -> Result<Reply> {
-            const auto found = peers_.find(peer);
-            return found == peers_.end() ? Reply{ENOTCONN, {}} : found->second->request(operation, payload, deadline);
+            const auto begin = Clock::now();
+            auto found = peers_.find(peer);
+            if (found == peers_.end() && connecting_ == Connecting::on_request) {
+                BOOST_OUTCOME_TRY(auto connection, make_connection(peer));
+                connection->await_first_contact();
+                found = peers_.emplace(peer, std::move(connection)).first;
+            }
+            if (found == peers_.end()) {
+                return Reply{ENOTCONN, {}};
+            }
+            const auto waited = std::chrono::floor<std::chrono::milliseconds>(Clock::now() - begin);
+            return found->second->request(operation, payload, deadline - waited);
         });
         return reply ? reply.value() : Reply{EIO, {}};
     }
@@ -79,17 +89,23 @@ public:
     }
 
 private:
+    Result<std::unique_ptr<PeerConnection>> make_connection(Address peer) {
+        BOOST_OUTCOME_TRY(const auto path, socket_path(peer));
+        return std::make_unique<PeerConnection>(context_, own_, peer, path, *logger_, timing_);
+    }
+
     Address own_;
     std::shared_ptr<core::ILogger> logger_;
     Timing timing_;
+    Connecting connecting_;
     zmq::context_t context_;
     std::map<Address, std::unique_ptr<PeerConnection>> peers_;
 };
 
 class ZmqIpc : public IIpc {
 public:
-    ZmqIpc(Address own, const std::shared_ptr<core::ILogger>& logger, const Timing& timing)
-        : connections_(std::make_unique<PeerConnections>(own, logger, timing)) {}
+    ZmqIpc(Address own, const std::shared_ptr<core::ILogger>& logger, const Timing& timing, Connecting connecting)
+        : connections_(std::make_unique<PeerConnections>(own, logger, timing, connecting)) {}
 
     Result<void> connect(Address peer) override {
         return connections_->connect(peer);
@@ -105,9 +121,10 @@ private:
 } // namespace
 
 Result<std::shared_ptr<IIpc>> make_zmq_ipc(Address own, const std::shared_ptr<core::ILogger>& logger,
-                                           const Timing& timing) {
-    return core::guarded(
-        *logger, [&]() -> Result<std::shared_ptr<IIpc>> { return std::make_shared<ZmqIpc>(own, logger, timing); });
+                                           const Timing& timing, Connecting connecting) {
+    return core::guarded(*logger, [&]() -> Result<std::shared_ptr<IIpc>> {
+        return std::make_shared<ZmqIpc>(own, logger, timing, connecting);
+    });
 }
 
 Result<std::shared_ptr<IIpc>> make_zmq_ipc(Address own, const std::string& name) {

@@ -2,6 +2,7 @@
 
 #include "xpon/custom_layer/custom_layer.h"
 
+#include <cerrno>
 #include <cmath>
 #include <map>
 #include <string>
@@ -57,6 +58,18 @@ void add_faults(cJSON* object, const Plant& plant) {
     }
 }
 
+void add_firmware(cJSON* object, const Firmware& firmware) {
+    const auto slots = firmware.slots();
+    auto* const entry = cJSON_AddObjectToObject(object, "firmware");
+    add(entry, "running", slots.running);
+    add(entry, "next_boot", slots.next_boot());
+    cJSON_AddBoolToObject(entry, "update_runs", firmware.update_status() == EBUSY ? 1 : 0);
+    auto* const versions = cJSON_AddArrayToObject(entry, "slots");
+    for (const auto& slot : slots.slots) {
+        cJSON_AddItemToArray(versions, cJSON_CreateString(slot.version));
+    }
+}
+
 void add_ports(cJSON* object, const Plant& plant) {
     auto* const pon = cJSON_AddArrayToObject(object, "pon_ports");
     for (unsigned port = 1; port <= pon_ports; ++port) {
@@ -90,6 +103,7 @@ void add_ont(cJSON* onts, const Plant& plant, const Plant::Ont& ont) {
             fmt::format("{}/{}", *configured / max_onts_per_port + 1, *configured % max_onts_per_port + 1));
     }
     cJSON_AddBoolToObject(entry, "power", ont.situation->has_power ? 1 : 0);
+    cJSON_AddBoolToObject(entry, "local_data", ont.has_local_data ? 1 : 0);
     add(entry, "distance_m", std::round(ont.hardware->path.distance_km * 1000));
     add(entry, "rssi_dbm", rounded(plant.received_power_of(ont), 0.01));
 }
@@ -103,6 +117,9 @@ core::JsonTree describe_summary(const Simulation& simulation) {
     add(summary.get(), "seed", static_cast<double>(plant.parameters().seed));
     add(summary.get(), "time_s", seconds_of(plant.now()));
     add(summary.get(), "clock_rate", simulation.clock().rate());
+    add(summary.get(), "uptime_s", seconds_of(plant.now() - plant.booted_at()));
+    cJSON_AddBoolToObject(summary.get(), "booting", plant.is_booting() ? 1 : 0);
+    add_firmware(summary.get(), simulation.firmware());
     add(summary.get(), "scheduled", static_cast<double>(simulation.scheduled()));
     add_faults(summary.get(), plant);
     std::map<Ont_state, unsigned> counts;

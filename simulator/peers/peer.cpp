@@ -4,6 +4,7 @@
 #include "xpon/olt_root/olt_root.hpp"
 
 #include <algorithm>
+#include <system_error>
 
 #include <fmt/format.h>
 
@@ -25,12 +26,17 @@ const Fault* Peer::fault(FaultKind kind) const {
 
 bool Peer::is_up() const {
     // Without the broker nobody reaches anybody.
-    const auto& faults = simulation_.plant().faults();
-    return fault(FaultKind::peer_down) == nullptr && !faults.has(FaultKind::peer_down, target_of("ipc-broker"));
+    const auto& plant = simulation_.plant();
+    return !plant.is_booting() && fault(FaultKind::peer_down) == nullptr &&
+           !plant.faults().has(FaultKind::peer_down, target_of("ipc-broker"));
 }
 
 ipc::ServerAnswer Peer::handle(const ipc::ServerRequest& request) {
     simulation_.advance();
+    if (!is_up()) {
+        // It is about to be served no more.
+        return {ECONNREFUSED, {}, {}};
+    }
     ipc::ServerAnswer answer{EOPNOTSUPP, {}, {}};
     const auto routes = description_.routes();
     const auto route = std::ranges::find(routes, static_cast<ipc::Operation>(request.operation), &PeerRoute::operation);
@@ -39,10 +45,28 @@ ipc::ServerAnswer Peer::handle(const ipc::ServerRequest& request) {
     } else if (static_cast<ipc::Operation>(request.operation) == ipc::Operation::accept_configuration) {
         answer.status = fault(FaultKind::commit_refused) == nullptr ? 0 : EPERM;
     } else if (route != routes.end()) {
-        answer = route->answer(simulation_.plant(), request.payload);
+        answer = this->answer(*route, request);
     }
-    answer.delay = greet(request).delay;
+    answer.delay += greet(request).delay;
+    last_answer_ = Clock::now();
     return answer;
+}
+
+bool Peer::has_just_answered() const {
+    static constexpr std::chrono::seconds reading_time{1};
+    return last_answer_ && Clock::now() - *last_answer_ < reading_time;
+}
+
+ipc::ServerAnswer Peer::answer(const PeerRoute& route, const ipc::ServerRequest& request) {
+    if (const auto* const report = std::get_if<Report>(&route.answer)) {
+        return (*report)(simulation_.plant(), request.payload);
+    }
+    try {
+        return std::get<Action>(route.answer)(simulation_, request);
+    } catch (const std::system_error& refusal) {
+        simulation_.note(fmt::format("refused to {:#010x}: {}", request.client.value, refusal.what()));
+        return {refusal.code().value(), {}, {}};
+    }
 }
 
 ipc::ServerAnswer Peer::greet(const ipc::ServerRequest&) {
@@ -53,7 +77,7 @@ ipc::ServerAnswer Peer::greet(const ipc::ServerRequest&) {
 }
 
 void Peer::notice(const ipc::ServerRequest& request) {
-    if (static_cast<ipc::Operation>(request.operation) != ipc::Operation::configuration_changed) {
+    if (!is_up() || static_cast<ipc::Operation>(request.operation) != ipc::Operation::configuration_changed) {
         return;
     }
     if (const auto changes = parse_change_notice(request.payload)) {

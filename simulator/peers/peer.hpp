@@ -7,16 +7,24 @@
 #include "xpon/ipc/server.hpp"
 
 #include <cerrno>
+#include <chrono>
 #include <optional>
 #include <span>
 #include <string_view>
+#include <variant>
 
 namespace xpon::simulator {
 
-/// One operation that a peer answers from the plant. Payloads are those of the list of operations.
+/// Tells what is true of the plant.
+using Report = ipc::ServerAnswer (*)(const Plant&, std::span<const std::byte> payload);
+/// Does something to the OLT. A std::system_error that it throws is a refusal: its errno value is the answer, its text
+/// goes to the OLT's events.
+using Action = ipc::ServerAnswer (*)(Simulation&, const ipc::ServerRequest&);
+
+/// One operation that a peer answers. Payloads are those of the list of operations.
 struct PeerRoute {
     ipc::Operation operation;
-    ipc::ServerAnswer (*answer)(const Plant&, std::span<const std::byte> payload);
+    std::variant<Report, Action> answer;
 };
 
 struct PeerDescription {
@@ -39,8 +47,10 @@ public:
     [[nodiscard]] const PeerDescription& description() const {
         return description_;
     }
-    /// Whether the plant's faults leave the daemon running.
+    /// Whether the daemon runs: the OLT does, and no fault keeps it down.
     [[nodiscard]] bool is_up() const;
+    /// Whether somebody may not have read an answer yet: a connection that ends takes it along.
+    [[nodiscard]] bool has_just_answered() const;
     /// The daemon starts, again or for the first time, or ends.
     /// @{
     void start();
@@ -57,10 +67,14 @@ protected:
 
 private:
     [[nodiscard]] const Fault* fault(FaultKind kind) const;
+    ipc::ServerAnswer answer(const PeerRoute& route, const ipc::ServerRequest& request);
     void log(std::string_view text) const;
+
+    using Clock = std::chrono::steady_clock;
 
     const PeerDescription& description_;
     Simulation& simulation_;
+    std::optional<Clock::time_point> last_answer_;
 };
 
 /// The answer of a route that takes nothing and gives a record.
@@ -72,11 +86,18 @@ ipc::ServerAnswer answer_record(const Plant& plant, std::span<const std::byte> p
     return {0, ipc::record_payload(Report(plant)), {}};
 }
 
+/// Empty when the payload is no such bitmap.
+template <class Bitmap>
+std::optional<Bitmap> parse_bitmap(std::span<const std::byte> payload) {
+    const auto bitmap = ipc::parse_record<Bitmap>(payload);
+    return bitmap && bitmap->size <= sizeof bitmap->bits * 8 ? bitmap : std::nullopt;
+}
+
 /// The answer of a route that takes a bitmap and gives a list.
 template <class Bitmap, auto Report>
 ipc::ServerAnswer answer_list(const Plant& plant, std::span<const std::byte> payload) {
-    const auto bitmap = ipc::parse_record<Bitmap>(payload);
-    if (!bitmap || bitmap->size > sizeof bitmap->bits * 8) {
+    const auto bitmap = parse_bitmap<Bitmap>(payload);
+    if (!bitmap) {
         return {EINVAL, {}, {}};
     }
     const auto entries = Report(plant, *bitmap);

@@ -11,6 +11,7 @@ namespace xpon::simulator {
 std::span<const PeerRoute> system_manager_routes();
 std::span<const PeerRoute> pon_state_machine_routes();
 std::span<const PeerRoute> switch_chip_routes();
+std::span<const PeerRoute> dna_routes();
 inline std::span<const PeerRoute> no_routes() {
     return {};
 }
@@ -24,7 +25,7 @@ inline constexpr std::array peer_table{
     PeerDescription{"igmp", ipc::peers::igmp, "igmp.log", no_routes},
     PeerDescription{"fsm-pon", ipc::peers::pon_state_machine, "fsm-pon.log", pon_state_machine_routes},
     PeerDescription{"bcm-custom", ipc::peers::switch_chip, "", switch_chip_routes},
-    PeerDescription{"dna", ipc::peers::dna, "", no_routes},
+    PeerDescription{"dna", ipc::peers::dna, "", dna_routes},
     PeerDescription{"ipc-broker", ipc::peers::ipc_broker, "", no_routes},
 };
 

@@ -22,16 +22,27 @@ Peers::Peers(Simulation& simulation) {
 }
 
 core::Result<void> Peers::update(ipc::IServer& server) {
-    for (auto& [peer, is_served] : slots_) {
-        const bool is_up = peer->is_up();
-        if (is_up && !is_served) {
-            BOOST_OUTCOME_TRY(server.bind(peer->description().address, *peer));
-            peer->start();
-        } else if (!is_up && is_served) {
-            BOOST_OUTCOME_TRY(server.unbind(peer->description().address));
-            peer->end();
-        }
-        is_served = is_up;
+    for (auto& slot : slots_) {
+        BOOST_OUTCOME_TRY(update(slot, server));
+    }
+    return core::success();
+}
+
+core::Result<void> Peers::update(Slot& slot, ipc::IServer& server) {
+    auto& [peer, is_running, is_served] = slot;
+    const auto address = peer->description().address;
+    const bool is_up = peer->is_up();
+    if (is_up && !is_served) {
+        BOOST_OUTCOME_TRY(server.bind(address, *peer));
+        is_served = true;
+    }
+    if (is_up != is_running) {
+        is_running = is_up;
+        is_up ? peer->start() : peer->end();
+    }
+    if (!is_up && is_served && !peer->has_just_answered()) {
+        BOOST_OUTCOME_TRY(server.unbind(address));
+        is_served = false;
     }
     return core::success();
 }

@@ -21,8 +21,11 @@ public:
 private:
     struct Slot {
         std::unique_ptr<Peer> peer;
+        bool is_running = false;
         bool is_served = false;
     };
+
+    static core::Result<void> update(Slot& slot, ipc::IServer& server);
 
     std::vector<Slot> slots_; ///< in the order of the peer table
 };

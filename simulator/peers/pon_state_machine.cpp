@@ -1,8 +1,13 @@
 #include "simulator/peers/peer_table.hpp"
+#include "simulator/plant/bitmap.hpp"
 #include "simulator/plant/ont_report.hpp"
 #include "simulator/plant/port_report.hpp"
 
+#include <algorithm>
 #include <array>
+#include <string>
+
+#include <fmt/format.h>
 
 namespace xpon::simulator {
 namespace {
@@ -16,6 +21,44 @@ ipc::ServerAnswer answer_port_type(const Plant& plant, std::span<const std::byte
     return {0, ipc::record_payload(plant.pon_module(*port) == nullptr ? pon_unknown : pon_gpon), {}};
 }
 
+/// "1/3 1/4", no more than a reader takes in.
+std::string list_of(std::span<const std::uint16_t> places) {
+    static constexpr std::size_t most = 16;
+    std::string text;
+    for (const auto place : places.first(std::min(places.size(), most))) {
+        text += fmt::format(" {}/{}", place / max_onts_per_port + 1, place % max_onts_per_port + 1);
+    }
+    return places.size() > most ? fmt::format("{} and {} more", text, places.size() - most) : text;
+}
+
+ipc::ServerAnswer restart_ports(Simulation& simulation, const ipc::ServerRequest& request) {
+    const auto ports = parse_bitmap<Bitmap_pon_port_range>(request.payload);
+    if (!ports) {
+        return {EINVAL, {}, {}};
+    }
+    const auto is_meant = [&](unsigned port) { return has_bit(*ports, port); };
+    simulation.restart_pon_ports(is_meant);
+    std::string list;
+    for (unsigned port = 1; port <= pon_ports; ++port) {
+        list += is_meant(port) ? fmt::format(" {}", port) : "";
+    }
+    simulation.note(fmt::format("reconfigure of PON ports by {:#010x}:{}", request.client.value, list));
+    return {};
+}
+
+template <OntCommand Command>
+ipc::ServerAnswer command_onts(Simulation& simulation, const ipc::ServerRequest& request) {
+    static constexpr std::array names{"reconfigure", "reset to default", "reboot"}; // by OntCommand
+    const auto onts = parse_bitmap<Bitmap_ont_range>(request.payload);
+    if (!onts) {
+        return {EINVAL, {}, {}};
+    }
+    const auto told = simulation.command_onts(Command, [&](std::uint16_t index) { return has_bit(*onts, index); });
+    simulation.note(fmt::format("{} of {} ONTs by {:#010x}:{}", names.at(static_cast<std::size_t>(Command)),
+                                told.size(), request.client.value, list_of(told)));
+    return {};
+}
+
 } // namespace
 
 std::span<const PeerRoute> pon_state_machine_routes() {
@@ -25,6 +68,10 @@ std::span<const PeerRoute> pon_state_machine_routes() {
         PeerRoute{Operation::get_pon_port_type, answer_port_type},
         PeerRoute{Operation::get_ont_states, answer_list<Bitmap_ont_range, report_ont_states>},
         PeerRoute{Operation::get_unactivated_onts, answer_list<Bitmap_pon_port_range, report_unactivated>},
+        PeerRoute{Operation::reconfigure_pon_ports, restart_ports},
+        PeerRoute{Operation::reconfigure_onts, command_onts<OntCommand::reconfigure>},
+        PeerRoute{Operation::reset_onts, command_onts<OntCommand::reset>},
+        PeerRoute{Operation::reboot_onts, command_onts<OntCommand::reboot>},
     };
     return routes;
 }

@@ -124,23 +124,6 @@ void put_supplies(System_environment_data& data, const Plant& plant) {
     }
 }
 
-Firmware_version_info firmware_of(const Plant& plant, unsigned slot) {
-    Firmware_version_info info{};
-    if (plant.faults().has(FaultKind::slot_corrupt, numbered(slot))) {
-        return info;
-    }
-    const auto& board = *plant.parameters().plant->board;
-    const std::string_view version = board.firmware[slot];
-    put_text(info.version, version);
-    put_text(info.built, board.firmware_built[slot]);
-    const auto content = std::hash<std::string_view>()(version);
-    constexpr std::uint32_t usual_size = 23 * 1024 * 1024;
-    info.size = usual_size + static_cast<std::uint32_t>(content % 65536);
-    info.crc = static_cast<std::uint32_t>(content >> 32);
-    info.valid = 1;
-    return info;
-}
-
 } // namespace
 
 System_environment_data report_environment(const Plant& plant) {
@@ -166,7 +149,7 @@ System_environment_data report_environment(const Plant& plant) {
     return data;
 }
 
-Device_facts report_device_facts(const Plant& plant, double clock_rate) {
+Device_facts report_device_facts(const Plant& plant, const FirmwareSlots& firmware, double clock_rate) {
     const auto& board = *plant.parameters().plant->board;
     Device_facts facts{};
     std::memcpy(facts.magic, device_facts_magic.data(), sizeof facts.magic);
@@ -175,18 +158,19 @@ Device_facts report_device_facts(const Plant& plant, double clock_rate) {
     put_text(facts.factory.serial_number, board.serial_number);
     put_text(facts.factory.mac_address, board.mac_address);
     put_text(facts.factory.device_name, board.device_name);
-    for (unsigned slot = 0; slot < std::size(facts.slots); ++slot) {
-        facts.slots[slot] = firmware_of(plant, slot);
-    }
-    facts.running_slot = 0;
-    // A slot that cannot start is not started.
-    facts.next_boot_slot = facts.slots[0].valid != 0 ? 0 : 1;
-    facts.uptime_s = seconds_of(plant.now());
+    std::ranges::copy(firmware.slots, facts.slots);
+    facts.running_slot = firmware.running;
+    facts.next_boot_slot = firmware.next_boot();
+    facts.uptime_s = seconds_of(plant.now() - plant.booted_at());
     timespec machine{};
     ::clock_gettime(CLOCK_BOOTTIME, &machine);
     facts.written_at_ns = std::int64_t{machine.tv_sec} * 1'000'000'000 + machine.tv_nsec;
     facts.clock_rate = clock_rate;
     return facts;
+}
+
+bool is_slot_spoilt(const Plant& plant, unsigned slot) {
+    return plant.faults().has(FaultKind::slot_corrupt, numbered(slot));
 }
 
 } // namespace xpon::simulator

@@ -106,6 +106,11 @@ OntPoint start(PlantTime when, const OntSituation& situation, bool from_power_on
     return {ont_initial, std::max(when, situation.channel_since), from_power_on};
 }
 
+/// Whether the OLT has its OMCI channel in use.
+bool has_omci(Ont_state state) {
+    return state >= ont_mib_upload && state <= ont_operational;
+}
+
 /// The change of what only matters to ONTs that the OLT has heard.
 OntPoint react_to_configuration(const OntPoint& at, const OntSituation& before, const OntSituation& after,
                                 PlantTime now) {
@@ -125,8 +130,7 @@ OntPoint react_to_configuration(const OntPoint& at, const OntSituation& before, 
     if (before.credentials != after.credentials || (at.state == ont_auth_failed && after.is_authentic)) {
         return at.state >= ont_authentication ? OntPoint{ont_authentication, now} : at;
     }
-    const bool has_omci = at.state >= ont_mib_upload && at.state <= ont_operational;
-    if (before.omci_works && !after.omci_works && has_omci) {
+    if (before.omci_works && !after.omci_works && has_omci(at.state)) {
         return {ont_config_failed, now};
     }
     const bool is_provided =
@@ -185,6 +189,19 @@ OntPoint react(const OntPoint& at, const OntSituation& before, const OntSituatio
         return start(now, after, false);
     }
     return react_to_configuration(at, before, after, now);
+}
+
+OntPoint obey(const OntPoint& at, const OntSituation& situation, OntCommand command, PlantTime now) {
+    if (situation.is_cut) {
+        return at; // on its way out, it hears nothing
+    }
+    if (command != OntCommand::reconfigure) {
+        return start(now, situation, true);
+    }
+    if (at.state == ont_auth_failed) {
+        return {ont_authentication, now};
+    }
+    return has_omci(at.state) || at.state == ont_config_failed ? OntPoint{ont_mib_upload, now} : at;
 }
 
 } // namespace xpon::simulator

@@ -63,6 +63,16 @@ OntPoint walk(OntPoint from, const OntSituation& situation, const OntPace& pace,
 /// Where an ONT goes on from when its situation changes at `now`, being at `at`.
 OntPoint react(const OntPoint& at, const OntSituation& before, const OntSituation& after, PlantTime now);
 
+/// What the OLT tells an ONT to do.
+enum class OntCommand : std::uint8_t {
+    reconfigure, ///< it is provisioned over OMCI anew
+    reset,       ///< it forgets its local data and restarts
+    reboot,
+};
+
+/// Where an ONT goes on from that is told so at `now`, being at `at`, which is a state that is listed.
+OntPoint obey(const OntPoint& at, const OntSituation& situation, OntCommand command, PlantTime now);
+
 /// Whether the OLT lists an ONT of this state among the activated ones.
 constexpr bool is_listed(Ont_state state) {
     return state >= ont_ranging;

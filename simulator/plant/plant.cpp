@@ -84,6 +84,53 @@ void Plant::clear_all_faults() {
     change([&] { faults_.clear_all(); });
 }
 
+void Plant::boot(PlantTime takes) {
+    change([&] {
+        booted_at_ = now_;
+        boot_ends_ = now_ + takes;
+        for (auto& run : pon_) {
+            run.up_since = boot_ends_ + channel_start_time;
+        }
+        for (auto& run : front_) {
+            run.up_since = boot_ends_ + link_up_time;
+        }
+    });
+    // Of what was before the OLT's daemons know nothing.
+    std::ranges::for_each(onts_, [](TrackedOnt& ont) { ont.last_service.reset(); });
+}
+
+void Plant::restart_pon_ports(const std::function<bool(unsigned port)>& is_meant) {
+    change([&] {
+        for (unsigned port = 1; port <= pon_ports; ++port) {
+            if (is_meant(port)) {
+                pon_.at(port - 1).up_since = now_ + channel_start_time;
+            }
+        }
+    });
+}
+
+std::vector<std::uint16_t> Plant::command_onts(OntCommand command,
+                                               const std::function<bool(std::uint16_t index)>& is_meant) {
+    std::vector<std::uint16_t> commanded;
+    std::vector<bool> starts(onts_.size());
+    for (std::size_t nth = 0; nth < onts_.size(); ++nth) {
+        auto& ont = onts_[nth];
+        const auto at = point_of(ont);
+        const auto& place = ont.situation.configured;
+        if (!place || !is_listed(at.state) || !is_meant(*place)) {
+            continue;
+        }
+        const auto point = obey(at, ont.situation, command, now_);
+        redirect(ont, at, point);
+        starts[nth] = point.state == ont_initial;
+        ont.has_local_data = ont.has_local_data && !(starts[nth] && command == OntCommand::reset);
+        commanded.push_back(*place);
+    }
+    share_discovery(starts);
+    std::ranges::sort(commanded);
+    return commanded;
+}
+
 void Plant::change(const std::function<void()>& mutate) {
     std::vector<OntPoint> points;
     points.reserve(onts_.size());
@@ -106,7 +153,7 @@ void Plant::update_ports(const std::array<PonPortSettings, pon_ports>& before) {
         run.has_module = has_module;
         run.is_enabled = is_enabled;
         if (has_module && is_enabled && (!ran || restart)) {
-            run.up_since = now_ + start_time;
+            run.up_since = std::max(now_, boot_ends_) + start_time;
         }
     };
     for (unsigned port = 1; port <= pon_ports; ++port) {
@@ -129,15 +176,19 @@ void Plant::update_onts(const std::vector<OntPoint>& points) {
             continue;
         }
         const auto point = react(points[nth], ont.situation, after, now_);
-        if (points[nth].state == ont_operational && point.state != ont_operational) {
-            ont.last_service = {points[nth].since, now_};
-        }
         starts[nth] = point.state == ont_initial && point.since >= now_;
-        ont.anchor = point;
+        redirect(ont, points[nth], point);
         ont.situation = std::move(after);
     }
     share_discovery(starts);
     index_onts();
+}
+
+void Plant::redirect(TrackedOnt& ont, const OntPoint& at, const OntPoint& point) const {
+    if (at.state == ont_operational && point.state != ont_operational) {
+        ont.last_service = {at.since, now_};
+    }
+    ont.anchor = point;
 }
 
 /// ONTs that start together on one port answer in the same discovery windows, and some lose theirs.
@@ -233,7 +284,8 @@ Plant::Ont Plant::describe(const TrackedOnt& ont) const {
             .situation = &ont.situation,
             .settings = configured ? &configuration_.onts.at(*configured) : nullptr,
             .point = point_of(ont),
-            .last_service = ont.last_service};
+            .last_service = ont.last_service,
+            .has_local_data = ont.has_local_data};
 }
 
 std::vector<Plant::Ont> Plant::onts() const {

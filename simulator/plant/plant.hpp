@@ -30,7 +30,8 @@ public:
         const OntSituation* situation;
         const OntSettings* settings; ///< of the configuration on the port where it is seen; null without
         OntPoint point;
-        std::optional<Stretch> last_service; ///< the last one that has ended
+        std::optional<Stretch> last_service; ///< the last one that has ended since the OLT's start
+        bool has_local_data;                 ///< what its user set on the ONT itself
     };
 
     /// Starts at time 0, with the configuration in force.
@@ -48,6 +49,24 @@ public:
     /// False when there is no such fault.
     bool clear_fault(FaultKind kind, const FaultTarget& target);
     void clear_all_faults();
+
+    /// The OLT restarts: for as long as `takes` it does nothing at all. Faults stay.
+    void boot(PlantTime takes);
+    /// PON ports that `is_meant`, asked with port numbers from 1, start again as after having been enabled.
+    void restart_pon_ports(const std::function<bool(unsigned port)>& is_meant);
+    /// Activated ONTs that `is_meant`, asked with flat indices of configurations, are told to do something. Returns the
+    /// indices of those.
+    std::vector<std::uint16_t> command_onts(OntCommand command,
+                                            const std::function<bool(std::uint16_t index)>& is_meant);
+
+    /// When the OLT last started.
+    [[nodiscard]] PlantTime booted_at() const {
+        return booted_at_;
+    }
+    /// Whether its restart is still going on.
+    [[nodiscard]] bool is_booting() const {
+        return now_ < boot_ends_;
+    }
 
     [[nodiscard]] const PlantParameters& parameters() const {
         return parameters_;
@@ -102,12 +121,15 @@ private:
         OntSituation situation;
         OntPoint anchor; ///< where its way goes on from; may lie ahead
         std::optional<Stretch> last_service;
+        bool has_local_data = true;
     };
 
     /// Every event: what `mutate` changes takes effect now.
     void change(const std::function<void()>& mutate);
     void update_ports(const std::array<PonPortSettings, pon_ports>& before);
     void update_onts(const std::vector<OntPoint>& points);
+    /// The way of an ONT that is at `at` goes on from `point`.
+    void redirect(TrackedOnt& ont, const OntPoint& at, const OntPoint& point) const;
     void share_discovery(const std::vector<bool>& starts);
     void index_configuration();
     void index_onts();
@@ -122,6 +144,8 @@ private:
     PlantParameters parameters_;
     Random random_;
     PlantTime now_{};
+    PlantTime booted_at_{};
+    PlantTime boot_ends_{};
     RunningConfiguration configuration_;
     /// (PON port, serial) to flat index.
     std::map<std::pair<unsigned, std::uint64_t>, std::uint16_t> configured_;

@@ -1,5 +1,6 @@
 #include "simulator/sim_command/command_line.hpp"
 #include "simulator/sim_command/control_client.hpp"
+#include "simulator/sim_command/make_image.hpp"
 #include "xpon/core/json_tree.hpp"
 
 #include <cstdlib>
@@ -27,6 +28,9 @@ Commands the simulated OLT whose files are below the folder OLT_ROOT, and prints
   at SECONDS COMMAND...                              the command, once so much of the plant's time has passed
   run FILE                                           the commands of a file, one a line; "#" begins a remark
   '{...}'                                            a command as the control socket takes it
+
+  make-image [OPTIONS] FILE                          a firmware image for this OLT or, for trying what is refused,
+                                                     for another one; needs no simulator; see make-image --help
 
 Exit status: 0; 1 when a command is refused or no simulator answers; 2 for a bad command line.
 )";
@@ -63,6 +67,9 @@ int main(int count, char** arguments) {
     if (words.empty() || words.front() == "--help") {
         (words.empty() ? std::cerr : std::cout) << usage;
         return words.empty() ? 2 : 0;
+    }
+    if (words.front() == "make-image") {
+        return make_image_file(std::span(words).subspan(1));
     }
     std::vector<std::string> commands;
     try {

@@ -1,7 +1,9 @@
+#include "simulator/firmware/firmware.hpp"
 #include "simulator/plant/board_report.hpp"
 #include "simulator/plant/named_plants.hpp"
 #include "simulator/plant/ont_report.hpp"
 #include "simulator/plant/port_report.hpp"
+#include "tests/support/temporary_olt_root.hpp"
 #include "xpon/ipc/payload.hpp"
 
 #include <map>
@@ -167,6 +169,7 @@ void see_onts(SeenValues& seen, const Plant& plant) {
 
 TEST(NamedPlants, LeaveNoFieldAtOneValue) {
     SeenValues seen;
+    const test::TemporaryOltRoot root;
     for (const auto& named : named_plants()) {
         const PlantParameters parameters{.plant = &named, .size = named.size};
         RunningConfiguration configuration;
@@ -180,7 +183,10 @@ TEST(NamedPlants, LeaveNoFieldAtOneValue) {
         Plant plant(parameters, configuration);
         plant.advance(named.uptime);
         see_environment(seen, report_environment(plant));
-        see_facts(seen, report_device_facts(plant, 1));
+        const Firmware firmware(
+            {.board = named.board, .is_spoilt = [&](unsigned slot) { return is_slot_spoilt(plant, slot); }},
+            std::nullopt);
+        see_facts(seen, report_device_facts(plant, firmware.slots(), 1));
         see_ports(seen, plant);
         see_onts(seen, plant);
     }

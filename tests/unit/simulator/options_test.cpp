@@ -48,6 +48,15 @@ TEST(OptionsTest, NumbersOverrideThePlant) {
     }
 }
 
+TEST(OptionsTest, TimesAreInSeconds) {
+    const auto usual = std::get<Options>(parse({}).parsed);
+    EXPECT_EQ(usual.boot_time, std::chrono::seconds(20));
+    EXPECT_EQ(usual.firmware_write_time, std::chrono::seconds(0));
+    const auto slow = std::get<Options>(parse({"--boot-s", "0", "--firmware-write-s", "30"}).parsed);
+    EXPECT_EQ(slow.boot_time, std::chrono::seconds(0));
+    EXPECT_EQ(slow.firmware_write_time, std::chrono::seconds(30));
+}
+
 TEST(OptionsTest, BadOnesAreNamed) {
     const struct {
         std::vector<const char*> arguments;
@@ -60,6 +69,8 @@ TEST(OptionsTest, BadOnesAreNamed) {
         {{"--onts", "5", "--configured", "6"}, "--configured: 6 is more than the 5 ONTs"},
         {{"--configured", "513"}, "--configured: 513 is more than the 512 ONTs"},
         {{"--plant", "Demo"}, "--plant: Demo not in {empty,demo,full,faulty,mixed-vendors}"},
+        {{"--boot-s", "601"}, "--boot-s: Value 601 not in range 0 to 600"},
+        {{"--firmware-write-s", "-1"}, "--firmware-write-s"},
         {{"--clock", "1"}, "--clock"},
         {{"demo"}, "demo"},
     };

@@ -30,7 +30,9 @@ int custom_layer__reconfigure_olt();
 /// Writes the firmware image in the file `path`, taken below OLT_ROOT, to the slot that does not run, and returns when
 /// it is there. The next boot does not change. An image that is refused changes nothing: ENOENT for no such file,
 /// EINVAL for no firmware image, ENODEV for another device's, ENODATA for a file shorter and EFBIG for one longer than
-/// its header says, EBADMSG for a wrong checksum, EBUSY while another update runs.
+/// its header says, EBADMSG for a wrong checksum, EBUSY while another update runs. One that is accepted and then fails
+/// leaves its slot invalid: ECANCELED or the errno of a lost peer when the device restarted meanwhile, else the errno
+/// of the flash.
 int custom_layer__update_firmware(const char* path);
 
 /// Chooses the slot that runs after the next boot. EINVAL when that slot holds no valid image. `reserved` must be null.

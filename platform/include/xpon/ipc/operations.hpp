@@ -111,10 +111,13 @@ enum class Operation : std::uint16_t {
     /// @}
     /// The text of a path. The writing goes on after the answer.
     update_firmware = 70,
-    /// Nothing. Answers EBUSY while an update writes, then how the last one ended.
+    /// Nothing. Answers EBUSY while an update writes, after a pause that lets it be asked over and over; then how the
+    /// last one ended: ECANCELED when it was cut off, or there was none since the daemon's start.
     get_firmware_update_status = 71,
     /// std::uint32_t, a Firmware_selector.
     select_image = 72,
+    /// Nothing. Asked before the running configuration is written to a file; an error forbids it.
+    save_configuration = 73,
 };
 
 /// Which counters of which ONT, numbers from 1.
@@ -157,6 +160,7 @@ inline constexpr std::array operation_owners{
     OperationOwner{Operation::update_firmware, peers::system_manager},
     OperationOwner{Operation::get_firmware_update_status, peers::system_manager},
     OperationOwner{Operation::select_image, peers::system_manager},
+    OperationOwner{Operation::save_configuration, peers::dna},
 };
 
 /// Empty for an operation that every peer knows, or none.

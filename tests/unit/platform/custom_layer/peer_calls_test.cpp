@@ -175,6 +175,18 @@ std::vector<Call> all_calls() {
          edited_list<Ont_unactivated_entry>([](auto&) {}),
          {edited_list<Ont_unactivated_entry>([](auto& ont) { fill(ont.password); }),
           list_header(1, sizeof(Ont_unactivated_entry))}},
+        {"engine id",
+         [](Ipc* ipc) {
+             return run_record<Snmp_environment_data>(
+                 [&](auto* out) { return custom_layer__generating_engine_id(ipc, out); });
+         },
+         edited<Snmp_environment_data>([](auto&) {}),
+         {edited<Snmp_environment_data>([](auto& data) { fill(data.engine_id); })}},
+        {"select image", [](Ipc* ipc) { return custom_layer__select_image(ipc, firmware_alternate, nullptr); }, {}},
+        {"PON ports", [](Ipc* ipc) { return custom_layer__reconfigure_pon_port(ipc, &ports); }, {}},
+        {"reconfigure", [](Ipc* ipc) { return custom_layer__reconfigure_ont(ipc, &onts); }, {}},
+        {"reset", [](Ipc* ipc) { return custom_layer__omci_default(ipc, &onts); }, {}},
+        {"reboot", [](Ipc* ipc) { return custom_layer__omci_reboot(ipc, &onts); }, {}},
     };
 }
 

@@ -1,0 +1,80 @@
+#include "xpon/custom_layer/commands.h"
+
+#include "custom_layer/own_connection.hpp"
+#include "custom_layer/peer_request.hpp"
+#include "xpon/ipc/operations.hpp"
+
+#include <chrono>
+#include <cstring>
+
+using namespace xpon::custom_layer;
+using xpon::ipc::Operation;
+
+namespace {
+
+/// An order to the system manager, over the layer's own connection.
+int order_device(Operation operation, std::span<const std::byte> question) {
+    auto* const connection = own_connection();
+    return connection == nullptr ? -1 : order(connection, operation, question);
+}
+
+template <class Range>
+int order_for(Ipc* ipc, Operation operation, const Range* range) {
+    return range == nullptr ? fail(EINVAL) : order(ipc, operation, question(*range));
+}
+
+/// Until the update has ended. The system manager keeps back the answer of one that goes on.
+int await_update() {
+    using Clock = std::chrono::steady_clock;
+    // No flash is that slow.
+    static constexpr std::chrono::minutes longest{30};
+    const auto deadline = Clock::now() + longest;
+    while (order_device(Operation::get_firmware_update_status, no_question()) != 0) {
+        if (errno != EBUSY) {
+            return -1;
+        }
+        if (Clock::now() >= deadline) {
+            return fail(ETIMEDOUT);
+        }
+    }
+    return 0;
+}
+
+} // namespace
+
+int custom_layer__reboot(int when) {
+    return when != reboot_now ? fail(EINVAL)
+                              : order_device(Operation::reboot, question(static_cast<std::uint32_t>(when)));
+}
+
+int custom_layer__reconfigure_olt() {
+    return order_device(Operation::reconfigure_olt, no_question());
+}
+
+int custom_layer__update_firmware(const char* path) {
+    if (path == nullptr) {
+        return fail(EINVAL);
+    }
+    const auto text = std::as_bytes(std::span(path, std::strlen(path)));
+    return order_device(Operation::update_firmware, text) != 0 ? -1 : await_update();
+}
+
+int custom_layer__select_image(Ipc* ipc, std::uint32_t selector, void* reserved) {
+    return reserved != nullptr ? fail(EINVAL) : order(ipc, Operation::select_image, question(selector));
+}
+
+int custom_layer__reconfigure_pon_port(Ipc* ipc, const Bitmap_pon_port_range* range) {
+    return order_for(ipc, Operation::reconfigure_pon_ports, range);
+}
+
+int custom_layer__reconfigure_ont(Ipc* ipc, const Bitmap_ont_range* range) {
+    return order_for(ipc, Operation::reconfigure_onts, range);
+}
+
+int custom_layer__omci_default(Ipc* ipc, const Bitmap_ont_range* range) {
+    return order_for(ipc, Operation::reset_onts, range);
+}
+
+int custom_layer__omci_reboot(Ipc* ipc, const Bitmap_ont_range* range) {
+    return order_for(ipc, Operation::reboot_onts, range);
+}
