@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <functional>
-#include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -28,6 +28,9 @@ struct IgmpDaemon : public Ipc {
         return operation == Operation::get_igmp_groups ? groups : vlans;
     }
     void notify_all(Operation, std::span<const std::byte>) override {}
+    std::optional<Refusal> ask_all(Operation, std::span<const std::byte>, std::chrono::milliseconds) override {
+        return std::nullopt;
+    }
 
     void answer(const std::vector<Igmp_group>& list) {
         groups = {0, ipc::list_payload(std::span(list))};
