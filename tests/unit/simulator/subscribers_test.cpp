@@ -48,6 +48,10 @@ private:
                 static_cast<std::uint8_t>(service * 16 + host)};
     }
 
+    static std::uint16_t index_of(const auto& session) {
+        return static_cast<std::uint16_t>((session.pon_port - 1) * max_onts_per_port + session.ont_id - 1);
+    }
+
     void check_host(const Bcm_mac_entry& entry) const {
         if (entry.ont_id == 0) {
             EXPECT_EQ(entry.gem, 0);
@@ -85,6 +89,10 @@ private:
             EXPECT_TRUE(addresses.insert(address).second);
             const auto known = by_mac.find(std::to_array(session.mac));
             EXPECT_TRUE(known == by_mac.end() || known->second.svid == session.outer_vid);
+            const auto ont = plant.ont_configured_as(index_of(session));
+            const bool is_in_service = ont && ont->point.state == ont_operational;
+            // It has talked then.
+            EXPECT_TRUE(known != by_mac.end() || !is_in_service || session.life_time_msec <= 3'300'000);
             check_serial(session);
         }
     }
@@ -107,9 +115,8 @@ private:
     }
 
     void check_serial(const auto& session) const {
-        const auto index = static_cast<std::uint16_t>((session.pon_port - 1) * max_onts_per_port + session.ont_id - 1);
         std::uint8_t serial[ont_serial_bin_size];
-        put_serial(serial, plant.configuration().onts.at(index).serial);
+        put_serial(serial, plant.configuration().onts.at(index_of(session)).serial);
         EXPECT_EQ(std::to_array(session.ont_serial), std::to_array(serial));
     }
 };
