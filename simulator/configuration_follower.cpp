@@ -19,7 +19,17 @@ namespace {
 namespace peers = ipc::peers;
 
 /// What a change of an element means to the plant.
-enum class Effect : std::uint8_t { none, fans, hostname, front_port, pon_port, ont, all_onts };
+enum class Effect : std::uint8_t {
+    none,
+    fans,
+    hostname,
+    management,
+    front_port,
+    port_channel,
+    pon_port,
+    ont,
+    all_onts
+};
 
 struct Row {
     Effect effect;
@@ -29,7 +39,9 @@ struct Row {
 constexpr Row nothing{Effect::none, {}};
 constexpr Row fans{Effect::fans, peers::system_manager};
 constexpr Row hostname{Effect::hostname, peers::system_manager};
+constexpr Row management{Effect::management, peers::system_manager};
 constexpr Row front_port{Effect::front_port, peers::switch_chip};
+constexpr Row port_channel{Effect::port_channel, peers::switch_chip};
 constexpr Row pon_port{Effect::pon_port, peers::pon_state_machine};
 constexpr Row one_ont{Effect::ont, peers::pon_state_machine};
 constexpr Row profile{Effect::all_onts, peers::pon_state_machine};
@@ -42,7 +54,11 @@ constexpr Row row_of<cfgdb::GSystemFanSpeed> = fans;
 template <>
 constexpr Row row_of<cfgdb::GSystemHostname> = hostname;
 template <>
+constexpr Row row_of<cfgdb::GSystemManagement> = management;
+template <>
 constexpr Row row_of<cfgdb::FrontPort> = front_port;
+template <>
+constexpr Row row_of<cfgdb::PortChannel> = port_channel;
 template <>
 constexpr Row row_of<cfgdb::PonPort> = pon_port;
 template <>
@@ -84,6 +100,14 @@ unsigned mbps_of(cfgdb::FrontPort::Speed speed) {
     return speeds.at(static_cast<std::size_t>(speed));
 }
 
+VlanSet carried_by(const cfgdb::FrontPort& port) {
+    VlanSet vlans;
+    for (std::size_t vid = 1; vid < vlans.size() - 1; ++vid) {
+        vlans[vid] = vid == port.pvid || (port.tagged_vlans[vid / 8] >> vid % 8 & 1U) != 0;
+    }
+    return vlans;
+}
+
 } // namespace
 
 ConfigurationFollower::ConfigurationFollower() {
@@ -105,8 +129,10 @@ void ConfigurationFollower::reload(ipc::Address peer) {
     if (peer == peers::system_manager) {
         read_fans();
         read_hostname();
+        read_management();
     } else if (peer == peers::switch_chip) {
         std::ranges::for_each(counted(front_ports), [this](auto index) { read_front_port(index); });
+        std::ranges::for_each(counted(port_channels), [this](auto index) { read_port_channel(index); });
     } else if (peer == peers::pon_state_machine) {
         std::ranges::for_each(counted(pon_ports), [this](auto index) { read_pon_port(index); });
         read_onts(counted(max_onts));
@@ -130,6 +156,12 @@ bool ConfigurationFollower::follow(ipc::Address peer, std::span<const service::C
             break;
         case Effect::hostname:
             read_hostname();
+            break;
+        case Effect::management:
+            read_management();
+            break;
+        case Effect::port_channel:
+            read_port_channel(index);
             break;
         case Effect::front_port:
             read_front_port(index);
@@ -166,13 +198,33 @@ void ConfigurationFollower::read_hostname() {
     configuration_.hostname = record.hostname;
 }
 
+void ConfigurationFollower::read_management() {
+    cfgdb::GSystemManagement record;
+    check(getRunDb_CommonGCfg_management(database_.handle(), &record, nullptr));
+    configuration_.management_vlan = record.enabled != 0 ? record.vlan_id : std::uint16_t{0};
+}
+
 void ConfigurationFollower::read_front_port(std::uint16_t index) {
     if (index >= front_ports) {
         return;
     }
     cfgdb::FrontPort record;
     check(getRunDb_ZebGCfg_switch_config_front_port(database_.handle(), &record, &index));
-    configuration_.front.at(index) = {.enabled = record.enabled != 0, .speed_mbps = mbps_of(record.speed)};
+    configuration_.front.at(index) = {.enabled = record.enabled != 0,
+                                      .speed_mbps = mbps_of(record.speed),
+                                      .vlans = carried_by(record),
+                                      .is_multicast_router =
+                                          record.multicast_router == cfgdb::FrontPort::MulticastRouter::always};
+}
+
+void ConfigurationFollower::read_port_channel(std::uint16_t index) {
+    if (index >= port_channels) {
+        return;
+    }
+    cfgdb::PortChannel record;
+    check(getRunDb_ZebGCfg_switch_config_lag_port_channel(database_.handle(), &record, &index));
+    configuration_.channels.at(index) = {
+        .enabled = record.enabled != 0, .members = record.members, .min_links = record.min_links};
 }
 
 void ConfigurationFollower::read_pon_port(std::uint16_t index) {

@@ -34,7 +34,9 @@ private:
     void read_all();
     void read_fans();
     void read_hostname();
+    void read_management();
     void read_front_port(std::uint16_t index);
+    void read_port_channel(std::uint16_t index);
     void read_pon_port(std::uint16_t index);
     void read_onts(std::span<const std::uint16_t> indices);
     void read_configured_onts();

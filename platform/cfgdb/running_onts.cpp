@@ -85,6 +85,7 @@ RunningService service_of(const EffectiveService& service, const OntServices& ow
             .s_vid = service.s_vid,
             .c_vid = service.c_vid,
             .multicast_vid = profile.multicast_vid,
+            .igmp_snooping = profile.igmp_snooping != 0,
             .dhcp_agent = profile.dhcp_agent != 0,
             .pppoe_agent = profile.pppoe_agent != 0,
             .broadcast_downstream = profile.broadcast_downstream != 0,

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstring>
 #include <iterator>
+#include <span>
 
 namespace xpon::custom_layer {
 namespace {
@@ -67,6 +68,21 @@ bool is_sound(const Ont_unactivated_entry& record) {
 
 bool is_sound(const Snmp_environment_data& record) {
     return all_end(record.engine_id);
+}
+
+bool is_sound(const Igmp_group& record) {
+    return record.vlan >= 1 && record.vlan <= max_vlan_id && record.source_count <= std::size(record.sources) &&
+           record.port_count <= std::size(record.ports) &&
+           std::ranges::all_of(std::span(record.ports, record.port_count),
+                               [](const auto& port) { return port.kind <= switch_port_channel; });
+}
+
+bool is_sound(const Bitmap_vlan& record) {
+    return record.size == max_vlan_id + 1U;
+}
+
+bool is_sound(const Bcm_mac_entry& record) {
+    return record.kind <= switch_port_channel && record.type <= mac_entry_static;
 }
 
 bool is_sound(const Device_facts& record) {

@@ -2,6 +2,7 @@
 
 #include "xpon/custom_layer/custom_layer.h"
 #include "xpon/custom_layer/device_facts.h"
+#include "xpon/ranges/vlan_range.h"
 
 namespace xpon::custom_layer {
 
@@ -17,10 +18,19 @@ bool is_sound(const Ont__state_info& record);
 bool is_sound(const Ont_unactivated_entry& record);
 bool is_sound(const Snmp_environment_data& record);
 bool is_sound(const Device_facts& record);
+bool is_sound(const Igmp_group& record);
+bool is_sound(const Bitmap_vlan& record);
+bool is_sound(const Bcm_mac_entry& record);
 inline bool is_sound(const Front_port_sfp_eddi&) {
     return true;
 }
 inline bool is_sound(const Pon_port_type&) {
+    return true;
+}
+inline bool is_sound(const Dhcp_session&) {
+    return true;
+}
+inline bool is_sound(const Pppoe_session&) {
     return true;
 }
 

@@ -93,6 +93,16 @@ std::optional<Bitmap> parse_bitmap(std::span<const std::byte> payload) {
     return bitmap && bitmap->size <= sizeof bitmap->bits * 8 ? bitmap : std::nullopt;
 }
 
+/// The answer of a route that takes nothing and gives a list.
+template <auto Report>
+ipc::ServerAnswer answer_whole_list(const Plant& plant, std::span<const std::byte> payload) {
+    if (!payload.empty()) {
+        return {EINVAL, {}, {}};
+    }
+    const auto entries = Report(plant);
+    return {0, ipc::list_payload(std::span(std::as_const(entries))), {}};
+}
+
 /// The answer of a route that takes a bitmap and gives a list.
 template <class Bitmap, auto Report>
 ipc::ServerAnswer answer_list(const Plant& plant, std::span<const std::byte> payload) {

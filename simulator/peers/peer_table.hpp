@@ -12,6 +12,9 @@ std::span<const PeerRoute> system_manager_routes();
 std::span<const PeerRoute> pon_state_machine_routes();
 std::span<const PeerRoute> switch_chip_routes();
 std::span<const PeerRoute> dna_routes();
+std::span<const PeerRoute> dhcp_relay_routes();
+std::span<const PeerRoute> pppoe_routes();
+std::span<const PeerRoute> igmp_routes();
 inline std::span<const PeerRoute> no_routes() {
     return {};
 }
@@ -20,9 +23,9 @@ inline std::span<const PeerRoute> no_routes() {
 /// The daemons of the OLT that the simulator plays.
 inline constexpr std::array peer_table{
     PeerDescription{"system-mgr", ipc::peers::system_manager, "system-mgr.log", system_manager_routes},
-    PeerDescription{"dhcp-ra", ipc::peers::dhcp_relay, "dhcp-ra.log", no_routes},
-    PeerDescription{"pppoe", ipc::peers::pppoe, "pppoe.log", no_routes},
-    PeerDescription{"igmp", ipc::peers::igmp, "igmp.log", no_routes},
+    PeerDescription{"dhcp-ra", ipc::peers::dhcp_relay, "dhcp-ra.log", dhcp_relay_routes},
+    PeerDescription{"pppoe", ipc::peers::pppoe, "pppoe.log", pppoe_routes},
+    PeerDescription{"igmp", ipc::peers::igmp, "igmp.log", igmp_routes},
     PeerDescription{"fsm-pon", ipc::peers::pon_state_machine, "fsm-pon.log", pon_state_machine_routes},
     PeerDescription{"bcm-custom", ipc::peers::switch_chip, "", switch_chip_routes},
     PeerDescription{"dna", ipc::peers::dna, "", dna_routes},

@@ -1,4 +1,5 @@
 #include "simulator/peers/peer_table.hpp"
+#include "simulator/plant/mac_table.hpp"
 #include "simulator/plant/port_report.hpp"
 
 #include <array>
@@ -33,6 +34,8 @@ std::span<const PeerRoute> switch_chip_routes() {
         PeerRoute{Operation::get_front_port_info, answer_front_port},
         PeerRoute{Operation::get_front_port_eddi, answer_front_diagnostics},
         PeerRoute{Operation::get_pon_modules, answer_record<report_pon_modules>},
+        PeerRoute{Operation::get_mac_table, answer_whole_list<report_mac_table>},
+        PeerRoute{Operation::get_mac_table_of_onts, answer_list<Bitmap_ont_range, report_mac_table_of_onts>},
     };
     return routes;
 }

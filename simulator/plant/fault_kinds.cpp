@@ -37,6 +37,7 @@ constexpr std::array rules{
     FaultRule{FaultKind::peer_down, "peer_down", Target::peer, 0, 0, "", 0, 0, 0},
     FaultRule{FaultKind::peer_slow, "peer_slow", Target::peer, 0, 0, "ms", 1, 600000, must_be_given},
     FaultRule{FaultKind::peer_error, "peer_error", Target::peer, 0, 0, "errno", 1, 4095, 5},
+    FaultRule{FaultKind::pppoe_blocked, "pppoe_blocked", Target::service, 0, 0, "", 0, 0, 0},
 };
 
 constexpr std::array<std::string_view, 8> peers{"system-mgr", "dhcp-ra",    "pppoe", "igmp",
@@ -57,6 +58,21 @@ std::optional<FaultTarget> parse_ont(std::string_view text) {
     const auto port = parse_number(text.substr(0, slash), 1, pon_ports);
     const auto ont = parse_number(text.substr(slash + 1), 1, max_onts_per_port);
     return port && ont ? std::optional(FaultTarget{.where = Where::ont, .port = *port, .ont = *ont}) : std::nullopt;
+}
+
+std::optional<FaultTarget> parse_service(std::string_view text) {
+    const auto slash = text.rfind('/');
+    if (slash == std::string_view::npos) {
+        return std::nullopt;
+    }
+    auto target = parse_ont(text.substr(0, slash));
+    const auto service = parse_number(text.substr(slash + 1), 1, max_services);
+    if (!target || !service) {
+        return std::nullopt;
+    }
+    target->where = Where::service;
+    target->service = *service;
+    return target;
 }
 
 std::optional<FaultTarget> parse_port(std::string_view text, Where where, unsigned most) {
@@ -100,6 +116,8 @@ std::optional<FaultTarget> try_target(const FaultRule& rule, std::string_view te
         return parse_module(text);
     case Target::peer:
         return parse_peer(text);
+    case Target::service:
+        return parse_service(text);
     }
     return std::nullopt;
 }
@@ -141,6 +159,8 @@ std::string to_text(const FaultTarget& target) {
         return fmt::format("front/{}", target.port);
     case Where::peer:
         return std::string(target.peer);
+    case Where::service:
+        return fmt::format("{}/{}/{}", target.port, target.ont, target.service);
     }
     return {};
 }
@@ -159,6 +179,9 @@ std::string expected_target(const FaultRule& rule) {
         return fmt::format("a module as pon/1 to pon/{} or front/1 to front/{}", pon_ports, front_ports);
     case Target::peer:
         return fmt::format("one of {}", fmt::join(peers, ", "));
+    case Target::service:
+        return fmt::format("a service as PORT/ONT/SERVICE, 1/1/1 to {}/{}/{}", pon_ports, max_onts_per_port,
+                           max_services);
     }
     return {};
 }

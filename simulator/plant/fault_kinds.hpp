@@ -29,6 +29,7 @@ enum class FaultKind : std::uint8_t {
     peer_down,
     peer_slow,
     peer_error,
+    pppoe_blocked,
 };
 
 /// What a fault is injected into.
@@ -40,19 +41,21 @@ struct FaultTarget {
         pon_port,   ///< "3", or "pon/3" where a front port could be meant
         front_port, ///< "front/2"
         peer,       ///< "fsm-pon"
+        service,    ///< "3/17/1": a service of a physical ONT
     };
 
     Where where = Where::plant;
-    std::uint16_t port = 0;  ///< port or number
-    std::uint16_t ont = 0;   ///< with `ont`
-    std::string_view peer{}; ///< with `peer`; a name of the list of peers
+    std::uint16_t port = 0;    ///< port or number
+    std::uint16_t ont = 0;     ///< with `ont` and `service`
+    std::string_view peer{};   ///< with `peer`; a name of the list of peers
+    std::uint16_t service = 0; ///< with `service`
 
     bool operator==(const FaultTarget&) const = default;
 };
 
 /// What a kind of fault takes.
 struct FaultRule {
-    enum class Target : std::uint8_t { none, number, ont, ont_or_pon_port, module, peer };
+    enum class Target : std::uint8_t { none, number, ont, ont_or_pon_port, module, peer, service };
 
     FaultKind kind;
     std::string_view name;

@@ -91,6 +91,7 @@ constexpr std::array faulty_from_start{
     InitialFault{FaultKind::psu_failed, "1"},
     InitialFault{FaultKind::temperature, "4", -7},
     InitialFault{FaultKind::slot_corrupt, "1"},
+    InitialFault{FaultKind::pppoe_blocked, "1/5/1"},
 };
 
 // clang-format off

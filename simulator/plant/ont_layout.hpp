@@ -8,7 +8,9 @@ namespace xpon::simulator {
 
 inline constexpr unsigned pon_ports = 16;
 inline constexpr unsigned front_ports = 8;
+inline constexpr unsigned port_channels = 10;
 inline constexpr unsigned max_onts_per_port = 256;
+inline constexpr unsigned max_services = 8; ///< of one ONT
 inline constexpr unsigned max_onts = pon_ports * max_onts_per_port;
 
 /// Where a physical ONT is: both numbers count from 1.

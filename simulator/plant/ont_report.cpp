@@ -2,6 +2,7 @@
 
 #include "simulator/plant/bitmap.hpp"
 #include "simulator/plant/fixed_text.hpp"
+#include "simulator/plant/serial_bytes.hpp"
 
 #include <algorithm>
 #include <array>
@@ -11,13 +12,6 @@
 
 namespace xpon::simulator {
 namespace {
-
-void put_serial(std::uint8_t (&field)[ont_serial_bin_size], std::uint64_t serial) {
-    std::memset(field, 0, sizeof field);
-    for (std::size_t byte = sizeof serial; byte-- > 0; serial >>= 8U) {
-        field[byte] = static_cast<std::uint8_t>(serial);
-    }
-}
 
 void put_alloc_ids(Ont__state_info& info, const Plant& plant, const Plant::Ont& ont) {
     const auto onu_id = plant.onu_id_of(*ont.situation->configured);

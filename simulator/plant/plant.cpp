@@ -142,6 +142,7 @@ void Plant::change(const std::function<void()>& mutate) {
     mutate();
     update_ports(before);
     update_onts(points);
+    subscriber_history_.follow(*this);
 }
 
 void Plant::update_ports(const std::array<PonPortSettings, pon_ports>& before) {
@@ -349,12 +350,13 @@ Pon_channel_state Plant::channel_state(unsigned pon_port) const {
     return is_disturbed ? pon_channel_fault : pon_channel_active;
 }
 
-bool Plant::front_link_is_up(unsigned front_port) const {
+PlantTime Plant::front_link_since(unsigned front_port) const {
     const auto& run = front_.at(front_port - 1);
     const auto* const module = front_module(front_port);
     const auto forced = configuration_.front.at(front_port - 1).speed_mbps;
     const bool has_partner = (parameters_.plant->front_links >> (front_port - 1) & 1U) != 0;
-    return has_partner && module != nullptr && forced <= module->speed_mbps && run.is_enabled && now_ >= run.up_since;
+    const bool is_possible = has_partner && module != nullptr && forced <= module->speed_mbps && run.is_enabled;
+    return is_possible ? run.up_since : never;
 }
 
 const ModuleModel* Plant::pon_module(unsigned port) const {

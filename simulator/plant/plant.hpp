@@ -4,6 +4,7 @@
 #include "simulator/plant/ont_life.hpp"
 #include "simulator/plant/ont_population.hpp"
 #include "simulator/plant/running_configuration.hpp"
+#include "simulator/plant/subscriber_history.hpp"
 #include "xpon/custom_layer/pon_ports.h"
 
 #include <array>
@@ -19,11 +20,6 @@ namespace xpon::simulator {
 /// between such events it is worked out when it is asked for.
 class Plant {
 public:
-    /// A time in which an ONT was OPERATIONAL.
-    struct Stretch {
-        PlantTime since;
-        PlantTime until;
-    };
     /// An ONT now.
     struct Ont {
         const PhysicalOnt* hardware;
@@ -92,7 +88,14 @@ public:
 
     /// Ports count from 1.
     [[nodiscard]] Pon_channel_state channel_state(unsigned pon_port) const;
-    [[nodiscard]] bool front_link_is_up(unsigned front_port) const;
+    [[nodiscard]] bool front_link_is_up(unsigned front_port) const {
+        return front_link_since(front_port) <= now_;
+    }
+    /// When the link comes up, or came; `never` as long as nothing happens to it.
+    [[nodiscard]] PlantTime front_link_since(unsigned front_port) const;
+    [[nodiscard]] const SubscriberHistory& subscriber_history() const {
+        return subscriber_history_;
+    }
     /// The module in a port; null when the slot is empty.
     /// @{
     [[nodiscard]] const ModuleModel* pon_module(unsigned port) const;
@@ -154,6 +157,7 @@ private:
     std::array<PortRun, front_ports> front_{};
     std::vector<TrackedOnt> onts_;
     std::map<std::uint16_t, std::size_t> by_configuration_; ///< flat index to place in `onts_`
+    SubscriberHistory subscriber_history_;
 };
 
 } // namespace xpon::simulator

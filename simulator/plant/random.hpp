@@ -27,6 +27,13 @@ enum class Purpose : std::uint64_t {
     viewing_length,
     viewing_pattern,
     viewing_groups,
+    subscriber_hosts,
+    host_idleness,
+    lease_delay,
+    session_delay,
+    session_numbers,
+    membership_report,
+    group_sources,
 };
 
 /// A random value that depends on its key alone (SplitMix64), never on who asks when: the same plant is the same

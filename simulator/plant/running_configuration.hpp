@@ -4,18 +4,33 @@
 #include "xpon/cfgdb/running_onts.hpp"
 
 #include <array>
+#include <bitset>
 #include <cstdint>
 #include <map>
 #include <string>
 
 namespace xpon::simulator {
 
+/// Bit v = VLAN v [802.1Q].
+using VlanSet = std::bitset<4096>;
+
 /// The part of the running configuration that the plant obeys.
 struct FrontPortSettings {
     bool enabled = true;
-    unsigned speed_mbps = 0; ///< 0 = what the module can
+    unsigned speed_mbps = 0;          ///< 0 = what the module can
+    VlanSet vlans = VlanSet{}.set();  ///< carried, with or without tag
+    bool is_multicast_router = false; ///< set to lead to one always [RFC 4541]
 
     bool operator==(const FrontPortSettings&) const = default;
+};
+
+/// [802.1AX]
+struct PortChannelSettings {
+    bool enabled = false;
+    std::uint32_t members = 0; ///< bit n-1 = front port n
+    unsigned min_links = 1;
+
+    bool operator==(const PortChannelSettings&) const = default;
 };
 
 struct PonPortSettings {
@@ -46,9 +61,11 @@ struct FanSettings {
 };
 
 struct RunningConfiguration {
-    std::array<FrontPortSettings, front_ports> front{}; ///< port 1 first
-    std::array<PonPortSettings, pon_ports> pon{};       ///< port 1 first
-    std::map<std::uint16_t, OntSettings> onts;          ///< configured ones by flat index from 0
+    std::array<FrontPortSettings, front_ports> front{};        ///< port 1 first
+    std::array<PonPortSettings, pon_ports> pon{};              ///< port 1 first
+    std::array<PortChannelSettings, port_channels> channels{}; ///< channel 1 first
+    std::uint16_t management_vlan = 0;                         ///< of the in-band management; 0 = off
+    std::map<std::uint16_t, OntSettings> onts;                 ///< configured ones by flat index from 0
     FanSettings fans;
     std::string hostname;
 };

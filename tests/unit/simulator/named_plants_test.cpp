@@ -1,9 +1,14 @@
 #include "simulator/firmware/firmware.hpp"
 #include "simulator/plant/board_report.hpp"
+#include "simulator/plant/dhcp_sessions.hpp"
+#include "simulator/plant/igmp_groups.hpp"
+#include "simulator/plant/mac_table.hpp"
 #include "simulator/plant/named_plants.hpp"
 #include "simulator/plant/ont_report.hpp"
 #include "simulator/plant/port_report.hpp"
+#include "simulator/plant/pppoe_sessions.hpp"
 #include "tests/support/temporary_olt_root.hpp"
+#include "tests/unit/simulator/subscriber_plant.hpp"
 #include "xpon/ipc/payload.hpp"
 
 #include <map>
@@ -133,8 +138,8 @@ void see_ports(SeenValues& seen, const Plant& plant) {
     }
 }
 
-std::string text_of(const std::uint8_t (&serial)[ont_serial_bin_size]) {
-    return fmt::format("{}", fmt::join(serial, ","));
+std::string text_of(const auto& bytes) {
+    return fmt::format("{}", fmt::join(bytes, ","));
 }
 
 void see_onts(SeenValues& seen, const Plant& plant) {
@@ -165,6 +170,67 @@ void see_onts(SeenValues& seen, const Plant& plant) {
     }
 }
 
+void see_sessions(SeenValues& seen, const Plant& plant) {
+    for (const auto& lease : report_dhcp_sessions(plant)) {
+        XPON_SEE(lease, pon_port);
+        XPON_SEE(lease, ont_id);
+        seen.add("lease.mac", text_of(lease.mac));
+        XPON_SEE(lease, service_id);
+        XPON_SEE(lease, gem_port);
+        XPON_SEE(lease, outer_vid);
+        seen.add("lease.ip", text_of(lease.ip));
+        XPON_SEE(lease, life_time_msec);
+        seen.add("lease.ont_serial", text_of(lease.ont_serial));
+    }
+    for (const auto& pppoe : report_pppoe_sessions(plant)) {
+        XPON_SEE(pppoe, pon_port);
+        XPON_SEE(pppoe, ont_id);
+        XPON_SEE(pppoe, gem_port);
+        XPON_SEE(pppoe, session_id);
+        seen.add("pppoe.is_blocked", pppoe.session_id == 0);
+        seen.add("pppoe.ont_serial", text_of(pppoe.ont_serial));
+        XPON_SEE(pppoe, duration_sec);
+        XPON_SEE(pppoe, unblock_rest_sec);
+        seen.add("pppoe.client_mac", text_of(pppoe.client_mac));
+    }
+}
+
+void see_groups(SeenValues& seen, const Plant& plant) {
+    seen.add("snooping.bits", text_of(report_snooping_vlans(plant).bits));
+    for (const auto& group : report_igmp_groups(plant)) {
+        seen.add("group.address", text_of(group.address));
+        XPON_SEE(group, is_in_deletion_queue);
+        seen.add("group.filter_mode", static_cast<unsigned>(group.filter_mode));
+        XPON_SEE(group, vlan);
+        XPON_SEE(group, source_count);
+        for (const auto& source : std::span(group.sources, group.source_count)) {
+            seen.add("source.ip", text_of(source.ip));
+            seen.add("source.filter_mode", static_cast<unsigned>(source.filter_mode));
+        }
+        XPON_SEE(group, port_count);
+        for (const auto& port : std::span(group.ports, group.port_count)) {
+            seen.add("member.kind", static_cast<unsigned>(port.kind));
+            XPON_SEE(port, number);
+            XPON_SEE(port, is_static);
+            XPON_SEE(port, expires_sec);
+        }
+    }
+}
+
+void see_addresses(SeenValues& seen, const Plant& plant) {
+    for (const auto& address : report_mac_table(plant)) {
+        seen.add("address.mac", text_of(address.mac));
+        seen.add("address.kind", static_cast<unsigned>(address.kind));
+        XPON_SEE(address, number);
+        XPON_SEE(address, svid);
+        XPON_SEE(address, cvid);
+        XPON_SEE(address, uvid);
+        XPON_SEE(address, ont_id);
+        XPON_SEE(address, gem);
+        seen.add("address.type", static_cast<unsigned>(address.type));
+    }
+}
+
 #undef XPON_SEE
 
 TEST(NamedPlants, LeaveNoFieldAtOneValue) {
@@ -172,14 +238,9 @@ TEST(NamedPlants, LeaveNoFieldAtOneValue) {
     const test::TemporaryOltRoot root;
     for (const auto& named : named_plants()) {
         const PlantParameters parameters{.plant = &named, .size = named.size};
-        RunningConfiguration configuration;
-        for (unsigned nth = 0; nth < named.size.configured; ++nth) {
-            const auto ont = make_ont(parameters, nth);
-            configuration.onts[record_index_of(ont.position)] = {.serial = ont.serial,
-                                                                 .upstream_fec = nth % 3 != 0,
-                                                                 .services = std::vector<ServiceSettings>(4),
-                                                                 .tconts = 3};
-        }
+        auto configuration = subscribers_of(parameters, named.size.configured);
+        configuration.front[1].is_multicast_router = true;
+        configuration.management_vlan = 4000;
         Plant plant(parameters, configuration);
         plant.advance(named.uptime);
         see_environment(seen, report_environment(plant));
@@ -189,6 +250,13 @@ TEST(NamedPlants, LeaveNoFieldAtOneValue) {
         see_facts(seen, report_device_facts(plant, firmware.slots(), 1));
         see_ports(seen, plant);
         see_onts(seen, plant);
+        see_sessions(seen, plant);
+        see_addresses(seen, plant);
+        // Groups are in the deletion queue for two seconds only.
+        for (int look = 0; look < 30; ++look) {
+            plant.advance(plant.now() + std::chrono::seconds(2));
+            see_groups(seen, plant);
+        }
     }
     EXPECT_THAT(seen.constant_fields(), testing::IsEmpty());
 }

@@ -21,6 +21,7 @@ struct RunningService {
     std::uint16_t s_vid = 0;
     std::uint16_t c_vid = 0;         ///< 0 = one tag
     std::uint16_t multicast_vid = 0; ///< 0 = none
+    bool igmp_snooping = false;
     bool dhcp_agent = false;
     bool pppoe_agent = false;
     bool broadcast_downstream = true;

@@ -187,6 +187,34 @@ std::vector<Call> all_calls() {
         {"reconfigure", [](Ipc* ipc) { return custom_layer__reconfigure_ont(ipc, &onts); }, {}},
         {"reset", [](Ipc* ipc) { return custom_layer__omci_default(ipc, &onts); }, {}},
         {"reboot", [](Ipc* ipc) { return custom_layer__omci_reboot(ipc, &onts); }, {}},
+        {"DHCP sessions",
+         [](Ipc* ipc) {
+             return run_block<Dhcp_get_sessions_msg>(
+                 [&](auto** out) { return custom_layer__get_dhcp_session(ipc, out); });
+         },
+         edited_list<Dhcp_session>([](auto&) {}),
+         {list_header(1, sizeof(Dhcp_session))}},
+        {"PPPoE sessions",
+         [](Ipc* ipc) {
+             return run_block<Pppoe_get_sessions_msg>(
+                 [&](auto** out) { return custom_layer__get_pppoe_session(ipc, out); });
+         },
+         edited_list<Pppoe_session>([](auto&) {}),
+         {list_header(1, sizeof(Pppoe_session))}},
+        {"MAC table",
+         [](Ipc* ipc) {
+             return run_block<Bcm_get_mac_table_response>(
+                 [&](auto** out) { return custom_layer__get_mac_table(ipc, out); });
+         },
+         edited_list<Bcm_mac_entry>([](auto&) {}),
+         {edited_list<Bcm_mac_entry>([](auto& entry) { entry.kind = static_cast<Switch_port_kind>(4); }),
+          edited_list<Bcm_mac_entry>([](auto& entry) { entry.type = static_cast<Mac_entry_type>(2); })}},
+        {"MAC table of ONTs",
+         [](Ipc* ipc) {
+             return run_block<Bcm_get_mac_table_response>(
+                 [&](auto** out) { return custom_layer__get_mac_table_by_ont_range(ipc, &onts, out); });
+         },
+         edited_list<Bcm_mac_entry>([](auto&) {})},
     };
 }
 

@@ -1,5 +1,6 @@
 #include "xpon/ranges/ont_range.h"
 #include "xpon/ranges/port_ranges.h"
+#include "xpon/ranges/vlan_range.h"
 
 #include <cerrno>
 #include <string>
@@ -32,6 +33,15 @@ std::vector<std::pair<int, int>> members_of(const Bitmap_ont_range& bitmap) {
         onts.emplace_back(port, ont);
     }
     return onts;
+}
+
+std::vector<int> members_of(const Bitmap_vlan& bitmap) {
+    std::vector<int> vlans;
+    std::uint16_t vlan = 0;
+    for (Bitmap_iterator place{}; get_next_bitmap_vlan_ids(&bitmap, &place, &vlan) == 0;) {
+        vlans.push_back(vlan);
+    }
+    return vlans;
 }
 
 /// 0 or the errno value of the failure.
@@ -105,6 +115,20 @@ TEST(OntRange, AllIsResetAndInvert) {
     EXPECT_THAT(members_of(bitmap), SizeIs(4096));
 }
 
+TEST(VlanSet, HoldsTheVlansThatThereAre) {
+    Bitmap_vlan bitmap{};
+    ASSERT_EQ(prepare_bitmap_vlan(&bitmap), 0);
+    EXPECT_THAT(members_of(bitmap), IsEmpty());
+    for (const unsigned vlan : {4094U, 0U, 1U, 100U}) {
+        ASSERT_EQ(bitfield_set_bit(bitmap.bits, bitmap.size, vlan), 0);
+    }
+    EXPECT_EQ(errno_of([&] { return bitfield_set_bit(bitmap.bits, bitmap.size, 4095); }), ERANGE);
+    EXPECT_THAT(members_of(bitmap), ElementsAre(1, 100, 4094));
+    bitfield_reset(bitmap.bits, bitmap.size);
+    bitfield_invert(bitmap.bits, bitmap.size);
+    EXPECT_THAT(members_of(bitmap), testing::AllOf(SizeIs(4094), testing::Contains(1), testing::Contains(4094)));
+}
+
 TEST(PortRange, TellsSinglePorts) {
     Bitmap_uplink_port_range bitmap{};
     std::uint8_t value = 9;
@@ -120,12 +144,14 @@ TEST(PortRange, TellsSinglePorts) {
 TEST(Ranges, ABitmapOfImpossibleSizeIsRefused) {
     Bitmap_pon_port_range pon{};
     Bitmap_ont_range onts{};
-    pon.size = onts.size = 0xffffffff;
+    Bitmap_vlan vlans{};
+    pon.size = onts.size = vlans.size = 0xffffffff;
     Bitmap_iterator place{};
     std::uint8_t port = 0;
     std::uint16_t ont = 0;
     EXPECT_EQ(errno_of([&] { return get_next_bitmap_pon_port_ids(&pon, &place, &port); }), EINVAL);
     EXPECT_EQ(errno_of([&] { return get_next_bitmap_ont_ids(&onts, &place, &port, &ont); }), EINVAL);
+    EXPECT_EQ(errno_of([&] { return get_next_bitmap_vlan_ids(&vlans, &place, &ont); }), EINVAL);
 }
 
 TEST(Ranges, NullPointersAreRefused) {
@@ -137,6 +163,8 @@ TEST(Ranges, NullPointersAreRefused) {
     EXPECT_EQ(errno_of([&] { return get_parsed_pon_port_range(nullptr, &pon); }), EINVAL);
     EXPECT_EQ(errno_of([&] { return get_parsed_pon_port_range("1", nullptr); }), EINVAL);
     EXPECT_EQ(errno_of([&] { return get_next_bitmap_pon_port_ids(&pon, nullptr, nullptr); }), EINVAL);
+    EXPECT_EQ(errno_of([] { return prepare_bitmap_vlan(nullptr); }), EINVAL);
+    EXPECT_EQ(errno_of([] { return get_next_bitmap_vlan_ids(nullptr, nullptr, nullptr); }), EINVAL);
 }
 
 } // namespace

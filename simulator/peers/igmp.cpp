@@ -1,0 +1,16 @@
+#include "simulator/peers/peer_table.hpp"
+#include "simulator/plant/igmp_groups.hpp"
+
+#include <array>
+
+namespace xpon::simulator {
+
+std::span<const PeerRoute> igmp_routes() {
+    static constexpr std::array routes{
+        PeerRoute{ipc::Operation::get_igmp_snooping_vlans, answer_record<report_snooping_vlans>},
+        PeerRoute{ipc::Operation::get_igmp_groups, answer_whole_list<report_igmp_groups>},
+    };
+    return routes;
+}
+
+} // namespace xpon::simulator

@@ -1,0 +1,15 @@
+#include "simulator/peers/peer_table.hpp"
+#include "simulator/plant/pppoe_sessions.hpp"
+
+#include <array>
+
+namespace xpon::simulator {
+
+std::span<const PeerRoute> pppoe_routes() {
+    static constexpr std::array routes{
+        PeerRoute{ipc::Operation::get_pppoe_sessions, answer_whole_list<report_pppoe_sessions>},
+    };
+    return routes;
+}
+
+} // namespace xpon::simulator
