@@ -24,6 +24,9 @@ enum class Purpose : std::uint64_t {
     module_serial,
     day_drift_phase,
     short_drift_phase,
+    viewing_length,
+    viewing_pattern,
+    viewing_groups,
 };
 
 /// A random value that depends on its key alone (SplitMix64), never on who asks when: the same plant is the same
