@@ -1,22 +1,10 @@
 #include "ipc/ipc_handle.hpp"
-#include "simulator/peers/peer_table.hpp"
 #include "simulator/plant/fixed_text.hpp"
-#include "simulator/plant/ont_layout.hpp"
 #include "simulator/sim_command/command_line.hpp"
-#include "simulator/sim_command/control_client.hpp"
-#include "tests/support/temporary_olt_root.hpp"
-#include "tests/system/process.hpp"
-#include "xpon/cfgdb/cfgdb_wrapper.hpp"
-#include "xpon/cfgdb/element_functions.hpp"
-#include "xpon/core/json_tree.hpp"
-#include "xpon/custom_layer/custom_layer.h"
+#include "tests/unit/simulator/live_olt.hpp"
 
 #include <cerrno>
 #include <chrono>
-#include <map>
-#include <memory>
-#include <string>
-#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -24,99 +12,6 @@ namespace xpon::simulator {
 namespace {
 
 using testing::HasSubstr;
-
-struct FreeBlock {
-    void operator()(void* block) const {
-        std::free(block);
-    }
-};
-template <class Record>
-using Block = std::unique_ptr<Record, FreeBlock>;
-
-constexpr ipc::Address daemon_address{0x1bffff};
-
-/// A real simulator with a stepped clock, the custom layer connected to it as the daemon is, and its control socket.
-class LiveOltTest : public testing::Test {
-protected:
-    explicit LiveOltTest(const std::vector<std::string>& options = {"--onts", "64", "--configured", "48"}) {
-        std::vector<std::string> command{OLT_SIMULATOR, "--clock-rate", "0"};
-        command.insert(command.end(), options.begin(), options.end());
-        simulator = std::make_unique<test::Process>(command, test::Environment{});
-        EXPECT_TRUE(simulator->wait_for_line("olt_simulator is ready"));
-        endpoint = ipc::make_zmq_ipc(daemon_address, "none").value();
-        for (const auto& peer : peer_table) {
-            EXPECT_TRUE(endpoint->connect(peer.address)) << peer.name;
-        }
-        control = std::make_unique<ControlClient>();
-        database = std::make_unique<cfgdb::CfgDbWrapper>("test");
-    }
-
-    [[nodiscard]] Ipc* ipc() const {
-        return endpoint->raw();
-    }
-    /// The simulator's answer to a command line of olt_sim.
-    std::string command(const std::vector<std::string>& words) const {
-        return control->ask(command_of(words));
-    }
-    void must(const std::vector<std::string>& words) const {
-        ASSERT_THAT(command(words), HasSubstr(R"("ok":true)"));
-    }
-
-    /// State texts by configured (port, ONT).
-    std::map<OntPosition, std::string> ont_states() const {
-        Bitmap_ont_range range;
-        prepare_bitmap_ont(&range);
-        bitfield_invert(range.bits, range.size);
-        Ont__get_state_info_response* response = nullptr;
-        EXPECT_EQ(custom_layer__get_ont_state_info_by_range(ipc(), &range, &response), 0);
-        const Block<Ont__get_state_info_response> owner(response);
-        std::map<OntPosition, std::string> states;
-        for (std::uint32_t nth = 0; response != nullptr && nth < response->count; ++nth) {
-            const auto& ont = response->entries[nth];
-            states[{.port = ont.port, .ont = ont.ont_id}] = ont_state_to_str(ont.state);
-        }
-        return states;
-    }
-    std::size_t unactivated(const char* ports = "1-16") const {
-        Bitmap_pon_port_range range;
-        EXPECT_EQ(get_parsed_pon_port_range(ports, &range), 0);
-        Ont_unactivated_info* info = nullptr;
-        EXPECT_EQ(custom_layer__get_ont_unactivated_by_range(ipc(), &range, &info), 0);
-        const Block<Ont_unactivated_info> owner(info);
-        return info == nullptr ? 0 : info->count;
-    }
-    int errno_of_environment() const {
-        System_environment_data data;
-        errno = 0;
-        return custom_layer__get_system_environment_info(ipc(), &data) == 0 ? 0 : errno;
-    }
-
-    template <class Record, class Get, class Set>
-    void edit(Get get, Set set, unsigned short index, const std::function<void(Record&)>& change) {
-        Record record;
-        ASSERT_EQ(get(database->handle(), database->context(), &record, &index), 0);
-        change(record);
-        ASSERT_EQ(set(database->handle(), database->context(), &record, &index), 0);
-    }
-    void edit_ont(const OntPosition& ont, const std::function<void(cfgdb::PonOnt&)>& change) {
-        edit<cfgdb::PonOnt>(getDb_ZebGCfg_pon_ont, setDb_ZebGCfg_pon_ont, record_index_of(ont), change);
-    }
-    void commit() {
-        const auto committed = database->commit(endpoint);
-        ASSERT_TRUE(committed) << committed.error().to_string();
-    }
-
-    test::TemporaryOltRoot root;
-    std::unique_ptr<test::Process> simulator;
-    std::shared_ptr<ipc::IIpc> endpoint;
-    std::unique_ptr<ControlClient> control;
-    /// Opened after the simulator, which configures only an OLT that nobody has opened.
-    std::unique_ptr<cfgdb::CfgDbWrapper> database;
-};
-
-/// An ONT that is there and not configured at first, with power; one that is configured and in service.
-constexpr OntPosition fresh{.port = 1, .ont = 4};
-constexpr OntPosition served{.port = 1, .ont = 1};
 
 TEST_F(LiveOltTest, OntsFollowCommits) {
     ASSERT_EQ(ont_states()[served], "OPERATIONAL");
