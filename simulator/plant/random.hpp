@@ -27,6 +27,11 @@ enum class Purpose : std::uint64_t {
     viewing_length,
     viewing_pattern,
     viewing_groups,
+    traffic_curve,
+    traffic_calls,
+    user_port_quality,
+    counter_rounding,
+    ranging_drift,
 };
 
 /// A random value that depends on its key alone (SplitMix64), never on who asks when: the same plant is the same

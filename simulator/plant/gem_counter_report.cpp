@@ -1,0 +1,189 @@
+#include "simulator/plant/counter_report.hpp"
+#include "simulator/plant/ont_counts.hpp"
+
+#include <cmath>
+
+namespace xpon::simulator {
+namespace {
+
+/// Keys of what happens by chance.
+enum Chance : std::uint64_t { misinserted = 100, impaired, discarded };
+
+/// What went through one GEM port in an interval.
+struct GemPort {
+    Frames up;
+    Frames received;
+    Frames lost;
+};
+
+GemPort difference(const FlowTally& before, const FlowTally& after) {
+    GemPort port{.up = {}, .received = after.frames_received(), .lost = after.frames_lost()};
+    port.received -= before.frames_received();
+    port.lost -= before.frames_lost();
+    return port;
+}
+
+/// The GEM ports that carry the same to all ONTs: only their downstream counts.
+GemPort multicast_port(const OntCounts& counts, const OntCounts::Interval& interval) {
+    GemPort sum{};
+    for (const auto& service : counts.settings().services) {
+        const auto port = difference(interval.before.service(service.number).multicast,
+                                     interval.after.service(service.number).multicast);
+        sum.received += port.received;
+        sum.lost += port.lost;
+    }
+    return sum;
+}
+
+GemPort broadcast_port(const OntCounts::Interval& interval) {
+    return difference(interval.before.broadcast, interval.after.broadcast);
+}
+
+GemPort unicast_port(const OntCounts::Interval& interval, unsigned service) {
+    const auto& before = interval.before.service(service);
+    const auto& after = interval.after.service(service);
+    auto port = difference(before.down, after.down);
+    port.up = after.up.frames_sent();
+    port.up -= before.up.frames_sent();
+    return port;
+}
+
+/// Blocks of 48 bytes that frames are counted in [G.988 9.2.6].
+std::uint64_t blocks(const Frames& frames) {
+    constexpr unsigned block_octets = 48;
+    std::uint64_t sum = 0;
+    for (std::size_t bin = 0; bin < frame_sizes.size(); ++bin) {
+        sum += frames.of_size.at(bin) * ((frame_sizes.at(bin) + block_octets - 1) / block_octets);
+    }
+    return sum;
+}
+
+/// Writes the record of a kind whose instances are the services and whose groups stand beside them.
+/// `write_service(record, place, port)` writes an instance, `write_group(group, port, key)` a group.
+template <class Record, class WriteService, class WriteGroup>
+Record report(const Plant& plant, std::uint16_t index, WriteService write_service, WriteGroup write_group) {
+    Record record{};
+    const auto counts = OntCounts::of(plant, index);
+    if (!counts) {
+        return record;
+    }
+    const auto interval = counts->last_interval();
+    for (const auto& service : counts->settings().services) {
+        record.number[record.count] = service.number;
+        write_service(record, record.count++, unicast_port(interval, service.number), *counts, interval);
+    }
+    const auto add_group = [&](auto& group, const GemPort& port, std::uint64_t key) {
+        group.valid = 1;
+        group.finished_intervals = interval_end_time(interval);
+        write_group(group, port, key, *counts, interval);
+    };
+    if (counts->has_multicast()) {
+        add_group(record.mc, multicast_port(*counts, interval), max_counter_instances);
+    }
+    if (counts->has_broadcast()) {
+        add_group(record.bc, broadcast_port(interval), max_counter_instances + 1);
+    }
+    return record;
+}
+
+/// The values of ME 267 of one GEM port.
+Ont_gem_port_pm::Group gem_values(const GemPort& port, std::uint64_t key, const OntCounts& counts,
+                                  const OntCounts::Interval& interval) {
+    // Of the frames that are lost some turn up elsewhere, and some come in part.
+    const auto lost = port.lost.packets();
+    const auto by_chance = [&](double share, Chance what) {
+        return low_32(counts.happened(static_cast<double>(lost) * share, interval, what << 8U | key));
+    };
+    return {.valid = 1,
+            .finished_intervals = interval_end_time(interval),
+            .lost_packets = low_32(lost),
+            .misinserted_packets = by_chance(0.1, misinserted),
+            .received_packets = low_32(port.received.packets()),
+            .received_blocks = low_32(blocks(port.received)),
+            .transmitted_blocks = low_32(blocks(port.up)),
+            .impaired_blocks = by_chance(2.5, impaired)};
+}
+
+std::uint32_t discarded_frames(const GemPort& port, std::uint64_t key, const OntCounts& counts,
+                               const OntCounts::Interval& interval) {
+    constexpr double by_itself = 5e-7; // frames that the ONT has no place for
+    const double expected =
+        static_cast<double>(port.lost.packets()) * 0.5 + static_cast<double>(port.received.packets()) * by_itself;
+    return low_32(counts.happened(expected, interval, discarded << 8U | key));
+}
+
+} // namespace
+
+Ont_gem_port_pm report_gem_port_pm(const Plant& plant, std::uint16_t index) {
+    return report<Ont_gem_port_pm>(
+        plant, index,
+        [](auto& record, unsigned place, const GemPort& port, const auto& counts, const auto& interval) {
+            const auto values = gem_values(port, place, counts, interval);
+            record.finished_intervals[place] = values.finished_intervals;
+            record.lost_packets[place] = values.lost_packets;
+            record.misinserted_packets[place] = values.misinserted_packets;
+            record.received_packets[place] = values.received_packets;
+            record.received_blocks[place] = values.received_blocks;
+            record.transmitted_blocks[place] = values.transmitted_blocks;
+            record.impaired_blocks[place] = values.impaired_blocks;
+        },
+        [](auto& group, const GemPort& port, std::uint64_t key, const auto& counts, const auto& interval) {
+            group = gem_values(port, key, counts, interval);
+        });
+}
+
+Ont_gem_port_nctp_pm report_gem_port_nctp_pm(const Plant& plant, std::uint16_t index) {
+    return report<Ont_gem_port_nctp_pm>(
+        plant, index,
+        [](auto& record, unsigned place, const GemPort& port, const auto&, const auto& interval) {
+            record.downstream.finished_intervals[place] = interval_end_time(interval);
+            record.downstream.received_gem_frames[place] = low_32(port.received.packets());
+            record.downstream.received_payload_bytes[place] = low_32(port.received.octets());
+            record.upstream.finished_intervals[place] = interval_end_time(interval);
+            record.upstream.transmitted_gem_frames[place] = low_32(port.up.packets());
+            record.upstream.transmitted_payload_bytes[place] = low_32(port.up.octets());
+        },
+        [](auto& group, const GemPort& port, std::uint64_t, const auto&, const auto&) {
+            group.received_gem_frames = low_32(port.received.packets());
+            group.received_payload_bytes = low_32(port.received.octets());
+        });
+}
+
+Ont_gal_eth_pm report_gal_eth_pm(const Plant& plant, std::uint16_t index) {
+    return report<Ont_gal_eth_pm>(
+        plant, index,
+        [](auto& record, unsigned place, const GemPort& port, const auto& counts, const auto& interval) {
+            record.finished_intervals[place] = interval_end_time(interval);
+            record.discarded_frames[place] = discarded_frames(port, place, counts, interval);
+        },
+        [](auto& group, const GemPort& port, std::uint64_t key, const auto& counts, const auto& interval) {
+            group.discarded_frames = discarded_frames(port, key, counts, interval);
+        });
+}
+
+Ont_fec_pm_counters report_fec_pm(const Plant& plant, std::uint16_t index) {
+    Ont_fec_pm_counters record{};
+    const auto counts = OntCounts::of(plant, index);
+    if (!counts) {
+        return record;
+    }
+    const auto interval = counts->last_interval();
+    const auto& before = interval.before.fec_down;
+    const auto& after = interval.after.fec_down;
+    const auto corrected = low_32(static_cast<std::uint64_t>(after.corrected - before.corrected));
+    const double damaged_per_s = (after.corrected - before.corrected + after.uncorrectable - before.uncorrectable) /
+                                 OntCounts::Interval::seconds;
+    record.count = 1;
+    record.finished_intervals[0] = interval_end_time(interval);
+    record.corrected_bytes[0] = corrected + low_32(static_cast<std::uint64_t>(after.extra_bytes - before.extra_bytes));
+    record.corrected_code_words[0] = corrected;
+    record.uncorrectable_code_words[0] =
+        low_32(static_cast<std::uint64_t>(after.uncorrectable) - static_cast<std::uint64_t>(before.uncorrectable));
+    record.total_code_words[0] = low_32(static_cast<std::uint64_t>(after.words - before.words));
+    // Seconds with a wrong word in them.
+    record.fec_seconds[0] =
+        low_32(static_cast<std::uint64_t>(OntCounts::Interval::seconds * -std::expm1(-damaged_per_s)));
+    return record;
+}
+
+} // namespace xpon::simulator
