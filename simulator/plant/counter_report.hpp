@@ -8,7 +8,8 @@
 namespace xpon::simulator {
 
 // The counters of the ONT that is configured with a flat index. A record without instances, all of it zero, for an
-// ONT that is not in service or whose counters are not collected.
+// ONT that is not in service or whose counters are not collected. Bytes between members are zero, too: records travel
+// as they are.
 
 // What the ONT keeps itself: the last 15 minutes.
 Ont_gem_port_pm report_gem_port_pm(const Plant& plant, std::uint16_t index);

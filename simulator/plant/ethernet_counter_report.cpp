@@ -161,7 +161,7 @@ struct Row {
 /// A record whose instances are the Ethernet ports, by a table of its values.
 template <class Record, std::size_t Rows>
 Record report(const Plant& plant, std::uint16_t index, const std::array<Row<Record>, Rows>& rows) {
-    Record record{};
+    auto record = Record();
     for_user_ports(plant, index, [&](const PortInterval& port, unsigned place) {
         if (place == veip_place) {
             return;
@@ -310,7 +310,7 @@ Ont_eth_pm_history_data_3 report_eth_pm_3(const Plant& plant, std::uint16_t inde
 }
 
 Ont_eth_frame_ext_pm report_eth_frame_ext_pm(const Plant& plant, std::uint16_t index) {
-    Ont_eth_frame_ext_pm record{};
+    auto record = Ont_eth_frame_ext_pm();
     for_user_ports(plant, index, [&](const PortInterval& port, unsigned place) {
         const auto write = [&](Direction& direction, auto count) {
             if (place == veip_place) {

@@ -48,7 +48,7 @@ GemPort unicast_port(const OntCounts::Interval& interval, unsigned service) {
     return port;
 }
 
-/// Blocks of 48 bytes that frames are counted in [G.988 9.2.6].
+/// Blocks of 48 bytes that frames are counted in [G.988 ME 267]. Those transmitted are those that the far end sent.
 std::uint64_t blocks(const Frames& frames) {
     constexpr unsigned block_octets = 48;
     std::uint64_t sum = 0;
@@ -62,7 +62,7 @@ std::uint64_t blocks(const Frames& frames) {
 /// `write_service(record, place, port)` writes an instance, `write_group(group, port, key)` a group.
 template <class Record, class WriteService, class WriteGroup>
 Record report(const Plant& plant, std::uint16_t index, WriteService write_service, WriteGroup write_group) {
-    Record record{};
+    auto record = Record();
     const auto counts = OntCounts::of(plant, index);
     if (!counts) {
         return record;
@@ -86,23 +86,19 @@ Record report(const Plant& plant, std::uint16_t index, WriteService write_servic
     return record;
 }
 
-/// The values of ME 267 of one GEM port.
-Ont_gem_port_pm::Group gem_values(const GemPort& port, std::uint64_t key, const OntCounts& counts,
-                                  const OntCounts::Interval& interval) {
-    // Of the frames that are lost some turn up elsewhere, and some come in part.
-    const auto lost = port.lost.packets();
-    const auto by_chance = [&](double share, Chance what) {
-        return low_32(counts.happened(static_cast<double>(lost) * share, interval, what << 8U | key));
-    };
-    return {.valid = 1,
-            .finished_intervals = interval_end_time(interval),
-            .lost_packets = low_32(lost),
-            .misinserted_packets = by_chance(0.1, misinserted),
-            .received_packets = low_32(port.received.packets()),
-            .received_blocks = low_32(blocks(port.received)),
-            .transmitted_blocks = low_32(blocks(port.up)),
-            .impaired_blocks = by_chance(2.5, impaired)};
-}
+/// What ME 267 counts in one GEM port, beside what went through.
+struct Losses {
+    std::uint32_t lost;
+    std::uint32_t misinserted;
+    std::uint32_t impaired_blocks;
+
+    Losses(const GemPort& port, std::uint64_t key, const OntCounts& counts, const OntCounts::Interval& interval)
+        : lost(low_32(port.lost.packets())) {
+        // Of the frames that are lost some turn up elsewhere, and some come in part.
+        misinserted = low_32(counts.happened(lost * 0.1, interval, Chance::misinserted << 8U | key));
+        impaired_blocks = low_32(counts.happened(lost * 2.5, interval, Chance::impaired << 8U | key));
+    }
+};
 
 std::uint32_t discarded_frames(const GemPort& port, std::uint64_t key, const OntCounts& counts,
                                const OntCounts::Interval& interval) {
@@ -118,17 +114,23 @@ Ont_gem_port_pm report_gem_port_pm(const Plant& plant, std::uint16_t index) {
     return report<Ont_gem_port_pm>(
         plant, index,
         [](auto& record, unsigned place, const GemPort& port, const auto& counts, const auto& interval) {
-            const auto values = gem_values(port, place, counts, interval);
-            record.finished_intervals[place] = values.finished_intervals;
-            record.lost_packets[place] = values.lost_packets;
-            record.misinserted_packets[place] = values.misinserted_packets;
-            record.received_packets[place] = values.received_packets;
-            record.received_blocks[place] = values.received_blocks;
-            record.transmitted_blocks[place] = values.transmitted_blocks;
-            record.impaired_blocks[place] = values.impaired_blocks;
+            const Losses losses(port, place, counts, interval);
+            record.finished_intervals[place] = interval_end_time(interval);
+            record.lost_packets[place] = losses.lost;
+            record.misinserted_packets[place] = losses.misinserted;
+            record.received_packets[place] = low_32(port.received.packets());
+            record.received_blocks[place] = low_32(blocks(port.received));
+            record.transmitted_blocks[place] = low_32(blocks(port.received) + blocks(port.lost));
+            record.impaired_blocks[place] = losses.impaired_blocks;
         },
         [](auto& group, const GemPort& port, std::uint64_t key, const auto& counts, const auto& interval) {
-            group = gem_values(port, key, counts, interval);
+            const Losses losses(port, key, counts, interval);
+            group.lost_packets = losses.lost;
+            group.misinserted_packets = losses.misinserted;
+            group.received_packets = low_32(port.received.packets());
+            group.received_blocks = low_32(blocks(port.received));
+            group.transmitted_blocks = low_32(blocks(port.received) + blocks(port.lost));
+            group.impaired_blocks = losses.impaired_blocks;
         });
 }
 
@@ -162,7 +164,7 @@ Ont_gal_eth_pm report_gal_eth_pm(const Plant& plant, std::uint16_t index) {
 }
 
 Ont_fec_pm_counters report_fec_pm(const Plant& plant, std::uint16_t index) {
-    Ont_fec_pm_counters record{};
+    auto record = Ont_fec_pm_counters();
     const auto counts = OntCounts::of(plant, index);
     if (!counts) {
         return record;

@@ -58,19 +58,20 @@ LinkTraffic tx_of(const OntTally& tally) {
 Ont__get_gem_port_counters_response report_olt_gem_ports(const Plant& plant, std::uint16_t index) {
     constexpr std::uint16_t multicast_port = 4094;
     constexpr std::uint16_t broadcast_port = 4095;
-    Ont__get_gem_port_counters_response record{};
+    auto record = Ont__get_gem_port_counters_response();
     const auto counts = OntCounts::of(plant, index);
     if (!counts) {
         return record;
     }
     const auto tally = counts->now();
     const auto add = [&](std::uint16_t port, Gem_port_group group, const LinkTraffic& rx, const LinkTraffic& tx) {
-        record.entries[record.count++] = {.gem_port = port,
-                                          .group = group,
-                                          .rx_bytes = rx.octets,
-                                          .rx_packets = rx.packets,
-                                          .tx_bytes = tx.octets,
-                                          .tx_packets = tx.packets};
+        auto& entry = record.entries[record.count++];
+        entry.gem_port = port;
+        entry.group = group;
+        entry.rx_bytes = rx.octets;
+        entry.rx_packets = rx.packets;
+        entry.tx_bytes = tx.octets;
+        entry.tx_packets = tx.packets;
     };
     LinkTraffic streams;
     for (const auto& service : counts->settings().services) {
@@ -94,7 +95,7 @@ Ont__get_gem_port_counters_response report_olt_gem_ports(const Plant& plant, std
 }
 
 Ont__get_pon_counters_response report_olt_pon(const Plant& plant, std::uint16_t index) {
-    Ont__get_pon_counters_response record{};
+    auto record = Ont__get_pon_counters_response();
     const auto counts = OntCounts::of(plant, index);
     if (!counts) {
         return record;

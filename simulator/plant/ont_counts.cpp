@@ -30,24 +30,24 @@ bool OntCounts::has_broadcast() const {
 OntCounts::Interval OntCounts::last_interval() const {
     constexpr PlantTime length = std::chrono::minutes(15);
     static_assert(seconds_of(length) == Interval::seconds);
-    const auto begin = ont_.point.since;
-    const auto finished = (plant_->now() - begin) / length;
+    const auto begin = metered_.since;
+    const auto finished = (now_ - begin) / length;
     if (finished == 0) {
         return {.finished = 0, .before = {}, .after = {}};
     }
     return {.finished = static_cast<std::uint64_t>(finished),
-            .before = plant_->tally_of(ont_, begin + (finished - 1) * length),
-            .after = plant_->tally_of(ont_, begin + finished * length)};
+            .before = meter_.read(metered_, begin + (finished - 1) * length),
+            .after = meter_.read(metered_, begin + finished * length)};
 }
 
 OntTally OntCounts::now() const {
-    return plant_->tally_of(ont_, plant_->now());
+    return meter_.read(metered_, now_);
 }
 
 std::uint64_t OntCounts::happened(double expected, const Interval& interval, std::uint64_t what) const {
     const auto& place = hardware().position;
     const double chance =
-        plant_->random().share(Purpose::counter_rounding, {place.port, place.ont, interval.finished, what});
+        metered_.random.share(Purpose::counter_rounding, {place.port, place.ont, interval.finished, what});
     return static_cast<std::uint64_t>(expected + chance);
 }
 

@@ -23,10 +23,10 @@ public:
     static std::optional<OntCounts> of(const Plant& plant, std::uint16_t index);
 
     [[nodiscard]] const OntSettings& settings() const {
-        return *ont_.settings;
+        return metered_.settings;
     }
     [[nodiscard]] const PhysicalOnt& hardware() const {
-        return *ont_.hardware;
+        return metered_.hardware;
     }
     /// GEM port of a service, from 1.
     [[nodiscard]] std::uint16_t gem_port(unsigned service) const;
@@ -40,10 +40,12 @@ public:
     [[nodiscard]] std::uint64_t happened(double expected, const Interval& interval, std::uint64_t what) const;
 
 private:
-    OntCounts(const Plant& plant, const Plant::Ont& ont) : plant_(&plant), ont_(ont) {}
+    OntCounts(const Plant& plant, const Plant::Ont& ont)
+        : meter_(*ont.meter), metered_(plant.metered(ont)), now_(plant.now()) {}
 
-    const Plant* plant_;
-    Plant::Ont ont_;
+    const OntMeter& meter_;
+    MeteredOnt metered_;
+    PlantTime now_;
 };
 
 /// "Finished intervals": the interval end time of the managed entities, which wraps [G.988 9.1].

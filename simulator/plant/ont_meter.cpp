@@ -71,7 +71,8 @@ public:
           down_(BitErrorRate::downstream(ont.hardware.path, ont.split, line)),
           lost_shares_(lost_shares(down_.mean(), line.downstream_fec)) {}
 
-    void add(OntTally& tally, const OntTraffic& traffic) const {
+    void add(OntTally& tally) const {
+        const auto& traffic = ont_.traffic;
         for (const auto& service : traffic.services) {
             auto& counts = tally.service(service.number);
             add_flow(counts.up, service.up, {});
@@ -175,11 +176,10 @@ OntTally OntMeter::read(const MeteredOnt& ont, PlantTime time) const {
         ++tally.provisionings;
         tally.provided_services += static_cast<unsigned>(ont.settings.services.size());
     }
-    const OntTraffic traffic(ont.random, ont.hardware.position, ont.settings);
     const auto count = [&](const LineConditions& line, PlantTime until) {
         const auto to = std::min(until, time);
         if (from < to) {
-            Counting(ont, line, from, to).add(tally, traffic);
+            Counting(ont, line, from, to).add(tally);
             from = to;
         }
     };

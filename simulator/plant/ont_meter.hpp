@@ -79,6 +79,7 @@ struct MeteredOnt {
     unsigned split;
     LineConditions line;
     PlantTime since; ///< in service, with these settings
+    OntTraffic traffic = {random, hardware.position, settings};
 };
 
 /// Counts an ONT from its activation on. Only events are stored; between them the counts are worked out when they are

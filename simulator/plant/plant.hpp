@@ -69,8 +69,8 @@ public:
     [[nodiscard]] std::vector<Ont> onts() const;
     /// The ONT that is seen where the configuration with this flat index wants it; empty without one.
     [[nodiscard]] std::optional<Ont> ont_configured_as(std::uint16_t index) const;
-    /// What was counted of an OPERATIONAL ONT by a time since it is so.
-    [[nodiscard]] OntTally tally_of(const Ont& ont, PlantTime time) const;
+    /// An OPERATIONAL ONT as its meter counts it.
+    [[nodiscard]] MeteredOnt metered(const Ont& ont) const;
     /// dBm at the OLT.
     [[nodiscard]] double received_power_of(const Ont& ont) const;
     /// The ONU-ID that is left for a configured ONT by its flat index; empty when the port has none left.

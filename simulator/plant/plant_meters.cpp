@@ -7,32 +7,29 @@ namespace xpon::simulator {
 /// `was` and `is`: where the ONT is until now and from now on.
 void Plant::update_meter(TrackedOnt& ont, const OntPoint& was, const OntPoint& is, const LineConditions& line,
                          const RunningConfiguration& before) {
+    const bool was_in_service = was.state == ont_operational;
+    const bool ends = was_in_service && is.state != ont_operational;
     if (!keeps_activation(is.state)) {
         ont.meter.reset();
-    } else if (was.state == ont_operational) {
+    } else if (ends || (was_in_service && line != ont.line)) {
         const MeteredOnt metered{.random = random_,
                                  .hardware = ont.hardware,
                                  .settings = before.onts.at(*ont.situation.configured),
                                  .split = parameters_.plant->split,
                                  .line = ont.line,
                                  .since = was.since};
-        if (is.state != ont_operational) {
-            ont.meter.service_ends(metered, now_);
-        } else if (line != ont.line) {
-            ont.meter.line_changes(metered, now_);
-        }
+        ends ? ont.meter.service_ends(metered, now_) : ont.meter.line_changes(metered, now_);
     }
     ont.line = line;
 }
 
-OntTally Plant::tally_of(const Ont& ont, PlantTime time) const {
-    return ont.meter->read({.random = random_,
-                            .hardware = *ont.hardware,
-                            .settings = *ont.settings,
-                            .split = parameters_.plant->split,
-                            .line = *ont.line,
-                            .since = ont.point.since},
-                           time);
+MeteredOnt Plant::metered(const Ont& ont) const {
+    return {.random = random_,
+            .hardware = *ont.hardware,
+            .settings = *ont.settings,
+            .split = parameters_.plant->split,
+            .line = *ont.line,
+            .since = ont.point.since};
 }
 
 LineConditions Plant::line_of(const OntPosition& ont, unsigned seen_port) const {
