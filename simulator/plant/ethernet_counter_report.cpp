@@ -63,9 +63,9 @@ constexpr std::array mishaps{
     MishapRow{Mishap::fragment, 0.5, false},
     MishapRow{Mishap::jabber, 0.2, false},
     MishapRow{Mishap::drop, 0.8, false},
-    MishapRow{Mishap::wrong_on_transmit, 0.1, false},
-    MishapRow{Mishap::undersize_on_transmit, 0.1, false},
-    MishapRow{Mishap::oversize_on_transmit, 0.1, false},
+    MishapRow{Mishap::wrong_on_transmit, 0.4, false},
+    MishapRow{Mishap::undersize_on_transmit, 0.3, false},
+    MishapRow{Mishap::oversize_on_transmit, 0.3, false},
     MishapRow{Mishap::filtered_pppoe, 3, false},
 };
 

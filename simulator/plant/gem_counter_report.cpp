@@ -95,7 +95,7 @@ struct Losses {
     Losses(const GemPort& port, std::uint64_t key, const OntCounts& counts, const OntCounts::Interval& interval)
         : lost(low_32(port.lost.packets())) {
         // Of the frames that are lost some turn up elsewhere, and some come in part.
-        misinserted = low_32(counts.happened(lost * 0.1, interval, Chance::misinserted << 8U | key));
+        misinserted = low_32(counts.happened(lost * 0.3, interval, Chance::misinserted << 8U | key));
         impaired_blocks = low_32(counts.happened(lost * 2.5, interval, Chance::impaired << 8U | key));
     }
 };
@@ -181,7 +181,11 @@ Ont_fec_pm_counters report_fec_pm(const Plant& plant, std::uint16_t index) {
     record.corrected_code_words[0] = corrected;
     record.uncorrectable_code_words[0] =
         low_32(static_cast<std::uint64_t>(after.uncorrectable) - static_cast<std::uint64_t>(before.uncorrectable));
-    record.total_code_words[0] = low_32(static_cast<std::uint64_t>(after.words - before.words));
+    // The ONT measures its intervals by a clock of its own.
+    constexpr double inaccuracy = 2e-5;
+    const double clock = plant.random().between(1 - inaccuracy, 1 + inaccuracy, Purpose::ont_clock,
+                                                {counts->hardware().position.port, counts->hardware().position.ont});
+    record.total_code_words[0] = low_32(static_cast<std::uint64_t>((after.words - before.words) * clock));
     // Seconds with a wrong word in them.
     record.fec_seconds[0] =
         low_32(static_cast<std::uint64_t>(OntCounts::Interval::seconds * -std::expm1(-damaged_per_s)));

@@ -32,6 +32,7 @@ enum class Purpose : std::uint64_t {
     user_port_quality,
     counter_rounding,
     ranging_drift,
+    ont_clock,
 };
 
 /// A random value that depends on its key alone (SplitMix64), never on who asks when: the same plant is the same

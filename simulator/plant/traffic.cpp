@@ -32,7 +32,7 @@ struct Demand {
 };
 
 constexpr double stream_kbps = 6000; ///< of one multicast group
-constexpr double broadcast_kbps = 2;
+constexpr double broadcast_kbps = 8;
 
 /// By type of service. What IPTV has beside its streams: joining, leaving and the programme guide.
 constexpr std::array demands{

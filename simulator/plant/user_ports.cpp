@@ -66,10 +66,16 @@ UserPorts count_user_ports(const OntModel& model, const OntSettings& settings, c
             hears_broadcasts |= service.broadcast_downstream ? 1U << place : 0U;
         }
     }
+    // Of what goes to all, the short ones ask for addresses; the others announce routers and services to their groups.
+    const auto announcements = tally.broadcast.frames_received();
+    Frames questions;
+    questions.of_size.front() = announcements.of_size.front();
     for (unsigned place = 0; place < ports.size(); ++place) {
         if ((hears_broadcasts >> place & 1U) != 0) {
-            ports.at(place).down_broadcast = tally.broadcast.frames_received();
-            ports.at(place).down += ports.at(place).down_broadcast;
+            ports.at(place).down += announcements;
+            ports.at(place).down_broadcast += questions;
+            ports.at(place).down_multicast += announcements;
+            ports.at(place).down_multicast -= questions;
         }
     }
     return ports;
