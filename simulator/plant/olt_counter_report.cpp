@@ -25,34 +25,6 @@ struct Omci {
     }
 };
 
-struct LinkTraffic {
-    std::uint64_t octets = 0;
-    std::uint64_t packets = 0;
-
-    void add(const Frames& frames) {
-        octets += frames.octets();
-        packets += frames.packets();
-    }
-};
-
-LinkTraffic rx_of(const OntTally& tally) {
-    LinkTraffic sum;
-    for (const auto& service : tally.services) {
-        sum.add(service.up.frames_sent());
-    }
-    return sum;
-}
-
-LinkTraffic tx_of(const OntTally& tally) {
-    LinkTraffic sum;
-    for (const auto& service : tally.services) {
-        sum.add(service.down.frames_sent());
-        sum.add(service.multicast.frames_sent());
-    }
-    sum.add(tally.broadcast.frames_sent());
-    return sum;
-}
-
 } // namespace
 
 Ont__get_gem_port_counters_response report_olt_gem_ports(const Plant& plant, std::uint16_t index) {
@@ -110,8 +82,8 @@ Ont__get_pon_counters_response report_olt_pon(const Plant& plant, std::uint16_t 
     };
     const auto& fec = tally.fec_up;
     const Omci omci(tally);
-    const auto rx = rx_of(tally);
-    const auto tx = tx_of(tally);
+    const auto rx = tally.received();
+    const auto tx = tally.sent();
     // Parts of the line that are neither payload nor its check sums: small shares of the wrong bits fall there.
     constexpr double delimiter_share = 2e-5;
     constexpr double ploam_share = 1e-4;

@@ -167,6 +167,24 @@ Frames FlowTally::frames_received() const {
     return received -= frames_lost();
 }
 
+LinkTraffic OntTally::received() const {
+    LinkTraffic sum;
+    for (const auto& service : services) {
+        sum.add(service.up.frames_sent());
+    }
+    return sum;
+}
+
+LinkTraffic OntTally::sent() const {
+    LinkTraffic sum;
+    for (const auto& service : services) {
+        sum.add(service.down.frames_sent());
+        sum.add(service.multicast.frames_sent());
+    }
+    sum.add(broadcast.frames_sent());
+    return sum;
+}
+
 OntTally OntMeter::read(const MeteredOnt& ont, PlantTime time) const {
     auto tally = counted_ == nullptr ? OntTally{} : *counted_;
     auto from = ont.since;

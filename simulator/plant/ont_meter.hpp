@@ -21,6 +21,17 @@ struct Frames {
     Frames& operator-=(const Frames& less);
 };
 
+/// Frames on the PON.
+struct LinkTraffic {
+    std::uint64_t octets = 0;
+    std::uint64_t packets = 0;
+
+    void add(const Frames& frames) {
+        octets += frames.octets();
+        packets += frames.packets();
+    }
+};
+
 /// What went into a GEM port by some time, and what came out of it. Parts of frames and the rest of rounding are kept,
 /// so that no sum loses anything.
 struct FlowTally {
@@ -57,6 +68,12 @@ struct OntTally {
     [[nodiscard]] Service& service(unsigned number) {
         return services.at(number - 1);
     }
+    /// @}
+
+    /// Of all GEM ports, from the ONT and to it.
+    /// @{
+    [[nodiscard]] LinkTraffic received() const;
+    [[nodiscard]] LinkTraffic sent() const;
     /// @}
 
     std::array<Service, 8> services;
