@@ -1,9 +1,7 @@
 #include "simulator/plant/counter_report.hpp"
-#include "simulator/plant/ont_counts.hpp"
-#include "simulator/plant/user_ports.hpp"
+#include "simulator/plant/user_port_interval.hpp"
 
 #include <array>
-#include <cmath>
 
 namespace xpon::simulator {
 namespace {
@@ -11,117 +9,6 @@ namespace {
 using History = Ont_eth_pm_history_data;
 using Direction = Ont_eth_frame_ext_pm::Direction;
 using Veip = Ont_eth_frame_ext_pm::Veip;
-
-/// What goes wrong between a user and the ONT.
-enum class Mishap : std::uint64_t {
-    fcs,
-    excessive_collision,
-    late_collision,
-    too_long,
-    overflow_on_receive,
-    overflow_on_transmit,
-    single_collision,
-    multiple_collisions,
-    sqe,
-    deferred,
-    mac_transmit,
-    carrier_sense,
-    alignment,
-    mac_receive,
-    undersize,
-    fragment,
-    jabber,
-    drop,
-    wrong_on_transmit,
-    undersize_on_transmit,
-    oversize_on_transmit,
-    filtered_pppoe,
-};
-
-struct MishapRow {
-    Mishap mishap;
-    double per_million; ///< frames, on a port of middling quality
-    bool half_duplex;   ///< on such ports only
-};
-
-constexpr std::array mishaps{
-    MishapRow{Mishap::fcs, 1.5, false},
-    MishapRow{Mishap::excessive_collision, 5, true},
-    MishapRow{Mishap::late_collision, 8, true},
-    MishapRow{Mishap::too_long, 0.3, false},
-    MishapRow{Mishap::overflow_on_receive, 0.4, false},
-    MishapRow{Mishap::overflow_on_transmit, 0.5, false},
-    MishapRow{Mishap::single_collision, 4000, true},
-    MishapRow{Mishap::multiple_collisions, 900, true},
-    MishapRow{Mishap::sqe, 2, true},
-    MishapRow{Mishap::deferred, 2500, true},
-    MishapRow{Mishap::mac_transmit, 0.2, false},
-    MishapRow{Mishap::carrier_sense, 12, true},
-    MishapRow{Mishap::alignment, 0.6, false},
-    MishapRow{Mishap::mac_receive, 0.3, false},
-    MishapRow{Mishap::undersize, 0.4, false},
-    MishapRow{Mishap::fragment, 0.5, false},
-    MishapRow{Mishap::jabber, 0.2, false},
-    MishapRow{Mishap::drop, 0.8, false},
-    MishapRow{Mishap::wrong_on_transmit, 0.4, false},
-    MishapRow{Mishap::undersize_on_transmit, 0.3, false},
-    MishapRow{Mishap::oversize_on_transmit, 0.3, false},
-    MishapRow{Mishap::filtered_pppoe, 3, false},
-};
-
-static_assert([] {
-    for (std::size_t nth = 0; nth < mishaps.size(); ++nth) {
-        if (mishaps.at(nth).mishap != Mishap{nth}) {
-            return false;
-        }
-    }
-    return true;
-}());
-
-/// One user port in one interval.
-class PortInterval {
-public:
-    PortInterval(const Random& random, const OntCounts& counts, const OntCounts::Interval& interval, unsigned place,
-                 const UserPortTraffic& traffic)
-        : counts_(counts), interval_(interval), place_(place), traffic_(traffic) {
-        const auto& ont = counts.hardware().position;
-        const auto share = [&](std::uint64_t what) {
-            return random.share(Purpose::user_port_quality, {ont.port, ont.ont, place, what});
-        };
-        // Most lines are good, some are bad; old equipment sends and receives by turns.
-        constexpr double half_duplex_share = 0.08;
-        badness_ = std::pow(10, 3 * share(0) - 1.5);
-        is_half_duplex_ = share(1) < half_duplex_share;
-    }
-
-    [[nodiscard]] const UserPortTraffic& traffic() const {
-        return traffic_;
-    }
-    [[nodiscard]] std::uint32_t finished() const {
-        return interval_end_time(interval_);
-    }
-    [[nodiscard]] std::uint64_t count(Mishap mishap, const Frames& among) const {
-        const auto& row = mishaps.at(static_cast<std::size_t>(mishap));
-        if (row.half_duplex && !is_half_duplex_) {
-            return 0;
-        }
-        const double expected = static_cast<double>(among.packets()) * row.per_million * 1e-6 * badness_;
-        return counts_.happened(expected, interval_, static_cast<std::uint64_t>(mishap) << 8U | place_);
-    }
-    /// Frames from the user that found no room.
-    [[nodiscard]] std::uint64_t dropped() const {
-        constexpr double middling_octets = 300;
-        return static_cast<std::uint64_t>(traffic_.refused_up / middling_octets) + count(Mishap::drop, traffic_.up);
-    }
-
-private:
-    const OntCounts& counts_;
-    const OntCounts::Interval& interval_;
-    unsigned place_;
-    UserPortTraffic traffic_;
-    double badness_;
-    bool is_half_duplex_;
-};
 
 /// Frames from users that all or several are to hear: small ones, asking for addresses and for groups.
 /// @{
@@ -147,7 +34,7 @@ void for_user_ports(const Plant& plant, std::uint16_t index, Write write) {
     for (unsigned place = 0; place < after.size(); ++place) {
         if (place == veip_place ? model.has_router : place < model.ethernet_ports) {
             auto traffic = after.at(place);
-            write(PortInterval(plant.random(), *counts, interval, place, traffic -= before.at(place)), place);
+            write(UserPortInterval(*counts, interval, place, traffic -= before.at(place)), place);
         }
     }
 }
@@ -155,14 +42,14 @@ void for_user_ports(const Plant& plant, std::uint16_t index, Write write) {
 template <class Record>
 struct Row {
     Ont_instance_values Record::* values;
-    std::uint64_t (*count)(const PortInterval& port);
+    std::uint64_t (*count)(const UserPortInterval& port);
 };
 
 /// A record whose instances are the Ethernet ports, by a table of its values.
 template <class Record, std::size_t Rows>
 Record report(const Plant& plant, std::uint16_t index, const std::array<Row<Record>, Rows>& rows) {
     auto record = Record();
-    for_user_ports(plant, index, [&](const PortInterval& port, unsigned place) {
+    for_user_ports(plant, index, [&](const UserPortInterval& port, unsigned place) {
         if (place == veip_place) {
             return;
         }
@@ -176,55 +63,55 @@ Record report(const Plant& plant, std::uint16_t index, const std::array<Row<Reco
 }
 
 template <Mishap What>
-std::uint64_t from_user(const PortInterval& port) {
+std::uint64_t from_user(const UserPortInterval& port) {
     return port.count(What, port.traffic().up);
 }
 
 template <Mishap What>
-std::uint64_t to_user(const PortInterval& port) {
+std::uint64_t to_user(const UserPortInterval& port) {
     return port.count(What, port.traffic().down);
 }
 
 template <std::size_t Bin>
-std::uint64_t up_of_size(const PortInterval& port) {
+std::uint64_t up_of_size(const UserPortInterval& port) {
     return port.traffic().up.of_size.at(Bin);
 }
 
 template <std::size_t Bin>
-std::uint64_t down_of_size(const PortInterval& port) {
+std::uint64_t down_of_size(const UserPortInterval& port) {
     return port.traffic().down.of_size.at(Bin);
 }
 
-std::uint64_t up_dropped(const PortInterval& port) {
+std::uint64_t up_dropped(const UserPortInterval& port) {
     return port.dropped();
 }
-std::uint64_t up_octets(const PortInterval& port) {
+std::uint64_t up_octets(const UserPortInterval& port) {
     return port.traffic().up.octets();
 }
 /// ME 296 knows no long ones beside the jabbers.
-std::uint64_t up_packets(const PortInterval& port) {
+std::uint64_t up_packets(const UserPortInterval& port) {
     return port.traffic().up.packets() + from_user<Mishap::undersize>(port);
 }
-std::uint64_t up_frames(const PortInterval& port) {
+std::uint64_t up_frames(const UserPortInterval& port) {
     return up_packets(port) + from_user<Mishap::too_long>(port);
 }
-std::uint64_t up_broadcasts(const PortInterval& port) {
+std::uint64_t up_broadcasts(const UserPortInterval& port) {
     return broadcasts_among(port.traffic().up);
 }
-std::uint64_t up_multicasts(const PortInterval& port) {
+std::uint64_t up_multicasts(const UserPortInterval& port) {
     return multicasts_among(port.traffic().up);
 }
-std::uint64_t down_octets(const PortInterval& port) {
+std::uint64_t down_octets(const UserPortInterval& port) {
     return port.traffic().down.octets();
 }
-std::uint64_t down_frames(const PortInterval& port) {
+std::uint64_t down_frames(const UserPortInterval& port) {
     return port.traffic().down.packets() + to_user<Mishap::undersize_on_transmit>(port) +
            to_user<Mishap::oversize_on_transmit>(port);
 }
-std::uint64_t down_broadcasts(const PortInterval& port) {
+std::uint64_t down_broadcasts(const UserPortInterval& port) {
     return port.traffic().down_broadcast.packets();
 }
-std::uint64_t down_multicasts(const PortInterval& port) {
+std::uint64_t down_multicasts(const UserPortInterval& port) {
     return port.traffic().down_multicast.packets();
 }
 
@@ -272,8 +159,8 @@ constexpr std::array history_3_rows{
 struct ExtendedRow {
     Ont_instance_values Direction::* values;
     std::uint32_t Veip::* veip;
-    std::uint64_t (*up)(const PortInterval& port);
-    std::uint64_t (*down)(const PortInterval& port);
+    std::uint64_t (*up)(const UserPortInterval& port);
+    std::uint64_t (*down)(const UserPortInterval& port);
 };
 
 // clang-format off
@@ -311,7 +198,7 @@ Ont_eth_pm_history_data_3 report_eth_pm_3(const Plant& plant, std::uint16_t inde
 
 Ont_eth_frame_ext_pm report_eth_frame_ext_pm(const Plant& plant, std::uint16_t index) {
     auto record = Ont_eth_frame_ext_pm();
-    for_user_ports(plant, index, [&](const PortInterval& port, unsigned place) {
+    for_user_ports(plant, index, [&](const UserPortInterval& port, unsigned place) {
         const auto write = [&](Direction& direction, auto count) {
             if (place == veip_place) {
                 direction.veip.valid = 1;

@@ -28,6 +28,9 @@ public:
     [[nodiscard]] const PhysicalOnt& hardware() const {
         return metered_.hardware;
     }
+    [[nodiscard]] const Random& random() const {
+        return metered_.random;
+    }
     /// GEM port of a service, from 1.
     [[nodiscard]] std::uint16_t gem_port(unsigned service) const;
     [[nodiscard]] bool has_multicast() const;
