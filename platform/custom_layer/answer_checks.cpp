@@ -92,4 +92,9 @@ bool is_sound(const Device_facts& record) {
            std::isfinite(record.uptime_s) && std::isfinite(record.clock_rate);
 }
 
+bool is_sound(const Ont__get_gem_port_counters_response& record) {
+    return record.count <= std::size(record.entries) &&
+           std::ranges::all_of(record.entries, [](const auto& entry) { return entry.group <= gem_port_broadcast; });
+}
+
 } // namespace xpon::custom_layer

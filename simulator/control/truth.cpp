@@ -88,9 +88,8 @@ void add_ports(cJSON* object, const Plant& plant) {
     }
 }
 
-void add_ont(cJSON* onts, const Plant& plant, const Plant::Ont& ont) {
+void add_ont(cJSON* entry, const Plant& plant, const Plant::Ont& ont) {
     const auto& position = ont.hardware->position;
-    auto* const entry = add_object_to(onts);
     add(entry, "ont", fmt::format("{}/{}", position.port, position.ont));
     add(entry, "serial", serial_text(ont.hardware->serial));
     add(entry, "password", password_of(position));
@@ -106,6 +105,18 @@ void add_ont(cJSON* onts, const Plant& plant, const Plant::Ont& ont) {
     cJSON_AddBoolToObject(entry, "local_data", ont.has_local_data ? 1 : 0);
     add(entry, "distance_m", std::round(ont.hardware->path.distance_km * 1000));
     add(entry, "rssi_dbm", rounded(plant.received_power_of(ont), 0.01));
+}
+
+/// What the OLT counts of an ONT in service, whether or not it is to tell.
+void add_counts(cJSON* entry, const Plant& plant, const Plant::Ont& ont) {
+    if (ont.point.state != ont_operational) {
+        return;
+    }
+    const auto tally = ont.meter->read(plant.metered(ont), plant.now());
+    add(entry, "rx_bytes", static_cast<double>(tally.received().octets));
+    add(entry, "tx_bytes", static_cast<double>(tally.sent().octets));
+    add(entry, "wrong_bits_up", std::floor(tally.wrong_bits_up));
+    add(entry, "wrong_bits_down", std::floor(tally.wrong_bits_down));
 }
 
 } // namespace
@@ -138,7 +149,9 @@ core::JsonTree describe_all(const Simulation& simulation) {
     add_ports(all.get(), simulation.plant());
     auto* const onts = cJSON_AddArrayToObject(all.get(), "onts");
     for (const auto& ont : simulation.plant().onts()) {
-        add_ont(onts, simulation.plant(), ont);
+        auto* const entry = add_object_to(onts);
+        add_ont(entry, simulation.plant(), ont);
+        add_counts(entry, simulation.plant(), ont);
     }
     return all;
 }

@@ -1,5 +1,6 @@
 #include "simulator/peers/peer_table.hpp"
 #include "simulator/plant/bitmap.hpp"
+#include "simulator/plant/counter_report.hpp"
 #include "simulator/plant/ont_report.hpp"
 #include "simulator/plant/port_report.hpp"
 
@@ -59,6 +60,36 @@ ipc::ServerAnswer command_onts(Simulation& simulation, const ipc::ServerRequest&
     return {};
 }
 
+using AnswerCounters = ipc::ServerAnswer (*)(const Plant&, std::uint16_t index);
+
+template <auto Report>
+ipc::ServerAnswer answer_counters(const Plant& plant, std::uint16_t index) {
+    return {0, ipc::record_payload(Report(plant, index)), {}};
+}
+
+/// By kind of information, from 1.
+constexpr std::array<AnswerCounters, ont_information_olt_pon> counter_answers{
+    answer_counters<report_gem_port_pm>,   answer_counters<report_gem_port_nctp_pm>,
+    answer_counters<report_eth_pm>,        answer_counters<report_eth_pm_2>,
+    answer_counters<report_eth_pm_3>,      answer_counters<report_gal_eth_pm>,
+    answer_counters<report_fec_pm>,        answer_counters<report_eth_frame_ext_pm>,
+    answer_counters<report_olt_gem_ports>, answer_counters<report_olt_pon>,
+};
+
+ipc::ServerAnswer answer_ont_information(const Plant& plant, std::span<const std::byte> payload) {
+    const auto question = ipc::parse_record<ipc::Ont_information_question>(payload);
+    if (!question || question->kind < ont_information_gem_port_pm || question->kind > ont_information_olt_pon) {
+        return {EINVAL, {}, {}};
+    }
+    const bool exists =
+        question->port >= 1 && question->port <= pon_ports && question->ont >= 1 && question->ont <= max_onts_per_port;
+    if (!exists) {
+        return {ERANGE, {}, {}};
+    }
+    const auto index = record_index_of({.port = question->port, .ont = question->ont});
+    return counter_answers.at(question->kind - 1U)(plant, index);
+}
+
 } // namespace
 
 std::span<const PeerRoute> pon_state_machine_routes() {
@@ -68,6 +99,7 @@ std::span<const PeerRoute> pon_state_machine_routes() {
         PeerRoute{Operation::get_pon_port_type, answer_port_type},
         PeerRoute{Operation::get_ont_states, answer_list<Bitmap_ont_range, report_ont_states>},
         PeerRoute{Operation::get_unactivated_onts, answer_list<Bitmap_pon_port_range, report_unactivated>},
+        PeerRoute{Operation::get_ont_information, answer_ont_information},
         PeerRoute{Operation::reconfigure_pon_ports, restart_ports},
         PeerRoute{Operation::reconfigure_onts, command_onts<OntCommand::reconfigure>},
         PeerRoute{Operation::reset_onts, command_onts<OntCommand::reset>},

@@ -30,20 +30,16 @@ Viewer::Viewer(const Random& random, const OntPosition& ont, unsigned service, u
     };
     length_ = choose(least.count(), most.count(), 0);
     under_way_ = choose(0, static_cast<double>(length_.count()), 1);
+    for (unsigned viewing = 0; viewing < cycle; ++viewing) {
+        groups_in_cycle_ += count_in(viewing);
+    }
+    watched_at_start_ = watched_since_first(PlantTime{});
 }
 
 unsigned Viewer::count_in(std::int64_t viewing) const {
     const auto nth = static_cast<std::uint64_t>(viewing) % cycle;
     const unsigned wanted = 1 + static_cast<unsigned>(pattern_ >> nth & 1U);
     return max_groups_ == 0 ? wanted : std::min(wanted, max_groups_);
-}
-
-unsigned Viewer::count_in_cycle() const {
-    unsigned sum = 0;
-    for (unsigned viewing = 0; viewing < cycle; ++viewing) {
-        sum += count_in(viewing);
-    }
-    return sum;
 }
 
 std::int64_t Viewer::viewing_at(PlantTime time) const {
@@ -73,7 +69,7 @@ Viewing Viewer::at(PlantTime time) const {
 PlantTime Viewer::watched_since_first(PlantTime until) const {
     const auto nth = viewing_at(until);
     const auto cycles = floor_division(nth, cycle);
-    std::int64_t whole = cycles * count_in_cycle();
+    std::int64_t whole = cycles * groups_in_cycle_;
     for (auto viewing = cycles * cycle; viewing < nth; ++viewing) {
         whole += count_in(viewing);
     }
@@ -81,11 +77,7 @@ PlantTime Viewer::watched_since_first(PlantTime until) const {
 }
 
 PlantTime Viewer::watched(PlantTime until) const {
-    return watched_since_first(until) - watched_since_first(PlantTime{});
-}
-
-double Viewer::mean_groups() const {
-    return static_cast<double>(count_in_cycle()) / cycle;
+    return watched_since_first(until) - watched_at_start_;
 }
 
 } // namespace xpon::simulator

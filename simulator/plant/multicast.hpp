@@ -38,14 +38,15 @@ public:
     /// The time watched since the plant's start, each of two groups watched at once counted for itself.
     [[nodiscard]] PlantTime watched(PlantTime until) const;
     /// Over a long time.
-    [[nodiscard]] double mean_groups() const;
+    [[nodiscard]] double mean_groups() const {
+        return static_cast<double>(groups_in_cycle_) / cycle;
+    }
 
 private:
     /// Groups at a time repeat after so many viewings, so that sums over any time are quick.
     static constexpr unsigned cycle = 16;
 
     [[nodiscard]] unsigned count_in(std::int64_t viewing) const;
-    [[nodiscard]] unsigned count_in_cycle() const;
     /// Counted from the one that was under way at the start; less before it.
     [[nodiscard]] std::int64_t viewing_at(PlantTime time) const;
     /// As watched(), since the start of viewing 0.
@@ -58,6 +59,8 @@ private:
     PlantTime length_;      ///< of a viewing
     PlantTime under_way_;   ///< how much of viewing 0 was over at the start
     std::uint64_t pattern_; ///< bit n: two groups in the n-th viewing of a cycle
+    unsigned groups_in_cycle_ = 0;
+    PlantTime watched_at_start_{}; ///< since the start of viewing 0
 };
 
 } // namespace xpon::simulator

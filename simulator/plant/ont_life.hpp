@@ -81,6 +81,10 @@ constexpr bool is_listed(Ont_state state) {
 constexpr bool holds_onu_id(Ont_state state) {
     return state >= ont_ranging && state <= ont_popup;
 }
+/// Whether it stays activated when it comes to this state from OPERATIONAL, or from a state that does.
+constexpr bool keeps_activation(Ont_state state) {
+    return state >= ont_authentication && state <= ont_config_failed;
+}
 /// Whether it is on its way into service.
 constexpr bool is_activating(Ont_state state) {
     return state >= ont_initial && state <= ont_configuring && state != ont_serial_number;

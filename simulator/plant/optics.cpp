@@ -59,21 +59,27 @@ std::uint32_t equalization_delay(const OntPath& path, unsigned reach_max_km) {
     return static_cast<std::uint32_t>(std::lround(std::max(equalized_us - measured_us, 0.0) * bits_per_us));
 }
 
-double received_power(const OntPath& path, unsigned split, double attenuation_db, PlantTime now) {
+double path_loss(const OntPath& path, unsigned split, double attenuation_db) {
     constexpr double loss_per_doubling_db = 3.5;
     constexpr double loss_per_km_db = 0.35;
     const double splitter_db = loss_per_doubling_db * std::log2(std::min(split, 64U));
-    const double day_db = 0.2 * std::sin(2 * pi * seconds_of(now) / day_s + path.day_phase);
-    return path.launch_dbm - splitter_db - loss_per_km_db * path.distance_km - path.connectors_db - attenuation_db +
-           day_db;
+    return splitter_db + loss_per_km_db * path.distance_km + path.connectors_db + attenuation_db;
+}
+
+double received_power(const OntPath& path, unsigned split, double attenuation_db, PlantTime now) {
+    const double day_db = day_swing_db * std::sin(2 * pi * seconds_of(now) / day_s + path.day_phase);
+    return path.launch_dbm - path_loss(path, split, attenuation_db) + day_db;
+}
+
+double error_free_dbm(PonPortSettings::OdnClass odn_class) {
+    constexpr std::array sensitivity_dbm{-24.0, -28.0, -28.0, -29.0, -32.0}; // classes A, B, B+, C, C+
+    constexpr double margin_db = 3;
+    return sensitivity_dbm.at(static_cast<std::size_t>(odn_class)) + margin_db;
 }
 
 double loss_of_signal_dbm(PonPortSettings::OdnClass odn_class) {
-    constexpr std::array sensitivity_dbm{-24.0, -28.0, -28.0, -29.0, -32.0}; // classes A, B, B+, C, C+
-    // 10^-10 at 3 dB above the sensitivity, ten times as many for every 0.5 dB less.
-    constexpr double margin_db = 3;
-    constexpr double decades = 7;
-    return sensitivity_dbm.at(static_cast<std::size_t>(odn_class)) + margin_db - 0.5 * decades;
+    constexpr double decades = 7; // from 10^-10 to 10^-3
+    return error_free_dbm(odn_class) - db_per_decade * decades;
 }
 
 ModuleReadings front_module(const Random& random, const ModuleConditions& module, PlantTime now) {

@@ -23,8 +23,20 @@ OntPath path_of(const Random& random, const OntPosition& ont);
 /// Bit times of 1.24416 Gbit/s [G.984.3].
 std::uint32_t equalization_delay(const OntPath& path, unsigned reach_max_km);
 
-/// What the OLT receives, in dBm. `split` ways of the splitter, of which more than 64 lose no more.
+/// Between the ONT and the OLT, in dB. `split` ways of the splitter, of which more than 64 lose no more.
+double path_loss(const OntPath& path, unsigned split, double attenuation_db);
+
+/// The received power goes up and down by so much in a day.
+inline constexpr double day_swing_db = 0.2;
+
+/// What the OLT receives, in dBm.
 double received_power(const OntPath& path, unsigned split, double attenuation_db, PlantTime now);
+
+/// Down to this power no more than 1 bit in 10^10 is wrong; ten times as many for every `db_per_decade` less.
+/// @{
+double error_free_dbm(PonPortSettings::OdnClass odn_class);
+inline constexpr double db_per_decade = 0.5;
+/// @}
 
 /// Below this power the OLT sees no signal: so many bits are wrong that frames are lost (more than 1 in 1000).
 double loss_of_signal_dbm(PonPortSettings::OdnClass odn_class);

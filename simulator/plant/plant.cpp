@@ -39,12 +39,12 @@ Plant::Plant(const PlantParameters& parameters, RunningConfiguration configurati
     : parameters_(parameters), random_(parameters.seed) {
     onts_.reserve(parameters.size.onts);
     for (unsigned nth = 0; nth < parameters.size.onts; ++nth) {
-        onts_.push_back({make_ont(parameters, nth), {}, {}, {}});
+        onts_.push_back({.hardware = make_ont(parameters, nth), .situation = {}, .anchor = {}, .last_service = {}});
         // Before the start nothing had power.
         onts_.back().situation.has_power = false;
     }
-    change([&] {
-        configuration_ = std::move(configuration);
+    change(configuration, [&] {
+        std::swap(configuration_, configuration);
         index_configuration();
         for (const auto& [kind, target_text, value] : parameters.plant->faults) {
             std::string complaint;
@@ -58,34 +58,34 @@ Plant::Plant(const PlantParameters& parameters, RunningConfiguration configurati
 void Plant::advance(PlantTime now) {
     while (faults_.next_end() <= now) {
         now_ = std::max(now_, faults_.next_end());
-        change([&] { faults_.take_ended(now_); });
+        change(configuration_, [&] { faults_.take_ended(now_); });
     }
     now_ = std::max(now_, now);
 }
 
 void Plant::configure(RunningConfiguration configuration) {
-    change([&] {
-        configuration_ = std::move(configuration);
+    change(configuration, [&] {
+        std::swap(configuration_, configuration);
         index_configuration();
     });
 }
 
 void Plant::set_fault(const Fault& fault) {
-    change([&] { faults_.set(fault); });
+    change(configuration_, [&] { faults_.set(fault); });
 }
 
 bool Plant::clear_fault(FaultKind kind, const FaultTarget& target) {
     bool was_there = false;
-    change([&] { was_there = faults_.clear(kind, target); });
+    change(configuration_, [&] { was_there = faults_.clear(kind, target); });
     return was_there;
 }
 
 void Plant::clear_all_faults() {
-    change([&] { faults_.clear_all(); });
+    change(configuration_, [&] { faults_.clear_all(); });
 }
 
 void Plant::boot(PlantTime takes) {
-    change([&] {
+    change(configuration_, [&] {
         booted_at_ = now_;
         boot_ends_ = now_ + takes;
         for (auto& run : pon_) {
@@ -100,7 +100,7 @@ void Plant::boot(PlantTime takes) {
 }
 
 void Plant::restart_pon_ports(const std::function<bool(unsigned port)>& is_meant) {
-    change([&] {
+    change(configuration_, [&] {
         for (unsigned port = 1; port <= pon_ports; ++port) {
             if (is_meant(port)) {
                 pon_.at(port - 1).up_since = now_ + channel_start_time;
@@ -121,6 +121,7 @@ std::vector<std::uint16_t> Plant::command_onts(OntCommand command,
             continue;
         }
         const auto point = obey(at, ont.situation, command, now_);
+        update_meter(ont, at, point, ont.line, configuration_);
         redirect(ont, at, point);
         starts[nth] = point.state == ont_initial;
         ont.has_local_data = ont.has_local_data && !(starts[nth] && command == OntCommand::reset);
@@ -131,17 +132,16 @@ std::vector<std::uint16_t> Plant::command_onts(OntCommand command,
     return commanded;
 }
 
-void Plant::change(const std::function<void()>& mutate) {
+void Plant::change(const RunningConfiguration& before, const std::function<void()>& mutate) {
     std::vector<OntPoint> points;
     points.reserve(onts_.size());
     for (const auto& ont : onts_) {
         // A start that lies ahead is not forgotten.
         points.push_back(now_ < ont.anchor.since ? ont.anchor : point_of(ont));
     }
-    const auto before = configuration_.pon;
     mutate();
-    update_ports(before);
-    update_onts(points);
+    update_ports(before.pon);
+    update_onts(points, before);
     subscriber_history_.follow(*this);
 }
 
@@ -161,6 +161,9 @@ void Plant::update_ports(const std::array<PonPortSettings, pon_ports>& before) {
         const auto& settings = configuration_.pon.at(port - 1);
         update(pon_.at(port - 1), pon_module(port) != nullptr, settings.enabled,
                restarts(before.at(port - 1), settings), channel_start_time);
+        auto& run = pon_.at(port - 1);
+        const bool had_rogue = std::exchange(run.has_rogue, has_rogue(port));
+        run.rogue_since = run.has_rogue && !had_rogue ? now_ : run.rogue_since;
     }
     for (unsigned port = 1; port <= front_ports; ++port) {
         update(front_.at(port - 1), front_module(port) != nullptr, configuration_.front.at(port - 1).enabled, false,
@@ -168,15 +171,17 @@ void Plant::update_ports(const std::array<PonPortSettings, pon_ports>& before) {
     }
 }
 
-void Plant::update_onts(const std::vector<OntPoint>& points) {
+void Plant::update_onts(const std::vector<OntPoint>& points, const RunningConfiguration& before) {
     std::vector<bool> starts(onts_.size());
     for (std::size_t nth = 0; nth < onts_.size(); ++nth) {
         auto& ont = onts_[nth];
         auto after = situation_of(ont);
-        if (after == ont.situation) {
+        const bool changes = after != ont.situation;
+        const auto point = changes ? react(points[nth], ont.situation, after, now_) : points[nth];
+        update_meter(ont, points[nth], point, line_of(ont.hardware.position, after.seen_port), before);
+        if (!changes) {
             continue;
         }
-        const auto point = react(points[nth], ont.situation, after, now_);
         starts[nth] = point.state == ont_initial && point.since >= now_;
         redirect(ont, points[nth], point);
         ont.situation = std::move(after);
@@ -286,7 +291,9 @@ Plant::Ont Plant::describe(const TrackedOnt& ont) const {
             .settings = configured ? &configuration_.onts.at(*configured) : nullptr,
             .point = point_of(ont),
             .last_service = ont.last_service,
-            .has_local_data = ont.has_local_data};
+            .has_local_data = ont.has_local_data,
+            .meter = &ont.meter,
+            .line = &ont.line};
 }
 
 std::vector<Plant::Ont> Plant::onts() const {

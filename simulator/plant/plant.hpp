@@ -2,6 +2,7 @@
 
 #include "simulator/plant/active_faults.hpp"
 #include "simulator/plant/ont_life.hpp"
+#include "simulator/plant/ont_meter.hpp"
 #include "simulator/plant/ont_population.hpp"
 #include "simulator/plant/running_configuration.hpp"
 #include "simulator/plant/subscriber_history.hpp"
@@ -28,6 +29,8 @@ public:
         OntPoint point;
         std::optional<Stretch> last_service; ///< the last one that has ended since the OLT's start
         bool has_local_data;                 ///< what its user set on the ONT itself
+        const OntMeter* meter;
+        const LineConditions* line;
     };
 
     /// Starts at time 0, with the configuration in force.
@@ -81,6 +84,8 @@ public:
     [[nodiscard]] std::vector<Ont> onts() const;
     /// The ONT that is seen where the configuration with this flat index wants it; empty without one.
     [[nodiscard]] std::optional<Ont> ont_configured_as(std::uint16_t index) const;
+    /// An OPERATIONAL ONT as its meter counts it.
+    [[nodiscard]] MeteredOnt metered(const Ont& ont) const;
     /// dBm at the OLT.
     [[nodiscard]] double received_power_of(const Ont& ont) const;
     /// The ONU-ID that is left for a configured ONT by its flat index; empty when the port has none left.
@@ -118,6 +123,8 @@ private:
         bool is_enabled = false;
         PlantTime module_since{};
         PlantTime up_since{}; ///< once enabled and with a module: when it works
+        bool has_rogue = false;
+        PlantTime rogue_since{};
     };
     struct TrackedOnt {
         PhysicalOnt hardware;
@@ -125,12 +132,17 @@ private:
         OntPoint anchor; ///< where its way goes on from; may lie ahead
         std::optional<Stretch> last_service;
         bool has_local_data = true;
+        OntMeter meter{};
+        LineConditions line{};
     };
 
-    /// Every event: what `mutate` changes takes effect now.
-    void change(const std::function<void()>& mutate);
+    /// Every event: what `mutate` changes takes effect now. `before` is the configuration until now, once `mutate` has
+    /// run.
+    void change(const RunningConfiguration& before, const std::function<void()>& mutate);
     void update_ports(const std::array<PonPortSettings, pon_ports>& before);
-    void update_onts(const std::vector<OntPoint>& points);
+    void update_onts(const std::vector<OntPoint>& points, const RunningConfiguration& before);
+    void update_meter(TrackedOnt& ont, const OntPoint& was, const OntPoint& is, const LineConditions& line,
+                      const RunningConfiguration& before);
     /// The way of an ONT that is at `at` goes on from `point`.
     void redirect(TrackedOnt& ont, const OntPoint& at, const OntPoint& point) const;
     void share_discovery(const std::vector<bool>& starts);
@@ -143,6 +155,7 @@ private:
     [[nodiscard]] Ont describe(const TrackedOnt& ont) const;
     [[nodiscard]] bool has_rogue(unsigned pon_port) const;
     [[nodiscard]] double attenuation_of(const OntPosition& ont) const;
+    [[nodiscard]] LineConditions line_of(const OntPosition& ont, unsigned seen_port) const;
 
     PlantParameters parameters_;
     Random random_;

@@ -34,6 +34,12 @@ enum class Purpose : std::uint64_t {
     session_numbers,
     membership_report,
     group_sources,
+    traffic_curve,
+    traffic_calls,
+    user_port_quality,
+    counter_rounding,
+    ranging_drift,
+    ont_clock,
 };
 
 /// A random value that depends on its key alone (SplitMix64), never on who asks when: the same plant is the same

@@ -1,5 +1,6 @@
 #include "simulator/firmware/firmware.hpp"
 #include "simulator/plant/board_report.hpp"
+#include "simulator/plant/counter_report.hpp"
 #include "simulator/plant/dhcp_sessions.hpp"
 #include "simulator/plant/igmp_groups.hpp"
 #include "simulator/plant/mac_table.hpp"
@@ -9,11 +10,16 @@
 #include "simulator/plant/pppoe_sessions.hpp"
 #include "tests/support/temporary_olt_root.hpp"
 #include "tests/unit/simulator/subscriber_plant.hpp"
+#include "tests/unit/simulator/triple_play.hpp"
 #include "xpon/ipc/payload.hpp"
 
+#include <cstddef>
+#include <cstring>
 #include <map>
 #include <set>
+#include <span>
 #include <string>
+#include <vector>
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -233,6 +239,88 @@ void see_addresses(SeenValues& seen, const Plant& plant) {
 
 #undef XPON_SEE
 
+/// A record as the words it is made of.
+template <class Word, class Record>
+std::vector<Word> words_of(const Record& record) {
+    std::vector<Word> words(sizeof record / sizeof(Word));
+    std::memcpy(words.data(), &record, words.size() * sizeof(Word));
+    return words;
+}
+
+/// A record, or a part of one, that consists of arrays with a value per instance.
+template <class Arrays>
+void see_arrays(SeenValues& seen, const std::string& name, const Arrays& arrays, std::size_t offset,
+                std::size_t arrays_count, std::size_t count) {
+    const auto words = words_of<std::uint32_t>(arrays);
+    for (std::size_t array = 0; array < arrays_count; ++array) {
+        for (std::size_t instance = 0; instance < count; ++instance) {
+            seen.add(fmt::format("{}[{}]", name, array),
+                     words.at(offset / 4 + array * max_counter_instances + instance));
+        }
+    }
+}
+
+template <class Record>
+void see_history(SeenValues& seen, const std::string& name, const Record& record) {
+    constexpr auto offset = offsetof(Record, finished_intervals);
+    see_arrays(seen, name, record, offset, (sizeof record - offset) / sizeof(Ont_instance_values), record.count);
+    seen.add(name + ".count", record.count);
+}
+
+template <class Group>
+void see_group(SeenValues& seen, const std::string& name, const Group& group) {
+    seen.add(name + ".valid", group.valid);
+    const auto words = words_of<std::uint32_t>(group);
+    for (std::size_t word = 1; group.valid != 0 && word < words.size(); ++word) {
+        seen.add(fmt::format("{}[{}]", name, word), words[word]);
+    }
+}
+
+template <class Record>
+void see_long_words(SeenValues& seen, const std::string& name, const Record& record) {
+    const auto words = words_of<std::uint64_t>(record);
+    for (std::size_t word = 0; word < words.size(); ++word) {
+        seen.add(fmt::format("{}[{}]", name, word), words[word]);
+    }
+}
+
+void see_services(SeenValues& seen, const Plant& plant, std::uint16_t index) {
+    const auto gem = report_gem_port_pm(plant, index);
+    see_arrays(seen, "gem", gem, offsetof(Ont_gem_port_pm, finished_intervals), 7, gem.count);
+    see_group(seen, "gem.mc", gem.mc);
+    see_group(seen, "gem.bc", gem.bc);
+    seen.add("gem.number", gem.number[0]);
+    const auto nctp = report_gem_port_nctp_pm(plant, index);
+    see_arrays(seen, "nctp.downstream", nctp.downstream, 0, 3, nctp.count);
+    see_arrays(seen, "nctp.upstream", nctp.upstream, 0, 3, nctp.count);
+    see_group(seen, "nctp.mc", nctp.mc);
+    see_group(seen, "nctp.bc", nctp.bc);
+    const auto gal = report_gal_eth_pm(plant, index);
+    see_arrays(seen, "gal", gal, offsetof(Ont_gal_eth_pm, finished_intervals), 2, gal.count);
+    see_group(seen, "gal.mc", gal.mc);
+    see_group(seen, "gal.bc", gal.bc);
+}
+
+void see_counters(SeenValues& seen, const Plant& plant) {
+    for (const auto& [index, settings] : plant.configuration().onts) {
+        see_services(seen, plant, index);
+        see_history(seen, "eth", report_eth_pm(plant, index));
+        see_history(seen, "eth_2", report_eth_pm_2(plant, index));
+        see_history(seen, "eth_3", report_eth_pm_3(plant, index));
+        see_history(seen, "fec", report_fec_pm(plant, index));
+        const auto extended = report_eth_frame_ext_pm(plant, index);
+        see_arrays(seen, "ext.upstream", extended.upstream, 0, 15, extended.count);
+        see_arrays(seen, "ext.downstream", extended.downstream, 0, 15, extended.count);
+        see_group(seen, "ext.upstream.veip", extended.upstream.veip);
+        see_group(seen, "ext.downstream.veip", extended.downstream.veip);
+        const auto gem_ports = report_olt_gem_ports(plant, index);
+        for (const auto& entry : std::span(gem_ports.entries, gem_ports.count)) {
+            see_long_words(seen, "olt.gem", entry);
+        }
+        see_long_words(seen, "olt.pon", report_olt_pon(plant, index));
+    }
+}
+
 TEST(NamedPlants, LeaveNoFieldAtOneValue) {
     SeenValues seen;
     const test::TemporaryOltRoot root;
@@ -241,6 +329,13 @@ TEST(NamedPlants, LeaveNoFieldAtOneValue) {
         auto configuration = subscribers_of(parameters, named.size.configured);
         configuration.front[1].is_multicast_router = true;
         configuration.management_vlan = 4000;
+        for (auto& [index, settings] : configuration.onts) {
+            if (index % 5 == 0) {
+                settings.services = {{.number = 3, .broadcast_downstream = false}};
+            } else if (index % 5 == 1) {
+                settings.services = triple_play();
+            }
+        }
         Plant plant(parameters, configuration);
         plant.advance(named.uptime);
         see_environment(seen, report_environment(plant));
@@ -250,6 +345,9 @@ TEST(NamedPlants, LeaveNoFieldAtOneValue) {
         see_facts(seen, report_device_facts(plant, firmware.slots(), 1));
         see_ports(seen, plant);
         see_onts(seen, plant);
+        see_counters(seen, plant);
+        plant.advance(named.uptime + std::chrono::minutes(15));
+        see_counters(seen, plant);
         see_sessions(seen, plant);
         see_addresses(seen, plant);
         // Groups are in the deletion queue for two seconds only.

@@ -2,6 +2,7 @@
 #include "simulator/plant/ont_report.hpp"
 #include "simulator/plant/plant.hpp"
 #include "simulator/plant/port_report.hpp"
+#include "tests/unit/simulator/triple_play.hpp"
 #include "xpon/custom_layer/custom_layer.h"
 #include "xpon/ipc/payload.hpp"
 
@@ -42,7 +43,7 @@ Bitmap_pon_port_range all_ports() {
 }
 
 OntSettings settings_of(const OntPosition& ont) {
-    return {.serial = serial_of(ont), .services = std::vector<ServiceSettings>(4), .tconts = 3, .provision = 1};
+    return {.serial = serial_of(ont), .services = triple_play(), .tconts = 3, .provision = 1};
 }
 
 /// The first `onts` ones of a plant, each where it is.

@@ -2,9 +2,11 @@
 #include "xpon/custom_layer/custom_layer.h"
 #include "xpon/ipc/payload.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <functional>
+#include <iterator>
 #include <limits>
 #include <span>
 #include <string>
@@ -101,12 +103,50 @@ int run_block(const std::function<int(Record**)>& call) {
     return status;
 }
 
+/// A call for counters, whose answer tells how many instances it has.
+template <class Record>
+Call counters(const char* name, Ont_information_kind kind, unsigned too_many = max_counter_instances + 1) {
+    return {name,
+            [kind](Ipc* ipc) {
+                return run_block<void>(
+                    [&](void** out) { return custom_layer__get_ont_information_by_index(ipc, kind, 16, 256, out); });
+            },
+            edited<Record>([](auto&) {}),
+            {edited<Record>([&](auto& record) { record.count = static_cast<decltype(record.count)>(too_many); }),
+             edited<Record>([](auto& record) { record.count = static_cast<decltype(record.count)>(-1); })}};
+}
+
+std::vector<Call> counter_calls() {
+    using GemPorts = Ont__get_gem_port_counters_response;
+    std::vector<Call> calls{
+        counters<Ont_gem_port_pm>("GEM ports", ont_information_gem_port_pm),
+        counters<Ont_gem_port_nctp_pm>("GEM port CTPs", ont_information_gem_port_nctp_pm),
+        counters<Ont_eth_pm_history_data>("Ethernet", ont_information_eth_pm_history_data),
+        counters<Ont_ethernet_pm_2>("Ethernet 2", ont_information_ethernet_pm_2),
+        counters<Ont_eth_pm_history_data_3>("Ethernet 3", ont_information_eth_pm_history_data_3),
+        counters<Ont_gal_eth_pm>("GAL Ethernet", ont_information_gal_eth_pm),
+        counters<Ont_fec_pm_counters>("FEC", ont_information_fec_pm),
+        counters<Ont_eth_frame_ext_pm>("Ethernet frames", ont_information_eth_frame_ext_pm),
+        counters<GemPorts>("GEM ports of the OLT", ont_information_olt_gem_port, max_gem_ports_per_ont + 1),
+    };
+    calls.back().bad_answers.push_back(
+        edited<GemPorts>([](auto& record) { record.entries[9].group = static_cast<Gem_port_group>(3); }));
+    calls.push_back({"PON of the OLT",
+                     [](Ipc* ipc) {
+                         return run_block<void>([&](void** out) {
+                             return custom_layer__get_ont_information_by_index(ipc, ont_information_olt_pon, 1, 1, out);
+                         });
+                     },
+                     edited<Ont__get_pon_counters_response>([](auto&) {})});
+    return calls;
+}
+
 std::vector<Call> all_calls() {
     static const Bitmap_ont_range onts{.size = 4096, .bits = {}};
     static const Bitmap_pon_port_range ports{.size = 17, .bits = {}};
     using Environment = System_environment_data;
     using Modules = Pon_ports_sfp_extended_information;
-    return {
+    std::vector<Call> calls{
         {"environment",
          [](Ipc* ipc) {
              return run_record<Environment>(
@@ -216,6 +256,8 @@ std::vector<Call> all_calls() {
          },
          edited_list<Bcm_mac_entry>([](auto&) {})},
     };
+    std::ranges::move(counter_calls(), std::back_inserter(calls));
+    return calls;
 }
 
 class PeerCallsTest : public testing::Test {
@@ -284,6 +326,29 @@ TEST_F(PeerCallsTest, GiveWhatThePeerAnswered) {
     ASSERT_EQ(custom_layer__get_front_port_sfp_eddi(&peer, 7, &eddi), 0);
     EXPECT_EQ(eddi.power, 0.5);
     EXPECT_EQ(peer.question, ipc::record_payload(std::uint8_t{7}));
+}
+
+TEST_F(PeerCallsTest, AskForTheCountersOfOneOnt) {
+    peer.reply = {0, edited<Ont_eth_frame_ext_pm>([](auto& record) { record.downstream.veip.octets = 77; })};
+    void* out = nullptr;
+    const auto kind = ont_information_eth_frame_ext_pm;
+    ASSERT_EQ(custom_layer__get_ont_information_by_index(&peer, kind, 3, 256, &out), 0);
+    EXPECT_EQ(static_cast<Ont_eth_frame_ext_pm*>(out)->downstream.veip.octets, 77U);
+    std::free(out);
+    EXPECT_EQ(peer.question, ipc::record_payload(ipc::Ont_information_question{kind, 3, 256}));
+
+    // No peer is asked what no peer knows.
+    peer.question.clear();
+    for (const int no_kind : {0, 11, 255}) {
+        out = &peer;
+        errno = 0;
+        const auto asked = static_cast<Ont_information_kind>(no_kind);
+        EXPECT_EQ(custom_layer__get_ont_information_by_index(&peer, asked, 1, 1, &out), -1);
+        EXPECT_EQ(errno, EINVAL);
+        EXPECT_EQ(out, nullptr);
+    }
+    EXPECT_EQ(custom_layer__get_ont_information_by_index(&peer, kind, 1, 1, nullptr), -1);
+    EXPECT_TRUE(peer.question.empty());
 }
 
 TEST(StateTexts, AreThereForEveryValue) {

@@ -1,0 +1,237 @@
+#include "tests/unit/simulator/counter_plant.hpp"
+#include "xpon/ipc/payload.hpp"
+
+#include <array>
+#include <functional>
+
+#include <gmock/gmock.h>
+
+namespace xpon::simulator {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST_F(OntCountersTest, GrowAsFastAsTheirServicesTalk) {
+    // Mean rates in kbit/s, down and up, by service, then of multicast and broadcast. A day's mean is 0.8 of them.
+    constexpr std::array<std::pair<double, double>, 6> means{
+        {{4000, 600}, {16, 4}, {90 * 0.05, 90 * 0.05}, {2, 2}, {6000 * 1.5, 0}, {8, 0}}};
+    const auto before = gem_ports();
+    pass(240h);
+    const auto after = gem_ports();
+    ASSERT_EQ(after.count, means.size());
+    EXPECT_EQ(after.entries[0].gem_port, 512);
+    for (std::size_t nth = 0; nth < means.size(); ++nth) {
+        const auto kbps = [](std::uint64_t octets) { return static_cast<double>(octets) * 8 / 1000 / (240 * 3600); };
+        const double down = kbps(after.entries[nth].tx_bytes - before.entries[nth].tx_bytes);
+        const double up = kbps(after.entries[nth].rx_bytes - before.entries[nth].rx_bytes);
+        EXPECT_NEAR(down, means.at(nth).first * 0.8, means.at(nth).first * 0.3) << nth;
+        EXPECT_NEAR(up, means.at(nth).second * 0.8, means.at(nth).second * 0.05) << nth;
+    }
+}
+
+struct Limit {
+    const char* name;
+    std::function<void(OntSettings&)> set;
+    double down_kbps; ///< of all GEM ports
+    double up_kbps;
+};
+
+TEST_F(OntCountersTest, StayWithinEveryLimit) {
+    const Limit limits[] = {
+        {"service", [](auto& ont) { ont.services = {{.number = 1, .downstream_kbps = 512, .upstream_kbps = 128}}; },
+         512 + 12, 128},
+        {"ONT", [](auto& ont) { ont.downstream_kbps = 1000, ont.upstream_kbps = 200; }, 1000, 200},
+        {"T-CONT",
+         [](auto& ont) {
+             for (auto& service : ont.services) {
+                 service.tcont = 0;
+                 service.upstream_kbps = 64;
+             }
+         },
+         1e6, 64},
+    };
+    for (const auto& [name, set, down_kbps, up_kbps] : limits) {
+        plant = make_plant();
+        plant.advance(5min);
+        configure(set);
+        pass(10s);
+        const auto before = pon();
+        pass(20h);
+        const auto after = pon();
+        const double kbit_per_octet_s = 8.0 / 1000 / (20 * 3600);
+        const double down = static_cast<double>(after.tx_bytes - before.tx_bytes) * kbit_per_octet_s;
+        const double up = static_cast<double>(after.rx_bytes - before.rx_bytes) * kbit_per_octet_s;
+        EXPECT_LE(down, down_kbps + 1) << name;
+        EXPECT_LE(up, up_kbps + 1) << name; // with the management channel
+        EXPECT_GE(up, up_kbps * 0.4) << name;
+        // What found no room is seen at the user's side.
+        const auto users = report_eth_pm_3(plant, watched);
+        EXPECT_GT(users.drop_events[0] + report_eth_frame_ext_pm(plant, watched).upstream.veip.drop_events, 1000U)
+            << name;
+    }
+}
+
+TEST_F(OntCountersTest, GoOnOverConfiguringAndBeginAnewWithTheOnt) {
+    pass(3h);
+    const auto before = counters_of(plant, watched);
+    configure([](auto& ont) { ont.services[0].type = cfgdb::ProfileOntCrossConnect::ServiceType::voip; });
+    EXPECT_EQ(counters_of(plant, watched), std::vector<std::uint64_t>(19)); // on its way: nothing to read
+    pass(10s);
+    const auto after = counters_of(plant, watched);
+    EXPECT_TRUE(none_fell(before, after));
+    EXPECT_EQ(report_gem_port_pm(plant, watched).finished_intervals[0], 0U);
+    // Not one octet was lost or counted twice: in ten seconds no more than that.
+    constexpr std::size_t tx_bytes = offsetof(Ont__get_pon_counters_response, tx_bytes) / 8;
+    EXPECT_LT(after[tx_bytes], before[tx_bytes] + 10 * (18'100'000 + 6'000'000) / 8);
+
+    for (const auto& [kind, target] : {std::pair(FaultKind::ont_los, "1"), {FaultKind::ont_dying_gasp, "1/1"}}) {
+        pass(1h);
+        ASSERT_GT(pon().tx_bytes, 1'000'000U);
+        const auto cut = fault(kind, target);
+        plant.set_fault(cut);
+        pass(5s);
+        plant.clear_fault(kind, cut.target);
+        while (plant.ont_configured_as(watched)->point.state != ont_operational) {
+            pass(50ms);
+        }
+        EXPECT_LT(pon().tx_bytes, 1'000'000U);
+    }
+}
+
+TEST_F(OntCountersTest, OutliveReconfiguringAndNoRestart) {
+    const auto is_watched = [](std::uint16_t index) { return index == watched; };
+    for (const auto command : {OntCommand::reconfigure, OntCommand::reset, OntCommand::reboot}) {
+        pass(1h);
+        const auto before = pon().tx_bytes;
+        ASSERT_EQ(plant.command_onts(command, is_watched).size(), 1U);
+        while (plant.ont_configured_as(watched)->point.state != ont_operational) {
+            pass(50ms);
+        }
+        EXPECT_EQ(pon().tx_bytes >= before, command == OntCommand::reconfigure);
+    }
+    plant.boot(20s);
+    pass(5min);
+    EXPECT_LT(pon().tx_bytes, 500'000'000U);
+}
+
+TEST_F(OntCountersTest, AreThoseOfThePlantAlsoInACopy) {
+    pass(2h);
+    configure([](auto&) {});
+    pass(1min);
+    auto copy = plant;
+    pass(1h);
+    plant.set_fault(fault(FaultKind::ont_dying_gasp, "1/1"));
+    copy.advance(plant.now());
+    EXPECT_EQ(counters_of(plant, watched), std::vector<std::uint64_t>(19));
+    EXPECT_GT(report_olt_pon(copy, watched).tx_bytes, 3600U * 500'000);
+}
+
+TEST_F(OntCountersTest, ErrorsFollowTheLight) {
+    struct Errors {
+        std::uint64_t bip;
+        std::uint64_t corrected; ///< at the ONT
+        std::uint64_t lost;
+    };
+    const auto over_two_intervals = [&] {
+        finish_interval();
+        const auto before = pon();
+        finish_interval();
+        return Errors{pon().bip_errors - before.bip_errors, report_fec_pm(plant, watched).corrected_code_words[0],
+                      report_gem_port_pm(plant, watched).lost_packets[0]};
+    };
+    const auto clean = over_two_intervals();
+    const auto bad = barely_lit(plant);
+    const auto just_before = counters_of(plant, watched);
+    plant.set_fault(bad);
+    EXPECT_EQ(counters_of(plant, watched), just_before); // what was counted does not change
+    ASSERT_EQ(plant.ont_configured_as(watched)->point.state, ont_operational);
+    const auto weak = over_two_intervals();
+    EXPECT_GT(weak.bip, clean.bip + 100);
+    EXPECT_GT(weak.corrected, clean.corrected + 1000);
+    EXPECT_GE(weak.lost, clean.lost);
+    plant.clear_fault(bad.kind, bad.target);
+    const auto cured = over_two_intervals();
+    EXPECT_LT(cured.bip, weak.bip / 10);
+    EXPECT_LT(cured.corrected, weak.corrected / 10);
+}
+
+TEST_F(OntCountersTest, ARogueDisturbsItsNeighboursUntilItIsStopped) {
+    const auto bip_errors = [&](PlantTime in) {
+        const auto before = pon().bip_errors;
+        pass(in);
+        return pon().bip_errors - before;
+    };
+    EXPECT_LT(bip_errors(10s), 10U);
+    const auto rogue = fault(FaultKind::ont_rogue, "1/3");
+    plant.set_fault(rogue);
+    EXPECT_GT(bip_errors(10s), 50U);
+    EXPECT_LT(bip_errors(10s), 10U);
+    plant.clear_fault(rogue.kind, rogue.target);
+
+    auto configuration = plant.configuration();
+    configuration.pon[0].detects_rogues = false;
+    plant.configure(configuration);
+    plant.set_fault(rogue);
+    EXPECT_GT(bip_errors(10s), 50U);
+    EXPECT_GT(bip_errors(10s), 50U);
+    // Other ports hear nothing of it.
+    EXPECT_LT(report_olt_pon(plant, 256).bip_errors, 50U);
+}
+
+TEST_F(OntCountersTest, FecIsCountedWhereItIsOn) {
+    EXPECT_GT(pon().fec_codewords, 0U);
+    configure([](auto& ont) { ont.upstream_fec = false; });
+    pass(1min);
+    const auto words = pon().fec_codewords;
+    pass(1h);
+    EXPECT_EQ(pon().fec_codewords, words);
+    EXPECT_GT(report_fec_pm(plant, watched).total_code_words[0], 0U);
+    auto configuration = plant.configuration();
+    configuration.pon[0].downstream_fec = false;
+    plant.configure(configuration);
+    pass(1h);
+    EXPECT_EQ(report_fec_pm(plant, watched).count, 1);
+    EXPECT_EQ(report_fec_pm(plant, watched).total_code_words[0], 0U);
+}
+
+TEST_F(OntCountersTest, OfNobodyAreZero) {
+    const auto is_zero = [](const auto& record) {
+        const auto bytes = ipc::record_payload(record);
+        return std::ranges::all_of(bytes, [](std::byte byte) { return byte == std::byte{}; });
+    };
+    const auto all_zero = [&](std::uint16_t index) {
+        return is_zero(report_gem_port_pm(plant, index)) && is_zero(report_gem_port_nctp_pm(plant, index)) &&
+               is_zero(report_gal_eth_pm(plant, index)) && is_zero(report_fec_pm(plant, index)) &&
+               is_zero(report_eth_pm(plant, index)) && is_zero(report_eth_pm_2(plant, index)) &&
+               is_zero(report_eth_pm_3(plant, index)) && is_zero(report_eth_frame_ext_pm(plant, index)) &&
+               is_zero(report_olt_gem_ports(plant, index)) && is_zero(report_olt_pon(plant, index));
+    };
+    pass(1h);
+    EXPECT_FALSE(all_zero(watched));
+    EXPECT_TRUE(all_zero(4095)); // not configured
+    const auto before = pon().tx_bytes;
+    configure([](auto& ont) { ont.pm_collection = false; });
+    EXPECT_TRUE(all_zero(watched));
+    pass(1h);
+    EXPECT_TRUE(all_zero(watched));
+    // The OLT went on counting all the same.
+    configure([](auto& ont) { ont.pm_collection = true; });
+    pass(1min);
+    EXPECT_GT(pon().tx_bytes, before + 1'000'000);
+}
+
+TEST_F(OntCountersTest, OfALineThatChangesAllTheTimeNeverFall) {
+    std::vector<std::uint64_t> last;
+    for (int nth = 0; nth < 200; ++nth) {
+        plant.set_fault(fault(FaultKind::ont_attenuation, "1/1", nth % 7));
+        pass(nth % 3 == 0 ? 0s : 40s);
+        auto counters = counters_of(plant, watched);
+        EXPECT_TRUE(none_fell(last, counters)) << nth;
+        last = std::move(counters);
+    }
+    // Provided once, whatever happened since.
+    EXPECT_LT(pon().rx_omci, 300U);
+}
+
+} // namespace
+} // namespace xpon::simulator
