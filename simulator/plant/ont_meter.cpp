@@ -209,7 +209,7 @@ OntTally OntMeter::read(const MeteredOnt& ont, PlantTime time) const {
 }
 
 void OntMeter::count_until(const MeteredOnt& ont, PlantTime time) {
-    counted_ = std::make_unique<OntTally>(read(ont, time));
+    counted_ = std::make_shared<const OntTally>(read(ont, time));
     counted_until_ = time;
     std::erase_if(parts_, [&](const Part& part) { return part.until <= time; });
 }

@@ -122,7 +122,7 @@ private:
 
     void count_until(const MeteredOnt& ont, PlantTime time);
 
-    std::unique_ptr<OntTally> counted_; ///< until `counted_until_`; null: nothing
+    std::shared_ptr<const OntTally> counted_; ///< until `counted_until_`; null: nothing
     PlantTime counted_until_{};
     std::vector<Part> parts_;
 };

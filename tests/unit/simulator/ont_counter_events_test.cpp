@@ -98,6 +98,18 @@ TEST_F(OntCountersTest, GoOnOverConfiguringAndBeginAnewWithTheOnt) {
     }
 }
 
+TEST_F(OntCountersTest, AreThoseOfThePlantAlsoInACopy) {
+    pass(2h);
+    configure([](auto&) {});
+    pass(1min);
+    auto copy = plant;
+    pass(1h);
+    plant.set_fault(fault(FaultKind::ont_dying_gasp, "1/1"));
+    copy.advance(plant.now());
+    EXPECT_EQ(counters_of(plant, watched), std::vector<std::uint64_t>(19));
+    EXPECT_GT(report_olt_pon(copy, watched).tx_bytes, 3600U * 500'000);
+}
+
 TEST_F(OntCountersTest, ErrorsFollowTheLight) {
     struct Errors {
         std::uint64_t bip;
