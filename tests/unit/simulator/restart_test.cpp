@@ -1,4 +1,5 @@
 #include "simulator/plant/plant.hpp"
+#include "tests/unit/simulator/triple_play.hpp"
 
 #include <functional>
 #include <string>
@@ -25,7 +26,7 @@ protected:
     static RunningConfiguration configuration() {
         RunningConfiguration configuration;
         configuration.onts[record_index_of(first)] = {
-            .serial = serial_of(first), .services = std::vector<ServiceSettings>(4), .tconts = 3, .provision = 1};
+            .serial = serial_of(first), .services = triple_play(), .tconts = 3, .provision = 1};
         return configuration;
     }
     [[nodiscard]] Plant::Ont ont() const {
