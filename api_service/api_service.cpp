@@ -8,6 +8,8 @@
 #include <chrono>
 #include <utility>
 
+#include <malloc.h>
+
 namespace xpon::api_service {
 
 using core::Result;
@@ -36,6 +38,7 @@ Result<void> ApiService::run(const service::ServiceCtx&) {
         }
         for (const auto& client : clients.value()) {
             serve_client(client);
+            give_back_memory();
         }
     }
     return core::success();
@@ -74,6 +77,14 @@ void ApiService::serve_client(const std::shared_ptr<IClientSocket>& socket) {
     });
     if (!answered) {
         log_error(*logger_, "{}", answered.error().to_string());
+    }
+}
+
+/// The tree and the text of a whole plant take tens of megabytes in small pieces, which the allocator would keep.
+void ApiService::give_back_memory() {
+    constexpr std::size_t worth_it = 1024 * 1024;
+    if (std::exchange(largest_answer_, 0) >= worth_it) {
+        ::malloc_trim(0);
     }
 }
 

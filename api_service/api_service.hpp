@@ -12,6 +12,7 @@
 #include "xpon/service/service.hpp"
 
 #include <atomic>
+#include <cstddef>
 #include <memory>
 #include <vector>
 
@@ -46,6 +47,7 @@ private:
     core::Result<void> answer(IClientSocket& socket, const Response& response);
     core::Result<void> answer_with_error(IClientSocket& socket, const std::shared_ptr<Session>& session,
                                          Json_errors index, const std::string& path);
+    void give_back_memory();
     void serve_client(const std::shared_ptr<IClientSocket>& socket);
 
     std::shared_ptr<ipc::IIpc> ipc_;
@@ -56,6 +58,7 @@ private:
     std::shared_ptr<SessionManager> session_manager_;
     std::shared_ptr<IPamApi> pam_;
     Endpoint endpoint_;
+    std::size_t largest_answer_ = 0; ///< bytes, since memory was last given back
 };
 
 } // namespace xpon::api_service

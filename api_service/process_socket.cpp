@@ -4,6 +4,8 @@
 #include "api_service/change_record.hpp"
 #include "xpon/core/guard.hpp"
 
+#include <algorithm>
+
 namespace xpon::api_service {
 
 using core::Result;
@@ -74,6 +76,7 @@ Result<void> ApiService::answer(IClientSocket& socket, const Response& response)
     BOOST_OUTCOME_TRY(const auto text, logged(*logger_, core::guarded(*logger_, [&] {
                           return request_parser_.make_response(response);
                       })));
+    largest_answer_ = std::max(largest_answer_, text.size());
     return logged(*logger_, core::guarded(*logger_, [&] { return socket.send_frame(text); }));
 }
 
