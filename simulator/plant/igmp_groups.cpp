@@ -66,7 +66,8 @@ private:
         if (!changed || line.ont->settings->immediate_leave) {
             return;
         }
-        for (const auto group : viewer.at(viewing.since - PlantTime(1)).groups()) {
+        const auto before = viewer.at(viewing.since - PlantTime(1));
+        for (const auto group : before.groups()) {
             if (std::ranges::find(viewing.groups(), group) == viewing.groups().end()) {
                 add(line, group, {viewing.since + last_member_query_time, false});
             }

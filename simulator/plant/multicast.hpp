@@ -20,9 +20,11 @@ struct Viewing {
     std::uint8_t count = 0;
     std::array<std::uint8_t, 2> group{}; ///< the first `count`, ascending
 
-    [[nodiscard]] std::span<const std::uint8_t> groups() const {
+    [[nodiscard]] std::span<const std::uint8_t> groups() const& {
         return std::span(group).first(count);
     }
+    /// They lie in this object, so one that is about to end has none to give.
+    std::span<const std::uint8_t> groups() const&& = delete;
 };
 
 /// Who watches television behind one IPTV service: every 10 to 30 minutes, each viewer after its own time, one or two

@@ -57,7 +57,8 @@ protected:
     }
     [[nodiscard]] std::vector<int> watched() const {
         std::vector<int> addresses;
-        for (const auto group : viewer().at(plant.now()).groups()) {
+        const auto viewing = viewer().at(plant.now());
+        for (const auto group : viewing.groups()) {
             addresses.push_back(group + 1);
         }
         return addresses;
