@@ -1,5 +1,7 @@
 #pragma once
 
+#include "simulator/plant/ont_layout.hpp"
+
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -52,6 +54,16 @@ struct FaultTarget {
 
     bool operator==(const FaultTarget&) const = default;
 };
+
+inline FaultTarget ont_target(const OntPosition& ont) {
+    return {.where = FaultTarget::Where::ont,
+            .port = static_cast<std::uint16_t>(ont.port),
+            .ont = static_cast<std::uint16_t>(ont.ont)};
+}
+
+inline FaultTarget port_target(FaultTarget::Where where, unsigned port) {
+    return {.where = where, .port = static_cast<std::uint16_t>(port)};
+}
 
 /// What a kind of fault takes.
 struct FaultRule {

@@ -1,37 +1,15 @@
 #include "simulator/plant/plant.hpp"
 
-#include "xpon/custom_layer/sfp.h"
-
 #include <algorithm>
 #include <utility>
 
 namespace xpon::simulator {
 namespace {
 
-using namespace std::chrono_literals;
 using Where = FaultTarget::Where;
-
-constexpr PlantTime channel_start_time = 3s;
-constexpr PlantTime link_up_time = 2s;
 
 /// ONU-IDs 0 to 253 [G.984.3].
 constexpr unsigned onu_ids = 254;
-
-FaultTarget ont_target(const OntPosition& ont) {
-    return {
-        .where = Where::ont, .port = static_cast<std::uint16_t>(ont.port), .ont = static_cast<std::uint16_t>(ont.ont)};
-}
-
-FaultTarget port_target(Where where, unsigned port) {
-    return {.where = where, .port = static_cast<std::uint16_t>(port)};
-}
-
-/// Whether the change makes a PON port start again.
-bool restarts(const PonPortSettings& before, const PonPortSettings& after) {
-    return before.enabled != after.enabled || before.reach_min_km != after.reach_min_km ||
-           before.reach_max_km != after.reach_max_km || before.downstream_fec != after.downstream_fec ||
-           before.compares_passwords != after.compares_passwords;
-}
 
 } // namespace
 
@@ -84,54 +62,6 @@ void Plant::clear_all_faults() {
     change(configuration_, [&] { faults_.clear_all(); });
 }
 
-void Plant::boot(PlantTime takes) {
-    change(configuration_, [&] {
-        booted_at_ = now_;
-        boot_ends_ = now_ + takes;
-        for (auto& run : pon_) {
-            run.up_since = boot_ends_ + channel_start_time;
-        }
-        for (auto& run : front_) {
-            run.up_since = boot_ends_ + link_up_time;
-        }
-    });
-    // Of what was before the OLT's daemons know nothing.
-    std::ranges::for_each(onts_, [](TrackedOnt& ont) { ont.last_service.reset(); });
-}
-
-void Plant::restart_pon_ports(const std::function<bool(unsigned port)>& is_meant) {
-    change(configuration_, [&] {
-        for (unsigned port = 1; port <= pon_ports; ++port) {
-            if (is_meant(port)) {
-                pon_.at(port - 1).up_since = now_ + channel_start_time;
-            }
-        }
-    });
-}
-
-std::vector<std::uint16_t> Plant::command_onts(OntCommand command,
-                                               const std::function<bool(std::uint16_t index)>& is_meant) {
-    std::vector<std::uint16_t> commanded;
-    std::vector<bool> starts(onts_.size());
-    for (std::size_t nth = 0; nth < onts_.size(); ++nth) {
-        auto& ont = onts_[nth];
-        const auto at = point_of(ont);
-        const auto& place = ont.situation.configured;
-        if (!place || !is_listed(at.state) || !is_meant(*place)) {
-            continue;
-        }
-        const auto point = obey(at, ont.situation, command, now_);
-        update_meter(ont, at, point, ont.line, configuration_);
-        redirect(ont, at, point);
-        starts[nth] = point.state == ont_initial;
-        ont.has_local_data = ont.has_local_data && !(starts[nth] && command == OntCommand::reset);
-        commanded.push_back(*place);
-    }
-    share_discovery(starts);
-    std::ranges::sort(commanded);
-    return commanded;
-}
-
 void Plant::change(const RunningConfiguration& before, const std::function<void()>& mutate) {
     std::vector<OntPoint> points;
     points.reserve(onts_.size());
@@ -143,32 +73,6 @@ void Plant::change(const RunningConfiguration& before, const std::function<void(
     update_ports(before.pon);
     update_onts(points, before);
     subscriber_history_.follow(*this);
-}
-
-void Plant::update_ports(const std::array<PonPortSettings, pon_ports>& before) {
-    const auto update = [&](PortRun& run, bool has_module, bool is_enabled, bool restart, PlantTime start_time) {
-        if (has_module && !run.has_module) {
-            run.module_since = now_;
-        }
-        const bool ran = run.has_module && run.is_enabled;
-        run.has_module = has_module;
-        run.is_enabled = is_enabled;
-        if (has_module && is_enabled && (!ran || restart)) {
-            run.up_since = std::max(now_, boot_ends_) + start_time;
-        }
-    };
-    for (unsigned port = 1; port <= pon_ports; ++port) {
-        const auto& settings = configuration_.pon.at(port - 1);
-        update(pon_.at(port - 1), pon_module(port) != nullptr, settings.enabled,
-               restarts(before.at(port - 1), settings), channel_start_time);
-        auto& run = pon_.at(port - 1);
-        const bool had_rogue = std::exchange(run.has_rogue, has_rogue(port));
-        run.rogue_since = run.has_rogue && !had_rogue ? now_ : run.rogue_since;
-    }
-    for (unsigned port = 1; port <= front_ports; ++port) {
-        update(front_.at(port - 1), front_module(port) != nullptr, configuration_.front.at(port - 1).enabled, false,
-               link_up_time);
-    }
 }
 
 void Plant::update_onts(const std::vector<OntPoint>& points, const RunningConfiguration& before) {
@@ -333,47 +237,6 @@ std::optional<std::uint8_t> Plant::onu_id_of(std::uint16_t index) const {
         }
     }
     return std::nullopt;
-}
-
-bool Plant::has_rogue(unsigned pon_port) const {
-    return std::ranges::any_of(faults_.all(), [&](const Fault& fault) {
-        return fault.kind == FaultKind::ont_rogue && fault.target.port == pon_port;
-    });
-}
-
-Pon_channel_state Plant::channel_state(unsigned pon_port) const {
-    const auto& run = pon_.at(pon_port - 1);
-    if (!run.is_enabled) {
-        return pon_channel_disabled;
-    }
-    if (!run.has_module) {
-        return pon_channel_no_module;
-    }
-    if (now_ < run.up_since) {
-        return pon_channel_starting;
-    }
-    // A rogue that nobody stops talks into everyone's time.
-    const bool is_disturbed = has_rogue(pon_port) && !configuration_.pon.at(pon_port - 1).detects_rogues;
-    return is_disturbed ? pon_channel_fault : pon_channel_active;
-}
-
-PlantTime Plant::front_link_since(unsigned front_port) const {
-    const auto& run = front_.at(front_port - 1);
-    const auto* const module = front_module(front_port);
-    const auto forced = configuration_.front.at(front_port - 1).speed_mbps;
-    const bool has_partner = (parameters_.plant->front_links >> (front_port - 1) & 1U) != 0;
-    const bool is_possible = has_partner && module != nullptr && forced <= module->speed_mbps && run.is_enabled;
-    return is_possible ? run.up_since : never;
-}
-
-const ModuleModel* Plant::pon_module(unsigned port) const {
-    const bool is_absent = faults_.has(FaultKind::module_absent, port_target(Where::pon_port, port));
-    return is_absent ? nullptr : parameters_.plant->pon_modules.at(port - 1);
-}
-
-const ModuleModel* Plant::front_module(unsigned port) const {
-    const bool is_absent = faults_.has(FaultKind::module_absent, port_target(Where::front_port, port));
-    return is_absent ? nullptr : parameters_.plant->front_modules.at(port - 1);
 }
 
 } // namespace xpon::simulator

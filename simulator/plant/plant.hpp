@@ -117,6 +117,9 @@ public:
     /// @}
 
 private:
+    static constexpr PlantTime channel_start_time{3000};
+    static constexpr PlantTime link_up_time{2000};
+
     /// How a port comes to run.
     struct PortRun {
         bool has_module = false;
