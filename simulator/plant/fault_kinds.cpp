@@ -1,10 +1,12 @@
 #include "simulator/plant/fault_kinds.hpp"
 
 #include "simulator/plant/ont_layout.hpp"
+#include "xpon/ipc/operations.hpp"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <ranges>
 
 #include <fmt/format.h>
 
@@ -39,9 +41,6 @@ constexpr std::array rules{
     FaultRule{FaultKind::peer_error, "peer_error", Target::peer, 0, 0, "errno", 1, 4095, 5},
     FaultRule{FaultKind::pppoe_blocked, "pppoe_blocked", Target::service, 0, 0, "", 0, 0, 0},
 };
-
-constexpr std::array<std::string_view, 8> peers{"system-mgr", "dhcp-ra",    "pppoe", "igmp",
-                                                "fsm-pon",    "bcm-custom", "dna",   "ipc-broker"};
 
 std::optional<std::uint16_t> parse_number(std::string_view text, unsigned least, unsigned most) {
     std::uint16_t number = 0;
@@ -93,8 +92,9 @@ std::optional<FaultTarget> parse_module(std::string_view text) {
 }
 
 std::optional<FaultTarget> parse_peer(std::string_view text) {
-    const auto* const peer = std::ranges::find(peers, text);
-    return peer == peers.end() ? std::nullopt : std::optional(FaultTarget{.where = Where::peer, .peer = *peer});
+    const auto* const peer = std::ranges::find(ipc::peer_names, text, &ipc::PeerName::name);
+    return peer == ipc::peer_names.end() ? std::nullopt
+                                         : std::optional(FaultTarget{.where = Where::peer, .peer = peer->name});
 }
 
 std::optional<FaultTarget> try_target(const FaultRule& rule, std::string_view text) {
@@ -178,16 +178,12 @@ std::string expected_target(const FaultRule& rule) {
     case Target::module:
         return fmt::format("a module as pon/1 to pon/{} or front/1 to front/{}", pon_ports, front_ports);
     case Target::peer:
-        return fmt::format("one of {}", fmt::join(peers, ", "));
+        return fmt::format("one of {}", fmt::join(ipc::peer_names | std::views::transform(&ipc::PeerName::name), ", "));
     case Target::service:
         return fmt::format("a service as PORT/ONT/SERVICE, 1/1/1 to {}/{}/{}", pon_ports, max_onts_per_port,
                            max_services);
     }
     return {};
-}
-
-std::span<const std::string_view> peer_names() {
-    return peers;
 }
 
 } // namespace xpon::simulator

@@ -93,7 +93,4 @@ std::string to_text(const FaultTarget& target);
 /// What parse_target takes, for people.
 std::string expected_target(const FaultRule& rule);
 
-/// The names of the peers, as targets name them.
-std::span<const std::string_view> peer_names();
-
 } // namespace xpon::simulator
