@@ -119,6 +119,14 @@ std::vector<std::string> ServiceTest::take_log() {
     return texts;
 }
 
+std::size_t occurrences(const std::string& whole, const std::string& text) {
+    std::size_t found = 0;
+    for (auto at = whole.find(text); at != std::string::npos; at = whole.find(text, at + 1)) {
+        ++found;
+    }
+    return found;
+}
+
 std::string access_denied(const std::string& id) {
     return fmt::format(R"({{"success":false,"session_id":"{}","errors":[{{"message":{{"key":"Access denied",)"
                        R"("params":{{}}}},"path":"api_service"}}]}})",

@@ -50,6 +50,8 @@ protected:
     client::Connection connection;
 };
 
+/// How often `text` stands in `whole`.
+std::size_t occurrences(const std::string& whole, const std::string& text);
 /// The refusal that every route gives to a caller without enough rights, in the session `id`.
 std::string access_denied(const std::string& id);
 /// The answer to a request that could not be processed.
