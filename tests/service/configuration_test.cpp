@@ -1,7 +1,7 @@
 // Reading, changing, committing: the way of a configuration through candidate and running.
 
 #include "api_service/protocol/route_table.hpp"
-#include "tests/service/service_fixture.hpp"
+#include "tests/service/monitoring_fixture.hpp"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -12,43 +12,35 @@ namespace {
 using testing::EndsWith;
 using testing::HasSubstr;
 
-class Configuration : public ServiceTest {
+class Configuration : public MonitoringTest {
 protected:
-    std::string in_session(const std::string& members) {
-        return ask(fmt::format(R"({{"session_id":"{}",{}}})", id, members));
-    }
     std::string hostname(const std::string& method, const std::string& members) {
-        return in_session(
-            fmt::format(R"("path":"configuration.CommonGCfg.hostname","method":"{}",{})", method, members));
+        return request("configuration.CommonGCfg.hostname", method, members);
     }
     std::string onts(const std::string& method, const std::string& members) {
-        return in_session(fmt::format(R"("path":"configuration.ZebGCfg.pon.ont","method":"{}",{})", method, members));
+        return request("configuration.ZebGCfg.pon.ont", method, members);
     }
     std::string command(const std::string& name) {
-        return in_session(fmt::format(R"("path":"command.{}","method":"command")", name));
+        return request("command." + name, "command");
     }
-
-    const std::string id = log_in("admin");
-    const std::string done = fmt::format(R"({{"success":true,"session_id":"{}"}})", id);
 };
 
 TEST_F(Configuration, AChangeReachesRunningByCommitOnly) {
-    const auto named = [&](const char* name) {
-        return fmt::format(R"({{"success":true,"session_id":"{}","data":{{"hostname":"{}"}}}})", id, name);
-    };
-    EXPECT_EQ(hostname("set", R"("config_type":"candidate","data":{"hostname":"olt-7"})"), done);
+    const auto named = [&](const std::string& name) { return answer(R"({"hostname":")" + name + R"("})"); };
+    EXPECT_EQ(hostname("set", R"("config_type":"candidate","data":{"hostname":"olt-7"})"), answer());
     EXPECT_EQ(hostname("get", R"("config_type":"running")"), named("olt"));
     EXPECT_EQ(hostname("get", R"("config_type":"candidate")"), named("olt-7"));
-    EXPECT_EQ(command("rollback"), done);
+    EXPECT_EQ(command("rollback"), answer());
     EXPECT_EQ(hostname("get", R"("config_type":"candidate")"), named("olt"));
-    EXPECT_EQ(hostname("set", R"("config_type":"candidate","data":{"hostname":"olt-8"})"), done);
-    EXPECT_EQ(command("commit"), done);
+    EXPECT_EQ(hostname("set", R"("config_type":"candidate","data":{"hostname":"olt-8"})"), answer());
+    EXPECT_EQ(command("commit"), answer());
     EXPECT_EQ(hostname("get", R"("config_type":"running")"), named("olt-8"));
 }
 
 TEST_F(Configuration, OneRequestSetsReadsAndDeletesManyOnts) {
-    EXPECT_EQ(onts("set", R"("indices":["1","1-8"],"config_type":"candidate","data":{"description":"Flat"})"), done);
-    EXPECT_EQ(onts("delete", R"("indices":["1","3"],"config_type":"candidate")"), done);
+    EXPECT_EQ(onts("set", R"("indices":["1","1-8"],"config_type":"candidate","data":{"description":"Flat"})"),
+              answer());
+    EXPECT_EQ(onts("delete", R"("indices":["1","3"],"config_type":"candidate")"), answer());
     const auto read = onts("get", R"("indices":["1","1-9"],"config_type":"candidate")");
     EXPECT_EQ(occurrences(read, R"("description":"Flat")"), 7U);
     EXPECT_EQ(occurrences(read, R"("description":"")"), 2U);
@@ -77,7 +69,7 @@ TEST_F(Configuration, FieldErrorsComeBeforeTheConfigurationType) {
                           R"("path":"hostname")"));
     EXPECT_THAT(hostname("set", R"("config_type":"candidate")"), HasSubstr(R"("path":"data")"));
     EXPECT_EQ(hostname("set", R"("config_type":"running","data":{"hostname":"x"})"),
-              not_processed("configuration.CommonGCfg.hostname", id));
+              failure("configuration.CommonGCfg.hostname"));
 }
 
 TEST_F(Configuration, EveryElementTakesWhatItGives) {
@@ -95,14 +87,13 @@ TEST_F(Configuration, EveryElementTakesWhatItGives) {
         }
         ++elements;
         const auto route = [&](const char* method, const std::string& members) {
-            return in_session(
-                fmt::format(R"("path":"{}","method":"{}",{}{})", row.path, method, indices_of(row.path), members));
+            return request(row.path, method, indices_of(row.path) + members);
         };
         const auto running = route("get", R"("config_type":"running")");
         EXPECT_EQ(route("get", R"("config_type":"candidate")"), running);
         auto record = running.substr(running.find(R"("data":)") + 7);
         record = record.front() == '[' ? record.substr(1, record.size() - 3) : record.substr(0, record.size() - 1);
-        EXPECT_EQ(route("set", R"("config_type":"candidate","data":)" + record), done) << row.path;
+        EXPECT_EQ(route("set", R"("config_type":"candidate","data":)" + record), answer()) << row.path;
         EXPECT_EQ(route("get", R"("config_type":"candidate")"), running);
         record.insert(1, R"("no such key":1,)");
         EXPECT_THAT(route("set", R"("config_type":"candidate","data":)" + record), HasSubstr("Unknown key {p0}"))

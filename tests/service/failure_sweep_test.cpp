@@ -88,7 +88,7 @@ TEST_F(FailureSweep, AFailingAllocationLeadsToAnAnswerAndLeaksNothing) {
             ask(R"({"path":"test.echo","method":"echo"})"); // the answer before is gone from the service
             const long before = blocks_in_use;
             allocations_until_failure = n;
-            answer = exchange(connection, frame);
+            answer = exchange(frame);
             failed = allocations_until_failure <= 0;
             allocations_until_failure = 0;
             EXPECT_THAT(answer, testing::StartsWith("{\n\t\"success\":\t")) << frame << " at allocation " << n;

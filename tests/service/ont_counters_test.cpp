@@ -213,9 +213,9 @@ TEST_F(OntCounters, KindsOfTheOltSide) {
     EXPECT_EQ(counters_of(olt_pon), answer("[" + counters(olt_pon.labels, 1000) + "]"));
     pon.drift_positive = 18'446'744'073'709'551'615U;
     set_counters(device, olt_pon.number, pon);
-    EXPECT_THAT(exchange(connection, fmt::format(R"({{"session_id":"{}","path":"{}","method":"get",)"
-                                                 R"("indices":["1","1"]}})",
-                                                 id, path_of(olt_pon))),
+    EXPECT_THAT(exchange(fmt::format(R"({{"session_id":"{}","path":"{}","method":"get",)"
+                                     R"("indices":["1","1"]}})",
+                                     id, path_of(olt_pon))),
                 HasSubstr("\"Drift Positive\":\t18446744073709551615,"));
 }
 

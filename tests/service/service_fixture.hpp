@@ -30,13 +30,10 @@ protected:
     ServiceTest();
     ~ServiceTest() override;
 
-    /// A new connection.
-    [[nodiscard]] client::Connection connect() const;
     /// The answer to one frame, without its indentation.
     std::string ask(const std::string& frame);
-    static std::string ask(client::Connection& connection, const std::string& frame);
     /// The answer as it comes.
-    static std::string exchange(client::Connection& connection, const std::string& frame);
+    std::string exchange(const std::string& frame);
     /// The id of a new session.
     std::string log_in(const std::string& user);
     /// What has been logged so far; empties the log.
