@@ -84,30 +84,12 @@ void fill_onts(FakeDevice& device) {
     std::ranges::copy(serial_of(9), device.unactivated[1].serial);
 }
 
-template <class Record>
-Record with_an_instance() {
-    Record record{};
-    record.count = 1;
-    return record;
-}
-
+/// Bytes of value 1 make a record with one instance and every group, whatever its kind.
 void fill_counters(FakeDevice& device) {
-    auto gem_port = with_an_instance<Ont_gem_port_pm>();
-    gem_port.mc.valid = 1;
-    auto frames = with_an_instance<Ont_eth_frame_ext_pm>();
-    frames.downstream.veip.valid = 1;
-    auto olt_gem_ports = with_an_instance<Ont__get_gem_port_counters_response>();
-    olt_gem_ports.entries[0].group = gem_port_broadcast;
-    set_counters(device, ont_information_gem_port_pm, gem_port);
-    set_counters(device, ont_information_gem_port_nctp_pm, with_an_instance<Ont_gem_port_nctp_pm>());
-    set_counters(device, ont_information_eth_pm_history_data, with_an_instance<Ont_eth_pm_history_data>());
-    set_counters(device, ont_information_ethernet_pm_2, with_an_instance<Ont_ethernet_pm_2>());
-    set_counters(device, ont_information_eth_pm_history_data_3, with_an_instance<Ont_eth_pm_history_data_3>());
-    set_counters(device, ont_information_gal_eth_pm, with_an_instance<Ont_gal_eth_pm>());
-    set_counters(device, ont_information_fec_pm, with_an_instance<Ont_fec_pm_counters>());
-    set_counters(device, ont_information_eth_frame_ext_pm, frames);
-    set_counters(device, ont_information_olt_gem_port, olt_gem_ports);
-    set_counters(device, ont_information_olt_pon, Ont__get_pon_counters_response{});
+    for (std::uint8_t kind = ont_information_gem_port_pm; kind <= ont_information_olt_pon; ++kind) {
+        device.counters[Ont_information_kind{kind}].assign(sizeof(Ont_eth_frame_ext_pm), std::byte{1});
+    }
+    device.counters[ont_information_olt_gem_port][1] = {}; // its count has two bytes
 }
 
 void fill_subscribers(FakeDevice& device) {

@@ -16,18 +16,18 @@ protected:
     MonitoringTest();
     ~MonitoringTest() override;
 
-    /// The answer to a request of a viewer; `members` are added to it.
+    /// The answer to a request of the administrator; `members` are added to it.
     std::string request(const std::string& path, const std::string& method, const std::string& members = "");
-    std::string get(const std::string& path, const std::string& members = "");
+    std::string get(const std::string& path, const std::string& indices = "[]");
     /// What the answer is when `data` is what it carries, in print form without layout.
-    [[nodiscard]] std::string answer(const std::string& data) const;
+    [[nodiscard]] std::string answer(const std::string& data = "") const;
     [[nodiscard]] std::string failure(const std::string& path) const;
 
     /// Puts the configuration described above into running.
     void configure();
 
     FakeDevice& device = fake_device();
-    const std::string id = log_in("viewer");
+    const std::string id = log_in("admin");
 };
 
 } // namespace xpon::test

@@ -43,12 +43,6 @@ public:
     }
 };
 
-std::string without_layout(const std::string& json) {
-    const core::JsonTree tree(cJSON_Parse(json.c_str()));
-    const core::JsonText text(cJSON_PrintUnformatted(tree.get()));
-    return text == nullptr ? "no JSON: " + json : text.get();
-}
-
 /// The listener is there once `run` has got so far.
 client::Connection connect_to(const std::string& path) {
     const auto deadline = soon();
@@ -77,7 +71,7 @@ core::Result<std::shared_ptr<api_service::IPamSession>> FakePam::open_session(co
 
 ServiceTest::ServiceTest()
     : service(std::make_shared<NoPeers>(), logger, api_service::UnixEndpoint{root.path().string() + "/api"}, pam),
-      thread([this] { EXPECT_TRUE(service.run({})); }), connection(connect()) {}
+      thread([this] { EXPECT_TRUE(service.run({})); }), connection(connect_to(root.path().string() + "/api")) {}
 
 ServiceTest::~ServiceTest() {
     EXPECT_TRUE(service.stop({}));
@@ -86,23 +80,16 @@ ServiceTest::~ServiceTest() {
     thread.join();
 }
 
-client::Connection ServiceTest::connect() const {
-    return connect_to(root.path().string() + "/api");
-}
-
-std::string ServiceTest::exchange(client::Connection& connection, const std::string& frame) {
+std::string ServiceTest::exchange(const std::string& frame) {
     const auto sent = connection.send_frame(frame, soon());
     auto answer = connection.receive_frame(soon());
     EXPECT_TRUE(sent && answer) << "no answer to " << frame;
     return answer ? std::move(answer).value() : std::string();
 }
 
-std::string ServiceTest::ask(client::Connection& connection, const std::string& frame) {
-    return without_layout(exchange(connection, frame));
-}
-
 std::string ServiceTest::ask(const std::string& frame) {
-    return ask(connection, frame);
+    const core::JsonTree tree(cJSON_Parse(exchange(frame).c_str()));
+    return core::JsonText(cJSON_PrintUnformatted(tree.get())).get();
 }
 
 std::string ServiceTest::log_in(const std::string& user) {
@@ -117,6 +104,14 @@ std::vector<std::string> ServiceTest::take_log() {
     auto texts = logger->texts();
     logger->clear();
     return texts;
+}
+
+std::size_t occurrences(const std::string& whole, const std::string& text) {
+    std::size_t found = 0;
+    for (auto at = whole.find(text); at != std::string::npos; at = whole.find(text, at + 1)) {
+        ++found;
+    }
+    return found;
 }
 
 std::string access_denied(const std::string& id) {

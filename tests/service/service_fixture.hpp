@@ -30,13 +30,10 @@ protected:
     ServiceTest();
     ~ServiceTest() override;
 
-    /// A new connection.
-    [[nodiscard]] client::Connection connect() const;
     /// The answer to one frame, without its indentation.
     std::string ask(const std::string& frame);
-    static std::string ask(client::Connection& connection, const std::string& frame);
     /// The answer as it comes.
-    static std::string exchange(client::Connection& connection, const std::string& frame);
+    std::string exchange(const std::string& frame);
     /// The id of a new session.
     std::string log_in(const std::string& user);
     /// What has been logged so far; empties the log.
@@ -50,6 +47,8 @@ protected:
     client::Connection connection;
 };
 
+/// How often `text` stands in `whole`.
+std::size_t occurrences(const std::string& whole, const std::string& text);
 /// The refusal that every route gives to a caller without enough rights, in the session `id`.
 std::string access_denied(const std::string& id);
 /// The answer to a request that could not be processed.

@@ -19,24 +19,6 @@ core::Result<client::Connection> connect_to(const std::string& path) {
     return client::Connection::open(client::UnixEndpoint{path});
 }
 
-std::string failure_to_open(const Endpoint& endpoint) {
-    try {
-        const ListenerSocket listener(endpoint);
-        return "opened";
-    } catch (const std::runtime_error& error) {
-        return error.what();
-    }
-}
-
-TEST(ListenerSocket, NamesTheStepAndErrnoOfAFailure) {
-    const test::TemporaryOltRoot folder;
-    const UnixEndpoint taken{folder.path().string() + "/api"};
-    const ListenerSocket listener(taken);
-    EXPECT_EQ(failure_to_open(taken), "bind() failed: " + std::to_string(EADDRINUSE));
-    EXPECT_EQ(failure_to_open(UnixEndpoint{folder.path().string() + "/none/api"}),
-              "bind() failed: " + std::to_string(ENOENT));
-}
-
 TEST(ListenerSocket, CutsAPathThatIsTooLong) {
     const test::TemporaryOltRoot folder;
     const auto path = folder.path().string() + "/" + std::string(200, 'x');
@@ -47,17 +29,10 @@ TEST(ListenerSocket, CutsAPathThatIsTooLong) {
     EXPECT_EQ(status.st_mode & 0777U, 0777U) << "every local user may connect";
 }
 
-TEST(ListenerSocket, AcceptsWhatIsPendingOnly) {
-    const test::TemporaryOltRoot folder;
-    ListenerSocket listener(UnixEndpoint{folder.path().string() + "/api"});
-    EXPECT_FALSE(listener.accept()) << "must not wait";
-    const auto peer = connect_to(folder.path().string() + "/api").value();
-    EXPECT_GE(listener.accept().value()->get_fd(), 0);
-}
-
 TEST(ListenerSocket, AnAnswerOfTensOfMegabytesLeavesInOneSend) {
     const test::TemporaryOltRoot folder;
     ListenerSocket listener(UnixEndpoint{folder.path().string() + "/api"});
+    EXPECT_FALSE(listener.accept()) << "must not wait";
     auto peer = connect_to(folder.path().string() + "/api").value();
     const auto client = listener.accept().value();
     const std::string answer(24 * 1024 * 1024, 'a');
