@@ -1,12 +1,10 @@
 #include "cfgdb/durable_file.hpp"
 #include "cfgdb/saved_configuration.hpp"
 #include "tests/support/recording_logger.hpp"
-#include "tests/unit/platform/cfgdb/child.hpp"
+#include "tests/support/temporary_olt_root.hpp"
 #include "tests/unit/platform/cfgdb/edits.hpp"
-#include "tests/unit/platform/cfgdb/temporary_root.hpp"
 #include "xpon/cfgdb/configuration_file.hpp"
 #include "xpon/cfgdb/database_log.hpp"
-#include "xpon/cfgdb/element_functions.hpp"
 
 #include <cerrno>
 #include <fstream>
@@ -35,13 +33,11 @@ protected:
     }
 
     void run_hostname(const std::string& name) {
-        test::apply(*client_, {test::edit<GSystemHostname>(fmt::format(R"({{"hostname":"{}"}})", name))});
+        test::apply(*client_, {test::edit_hostname(name)});
         ASSERT_EQ(test::commit(*client_), "");
     }
     [[nodiscard]] std::string hostname() const {
-        GSystemHostname record{};
-        EXPECT_EQ(getRunDb_CommonGCfg_hostname(client_->handle(), &record, nullptr), 0);
-        return record.hostname;
+        return test::hostname(*client_);
     }
     void save() const {
         ASSERT_EQ(save_running_configuration(client_->handle(), save_path), 0);
@@ -57,13 +53,13 @@ protected:
     }
 
     std::shared_ptr<test::RecordingLogger> logger_ = std::make_shared<test::RecordingLogger>();
-    test::TemporaryRoot root_;
+    test::TemporaryOltRoot root_;
     std::optional<CfgDbWrapper> client_;
 };
 
 TEST_F(SavedConfiguration, RunsAfterAPowerCut) {
     const std::vector<test::Edit> edits{
-        test::edit<GSystemHostname>(R"({"hostname":"olt-7"})"),
+        test::edit_hostname("olt-7"),
         test::edit<FrontPort>(R"({"description":"\u00fcplink \"1\"","tagged_vlans":"100-102"})", 3),
         test::edit<OntTemplate>("{}", 1), // the factory has one
         test::edit_ont(16, 256, R"({"serial":[1,2,3,4,5,6,7,255,0,0],"ont_template":2})"),
@@ -78,34 +74,31 @@ TEST_F(SavedConfiguration, RunsAfterAPowerCut) {
     lose_power();
     // Each of the edits runs, so setting it again is no change.
     test::apply(*client_, edits);
-    EXPECT_EQ(test::commit(*client_), "Nothing to commit");
+    EXPECT_EQ(test::commit(*client_), test::nothing_to_commit);
     EXPECT_THAT(logger_->texts(), Contains(HasSubstr("Started with the saved configuration")));
     // The indexes know the ONT.
     test::apply(*client_, {test::edit_ont(1, 1, R"({"serial":[1,2,3,4,5,6,7,255,0,0]})")});
     EXPECT_THAT(test::commit(*client_), HasSubstr("ONT serial is already used by ONT 1/1"));
 }
 
-TEST_F(SavedConfiguration, IsLostWithoutASave) {
+TEST_F(SavedConfiguration, IsWhatWasSavedLast) {
     run_hostname("a");
     save();
     run_hostname("b");
     lose_power();
     EXPECT_EQ(hostname(), "a");
     run_hostname("c");
-    test::apply(*client_, {test::edit<GSystemHostname>(R"({"hostname":"d"})")});
+    test::apply(*client_, {test::edit_hostname("d")});
     ASSERT_EQ(restart_from_saved_configuration(client_->handle()), 0);
     EXPECT_EQ(hostname(), "a");
-    EXPECT_EQ(test::commit(*client_), "Nothing to commit");
-}
+    EXPECT_EQ(test::commit(*client_), test::nothing_to_commit);
 
-TEST_F(SavedConfiguration, FactoryStateIsACandidateLikeOthers) {
-    run_hostname("a");
-    test::apply(*client_, {test::edit_ont(1, 1, R"({"serial":[1,2,3,4,5,6,7,8,0,0]})")});
+    // Factory state is a candidate like others.
     ASSERT_EQ(set_candidate_to_factory(client_->handle()), 0);
     EXPECT_EQ(hostname(), "a");
     EXPECT_EQ(test::commit(*client_), "");
     EXPECT_EQ(hostname(), "olt");
-    EXPECT_EQ(test::commit(*client_), "Nothing to commit");
+    EXPECT_EQ(test::commit(*client_), test::nothing_to_commit);
 }
 
 std::string framed(const std::string& records) {
@@ -138,7 +131,7 @@ TEST_F(SavedConfiguration, OneThatIsDamagedGivesWayToTheOneBefore) {
     };
     for (const auto& [text, reason] : cases) {
         std::ofstream(file()) << text;
-        logger_->lines.clear();
+        logger_->clear();
         lose_power();
         EXPECT_EQ(hostname(), "a") << text;
         EXPECT_THAT(logger_->texts(), Contains(HasSubstr(reason)));
@@ -167,31 +160,6 @@ TEST_F(SavedConfiguration, StaysAsItWasWhenASaveFails) {
     EXPECT_EQ(save_running_configuration(nullptr, save_path), -1);
     lose_power();
     EXPECT_EQ(hostname(), "a");
-}
-
-TEST_F(SavedConfiguration, IsWholeWhateverMomentTheSaveIsKilledAt) {
-    client_.reset();
-    for (int round = 0; round < 30; ++round) {
-        const test::Child child([](const auto& report) {
-            CfgDbWrapper client("CHILD");
-            for (int number = 0;; ++number) {
-                test::apply(client, {test::edit<GSystemHostname>(fmt::format(R"({{"hostname":"n{}"}})", number % 7))});
-                test::commit(client);
-                save_running_configuration(client.handle(), save_path);
-                if (number == 2) {
-                    report();
-                }
-            }
-        });
-        child.wait_for_report();
-        child.kill_hard();
-        logger_->lines.clear();
-        lose_power();
-        EXPECT_EQ(hostname().front(), 'n');
-        EXPECT_THAT(logger_->texts(), testing::ElementsAre(testing::EndsWith(save_path)))
-            << "damaged in round " << round;
-        client_.reset();
-    }
 }
 
 } // namespace
