@@ -14,15 +14,14 @@ using test::Record;
 class EveryRecord : public testing::TestWithParam<cfgdb::Element> {
 protected:
     const serializer::Table& table_ = GetParam().table;
-    std::mt19937 random_{4711};
 };
 
 // The text that a client gets, sent back, makes the same record to the byte.
 TEST_P(EveryRecord, SurvivesTheWayToTheClientAndBack) {
     auto table = table_;
     table.rules = nullptr; // generated fields may contradict each other
-    for (int round = 0; round < 300; ++round) {
-        const auto data = test::generate_object(table, random_);
+    for (unsigned variant = 0; variant < 64; ++variant) {
+        const auto data = test::generate_object(table, variant);
         Record record;
         Record copy(table.size);
         ASSERT_EQ(printed(test::read(table, data.get(), record).get()), "") << printed(data.get());
@@ -53,7 +52,7 @@ TEST_P(EveryRecord, TakesTheLimitsOfItsFieldsAndNothingBeyond) {
         const std::string fault = is_number ? "out of range" : is_array ? "at most {p1} allowed" : "Text is too ";
         const auto is_refused = [&](std::int64_t size) {
             const serializer::Tree data(cJSON_CreateObject());
-            serializer::add_member(*data, field.key, test::generate_value(field, size, random_));
+            serializer::add_member(*data, field.key, test::generate_value(field, size, 0));
             Record record;
             return printed(test::read(table_, data.get(), record).get()).find(fault) != std::string::npos;
         };
