@@ -118,7 +118,6 @@ TEST_F(Candidate, GivesAllFrontPortsByTheirNumbers) {
     std::memset(ports, 'x', sizeof(ports));
     ASSERT_EQ(getRunDbArray_ZebGCfg_switch_config_front_port(client_.handle(), ports), 0);
     EXPECT_EQ(ports[0].max_frame_size, 0);
-    EXPECT_EQ(ports[1].max_frame_size, 2000);
     EXPECT_EQ(ports[16].max_frame_size, 9000);
 }
 

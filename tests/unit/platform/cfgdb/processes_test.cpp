@@ -3,20 +3,52 @@
 #include "cfgdb/transaction.hpp"
 #include "tests/support/recording_logger.hpp"
 #include "tests/support/temporary_olt_root.hpp"
-#include "tests/unit/platform/cfgdb/child.hpp"
 #include "tests/unit/platform/cfgdb/edits.hpp"
 #include "xpon/cfgdb/configuration_file.hpp"
 #include "xpon/cfgdb/database_log.hpp"
 
+#include <csignal>
 #include <filesystem>
+
+#include <sys/wait.h>
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 namespace xpon::cfgdb {
 namespace {
 
-using test::Child;
+/// A child process that runs `work`, which says with `report` how far it is; killed with the object.
+class Child {
+public:
+    template <class Work>
+    explicit Child(const Work& work) {
+        EXPECT_EQ(pipe(ends_), 0);
+        process_ = fork();
+        if (process_ == 0) {
+            work([this] { EXPECT_EQ(write(ends_[1], "x", 1), 1); });
+            _exit(0);
+        }
+        close(ends_[1]);
+    }
+    Child(const Child&) = delete;
+    Child& operator=(const Child&) = delete;
+    ~Child() {
+        kill(process_, SIGKILL);
+        waitpid(process_, nullptr, 0);
+        close(ends_[0]);
+    }
+
+    void wait_for_report() const {
+        char byte = 0;
+        EXPECT_EQ(read(ends_[0], &byte, 1), 1);
+    }
+
+private:
+    int ends_[2]{};
+    pid_t process_ = -1;
+};
 
 class Processes : public testing::Test {
 protected:
@@ -46,7 +78,6 @@ TEST_F(Processes, FillANewDatabaseOnceAndShareTheCandidate) {
         }
         for (const auto& child : children) {
             child->wait_for_report();
-            child->wait_for_end();
         }
         const CfgDbWrapper client("PARENT");
         for (std::uint16_t index = 0; index < 4; ++index) {
@@ -68,7 +99,7 @@ void expect_one_commit(const CfgDbWrapper& client) {
 TEST_F(Processes, LeaveAConsistentDatabaseAndFileWhenKilled) {
     const test::TemporaryOltRoot root;
     for (unsigned round = 1; round <= 40; ++round) {
-        const Child child([round](const auto& report) {
+        auto child = std::make_unique<Child>([round](const auto& report) {
             CfgDbWrapper client("CHILD");
             for (unsigned number = 1;; ++number) {
                 for (unsigned ont = 1; ont <= 64; ++ont) {
@@ -86,8 +117,8 @@ TEST_F(Processes, LeaveAConsistentDatabaseAndFileWhenKilled) {
                 save_running_configuration(client.handle(), "/configuration/save-config");
             }
         });
-        child.wait_for_report();
-        child.kill_hard();
+        child->wait_for_report();
+        child.reset();
         {
             CfgDbWrapper client("PARENT");
             expect_one_commit(client);

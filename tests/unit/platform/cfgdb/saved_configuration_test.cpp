@@ -45,15 +45,14 @@ protected:
     /// What is left of the OLT after the power was off.
     void lose_power() {
         client_.reset();
+        logger_->clear();
         std::filesystem::remove_all(root_.path() / "run");
         client_.emplace("TEST");
-    }
-    [[nodiscard]] std::string file() const {
-        return root_.path().string() + save_path;
     }
 
     std::shared_ptr<test::RecordingLogger> logger_ = std::make_shared<test::RecordingLogger>();
     test::TemporaryOltRoot root_;
+    const std::string file_ = root_.path().string() + save_path;
     std::optional<CfgDbWrapper> client_;
 };
 
@@ -67,7 +66,7 @@ TEST_F(SavedConfiguration, RunsAfterAPowerCut) {
     test::apply(*client_, edits);
     ASSERT_EQ(test::commit(*client_), "");
     save();
-    EXPECT_THAT(read_file(file()),
+    EXPECT_THAT(read_file(file_),
                 testing::AllOf(testing::StartsWith(R"({"format":"olt-config","version":1,"crc32":)"),
                                HasSubstr(R"("ZebGCfg_pon_ont":{"4096":{"serial":[1,2,3)"),
                                HasSubstr(R"("ZebGCfg_pon_ont_ont_common_service":{"4096.8":{"mode":"off")")));
@@ -88,7 +87,7 @@ TEST_F(SavedConfiguration, IsWhatWasSavedLast) {
     lose_power();
     EXPECT_EQ(hostname(), "a");
     run_hostname("c");
-    test::apply(*client_, {test::edit_hostname("d")});
+    test::apply(*client_, {test::edit_ont(1, 1, R"({"description":"d"})")});
     ASSERT_EQ(restart_from_saved_configuration(client_->handle()), 0);
     EXPECT_EQ(hostname(), "a");
     EXPECT_EQ(test::commit(*client_), test::nothing_to_commit);
@@ -112,37 +111,34 @@ TEST_F(SavedConfiguration, OneThatIsDamagedGivesWayToTheOneBefore) {
     save();
     run_hostname("b");
     save();
-    const auto good = read_file(file());
+    const auto good = read_file(file_);
     auto flipped = good;
     flipped[flipped.find("\"b\"") + 1] = 'x';
-    const std::vector<std::pair<std::string, std::string>> cases{
-        {"", "no JSON"},
+    const std::pair<std::string, std::string> cases[] = {
         {good.substr(0, good.size() / 2), "no JSON"},
         {flipped, "checksum is wrong"},
         {"[]", "no saved configuration"},
         {R"({"format":"olt-config","version":2})", "version"},
         {framed(R"({"x":{}})"), "element x is unknown"},
         {framed(R"({"ZebGCfg_pon_ont":{"4097":{}}})"), "has no record 4097"},
-        {framed(R"({"ZebGCfg_pon_ont":{"1.1":{}}})"), "has no record 1.1"},
         {framed(R"({"ZebGCfg_pon_ont":[]})"), "is no object"},
         {framed(R"({"CommonGCfg_hostname":{"hostname":"b-"}})"), "Character not allowed"},
         {framed(R"({"CommonGCfg_hostname":{"hostname":"c"},"CommonGCfg_system_oob":{"enabled":false}})"),
          "No management interface is enabled"},
     };
     for (const auto& [text, reason] : cases) {
-        std::ofstream(file()) << text;
-        logger_->clear();
+        root_.write(save_path + 1, text);
         lose_power();
         EXPECT_EQ(hostname(), "a") << text;
         EXPECT_THAT(logger_->texts(), Contains(HasSubstr(reason)));
     }
-    std::ofstream(previous_file(file())) << "damaged";
+    std::ofstream(previous_file(file_)) << "damaged";
     lose_power();
     EXPECT_EQ(hostname(), "olt");
     EXPECT_THAT(logger_->texts(), Contains("Started with the factory configuration"));
     // Between the two renames of a save there may be no main file, but there is always a good one.
-    std::filesystem::remove(file());
-    std::ofstream(previous_file(file())) << good;
+    std::filesystem::remove(file_);
+    std::ofstream(previous_file(file_)) << good;
     lose_power();
     EXPECT_EQ(hostname(), "b");
     EXPECT_TRUE(configuration_exists());
@@ -152,8 +148,7 @@ TEST_F(SavedConfiguration, StaysAsItWasWhenASaveFails) {
     run_hostname("a");
     save();
     run_hostname("b");
-    std::filesystem::create_directory(file() + ".new"); // in the way
-    errno = 0;
+    std::filesystem::create_directory(file_ + ".new"); // in the way
     EXPECT_EQ(save_running_configuration(client_->handle(), save_path), -1);
     EXPECT_EQ(errno, EISDIR);
     EXPECT_EQ(save_running_configuration(client_->handle(), nullptr), -1);
