@@ -36,8 +36,9 @@ std::string dba_json(int fixed_kbps, const std::string& more = "") {
         more);
 }
 
-/// The edits, and all front ports but the third as the JSON says; that one is disabled.
-std::vector<Edit> with_front_ports(std::vector<Edit> edits, const std::string& json) {
+/// All front ports as the JSON says, but the third, which is disabled.
+std::vector<Edit> edit_front_ports(const std::string& json) {
+    std::vector<Edit> edits;
     for (unsigned port = 1; port <= 16; ++port) {
         edits.push_back(edit<FrontPort>(port == 3 ? R"({"enabled":false})" : json, port));
     }
@@ -60,10 +61,12 @@ const Case cases[] = {
       edit_ont(3, 18, ont_json(1))},
      "ZebGCfg.pon.ont.service.3.17.2: VLAN 100 is the management VLAN (and 2 more)",
      {edit<Management>(in_band)}},
-    {with_front_ports({edit_ont(1, 1, ont_json(1, bridged))}, R"({"tagged_vlans":"101-4094"})"),
-     profiles + "cross_connect.1: VLAN 100 is on no enabled front port"},
-    {with_front_ports({edit<Management>(in_band)}, R"({"tagged_vlans":""})"),
-     "CommonGCfg.management: VLAN 100 is on no enabled front port"},
+    {edit_front_ports(R"({"tagged_vlans":"101-4094"})"),
+     profiles + "cross_connect.1: VLAN 100 is on no enabled front port",
+     {edit_ont(1, 1, ont_json(1, bridged))}},
+    {edit_front_ports(R"({"tagged_vlans":""})"),
+     "CommonGCfg.management: VLAN 100 is on no enabled front port",
+     {edit<Management>(in_band)}},
     {{edit<PortChannel>(R"({"enabled":true,"members":[2,3]})", 1)},
      "ZebGCfg.switch_config.port_channel.2: Front port 2 is already in port channel 1",
      {edit<PortChannel>(R"({"enabled":true,"members":[1,2]})", 2)}},

@@ -3,6 +3,7 @@
 #include "serializer/ipv4_text.hpp"
 #include "xpon/obfuscation/obfuscation.h"
 
+#include <array>
 #include <string>
 
 #include <fmt/format.h>
@@ -27,12 +28,6 @@ std::int64_t size_within(const Field& field, unsigned variant) {
     return sizes[variant % 3];
 }
 
-Tree generate_secret(const std::string& plain) {
-    std::string form(calculate_valid_size(plain.c_str()), '\0');
-    text_obfuscate(plain.c_str(), form.data());
-    return owned(cJSON_CreateString(form.c_str()));
-}
-
 Tree generate_elements(const Field& field, std::int64_t count, unsigned variant) {
     auto array = owned(cJSON_CreateArray());
     for (; count > 0; --count, ++variant) {
@@ -47,6 +42,7 @@ Tree generate_elements(const Field& field, std::int64_t count, unsigned variant)
 
 Tree generate_value(const Field& field, std::int64_t size, unsigned variant) {
     const auto letters = [&] { return std::string(static_cast<std::size_t>(size), 'a'); };
+    std::array<char, 256> form{};
     switch (field.kind) {
     case Kind::boolean:
         return owned(cJSON_CreateBool(static_cast<int>(variant % 2)));
@@ -55,19 +51,16 @@ Tree generate_value(const Field& field, std::int64_t size, unsigned variant) {
     case Kind::text:
         return owned(cJSON_CreateString(letters().c_str()));
     case Kind::secret:
-        return generate_secret(letters());
+        text_obfuscate(letters().c_str(), form.data());
+        return owned(cJSON_CreateString(form.data()));
     case Kind::ipv4:
         return owned(cJSON_CreateString(serializer::format_ipv4(static_cast<std::uint32_t>(size)).c_str()));
-    case Kind::mac:
-        return owned(cJSON_CreateString("02:00:5E:00:7F:0A"));
     case Kind::serial:
         return Tree(cJSON_Parse(fmt::format("[83,73,77,85,255,0,128,{},0,0]", variant % 256).c_str()));
     case Kind::port_set:
         return Tree(cJSON_Parse(variant % 2 == 0 ? "[]" : fmt::format("[{},1]", field.max).c_str()));
     case Kind::vlan_set:
         return owned(cJSON_CreateString(variant % 2 == 0 ? "" : "4094,7,5-6,1"));
-    case Kind::object:
-        return generate_object(*field.child, variant);
     case Kind::array:
     case Kind::list:
         return generate_elements(field, size, variant);
