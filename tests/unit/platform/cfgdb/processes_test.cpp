@@ -2,155 +2,164 @@
 #include "cfgdb/keys.hpp"
 #include "cfgdb/transaction.hpp"
 #include "tests/support/recording_logger.hpp"
-#include "tests/unit/platform/cfgdb/child.hpp"
-#include "tests/unit/platform/cfgdb/temporary_root.hpp"
-#include "xpon/cfgdb/cfgdb_wrapper.hpp"
+#include "tests/support/temporary_olt_root.hpp"
+#include "tests/unit/platform/cfgdb/edits.hpp"
+#include "xpon/cfgdb/configuration_file.hpp"
 #include "xpon/cfgdb/database_log.hpp"
-#include "xpon/cfgdb/element_functions.hpp"
 
-#include <cstring>
-#include <string>
-#include <vector>
+#include <csignal>
+#include <filesystem>
 
 #include <sys/wait.h>
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 namespace xpon::cfgdb {
 namespace {
 
-using test::Child;
+/// A child process that runs `work`, which says with `report` how far it is; killed with the object.
+class Child {
+public:
+    template <class Work>
+    explicit Child(const Work& work) {
+        EXPECT_EQ(pipe(ends_), 0);
+        process_ = fork();
+        if (process_ == 0) {
+            work([this] { EXPECT_EQ(write(ends_[1], "x", 1), 1); });
+            _exit(0);
+        }
+        close(ends_[1]);
+    }
+    Child(const Child&) = delete;
+    Child& operator=(const Child&) = delete;
+    ~Child() {
+        kill(process_, SIGKILL);
+        waitpid(process_, nullptr, 0);
+        close(ends_[0]);
+    }
 
-GSystemHostname make_hostname(const std::string& name) {
-    GSystemHostname record{};
-    std::memcpy(record.hostname, name.c_str(), name.size());
-    return record;
-}
+    void wait_for_report() const {
+        char byte = 0;
+        EXPECT_EQ(read(ends_[0], &byte, 1), 1);
+    }
 
-TEST(Processes, ShareTheCandidate) {
-    const test::TemporaryRoot root;
-    const Child child([](const auto& report) {
-        const CfgDbWrapper client("CHILD");
-        const auto record = make_hostname("from-child");
-        setDb_CommonGCfg_hostname(client.handle(), 0, &record, nullptr);
-        report();
-    });
-    child.wait_for_report();
-    child.wait_for_end();
-    CfgDbWrapper client("PARENT");
-    GSystemHostname seen{};
-    ASSERT_EQ(getDb_CommonGCfg_hostname(client.handle(), 0, &seen, nullptr), 0);
-    EXPECT_STREQ(seen.hostname, "from-child");
-    EXPECT_TRUE(client.commit(nullptr).has_value());
-}
+private:
+    int ends_[2]{};
+    pid_t process_ = -1;
+};
+
+class Processes : public testing::Test {
+protected:
+    Processes() {
+        set_database_log(logger_);
+    }
+    ~Processes() override {
+        set_database_log(nullptr);
+    }
+
+    std::shared_ptr<test::RecordingLogger> logger_ = std::make_shared<test::RecordingLogger>();
+};
 
 // Several processes start on an empty folder at once; every one finds the users and can write.
-TEST(Processes, FillANewDatabaseOnce) {
+TEST_F(Processes, FillANewDatabaseOnceAndShareTheCandidate) {
     for (int round = 0; round < 20; ++round) {
-        const test::TemporaryRoot root;
+        const test::TemporaryOltRoot root;
         std::vector<std::unique_ptr<Child>> children;
-        for (unsigned short i = 0; i < 4; ++i) {
-            children.push_back(std::make_unique<Child>([i](const auto& report) {
+        for (unsigned number = 1; number <= 4; ++number) {
+            children.push_back(std::make_unique<Child>([number](const auto& report) {
                 const CfgDbWrapper client("CHILD");
-                PonOnt record{};
-                record.serial = 1U + i;
-                if (client.find_user_by_username("viewer").has_value() &&
-                    setDb_ZebGCfg_pon_ont(client.handle(), 0, &record, &i) == 0) {
+                test::apply(client, {test::edit_ont(1, number, fmt::format(R"({{"description":"{}"}})", number))});
+                if (client.find_user_by_username("viewer").has_value()) {
                     report();
                 }
             }));
         }
         for (const auto& child : children) {
             child->wait_for_report();
-            child->wait_for_end();
         }
         const CfgDbWrapper client("PARENT");
-        for (unsigned short i = 0; i < children.size(); ++i) {
-            PonOnt record{};
-            ASSERT_EQ(getDb_ZebGCfg_pon_ont(client.handle(), 0, &record, &i), 0);
-            EXPECT_EQ(record.serial, 1U + i);
+        for (std::uint16_t index = 0; index < 4; ++index) {
+            EXPECT_EQ(test::stored<PonOnt>(client, Store::candidate, {index}).description, std::to_string(index + 1));
         }
     }
 }
 
-// A commit of a killed process has happened or has not: both records run the same number.
-TEST(Processes, LeaveAConsistentDatabaseWhenKilled) {
-    const test::TemporaryRoot root;
-    for (unsigned round = 1; round <= 30; ++round) {
-        const Child child([](const auto& report) {
+/// Whether the 64 ONTs are of one commit.
+void expect_one_commit(const CfgDbWrapper& client) {
+    const std::string first = test::stored<PonOnt>(client, Store::running).description;
+    EXPECT_NE(first, "");
+    for (std::uint16_t index = 1; index < 64; ++index) {
+        ASSERT_EQ(test::stored<PonOnt>(client, Store::running, {index}).description, first) << index;
+    }
+}
+
+// A commit of a killed process has happened or has not, and the saved file is a whole one.
+TEST_F(Processes, LeaveAConsistentDatabaseAndFileWhenKilled) {
+    const test::TemporaryOltRoot root;
+    for (unsigned round = 1; round <= 40; ++round) {
+        auto child = std::make_unique<Child>([round](const auto& report) {
             CfgDbWrapper client("CHILD");
-            for (std::uint16_t number = 1;; ++number) {
-                PonOnt record{};
-                for (unsigned short index = 0; index < 64; ++index) {
-                    record.serial = std::uint64_t{number} << 32U | index;
-                    setDb_ZebGCfg_pon_ont(client.handle(), 0, &record, &index);
+            for (unsigned number = 1;; ++number) {
+                for (unsigned ont = 1; ont <= 64; ++ont) {
+                    const auto description = fmt::format(R"({{"description":"{}/{}"}})", round, number);
+                    test::apply(client, {test::edit_ont(1, ont, description)});
                 }
-                if (client.commit(nullptr).has_value() && number == 3) {
+                // The kill comes in a commit or in a save.
+                if (number == 3 && round % 2 == 0) {
                     report();
                 }
+                test::commit(client);
+                if (number == 3 && round % 2 == 1) {
+                    report();
+                }
+                save_running_configuration(client.handle(), "/configuration/save-config");
             }
         });
-        child.wait_for_report();
-        child.kill_hard();
-
-        CfgDbWrapper client("PARENT");
-        PonOnt first{};
-        for (unsigned short index = 0; index < 64; ++index) {
-            PonOnt record{};
-            ASSERT_EQ(getRunDb_ZebGCfg_pon_ont(client.handle(), &record, &index), 0);
-            first = index == 0 ? record : first;
-            ASSERT_EQ(record.serial >> 32U, first.serial >> 32U) << "round " << round;
-            ASSERT_EQ(record.serial & 0xFFFFU, index);
+        child->wait_for_report();
+        child.reset();
+        {
+            CfgDbWrapper client("PARENT");
+            expect_one_commit(client);
+            ASSERT_TRUE(client.rollback().has_value());
+            test::apply(client, {test::edit_hostname(fmt::format("olt-{}", round))});
+            ASSERT_EQ(test::commit(client), "");
         }
-        ASSERT_TRUE(client.rollback().has_value());
-        const auto name = make_hostname("olt-" + std::to_string(round));
-        ASSERT_EQ(setDb_CommonGCfg_hostname(client.handle(), 0, &name, nullptr), 0);
-        ASSERT_TRUE(client.commit(nullptr).has_value());
+        std::filesystem::remove_all(root.path() / "run");
+        logger_->clear();
+        expect_one_commit(CfgDbWrapper("AFTER POWER CUT"));
+        EXPECT_THAT(logger_->texts(), testing::ElementsAre(testing::EndsWith("/configuration/save-config")))
+            << "damaged in round " << round;
     }
 }
 
-TEST(Processes, ReadRecordsOfAnotherVersionAsFactoryState) {
-    const test::TemporaryRoot root;
-    const auto logger = std::make_shared<test::RecordingLogger>();
-    const auto store_foreign_record = [&](bool has_other_mark) {
-        const Environment environment(root.path() / "run/cfgdb");
-        WriteTransaction transaction(environment);
-        const std::vector<std::byte> foreign(72, std::byte{0x41});
-        transaction.put(record_key(Store::running, {ElementId::CommonGCfg_hostname, {}}), foreign);
-        if (has_other_mark) {
-            transaction.put(Key(Store::meta).add("filled"), foreign);
-        }
-        transaction.commit();
-    };
-    // Another version may run beside this one, or may have run before it.
+// Another version may run beside this one, or may have run before it.
+TEST_F(Processes, ReadRecordsOfAnotherVersionAsFactoryState) {
+    const test::TemporaryOltRoot root;
     for (const bool has_other_mark : {false, true}) {
+        const auto ont = R"({"serial":[1,1,1,1,1,1,1,1,0,0]})";
         {
             CfgDbWrapper client("TEST");
-            PonOnt ont{};
-            ont.serial = 77;
-            const unsigned short index = 5;
-            ASSERT_EQ(setDb_ZebGCfg_pon_ont(client.handle(), 0, &ont, &index), 0);
-            EXPECT_EQ(client.commit(nullptr).has_value(), !has_other_mark);
+            test::apply(client, {test::edit_ont(1, 5, ont)});
+            EXPECT_EQ(test::commit(client), has_other_mark ? test::nothing_to_commit : "");
+            WriteTransaction transaction(test::database_of(client).environment());
+            const std::vector<std::byte> foreign(72, std::byte{0x41});
+            transaction.put(record_key(Store::running, {element_of<GSystemHostname>, {}}), foreign);
+            if (has_other_mark) {
+                transaction.put(Key(Store::meta).add("filled"), foreign);
+            }
+            transaction.commit();
         }
-        store_foreign_record(has_other_mark);
-        set_database_log(logger);
         CfgDbWrapper client("TEST");
-        auto record = make_hostname("");
-        ASSERT_EQ(getRunDb_CommonGCfg_hostname(client.handle(), &record, nullptr), 0);
-        EXPECT_STREQ(record.hostname, "olt");
-        PonOnt ont{};
-        ont.serial = 77;
-        const unsigned short other_index = 4;
-        ASSERT_EQ(setDb_ZebGCfg_pon_ont(client.handle(), 0, &ont, &other_index), 0);
+        EXPECT_EQ(test::hostname(client), "olt");
         // The index of serials knows the ONT that was there before.
-        EXPECT_FALSE(client.commit(nullptr).has_value());
+        test::apply(client, {test::edit_ont(1, 4, ont)});
+        EXPECT_THAT(test::commit(client), testing::HasSubstr("already used"));
         ASSERT_TRUE(client.rollback().has_value());
-        set_database_log(nullptr);
     }
-    EXPECT_THAT(logger->texts(),
-                testing::ElementsAre(testing::HasSubstr("Records of CommonGCfg_hostname were stored by another")));
+    EXPECT_THAT(logger_->texts(),
+                testing::Contains(testing::HasSubstr("Records of CommonGCfg_hostname were stored by another")));
 }
 
 } // namespace

@@ -1,12 +1,8 @@
-#include "cfgdb/element.hpp"
-#include "serializer/record_json.hpp"
+#include "tests/unit/platform/serializer/json_records.hpp"
 #include "tests/unit/platform/serializer/record_generator.hpp"
 
 #include <cerrno>
 #include <cstdlib>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 namespace xpon {
 namespace {
@@ -60,32 +56,24 @@ void with_every_failure(const Step& step) {
 
 TEST(OutOfMemory, EndsASerialiserWithoutALeak) {
     for (const auto& element : cfgdb::all_elements()) {
-        std::mt19937 random(1);
-        const auto data = test::generate_object(element.table, random);
-        std::vector<std::byte> record(element.table.size);
-        cJSON* errors = nullptr;
-        ASSERT_EQ(serializer::deserialize_record(element.table, data.get(), record.data(), &errors), 0);
-        cJSON_Delete(errors);
+        test::Record record;
+        test::read(element.table, test::generate_object(element.table, 1).get(), record);
         with_every_failure([&] {
-            cJSON* found = nullptr;
-            auto* target = cJSON_CreateObject();
-            const int status = target == nullptr
-                                   ? (errno = ENOMEM, -1)
-                                   : serializer::serialize_record(element.table, record.data(), target, &found);
-            EXPECT_EQ(found, nullptr);
-            cJSON_Delete(target);
-            return status;
+            cJSON* errors = nullptr;
+            const serializer::Tree target(cJSON_CreateObject());
+            return target ? serializer::serialize_record(element.table, record.data(), target.get(), &errors)
+                          : (errno = ENOMEM, -1);
         });
     }
 }
 
 TEST(OutOfMemory, EndsADeserialiserWithErrorsWithoutALeak) {
     const serializer::Tree data(cJSON_Parse(R"({"enabled":3,"servers":[{"address":"a b"}],"x":1,"x":2})"));
-    const auto& table = cfgdb::element(cfgdb::ElementId::CommonGCfg_system_ntp).table;
     with_every_failure([&] {
         cfgdb::NtpConfig record{};
         cJSON* errors = nullptr;
-        const int status = serializer::deserialize_record(table, data.get(), &record, &errors);
+        const int status =
+            serializer::deserialize_record(test::table_of<cfgdb::NtpConfig>(), data.get(), &record, &errors);
         EXPECT_EQ(errors != nullptr, status == 0);
         cJSON_Delete(errors);
         return status;
