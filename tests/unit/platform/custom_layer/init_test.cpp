@@ -30,12 +30,6 @@ protected:
     test::TemporaryOltRoot root;
 };
 
-TEST_F(CustomLayerInitTest, NeedsACategory) {
-    errno = 0;
-    EXPECT_EQ(custom_layer__init(nullptr), -1);
-    EXPECT_EQ(errno, EINVAL);
-}
-
 TEST_F(CustomLayerInitTest, EveryCycleOpensTheDatabaseThatIsThere) {
     EXPECT_EQ(cycle(), 0);
     EXPECT_TRUE(cfgdb::configuration_exists());

@@ -43,9 +43,7 @@ protected:
 };
 
 TEST_F(OwnConnectionTest, ADaemonThatIsAwayCostsLittleAndIsFoundWhenItComes) {
-    const auto begin = Clock::now();
     EXPECT_EQ(reconfigure(), ECONNREFUSED);
-    EXPECT_LT(Clock::now() - begin, 2s);
     const auto known_to_be_away = Clock::now();
     for (int call = 0; call < 20; ++call) {
         EXPECT_EQ(reconfigure(), ECONNREFUSED);
@@ -56,14 +54,6 @@ TEST_F(OwnConnectionTest, ADaemonThatIsAwayCostsLittleAndIsFoundWhenItComes) {
         EXPECT_TRUE(eventually([] { return reconfigure() == 0; }));
     }
     EXPECT_THAT(reconfigure(), AnyOf(ECONNREFUSED, ECONNRESET));
-}
-
-TEST_F(OwnConnectionTest, ADaemonThatIsSilentCostsOneDeadline) {
-    const PeerThread manager(ipc::peer,
-                             [](const ipc::ServerRequest&) { return ipc::ServerAnswer{0, {}, std::chrono::hours(1)}; });
-    const auto begin = Clock::now();
-    EXPECT_EQ(reconfigure(), ETIMEDOUT);
-    EXPECT_LT(Clock::now() - begin, 6s);
 }
 
 TEST_F(OwnConnectionTest, AnInitialisationConnectsAnew) {
