@@ -28,21 +28,18 @@ TEST(Passwords, StayOutOfEveryLog) {
     Olt olt;
     const auto logging = olt.root() / "etc/zlog_modules_config/API-SERVICE.conf";
     auto rules = read_file(logging);
-    ASSERT_NE(rules.find(".INFO "), std::string::npos);
     rules.replace(rules.find(".INFO "), 6, ".DEBUG ");
     std::ofstream(logging) << rules;
     const std::string right = "Right-pass-1f7c";
     const std::string wrong = "Wrong-pass-93ab";
     std::ofstream(olt.root() / "etc/demo_users") << "admin:" << right << ":api_service\n";
     olt.start();
-    {
-        auto client = Olt::connect();
-        EXPECT_TRUE(logs_in(client, "admin", right));
-        EXPECT_FALSE(logs_in(client, "admin", wrong));
-        // A request that cannot be read must not be quoted either.
-        ask(client, R"({"path":"auth","method":"auth","data":{"user":"admin","password":[")" + wrong + R"("]}})");
-        ask(client, R"({"path":"auth","method":"auth","data":{"user":"admin","password":")" + wrong);
-    }
+    auto client = Olt::connect();
+    EXPECT_TRUE(logs_in(client, "admin", right));
+    EXPECT_FALSE(logs_in(client, "admin", wrong));
+    // A request that cannot be read must not be quoted either.
+    ask(client, R"({"path":"auth","method":"auth","data":{"user":"admin","password":[")" + wrong + R"("]}})");
+    ask(client, R"({"path":"auth","method":"auth","data":{"user":"admin","password":")" + wrong);
     olt.daemon().send_signal(SIGTERM);
     ASSERT_EQ(olt.daemon().wait(), 0);
 

@@ -9,6 +9,7 @@
 namespace xpon {
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -49,11 +50,9 @@ TEST_F(BoardTest, AnswersFromTheFileWhicheverLibrariesAreBeside) {
 }
 
 TEST_F(BoardTest, WithoutTheFileTheDeviceIsMissing) {
-    EXPECT_EQ(run(BOARD_READER, BOARD_LIBRARY),
-              "open: No such file or directory\nopen for writing: No such file or directory\n"
-              "open64: No such file or directory\nopenat: No such file or directory\n"
-              "dup: Bad file descriptor\n" +
-                  std::string(elsewhere));
+    EXPECT_THAT(run(BOARD_READER, BOARD_LIBRARY),
+                AllOf(StartsWith("open: No such file or directory\nopen for writing: No such file or directory\n"),
+                      HasSubstr(elsewhere)));
 }
 
 TEST_F(BoardTest, ADamagedFileMakesTheRequestsFail) {

@@ -282,7 +282,6 @@ TEST_F(PeerCallsTest, AskForTheCountersOfOneOnt) {
 
 TEST(StateTexts, AreThereForEveryValue) {
     EXPECT_STREQ(ont_state_to_str(ont_operational), "OPERATIONAL");
-    EXPECT_STREQ(ont_state_to_str(ont_disabled), "DISABLED");
     EXPECT_STREQ(channel_state_to_str(pon_channel_fault), "FAULT");
     EXPECT_STREQ(Pon_port_type_to_str(pon_xgs_pon), "XGS-PON");
     for (unsigned value = 0; value < 256; ++value) {
@@ -295,7 +294,6 @@ TEST(OntIdentity, BytesAndIndex) {
     std::uint8_t bytes[10];
     unsigned_long_serial_to_bin(0x53494d55'a0030011U, bytes);
     EXPECT_THAT(bytes, testing::ElementsAre(83, 73, 77, 85, 160, 3, 0, 17, 0, 0));
-    EXPECT_EQ(get_ont_config_index(0, 0), 0);
     EXPECT_EQ(get_ont_config_index(15, 255), 4095);
     EXPECT_EQ(get_ont_config_index(16, 0), 65535);
     EXPECT_EQ(get_ont_config_index(0, 256), 65535);
