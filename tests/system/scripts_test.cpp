@@ -64,19 +64,6 @@ TEST_F(RunScript, LeavesNoProcessBehindHoweverItEnds) {
     }
 }
 
-TEST_F(RunScript, OutlivesTheSimulatorAndStopsTheOneThatTakesItsPlace) {
-    auto script = run(folder_.path());
-    ASSERT_TRUE(script.wait_for_line(is_ready)) << script.output();
-    kill(pid_from("olt_simulator.pid"), SIGKILL);
-    ASSERT_TRUE(eventually([&] { return script.output().find("goes on without its peers") != std::string::npos; }));
-    Process replacement({OLT_SIMULATOR}, {{"OLT_ROOT", folder_.path()}});
-    ASSERT_TRUE(replacement.wait_for_line("olt_simulator is ready")) << replacement.output();
-
-    script.send_signal(SIGTERM);
-    EXPECT_EQ(script.wait(), 0) << script.output();
-    EXPECT_EQ(replacement.wait(), 0);
-}
-
 TEST_F(RunScript, SignalWhileStartingEndsItToo) {
     for (const auto* file : {"notify", "olt_simulator.pid", "api_service.pid"}) {
         auto script = run(folder_.path());

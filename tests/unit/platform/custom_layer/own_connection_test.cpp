@@ -4,8 +4,9 @@
 
 #include <cerrno>
 #include <chrono>
+#include <memory>
 #include <optional>
-#include <vector>
+#include <thread>
 
 namespace xpon {
 namespace {
@@ -15,7 +16,6 @@ using ipc::Operation;
 using ipc::PeerThread;
 using test::eventually;
 using testing::AnyOf;
-using testing::ElementsAre;
 using Clock = std::chrono::steady_clock;
 
 /// The calls that get no handle. The system manager is a thread of this process.
@@ -31,9 +31,6 @@ protected:
     static int reconfigure() {
         return errno_of(custom_layer__reconfigure_olt());
     }
-    static PeerThread::Answer answers(int status) {
-        return [status](const ipc::ServerRequest&) { return ipc::ServerAnswer{status, {}, {}}; };
-    }
 
     test::TemporaryOltRoot root;
     std::shared_ptr<test::RecordingLogger> logger = std::make_shared<test::RecordingLogger>();
@@ -47,29 +44,10 @@ TEST_F(OwnConnectionTest, ADaemonThatIsAwayCostsLittleAndIsFoundWhenItComes) {
     }
     EXPECT_LT(Clock::now() - known_to_be_away, 1s);
     for (int life = 0; life < 2; ++life) {
-        const PeerThread manager(ipc::peer, answers(0));
+        const PeerThread manager;
         EXPECT_TRUE(eventually([] { return reconfigure() == 0; }));
     }
     EXPECT_THAT(reconfigure(), AnyOf(ECONNREFUSED, ECONNRESET));
-}
-
-TEST_F(OwnConnectionTest, AnUpdateWaitsForItsEndAndPassesItOn) {
-    int status_questions = 0;
-    const PeerThread manager(ipc::peer, [&](const ipc::ServerRequest& request) -> ipc::ServerAnswer {
-        if (static_cast<Operation>(request.operation) == Operation::update_firmware) {
-            return {};
-        }
-        EXPECT_EQ(static_cast<Operation>(request.operation), Operation::get_firmware_update_status);
-        return {++status_questions < 5 ? EBUSY : ENOSPC, {}, {}};
-    });
-    EXPECT_EQ(errno_of(custom_layer__update_firmware("/firmware/new 1.img")), ENOSPC);
-    EXPECT_THAT(manager.requests(), ElementsAre("/firmware/new 1.img", "", "", "", "", ""));
-}
-
-TEST_F(OwnConnectionTest, AnUpdateThatIsRefusedDoesNotWaitForAnotherOne) {
-    const PeerThread manager(ipc::peer, answers(EBUSY));
-    EXPECT_EQ(errno_of(custom_layer__update_firmware("x")), EBUSY);
-    EXPECT_THAT(manager.requests(), ElementsAre("x"));
 }
 
 TEST_F(OwnConnectionTest, AnUpdateEndsWithItsDaemon) {

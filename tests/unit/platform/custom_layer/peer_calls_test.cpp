@@ -34,6 +34,7 @@ struct AnyPeer : public Ipc {
     std::vector<std::byte> question;
 };
 
+/// A call to a peer, made with an output of its own.
 struct Call {
     const char* name;
     std::function<int(Ipc*)> run;
