@@ -19,7 +19,6 @@ namespace {
 struct AnyPeer : public Ipc {
     Reply request(ipc::Address peer, ipc::Operation operation, std::span<const std::byte> payload,
                   std::chrono::milliseconds) override {
-        asked = peer;
         EXPECT_EQ(ipc::owner_of(operation), peer);
         question.assign(payload.begin(), payload.end());
         return reply;
@@ -30,7 +29,6 @@ struct AnyPeer : public Ipc {
     void notify_all(ipc::Operation, std::span<const std::byte>) override {}
 
     Reply reply;
-    ipc::Address asked;
     std::vector<std::byte> question;
 };
 
