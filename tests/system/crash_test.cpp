@@ -1,9 +1,7 @@
 #include "tests/system/olt.hpp"
 
-#include <chrono>
 #include <csignal>
 #include <filesystem>
-#include <optional>
 #include <random>
 #include <set>
 #include <string>
@@ -16,23 +14,7 @@
 namespace xpon::test {
 namespace {
 
-using namespace std::chrono_literals;
-
 constexpr int rounds = WITH_SANITIZERS ? 20 : 100;
-
-/// Kills a process some time after it was made, unless it is destroyed before.
-class KillAfter {
-public:
-    KillAfter(Process& victim, std::chrono::microseconds delay)
-        : thread_([&victim, delay] {
-              const timespec moment{.tv_sec = 0, .tv_nsec = delay.count() * 1000};
-              ::ppoll(nullptr, 0, &moment, nullptr); // any moment will do
-              victim.send_signal(SIGKILL);
-          }) {}
-
-private:
-    std::jthread thread_;
-};
 
 /// Sets 128 ONTs, commits and saves, until an answer stays away.
 void change_until_killed(client::Client& client, int first_number) {
@@ -79,7 +61,11 @@ TEST(Crash, AtAnyMomentLeavesWholeStores) {
         // Else what two kills left half-way would add up.
         ask_in_session(client, R"({"path":"command.rollback","method":"command"})");
         {
-            const KillAfter kill(olt.daemon(), std::chrono::microseconds(random() % 20'000));
+            const std::jthread killer([&, delay = static_cast<long>(random() % 20'000'000)] {
+                const timespec moment{.tv_sec = 0, .tv_nsec = delay};
+                ::ppoll(nullptr, 0, &moment, nullptr); // any moment will do
+                olt.daemon().send_signal(SIGKILL);
+            });
             change_until_killed(client, round * 1000);
         }
         ASSERT_EQ(olt.daemon().wait(), 128 + SIGKILL);

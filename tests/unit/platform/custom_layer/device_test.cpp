@@ -2,10 +2,13 @@
 #include "xpon/custom_layer/custom_layer.h"
 #include "xpon/custom_layer/device_facts.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <functional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -15,19 +18,11 @@ namespace xpon {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
+using testing::StrEq;
 
 Device_facts some_facts() {
     Device_facts facts{};
     std::memcpy(facts.magic, device_facts_magic.data(), sizeof facts.magic);
-    facts.factory = {.device_type = {},
-                     .board_version = {},
-                     .serial_number = {},
-                     .mac_address = {},
-                     .device_name = "SIM-OLT-16 rev 1",
-                     .reserved = {}};
-    facts.slots[1] = {.version = "1.4.1.97", .built = {}, .size = 0, .crc = 0, .valid = 1};
-    facts.next_boot_slot = 1;
     facts.uptime_s = 3 * 86400 + 4 * 3600 + 5 * 60 + 6.9;
     return facts;
 }
@@ -51,26 +46,10 @@ protected:
     test::TemporaryOltRoot root;
 };
 
-TEST_F(DeviceTest, TellsItsFacts) {
-    write(some_facts());
-    Factory_info factory;
-    Firmware_version_info firmware;
-    std::uint8_t slot = 9;
-    ASSERT_EQ(custom_layer__get_factory_info(&factory), 0);
-    EXPECT_STREQ(factory.device_name, "SIM-OLT-16 rev 1");
-    ASSERT_EQ(custom_layer__get_running_firmware_index(&slot), 0);
-    EXPECT_EQ(slot, 0);
-    ASSERT_EQ(custom_layer__get_next_boot_firmware_index(&slot), 0);
-    EXPECT_EQ(slot, 1);
-    ASSERT_EQ(custom_layer__get_firmware_version_info(1, &firmware), 0);
-    EXPECT_STREQ(firmware.version, "1.4.1.97");
-    EXPECT_EQ(custom_layer__get_firmware_version_info(2, &firmware), -1);
-    EXPECT_EQ(errno, ERANGE);
-    EXPECT_EQ(uptime(), "3 days, 04:05:06");
-}
-
 TEST_F(DeviceTest, UptimeGoesOnAtTheClocksRate) {
     auto facts = some_facts();
+    write(facts);
+    EXPECT_EQ(uptime(), "3 days, 04:05:06");
     timespec now{};
     clock_gettime(CLOCK_BOOTTIME, &now);
     facts.uptime_s = 0;
@@ -120,36 +99,21 @@ TEST(ShortDeviceName, EndsAtTheFirstBlank) {
     }
     EXPECT_EQ(convert_factory_device_name_to_short_device_name(std::string(256, 'x').c_str(), name), -1);
     EXPECT_EQ(errno, EMSGSIZE);
-    EXPECT_EQ(convert_factory_device_name_to_short_device_name(std::string(255, 'x').c_str(), name), 0);
-}
-
-std::vector<std::string> list_logs() {
-    char** names = nullptr;
-    std::uint32_t count = 9;
-    const int database = 0;
-    EXPECT_EQ(custom_layer__get_list_log_files(&database, 1, &names, &count), 0);
-    std::vector<std::string> copies(names, names + count);
-    std::for_each(names, names + count, [](char* name) { std::free(name); });
-    std::free(names);
-    return copies;
 }
 
 TEST_F(DeviceTest, ListsLogsThatHoldSomething) {
     std::filesystem::create_directories(root.path() / "var/log/folder.log");
-    EXPECT_THAT(list_logs(), IsEmpty());
     for (const auto* name : {"pppoe.log", "events.log", "api-service.log", "notes.txt", "events.log.1", ".x.log"}) {
         root.write(std::string("var/log/") + name, "line\n");
     }
     root.write("var/log/igmp.log", "");
-    EXPECT_THAT(list_logs(), ElementsAre("api-service.log", "events.log", "pppoe.log"));
-
-    std::filesystem::remove_all(root.path() / "var");
     char** names = nullptr;
-    std::uint32_t count = 0;
-    EXPECT_EQ(custom_layer__get_list_log_files(&root, 1, &names, &count), -1);
-    EXPECT_EQ(errno, ENOENT);
-    EXPECT_EQ(custom_layer__get_list_log_files(&root, 1, &names, nullptr), -1);
-    EXPECT_EQ(errno, EINVAL);
+    std::uint32_t count = 9;
+    ASSERT_EQ(custom_layer__get_list_log_files(&root, 1, &names, &count), 0);
+    EXPECT_THAT(std::span(names, count),
+                ElementsAre(StrEq("api-service.log"), StrEq("events.log"), StrEq("pppoe.log")));
+    std::for_each(names, names + count, std::free);
+    std::free(names);
 }
 
 } // namespace
