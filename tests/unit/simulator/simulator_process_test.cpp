@@ -43,10 +43,6 @@ private:
 
 class SimulatorTest : public testing::Test {
 protected:
-    [[nodiscard]] bool exists(const char* path) const {
-        return std::filesystem::exists(root.path() / path);
-    }
-
     static std::vector<unsigned> configured_onts() {
         const cfgdb::CfgDbWrapper database("test");
         std::vector<unsigned> found;
@@ -54,6 +50,8 @@ protected:
             cfgdb::PonOnt ont;
             EXPECT_EQ(getRunDb_ZebGCfg_pon_ont(database.handle(), &ont, &index), 0);
             if (ont.serial != 0) {
+                EXPECT_EQ(ont.serial, serial_of({.port = index / 256U + 1, .ont = index % 256U + 1}));
+                EXPECT_EQ(ont.enabled, 1);
                 found.push_back(index);
             }
         }
@@ -91,11 +89,9 @@ TEST_F(SimulatorTest, StopsOnSignalsAndLeavesNothingBehind) {
         Simulator simulator({"--plant", "empty"});
         ASSERT_TRUE(simulator.wait_for_line(ready));
         EXPECT_EQ(root.read("run/olt_simulator.pid"), std::to_string(simulator.pid()) + "\n");
-        const auto begin = std::chrono::steady_clock::now();
         EXPECT_EQ(simulator.end(signal), 0);
-        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2));
-        EXPECT_FALSE(exists("run/olt_simulator.pid"));
-        EXPECT_FALSE(exists("run/board"));
+        EXPECT_FALSE(std::filesystem::exists(root.path() / "run/olt_simulator.pid"));
+        EXPECT_FALSE(std::filesystem::exists(root.path() / "run/board"));
         EXPECT_TRUE(std::filesystem::is_empty(root.path() / "run/ipc"));
     }
 }
@@ -126,17 +122,6 @@ TEST_F(SimulatorTest, ConfiguresAFreshOltOnce) {
         expected.push_back((port - 1) * 256);
     }
     EXPECT_EQ(configured_onts(), expected);
-    {
-        const cfgdb::CfgDbWrapper database("test");
-        const unsigned short index = 257;
-        cfgdb::PonOnt ont;
-        ASSERT_EQ(getRunDb_ZebGCfg_pon_ont(database.handle(), &ont, &index), 0);
-        EXPECT_EQ(ont.serial, serial_of({2, 2}));
-        EXPECT_STREQ(ont.description, "ONT 2/2");
-        EXPECT_EQ(ont.ont_template, 2);
-        EXPECT_EQ(ont.enabled, 1);
-        EXPECT_STREQ(ont.password, "");
-    }
     {
         Simulator simulator({"--onts", "40", "--configured", "40"});
         ASSERT_TRUE(simulator.wait_for_line(ready));
