@@ -4,7 +4,6 @@
 #include "tests/unit/simulator/live_olt.hpp"
 
 #include <cerrno>
-#include <cstring>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -46,10 +45,6 @@ protected:
                                                 "/configuration/save-config") == 0
                    ? 0
                    : errno;
-    }
-    /// Waits until the daemons that the tests ask are back.
-    void await_daemons() const {
-        ASSERT_TRUE(eventually([this] { return errno_of_environment() == 0 && !channel(1).empty(); }));
     }
 };
 
@@ -116,7 +111,7 @@ TEST_F(CommandsTest, ARebootRunsTheSavedConfigurationWhileItsCallerLives) {
     must({"step", "19.9"});
     EXPECT_EQ(errno_of_environment(), ECONNREFUSED);
     must({"step", "0.2"});
-    await_daemons();
+    ASSERT_TRUE(eventually([this] { return errno_of_environment() == 0 && !channel(1).empty(); }));
     EXPECT_EQ(channel(1), "STARTING");
     EXPECT_EQ(uptime(), "0 days, 00:00:20");
     must({"step", "400"});
@@ -129,16 +124,6 @@ TEST_F(CommandsTest, ARebootRunsTheSavedConfigurationWhileItsCallerLives) {
     edit_ont(served, [](auto& ont) { ont.enabled = 0; });
     commit();
     EXPECT_EQ(ont_states()[served], "DISABLED");
-}
-
-TEST_F(CommandsTest, ARebootWithoutASavedConfigurationIsTheFactoryState) {
-    ASSERT_NE(running_template(served), 0);
-    ASSERT_EQ(custom_layer__reboot(reboot_now), 0);
-    EXPECT_EQ(running_template(served), 0);
-    must({"step", "400"});
-    await_daemons();
-    EXPECT_TRUE(ont_states().empty());
-    EXPECT_EQ(unactivated("1"), 4U);
 }
 
 TEST_F(CommandsTest, SavingNeedsTheDna) {

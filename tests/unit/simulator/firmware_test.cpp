@@ -229,7 +229,7 @@ TEST_F(FirmwareTest, FaultsOfTheDiskEndTheUpdateAndNotTheOlt) {
 
 class SlowFlashTest : public FirmwareTest {
 protected:
-    explicit SlowFlashTest(const std::string& write_s = "60") : FirmwareTest(write_s) {
+    SlowFlashTest() : FirmwareTest("2") {
         put_image("new.img", make_image("1.5.0.1", 2 * mib, 0));
     }
 
@@ -249,12 +249,7 @@ protected:
     }
 };
 
-class WatchedFlashTest : public SlowFlashTest {
-protected:
-    WatchedFlashTest() : SlowFlashTest("2") {}
-};
-
-TEST_F(WatchedFlashTest, AnUpdateBlocksItsCallerAndNobodyElse) {
+TEST_F(SlowFlashTest, AnUpdateBlocksItsCallerAndNobodyElse) {
     const auto begin = std::chrono::steady_clock::now();
     auto updating = update_beside();
     await_progress(1);
@@ -273,7 +268,7 @@ TEST_F(WatchedFlashTest, AnUpdateBlocksItsCallerAndNobodyElse) {
     EXPECT_EQ(ask_system_manager(ipc::Operation::get_firmware_update_status, {}), 0);
 }
 
-TEST_F(WatchedFlashTest, AKilledSimulatorLeavesAnOltThatBoots) {
+TEST_F(SlowFlashTest, AKilledSimulatorLeavesAnOltThatBoots) {
     ASSERT_EQ(select(firmware_alternate), 0);
     for (const std::uintmax_t progress : {std::uintmax_t{0}, std::uintmax_t{mib / 2}, std::uintmax_t{3 * mib / 2}}) {
         auto updating = update_beside();
@@ -286,19 +281,6 @@ TEST_F(WatchedFlashTest, AKilledSimulatorLeavesAnOltThatBoots) {
     }
     EXPECT_EQ(update("/firmware/new.img"), 0);
     EXPECT_EQ(slots(), Slots(old_running, "1.5.0.1", 0, 0));
-}
-
-TEST_F(SlowFlashTest, ARebootCutsAnUpdateOff) {
-    ASSERT_EQ(select(firmware_alternate), 0);
-    auto updating = update_beside();
-    await_progress(1);
-    const auto when = static_cast<std::uint32_t>(reboot_now);
-    EXPECT_EQ(ask_system_manager(ipc::Operation::reboot, std::as_bytes(std::span(&when, 1))), 0);
-    EXPECT_THAT(updating.get(), testing::AnyOf(ECONNRESET, ECONNREFUSED, ECANCELED));
-    must({"step", "21"});
-    ASSERT_TRUE(eventually([this] { return errno_of_environment() == 0; }));
-    EXPECT_EQ(ask_system_manager(ipc::Operation::get_firmware_update_status, {}), ECANCELED);
-    EXPECT_EQ(slots(), Slots(old_running, "", 0, 0));
 }
 
 } // namespace

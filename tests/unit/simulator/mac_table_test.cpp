@@ -2,7 +2,6 @@
 #include "tests/unit/simulator/plant_fixture.hpp"
 
 #include <algorithm>
-#include <cstring>
 #include <map>
 #include <tuple>
 
@@ -20,7 +19,6 @@ using testing::Gt;
 using testing::IsEmpty;
 using testing::IsSupersetOf;
 using testing::Lt;
-using testing::Not;
 using testing::Pair;
 
 using Place = std::pair<int, int>; ///< kind and number of a switch port
@@ -101,55 +99,6 @@ TEST_F(MacTableTest, GatewaysFollowTheUplinks) {
     EXPECT_THAT(gateways(), IsEmpty());
     pass(2s);
     EXPECT_THAT(gateways(), everywhere(front_2));
-}
-
-TEST_F(MacTableTest, APortChannelTakesItsMembersPlace) {
-    const auto set_channel = [&](unsigned min_links) {
-        configure([&](auto& configuration) {
-            configuration.channels[1] = {.enabled = true, .members = 0b0000'0011, .min_links = min_links};
-            configuration.front[2].enabled = configuration.front[3].enabled = false;
-        });
-    };
-    set_channel(1);
-    EXPECT_THAT(gateways(), Contains(Pair(100, Place(switch_port_channel, 2))));
-    set_fault("module_absent", "front/1");
-    EXPECT_THAT(gateways(), Contains(Pair(100, Place(switch_port_channel, 2))));
-    set_channel(2);
-    EXPECT_THAT(gateways(), IsEmpty());
-    configure([](auto& configuration) { configuration.channels[1].enabled = false; });
-    EXPECT_THAT(gateways(), Contains(Pair(100, front_2)));
-}
-
-TEST_F(MacTableTest, TheOltsOwnAddressIsThatOfTheBoard) {
-    const auto own = [&] {
-        auto table = report_mac_table(plant);
-        std::erase_if(table, [](const auto& entry) { return entry.kind != switch_port_cpu; });
-        return table;
-    };
-    EXPECT_THAT(own(), IsEmpty());
-    configure([](auto& configuration) { configuration.management_vlan = 4000; });
-    ASSERT_EQ(own().size(), 1U);
-    EXPECT_THAT(own()[0].mac, ElementsAre(0x02, 0x53, 0x49, 0, 0, 1));
-    EXPECT_EQ(own()[0].svid, 4000);
-    EXPECT_EQ(own()[0].type, mac_entry_static);
-}
-
-TEST_F(MacTableTest, ARangeOfOntsIsAPartOfTheTable) {
-    configure([](auto& configuration) { configuration.management_vlan = 4000; });
-    Bitmap_ont_range range{.size = max_onts, .bits = {}};
-    range.bits[0] = 0b10; // ONT 1/2
-    range.bits[32] = 0b11;
-    std::vector<Bcm_mac_entry> expected = report_mac_table(plant);
-    std::erase_if(expected, [](const auto& entry) {
-        return entry.kind != switch_port_pon || entry.number > 2 || entry.ont_id == 0 || entry.ont_id > 2 ||
-               (entry.number == 1 && entry.ont_id == 1);
-    });
-    const auto table = report_mac_table_of_onts(plant, range);
-    ASSERT_EQ(table.size(), expected.size());
-    ASSERT_THAT(table, Not(IsEmpty()));
-    EXPECT_EQ(std::memcmp(table.data(), expected.data(), table.size() * sizeof table[0]), 0);
-    range.size = 1;
-    EXPECT_THAT(report_mac_table_of_onts(plant, range), IsEmpty());
 }
 
 } // namespace

@@ -116,40 +116,6 @@ TEST_F(OntCountersTest, ErrorsFollowTheLight) {
     EXPECT_LT(cured.corrected, weak.corrected / 10);
 }
 
-TEST_F(OntCountersTest, ARogueDisturbsItsNeighboursUntilItIsStopped) {
-    const auto bip_errors = [&](PlantTime in) {
-        const auto before = pon().bip_errors;
-        pass(in);
-        return pon().bip_errors - before;
-    };
-    EXPECT_LT(bip_errors(10s), 10U);
-    set_fault("ont_rogue", "1/3");
-    EXPECT_GT(bip_errors(10s), 50U);
-    EXPECT_LT(bip_errors(10s), 10U);
-    clear_fault("ont_rogue", "1/3");
-
-    configure([](auto& configuration) { configuration.pon[0].detects_rogues = false; });
-    set_fault("ont_rogue", "1/3");
-    EXPECT_GT(bip_errors(10s), 50U);
-    EXPECT_GT(bip_errors(10s), 50U);
-    // Other ports hear nothing of it.
-    EXPECT_LT(report_olt_pon(plant, 256).bip_errors, 50U);
-}
-
-TEST_F(OntCountersTest, FecIsCountedWhereItIsOn) {
-    EXPECT_GT(pon().fec_codewords, 0U);
-    configure_watched([](auto& ont) { ont.upstream_fec = false; });
-    pass(1min);
-    const auto words = pon().fec_codewords;
-    pass(1h);
-    EXPECT_EQ(pon().fec_codewords, words);
-    EXPECT_GT(report_fec_pm(plant, watched).total_code_words[0], 0U);
-    configure([](auto& configuration) { configuration.pon[0].downstream_fec = false; });
-    pass(1h);
-    EXPECT_EQ(report_fec_pm(plant, watched).count, 1);
-    EXPECT_EQ(report_fec_pm(plant, watched).total_code_words[0], 0U);
-}
-
 TEST_F(OntCountersTest, OfNobodyAreZero) {
     const auto all_zero = [&](std::uint16_t index) {
         return std::ranges::count(all_counters(plant, index), std::byte{}) == std::ssize(all_counters(plant, index));

@@ -194,26 +194,5 @@ TEST_F(OntCountersTest, FinishOneIntervalAfterTheOther) {
     EXPECT_GT(report_fec_pm(plant, watched).total_code_words[0], 0U);
 }
 
-TEST_F(OntCountersTest, FramesOfAServiceAreDealtToItsPorts) {
-    const auto onts = plant.onts();
-    const auto four = *std::ranges::find_if(onts, [](const auto& ont) {
-                           return ont.hardware->model->ethernet_ports == 4 && ont.point.state == ont_operational;
-                       })->situation->configured;
-    configure([&](auto& configuration) {
-        configuration.onts.at(four).services = {{.number = 5, .uni_ports = 0b1011}};
-        configuration.onts.at(four).provision = 2;
-    });
-    pass(1min);
-    plant.advance(plant.ont_configured_as(four)->point.since + interval);
-    const auto ports = report_eth_pm_3(plant, four);
-    const auto frames = report_gem_port_nctp_pm(plant, four);
-    ASSERT_EQ(ports.count, 4);
-    ASSERT_EQ(frames.number[0], 5);
-    EXPECT_EQ(ports.octets[0] + ports.octets[1] + ports.octets[2] + ports.octets[3],
-              frames.upstream.transmitted_payload_bytes[0]);
-    EXPECT_EQ(ports.octets[2], 0U);
-    EXPECT_GT(ports.octets[3], frames.upstream.transmitted_payload_bytes[0] / 4);
-}
-
 } // namespace
 } // namespace xpon::simulator

@@ -190,16 +190,6 @@ TEST_F(OntLifeTest, FrontPortsFollowTheirConfiguration) {
     EXPECT_FALSE(plant.front_link_is_up(3)); // its module has no 10G
 }
 
-TEST_F(OntLifeTest, ModulesWarmUp) {
-    set_fault("module_absent", "pon/1");
-    EXPECT_EQ(plant.channel_state(1), pon_channel_no_module);
-    pass(1h);
-    clear_fault("module_absent", "pon/1");
-    const auto cold = report_pon_modules(plant).ports[0].temperature;
-    pass(20min);
-    EXPECT_GT(report_pon_modules(plant).ports[0].temperature, cold + 3);
-}
-
 TEST(FullPlant, HasNoOnuIdForTheLastTwoOntsOfAPort) {
     const auto full = parameters(max_onts, "full");
     auto configuration = configured(full, max_onts);

@@ -72,14 +72,6 @@ TEST_F(RestartTest, WhereAnOntGoesDependsOnWhereItIs) {
     EXPECT_EQ(state(), "GONE");
 }
 
-TEST_F(RestartTest, AnOntThatRebootsHasServed) {
-    const auto since = ont().point.since;
-    tell(OntCommand::reboot);
-    ASSERT_TRUE(ont().last_service);
-    EXPECT_EQ(ont().last_service->since, since);
-    EXPECT_EQ(ont().last_service->until, plant.now());
-}
-
 TEST_F(RestartTest, NothingHappensWhileTheOltBoots) {
     tell(OntCommand::reconfigure);
     const auto begin = plant.now();

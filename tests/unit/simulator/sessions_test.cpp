@@ -17,13 +17,12 @@ using testing::Gt;
 using testing::IsEmpty;
 using testing::Le;
 using testing::Ne;
-using testing::Not;
 using testing::SizeIs;
 
-/// The entries of the first ONT of a PON port.
+/// The entries of ONT 1/1.
 template <class Entry>
-std::vector<Entry> of_first_ont(std::vector<Entry> entries, unsigned port = 1) {
-    std::erase_if(entries, [&](const Entry& entry) { return entry.pon_port != port || entry.ont_id != 1; });
+std::vector<Entry> of_first_ont(std::vector<Entry> entries) {
+    std::erase_if(entries, [](const Entry& entry) { return entry.pon_port != 1 || entry.ont_id != 1; });
     return entries;
 }
 
@@ -90,20 +89,6 @@ TEST_F(LeaseTest, EndsWithoutUplinkAndComesBackWithIt) {
     EXPECT_GT(left(), 3530s);
 }
 
-TEST_F(LeaseTest, NeedsAnUplinkOfItsOwnVlan) {
-    configure([](auto& configuration) {
-        for (auto& port : configuration.front) {
-            port.vlans.reset(300);
-        }
-    });
-    pass(3601s);
-    EXPECT_EQ(left(), 0s);
-    EXPECT_THAT(of_first_ont(report_dhcp_sessions(plant)), Not(IsEmpty())); // of VLAN 500
-    configure([](auto& configuration) { configuration.front[3].vlans.set(300); });
-    pass(1min);
-    EXPECT_GT(left(), 0s);
-}
-
 TEST_F(LeaseTest, OutlivesItsOntForAWhile) {
     renew();
     set_fault("ont_los", "1/1");
@@ -156,21 +141,6 @@ protected:
         return of_first_ont(report_pppoe_sessions(plant));
     }
 };
-
-TEST_F(PppoeTest, LastsAsLongAsItsOntIsInService) {
-    ASSERT_THAT(session(), SizeIs(1));
-    const auto before = session()[0];
-    EXPECT_THAT(before.duration_sec, AllOf(Gt(150U), Le(300U)));
-    pass(1h);
-    EXPECT_EQ(session()[0].duration_sec, before.duration_sec + 3600);
-    set_fault("ont_dying_gasp", "1/1");
-    EXPECT_THAT(session(), IsEmpty());
-    clear_fault("ont_dying_gasp", "1/1");
-    pass(2min);
-    ASSERT_THAT(session(), SizeIs(1));
-    EXPECT_LT(session()[0].duration_sec, 120U);
-    EXPECT_EQ(session()[0].session_id, before.session_id);
-}
 
 TEST_F(PppoeTest, SurvivesAShortOutageOfTheNetworkOnly) {
     const auto before = session()[0].duration_sec;

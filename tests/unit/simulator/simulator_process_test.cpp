@@ -3,13 +3,9 @@
 #include "simulator/plant/ont_layout.hpp"
 #include "tests/support/temporary_olt_root.hpp"
 #include "tests/system/process.hpp"
-#include "tests/unit/simulator/element_positions.hpp"
 #include "xpon/cfgdb/cfgdb_wrapper.hpp"
 #include "xpon/cfgdb/element_functions.hpp"
-#include "xpon/service/config_change.hpp"
 
-#include <cerrno>
-#include <chrono>
 #include <csignal>
 #include <string>
 #include <vector>
@@ -22,7 +18,6 @@
 namespace xpon::simulator {
 namespace {
 
-using testing::EndsWith;
 using testing::HasSubstr;
 
 class Simulator : public test::Process {
@@ -63,32 +58,12 @@ protected:
 
 constexpr auto ready = "olt_simulator is ready";
 
-TEST_F(SimulatorTest, PlaysEveryPeerAndWritesDownCommits) {
-    Simulator simulator({"--plant", "empty"});
-    ASSERT_TRUE(simulator.wait_for_line(ready));
-    EXPECT_EQ(root.read("run/board"), "pon_ports 16\nfront_ports 8\n");
-    const auto endpoint = ipc::make_zmq_ipc({0x1bffff}, "none").value();
-    for (const auto& peer : peer_table) {
-        const auto connected = endpoint->connect(peer.address);
-        ASSERT_TRUE(connected) << peer.name << connected.error().to_string();
-        const auto unknown = static_cast<ipc::Operation>(0xffff);
-        EXPECT_EQ(endpoint->raw()->request(peer.address, unknown, {}, Ipc::default_deadline).status, EOPNOTSUPP);
-    }
-    const service::Config_change changes[] = {
-        {CommonGCfg_hostname, {0, 0}}, {ZebGCfg_pon_ont, {5, 0}}, {ZebGCfg_pon_ont, {6, 0}}};
-    endpoint->raw()->notify_all(ipc::Operation::configuration_changed, std::as_bytes(std::span(changes)));
-    // The answer to a later request says that the notice has been served.
-    const auto system_manager = peer_table.front().address;
-    endpoint->raw()->request(system_manager, static_cast<ipc::Operation>(0xffff), {}, Ipc::default_deadline);
-    EXPECT_THAT(root.read("var/log/events.log"),
-                EndsWith("Z commit by 0x001bffff: ZebGCfg.pon.ont=2 CommonGCfg.hostname=1\n"));
-}
-
 TEST_F(SimulatorTest, StopsOnSignalsAndLeavesNothingBehind) {
     for (const int signal : {SIGTERM, SIGINT}) {
         Simulator simulator({"--plant", "empty"});
         ASSERT_TRUE(simulator.wait_for_line(ready));
         EXPECT_EQ(root.read("run/olt_simulator.pid"), std::to_string(simulator.pid()) + "\n");
+        EXPECT_EQ(root.read("run/board"), "pon_ports 16\nfront_ports 8\n");
         EXPECT_EQ(simulator.end(signal), 0);
         EXPECT_FALSE(std::filesystem::exists(root.path() / "run/olt_simulator.pid"));
         EXPECT_FALSE(std::filesystem::exists(root.path() / "run/board"));
