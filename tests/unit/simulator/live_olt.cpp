@@ -59,6 +59,13 @@ std::size_t LiveOltTest::unactivated(const char* ports) const {
     return info == nullptr ? 0 : info->count;
 }
 
+std::string LiveOltTest::channel(unsigned port) const {
+    Pon_ports_states* states = nullptr;
+    const int status = custom_layer__get_pon_ports_states(ipc(), &states);
+    const Block<Pon_ports_states> owner(states);
+    return status == 0 ? channel_state_to_str(states->ports[port - 1].channel_state) : "";
+}
+
 int LiveOltTest::errno_of_environment() const {
     System_environment_data data;
     errno = 0;

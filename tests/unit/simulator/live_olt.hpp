@@ -45,6 +45,8 @@ protected:
     /// State texts by configured (port, ONT).
     [[nodiscard]] std::map<OntPosition, std::string> ont_states() const;
     [[nodiscard]] std::size_t unactivated(const char* ports = "1-16") const;
+    /// The state text of a PON port; "" and errno when nobody answers.
+    [[nodiscard]] std::string channel(unsigned port) const;
     /// 0: the call succeeded.
     [[nodiscard]] int errno_of_environment() const;
 

@@ -9,8 +9,7 @@
 #include "simulator/plant/port_report.hpp"
 #include "simulator/plant/pppoe_sessions.hpp"
 #include "tests/support/temporary_olt_root.hpp"
-#include "tests/unit/simulator/subscriber_plant.hpp"
-#include "tests/unit/simulator/triple_play.hpp"
+#include "tests/unit/simulator/plant_fixture.hpp"
 #include "xpon/ipc/payload.hpp"
 
 #include <cstddef>
@@ -19,6 +18,7 @@
 #include <set>
 #include <span>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include <fmt/format.h>
@@ -27,12 +27,25 @@
 namespace xpon::simulator {
 namespace {
 
+template <class Value>
+std::string text_of(const Value& value) {
+    if constexpr (std::is_enum_v<Value>) {
+        return fmt::format("{}", static_cast<unsigned>(value));
+    } else if constexpr (std::is_array_v<Value> && !std::is_same_v<std::remove_extent_t<Value>, char>) {
+        return fmt::format("{}", fmt::join(value, ","));
+    } else {
+        return fmt::format("{}", value);
+    }
+}
+
 /// The values that each field took, over all records of all plants.
 class SeenValues {
 public:
-    template <class Value>
-    void add(const std::string& field, const Value& value) {
-        seen_[field].insert(fmt::format("{}", value));
+    /// Fields go by their places among those given.
+    template <class... Fields>
+    void add(const std::string& record, const Fields&... fields) {
+        unsigned nth = 0;
+        (seen_[fmt::format("{}[{}]", record, nth++)].insert(text_of(fields)), ...);
     }
     [[nodiscard]] std::set<std::string> constant_fields() const {
         std::set<std::string> constant;
@@ -48,67 +61,37 @@ private:
     std::map<std::string, std::set<std::string>> seen_;
 };
 
-#define XPON_SEE(record, member) seen.add(#record "." #member, (record).member)
-
-void see_environment(SeenValues& seen, const System_environment_data& environment) {
-    XPON_SEE(environment, ram_total);
-    XPON_SEE(environment, ram_free);
-    XPON_SEE(environment, disk_total);
-    XPON_SEE(environment, disk_free);
-    XPON_SEE(environment, load_1m);
-    XPON_SEE(environment, load_5m);
-    XPON_SEE(environment, load_15m);
-    XPON_SEE(environment, fpga_version);
-    XPON_SEE(environment, pld_version);
-    for (unsigned fan = 0; fan < environment.fan_count; ++fan) {
-        XPON_SEE(environment.fans[fan], is_fault);
-        XPON_SEE(environment.fans[fan], is_present);
-        XPON_SEE(environment.fans[fan], rate);
+void see_environment(SeenValues& seen, const System_environment_data& data) {
+    seen.add("environment", data.ram_total, data.ram_free, data.disk_total, data.disk_free, data.load_1m, data.load_5m,
+             data.load_15m, data.fpga_version, data.pld_version);
+    for (const auto& fan : std::span(data.fans, data.fan_count)) {
+        seen.add("fan", fan.is_fault, fan.is_present, fan.rate);
     }
-    for (unsigned sensor = 0; sensor < environment.temp_sensor_count; ++sensor) {
-        seen.add("sensor.id", static_cast<unsigned>(environment.temp_sensors[sensor].id));
-        XPON_SEE(environment.temp_sensors[sensor], value);
+    for (const auto& sensor : std::span(data.temp_sensors, data.temp_sensor_count)) {
+        seen.add("sensor", sensor.id, sensor.value);
     }
-    for (const auto& supply : environment.power_sources) {
-        XPON_SEE(supply, is_220v_present);
-        XPON_SEE(supply, is_present);
-        XPON_SEE(supply, is_power_good);
-        XPON_SEE(supply, is_read_info);
-        XPON_SEE(supply, is_required_reset);
+    for (const auto& supply : data.power_sources) {
+        seen.add("supply", supply.is_220v_present, supply.is_present, supply.is_power_good, supply.is_read_info,
+                 supply.is_required_reset);
         if (supply.is_read_info != 0) {
-            XPON_SEE(supply, model);
-            seen.add("supply.type", static_cast<unsigned>(supply.type));
-            XPON_SEE(supply, serial);
-            XPON_SEE(supply, version);
-            XPON_SEE(supply, revision);
-            XPON_SEE(supply, date);
+            seen.add("supply info", supply.model, supply.type, supply.serial, supply.version, supply.revision,
+                     supply.date);
         }
     }
 }
 
 void see_facts(SeenValues& seen, const Device_facts& facts) {
-    XPON_SEE(facts.factory, device_type);
-    XPON_SEE(facts.factory, board_version);
-    XPON_SEE(facts.factory, serial_number);
-    XPON_SEE(facts.factory, mac_address);
-    XPON_SEE(facts.factory, device_name);
-    XPON_SEE(facts, uptime_s);
+    seen.add("facts", facts.factory.device_type, facts.factory.board_version, facts.factory.serial_number,
+             facts.factory.mac_address, facts.factory.device_name, facts.uptime_s);
     for (const auto& slot : facts.slots) {
-        XPON_SEE(slot, version);
-        XPON_SEE(slot, built);
-        XPON_SEE(slot, size);
-        XPON_SEE(slot, crc);
-        XPON_SEE(slot, valid);
+        seen.add("slot", slot.version, slot.built, slot.size, slot.crc, slot.valid);
     }
 }
 
 void see_module(SeenValues& seen, const std::string& where, const Sfp_identification& sfp) {
-    seen.add(where + ".condition", static_cast<unsigned>(sfp.condition));
+    seen.add(where, sfp.condition);
     if (sfp.condition == sfp_present) {
-        seen.add(where + ".condition_text", sfp.condition_text);
-        seen.add(where + ".vendor", sfp.vendor);
-        seen.add(where + ".part_number", sfp.part_number);
-        seen.add(where + ".revision", sfp.revision);
+        seen.add(where + " module", sfp.condition_text, sfp.vendor, sfp.part_number, sfp.revision);
     }
 }
 
@@ -116,36 +99,22 @@ void see_ports(SeenValues& seen, const Plant& plant) {
     for (unsigned port = 1; port <= front_ports; ++port) {
         const auto front = report_front_port(plant, port);
         see_module(seen, "front", front.sfp);
-        XPON_SEE(front, speed);
-        XPON_SEE(front, media);
-        seen.add("front.link", plant.front_link_is_up(port));
         const auto eddi = report_front_diagnostics(plant, port);
-        seen.add("front.has_eddi", eddi.has_value());
+        seen.add("front port", front.speed, front.media, plant.front_link_is_up(port), eddi.has_value());
         if (eddi) {
-            XPON_SEE(*eddi, temperature);
-            XPON_SEE(*eddi, voltage);
-            XPON_SEE(*eddi, bias);
-            XPON_SEE(*eddi, power);
+            seen.add("front diagnostics", eddi->temperature, eddi->voltage, eddi->bias, eddi->power);
         }
     }
     for (const auto& pon : report_pon_states(plant).ports) {
-        seen.add("pon.channel_state", static_cast<unsigned>(pon.channel_state));
-        XPON_SEE(pon, ont_count);
+        seen.add("pon port", pon.channel_state, pon.ont_count);
     }
     for (const auto& module : report_pon_modules(plant).ports) {
         see_module(seen, "pon", module.sfp);
-        XPON_SEE(module, valid);
+        seen.add("pon valid", module.valid);
         if (module.valid != 0) {
-            XPON_SEE(module, temperature);
-            XPON_SEE(module, voltage);
-            XPON_SEE(module, bias);
-            XPON_SEE(module, power);
+            seen.add("pon diagnostics", module.temperature, module.voltage, module.bias, module.power);
         }
     }
-}
-
-std::string text_of(const auto& bytes) {
-    return fmt::format("{}", fmt::join(bytes, ","));
 }
 
 void see_onts(SeenValues& seen, const Plant& plant) {
@@ -153,171 +122,114 @@ void see_onts(SeenValues& seen, const Plant& plant) {
     std::fill(std::begin(onts.bits), std::end(onts.bits), std::uint8_t{0xff});
     const Bitmap_pon_port_range ports{.size = pon_ports + 1, .bits = {0xff, 0xff, 0xff}};
     for (const auto& ont : report_ont_states(plant, onts)) {
-        seen.add("ont.serial", text_of(ont.serial));
-        seen.add("ont.vendor", std::string(ont.serial, ont.serial + 4));
-        seen.add("ont.state", static_cast<unsigned>(ont.state));
-        XPON_SEE(ont, port);
-        XPON_SEE(ont, ont_id);
-        XPON_SEE(ont, equipment_id);
-        XPON_SEE(ont, hardware_version);
-        XPON_SEE(ont, software_version);
-        XPON_SEE(ont, equalization_delay);
-        XPON_SEE(ont, fec_state);
-        XPON_SEE(ont, distance);
-        XPON_SEE(ont, rssi);
-        XPON_SEE(ont, alloc_count);
-        XPON_SEE(ont, alloc_ids[0]);
-        XPON_SEE(ont, alloc_ids[1]);
+        seen.add("ont", ont.serial, std::string(ont.serial, ont.serial + 4), ont.state, ont.port, ont.ont_id,
+                 ont.equipment_id, ont.hardware_version, ont.software_version, ont.equalization_delay, ont.fec_state,
+                 ont.distance, ont.rssi, ont.alloc_count, ont.alloc_ids[0], ont.alloc_ids[1]);
     }
-    for (const auto& unactivated : report_unactivated(plant, ports)) {
-        seen.add("unactivated.serial", text_of(unactivated.serial));
-        XPON_SEE(unactivated, port);
-        XPON_SEE(unactivated, password);
+    for (const auto& ont : report_unactivated(plant, ports)) {
+        seen.add("unactivated", ont.serial, ont.port, ont.password);
     }
 }
 
-void see_sessions(SeenValues& seen, const Plant& plant) {
+void see_subscribers(SeenValues& seen, const Plant& plant) {
     for (const auto& lease : report_dhcp_sessions(plant)) {
-        XPON_SEE(lease, pon_port);
-        XPON_SEE(lease, ont_id);
-        seen.add("lease.mac", text_of(lease.mac));
-        XPON_SEE(lease, service_id);
-        XPON_SEE(lease, gem_port);
-        XPON_SEE(lease, outer_vid);
-        seen.add("lease.ip", text_of(lease.ip));
-        XPON_SEE(lease, life_time_msec);
-        seen.add("lease.ont_serial", text_of(lease.ont_serial));
+        seen.add("lease", lease.pon_port, lease.ont_id, lease.mac, lease.service_id, lease.gem_port, lease.outer_vid,
+                 lease.ip, lease.life_time_msec, lease.ont_serial);
     }
-    for (const auto& pppoe : report_pppoe_sessions(plant)) {
-        XPON_SEE(pppoe, pon_port);
-        XPON_SEE(pppoe, ont_id);
-        XPON_SEE(pppoe, gem_port);
-        XPON_SEE(pppoe, session_id);
-        seen.add("pppoe.is_blocked", pppoe.session_id == 0);
-        seen.add("pppoe.ont_serial", text_of(pppoe.ont_serial));
-        XPON_SEE(pppoe, duration_sec);
-        XPON_SEE(pppoe, unblock_rest_sec);
-        seen.add("pppoe.client_mac", text_of(pppoe.client_mac));
+    for (const auto& session : report_pppoe_sessions(plant)) {
+        seen.add("session", session.pon_port, session.ont_id, session.gem_port, session.session_id,
+                 session.session_id == 0, session.ont_serial, session.duration_sec, session.unblock_rest_sec,
+                 session.client_mac);
+    }
+    for (const auto& host : report_mac_table(plant)) {
+        seen.add("address", host.mac, host.kind, host.number, host.svid, host.cvid, host.uvid, host.ont_id, host.gem,
+                 host.type);
     }
 }
 
 void see_groups(SeenValues& seen, const Plant& plant) {
-    seen.add("snooping.bits", text_of(report_snooping_vlans(plant).bits));
+    seen.add("snooping", report_snooping_vlans(plant).bits);
     for (const auto& group : report_igmp_groups(plant)) {
-        seen.add("group.address", text_of(group.address));
-        XPON_SEE(group, is_in_deletion_queue);
-        seen.add("group.filter_mode", static_cast<unsigned>(group.filter_mode));
-        XPON_SEE(group, vlan);
-        XPON_SEE(group, source_count);
+        seen.add("group", group.address, group.is_in_deletion_queue, group.filter_mode, group.vlan, group.source_count,
+                 group.port_count);
         for (const auto& source : std::span(group.sources, group.source_count)) {
-            seen.add("source.ip", text_of(source.ip));
-            seen.add("source.filter_mode", static_cast<unsigned>(source.filter_mode));
+            seen.add("source", source.ip, source.filter_mode);
         }
-        XPON_SEE(group, port_count);
         for (const auto& port : std::span(group.ports, group.port_count)) {
-            seen.add("member.kind", static_cast<unsigned>(port.kind));
-            XPON_SEE(port, number);
-            XPON_SEE(port, is_static);
-            XPON_SEE(port, expires_sec);
+            seen.add("member", port.kind, port.number, port.is_static, port.expires_sec);
         }
     }
 }
 
-void see_addresses(SeenValues& seen, const Plant& plant) {
-    for (const auto& address : report_mac_table(plant)) {
-        seen.add("address.mac", text_of(address.mac));
-        seen.add("address.kind", static_cast<unsigned>(address.kind));
-        XPON_SEE(address, number);
-        XPON_SEE(address, svid);
-        XPON_SEE(address, cvid);
-        XPON_SEE(address, uvid);
-        XPON_SEE(address, ont_id);
-        XPON_SEE(address, gem);
-        seen.add("address.type", static_cast<unsigned>(address.type));
-    }
-}
-
-#undef XPON_SEE
-
-/// A record as the words it is made of.
-template <class Word, class Record>
-std::vector<Word> words_of(const Record& record) {
-    std::vector<Word> words(sizeof record / sizeof(Word));
-    std::memcpy(words.data(), &record, words.size() * sizeof(Word));
-    return words;
-}
-
-/// A record, or a part of one, that consists of arrays with a value per instance.
-template <class Arrays>
-void see_arrays(SeenValues& seen, const std::string& name, const Arrays& arrays, std::size_t offset,
-                std::size_t arrays_count, std::size_t count) {
-    const auto words = words_of<std::uint32_t>(arrays);
-    for (std::size_t array = 0; array < arrays_count; ++array) {
-        for (std::size_t instance = 0; instance < count; ++instance) {
-            seen.add(fmt::format("{}[{}]", name, array),
-                     words.at(offset / 4 + array * max_counter_instances + instance));
+/// The words of a record from an offset in octets on: `count` of each `stride` of them, which are one field.
+template <class Word = std::uint32_t>
+void see_words(SeenValues& seen, const std::string& name, const auto& record, std::size_t offset = 0,
+               std::size_t size = 0, std::size_t stride = 1, std::size_t count = 1) {
+    std::vector<Word> words((size == 0 ? sizeof record - offset : size) / sizeof(Word));
+    std::memcpy(words.data(), reinterpret_cast<const std::byte*>(&record) + offset, words.size() * sizeof(Word));
+    for (std::size_t nth = 0; nth < words.size(); ++nth) {
+        if (nth % stride < count) {
+            seen.add(fmt::format("{} {}", name, nth / stride), words[nth]);
         }
     }
+}
+
+/// The first of the record's arrays that have a value per instance.
+template <class Record>
+void see_arrays(SeenValues& seen, const std::string& name, const Record& record, std::size_t arrays,
+                std::size_t count) {
+    see_words(seen, name, record, offsetof(Record, finished_intervals), arrays * sizeof(Ont_instance_values),
+              max_counter_instances, count);
 }
 
 template <class Record>
 void see_history(SeenValues& seen, const std::string& name, const Record& record) {
-    constexpr auto offset = offsetof(Record, finished_intervals);
-    see_arrays(seen, name, record, offset, (sizeof record - offset) / sizeof(Ont_instance_values), record.count);
-    seen.add(name + ".count", record.count);
+    seen.add(name + " count", record.count);
+    see_arrays(seen, name, record, sizeof record / sizeof(Ont_instance_values), record.count);
 }
 
 template <class Group>
 void see_group(SeenValues& seen, const std::string& name, const Group& group) {
-    seen.add(name + ".valid", group.valid);
-    const auto words = words_of<std::uint32_t>(group);
-    for (std::size_t word = 1; group.valid != 0 && word < words.size(); ++word) {
-        seen.add(fmt::format("{}[{}]", name, word), words[word]);
+    seen.add(name + " valid", group.valid);
+    if (group.valid != 0) {
+        see_words(seen, name, group, offsetof(Group, finished_intervals));
     }
 }
 
 template <class Record>
-void see_long_words(SeenValues& seen, const std::string& name, const Record& record) {
-    const auto words = words_of<std::uint64_t>(record);
-    for (std::size_t word = 0; word < words.size(); ++word) {
-        seen.add(fmt::format("{}[{}]", name, word), words[word]);
-    }
-}
-
-void see_services(SeenValues& seen, const Plant& plant, std::uint16_t index) {
-    const auto gem = report_gem_port_pm(plant, index);
-    see_arrays(seen, "gem", gem, offsetof(Ont_gem_port_pm, finished_intervals), 7, gem.count);
-    see_group(seen, "gem.mc", gem.mc);
-    see_group(seen, "gem.bc", gem.bc);
-    seen.add("gem.number", gem.number[0]);
-    const auto nctp = report_gem_port_nctp_pm(plant, index);
-    see_arrays(seen, "nctp.downstream", nctp.downstream, 0, 3, nctp.count);
-    see_arrays(seen, "nctp.upstream", nctp.upstream, 0, 3, nctp.count);
-    see_group(seen, "nctp.mc", nctp.mc);
-    see_group(seen, "nctp.bc", nctp.bc);
-    const auto gal = report_gal_eth_pm(plant, index);
-    see_arrays(seen, "gal", gal, offsetof(Ont_gal_eth_pm, finished_intervals), 2, gal.count);
-    see_group(seen, "gal.mc", gal.mc);
-    see_group(seen, "gal.bc", gal.bc);
+void see_groups_of(SeenValues& seen, const std::string& name, const Record& record) {
+    see_group(seen, name + " multicast", record.mc);
+    see_group(seen, name + " broadcast", record.bc);
 }
 
 void see_counters(SeenValues& seen, const Plant& plant) {
     for (const auto& [index, settings] : plant.configuration().onts) {
-        see_services(seen, plant, index);
+        const auto gem = report_gem_port_pm(plant, index);
+        seen.add("gem port", gem.number[0]);
+        see_arrays(seen, "gem port", gem, 7, gem.count);
+        see_groups_of(seen, "gem port", gem);
+        const auto nctp = report_gem_port_nctp_pm(plant, index);
+        see_arrays(seen, "nctp downstream", nctp.downstream, 3, nctp.count);
+        see_arrays(seen, "nctp upstream", nctp.upstream, 3, nctp.count);
+        see_groups_of(seen, "nctp", nctp);
+        const auto gal = report_gal_eth_pm(plant, index);
+        see_arrays(seen, "gal", gal, 2, gal.count);
+        see_groups_of(seen, "gal", gal);
         see_history(seen, "eth", report_eth_pm(plant, index));
-        see_history(seen, "eth_2", report_eth_pm_2(plant, index));
-        see_history(seen, "eth_3", report_eth_pm_3(plant, index));
+        see_history(seen, "eth 2", report_eth_pm_2(plant, index));
+        see_history(seen, "eth 3", report_eth_pm_3(plant, index));
         see_history(seen, "fec", report_fec_pm(plant, index));
         const auto extended = report_eth_frame_ext_pm(plant, index);
-        see_arrays(seen, "ext.upstream", extended.upstream, 0, 15, extended.count);
-        see_arrays(seen, "ext.downstream", extended.downstream, 0, 15, extended.count);
-        see_group(seen, "ext.upstream.veip", extended.upstream.veip);
-        see_group(seen, "ext.downstream.veip", extended.downstream.veip);
+        for (const auto* const direction : {&extended.upstream, &extended.downstream}) {
+            const std::string name = direction == &extended.upstream ? "ext upstream" : "ext downstream";
+            see_arrays(seen, name, *direction, 15, extended.count);
+            see_group(seen, name + " veip", direction->veip);
+        }
         const auto gem_ports = report_olt_gem_ports(plant, index);
         for (const auto& entry : std::span(gem_ports.entries, gem_ports.count)) {
-            see_long_words(seen, "olt.gem", entry);
+            see_words<std::uint64_t>(seen, "olt gem port", entry);
         }
-        see_long_words(seen, "olt.pon", report_olt_pon(plant, index));
+        see_words<std::uint64_t>(seen, "olt pon", report_olt_pon(plant, index));
     }
 }
 
@@ -326,7 +238,7 @@ TEST(NamedPlants, LeaveNoFieldAtOneValue) {
     const test::TemporaryOltRoot root;
     for (const auto& named : named_plants()) {
         const PlantParameters parameters{.plant = &named, .size = named.size};
-        auto configuration = subscribers_of(parameters, named.size.configured);
+        auto configuration = configured(parameters, named.size.configured, subscriber_services);
         configuration.front[1].is_multicast_router = true;
         configuration.management_vlan = 4000;
         for (auto& [index, settings] : configuration.onts) {
@@ -348,8 +260,7 @@ TEST(NamedPlants, LeaveNoFieldAtOneValue) {
         see_counters(seen, plant);
         plant.advance(named.uptime + std::chrono::minutes(15));
         see_counters(seen, plant);
-        see_sessions(seen, plant);
-        see_addresses(seen, plant);
+        see_subscribers(seen, plant);
         // Groups are in the deletion queue for two seconds only.
         for (int look = 0; look < 30; ++look) {
             plant.advance(plant.now() + std::chrono::seconds(2));

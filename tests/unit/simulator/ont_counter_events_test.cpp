@@ -1,7 +1,5 @@
-#include "tests/unit/simulator/counter_plant.hpp"
-#include "xpon/ipc/payload.hpp"
+#include "tests/unit/simulator/ont_counters_fixture.hpp"
 
-#include <array>
 #include <functional>
 
 #include <gmock/gmock.h>
@@ -11,33 +9,13 @@ namespace {
 
 using namespace std::chrono_literals;
 
-TEST_F(OntCountersTest, GrowAsFastAsTheirServicesTalk) {
-    // Mean rates in kbit/s, down and up, by service, then of multicast and broadcast. A day's mean is 0.8 of them.
-    constexpr std::array<std::pair<double, double>, 6> means{
-        {{4000, 600}, {16, 4}, {90 * 0.05, 90 * 0.05}, {2, 2}, {6000 * 1.5, 0}, {8, 0}}};
-    const auto before = gem_ports();
-    pass(240h);
-    const auto after = gem_ports();
-    ASSERT_EQ(after.count, means.size());
-    EXPECT_EQ(after.entries[0].gem_port, 512);
-    for (std::size_t nth = 0; nth < means.size(); ++nth) {
-        const auto kbps = [](std::uint64_t octets) { return static_cast<double>(octets) * 8 / 1000 / (240 * 3600); };
-        const double down = kbps(after.entries[nth].tx_bytes - before.entries[nth].tx_bytes);
-        const double up = kbps(after.entries[nth].rx_bytes - before.entries[nth].rx_bytes);
-        EXPECT_NEAR(down, means.at(nth).first * 0.8, means.at(nth).first * 0.3) << nth;
-        EXPECT_NEAR(up, means.at(nth).second * 0.8, means.at(nth).second * 0.05) << nth;
-    }
-}
-
-struct Limit {
-    const char* name;
-    std::function<void(OntSettings&)> set;
-    double down_kbps; ///< of all GEM ports
-    double up_kbps;
-};
-
 TEST_F(OntCountersTest, StayWithinEveryLimit) {
-    const Limit limits[] = {
+    const struct {
+        const char* name;
+        std::function<void(OntSettings&)> set;
+        double down_kbps; ///< of all GEM ports
+        double up_kbps;
+    } limits[] = {
         {"service", [](auto& ont) { ont.services = {{.number = 1, .downstream_kbps = 512, .upstream_kbps = 128}}; },
          512 + 12, 128},
         {"ONT", [](auto& ont) { ont.downstream_kbps = 1000, ont.upstream_kbps = 200; }, 1000, 200},
@@ -50,10 +28,10 @@ TEST_F(OntCountersTest, StayWithinEveryLimit) {
          },
          1e6, 64},
     };
+    const auto in_service = plant;
     for (const auto& [name, set, down_kbps, up_kbps] : limits) {
-        plant = make_plant();
-        plant.advance(5min);
-        configure(set);
+        plant = in_service;
+        configure_watched(set);
         pass(10s);
         const auto before = pon();
         pass(20h);
@@ -74,7 +52,7 @@ TEST_F(OntCountersTest, StayWithinEveryLimit) {
 TEST_F(OntCountersTest, GoOnOverConfiguringAndBeginAnewWithTheOnt) {
     pass(3h);
     const auto before = counters_of(plant, watched);
-    configure([](auto& ont) { ont.services[0].type = cfgdb::ProfileOntCrossConnect::ServiceType::voip; });
+    configure_watched([](auto& ont) { ont.services[0].type = cfgdb::ProfileOntCrossConnect::ServiceType::voip; });
     EXPECT_EQ(counters_of(plant, watched), std::vector<std::uint64_t>(19)); // on its way: nothing to read
     pass(10s);
     const auto after = counters_of(plant, watched);
@@ -84,46 +62,29 @@ TEST_F(OntCountersTest, GoOnOverConfiguringAndBeginAnewWithTheOnt) {
     constexpr std::size_t tx_bytes = offsetof(Ont__get_pon_counters_response, tx_bytes) / 8;
     EXPECT_LT(after[tx_bytes], before[tx_bytes] + 10 * (18'100'000 + 6'000'000) / 8);
 
-    for (const auto& [kind, target] : {std::pair(FaultKind::ont_los, "1"), {FaultKind::ont_dying_gasp, "1/1"}}) {
-        pass(1h);
-        ASSERT_GT(pon().tx_bytes, 1'000'000U);
-        const auto cut = fault(kind, target);
-        plant.set_fault(cut);
-        pass(5s);
-        plant.clear_fault(kind, cut.target);
-        while (plant.ont_configured_as(watched)->point.state != ont_operational) {
-            pass(50ms);
-        }
-        EXPECT_LT(pon().tx_bytes, 1'000'000U);
-    }
-}
-
-TEST_F(OntCountersTest, OutliveReconfiguringAndNoRestart) {
-    const auto is_watched = [](std::uint16_t index) { return index == watched; };
-    for (const auto command : {OntCommand::reconfigure, OntCommand::reset, OntCommand::reboot}) {
-        pass(1h);
-        const auto before = pon().tx_bytes;
-        ASSERT_EQ(plant.command_onts(command, is_watched).size(), 1U);
-        while (plant.ont_configured_as(watched)->point.state != ont_operational) {
-            pass(50ms);
-        }
-        EXPECT_EQ(pon().tx_bytes >= before, command == OntCommand::reconfigure);
-    }
-    plant.boot(20s);
-    pass(5min);
-    EXPECT_LT(pon().tx_bytes, 500'000'000U);
-}
-
-TEST_F(OntCountersTest, AreThoseOfThePlantAlsoInACopy) {
-    pass(2h);
-    configure([](auto&) {});
-    pass(1min);
-    auto copy = plant;
+    const auto everywhere = [](std::uint16_t) { return true; };
+    const struct {
+        const char* name;
+        std::function<void()> happen;
+        bool goes_on;
+    } cases[] = {
+        {"cut", [&] { set_fault("ont_los", "1"); }, false},
+        {"without power", [&] { set_fault("ont_dying_gasp", "1/1"); }, false},
+        {"reconfigured", [&] { plant.command_onts(OntCommand::reconfigure, everywhere); }, true},
+        {"reset", [&] { plant.command_onts(OntCommand::reset, everywhere); }, false},
+        {"rebooted", [&] { plant.command_onts(OntCommand::reboot, everywhere); }, false},
+        {"with its OLT", [&] { plant.boot(20s); }, false},
+    };
     pass(1h);
-    plant.set_fault(fault(FaultKind::ont_dying_gasp, "1/1"));
-    copy.advance(plant.now());
-    EXPECT_EQ(counters_of(plant, watched), std::vector<std::uint64_t>(19));
-    EXPECT_GT(report_olt_pon(copy, watched).tx_bytes, 3600U * 500'000);
+    const auto in_service = plant;
+    for (const auto& [name, happen, goes_on] : cases) {
+        plant = in_service;
+        happen();
+        pass(5s);
+        plant.clear_all_faults();
+        await("OPERATIONAL");
+        EXPECT_EQ(pon().tx_bytes > 1'000'000, goes_on) << name;
+    }
 }
 
 TEST_F(OntCountersTest, ErrorsFollowTheLight) {
@@ -155,82 +116,22 @@ TEST_F(OntCountersTest, ErrorsFollowTheLight) {
     EXPECT_LT(cured.corrected, weak.corrected / 10);
 }
 
-TEST_F(OntCountersTest, ARogueDisturbsItsNeighboursUntilItIsStopped) {
-    const auto bip_errors = [&](PlantTime in) {
-        const auto before = pon().bip_errors;
-        pass(in);
-        return pon().bip_errors - before;
-    };
-    EXPECT_LT(bip_errors(10s), 10U);
-    const auto rogue = fault(FaultKind::ont_rogue, "1/3");
-    plant.set_fault(rogue);
-    EXPECT_GT(bip_errors(10s), 50U);
-    EXPECT_LT(bip_errors(10s), 10U);
-    plant.clear_fault(rogue.kind, rogue.target);
-
-    auto configuration = plant.configuration();
-    configuration.pon[0].detects_rogues = false;
-    plant.configure(configuration);
-    plant.set_fault(rogue);
-    EXPECT_GT(bip_errors(10s), 50U);
-    EXPECT_GT(bip_errors(10s), 50U);
-    // Other ports hear nothing of it.
-    EXPECT_LT(report_olt_pon(plant, 256).bip_errors, 50U);
-}
-
-TEST_F(OntCountersTest, FecIsCountedWhereItIsOn) {
-    EXPECT_GT(pon().fec_codewords, 0U);
-    configure([](auto& ont) { ont.upstream_fec = false; });
-    pass(1min);
-    const auto words = pon().fec_codewords;
-    pass(1h);
-    EXPECT_EQ(pon().fec_codewords, words);
-    EXPECT_GT(report_fec_pm(plant, watched).total_code_words[0], 0U);
-    auto configuration = plant.configuration();
-    configuration.pon[0].downstream_fec = false;
-    plant.configure(configuration);
-    pass(1h);
-    EXPECT_EQ(report_fec_pm(plant, watched).count, 1);
-    EXPECT_EQ(report_fec_pm(plant, watched).total_code_words[0], 0U);
-}
-
 TEST_F(OntCountersTest, OfNobodyAreZero) {
-    const auto is_zero = [](const auto& record) {
-        const auto bytes = ipc::record_payload(record);
-        return std::ranges::all_of(bytes, [](std::byte byte) { return byte == std::byte{}; });
-    };
     const auto all_zero = [&](std::uint16_t index) {
-        return is_zero(report_gem_port_pm(plant, index)) && is_zero(report_gem_port_nctp_pm(plant, index)) &&
-               is_zero(report_gal_eth_pm(plant, index)) && is_zero(report_fec_pm(plant, index)) &&
-               is_zero(report_eth_pm(plant, index)) && is_zero(report_eth_pm_2(plant, index)) &&
-               is_zero(report_eth_pm_3(plant, index)) && is_zero(report_eth_frame_ext_pm(plant, index)) &&
-               is_zero(report_olt_gem_ports(plant, index)) && is_zero(report_olt_pon(plant, index));
+        return std::ranges::count(all_counters(plant, index), std::byte{}) == std::ssize(all_counters(plant, index));
     };
     pass(1h);
     EXPECT_FALSE(all_zero(watched));
     EXPECT_TRUE(all_zero(4095)); // not configured
     const auto before = pon().tx_bytes;
-    configure([](auto& ont) { ont.pm_collection = false; });
+    configure_watched([](auto& ont) { ont.pm_collection = false; });
     EXPECT_TRUE(all_zero(watched));
     pass(1h);
     EXPECT_TRUE(all_zero(watched));
     // The OLT went on counting all the same.
-    configure([](auto& ont) { ont.pm_collection = true; });
+    configure_watched([](auto& ont) { ont.pm_collection = true; });
     pass(1min);
     EXPECT_GT(pon().tx_bytes, before + 1'000'000);
-}
-
-TEST_F(OntCountersTest, OfALineThatChangesAllTheTimeNeverFall) {
-    std::vector<std::uint64_t> last;
-    for (int nth = 0; nth < 200; ++nth) {
-        plant.set_fault(fault(FaultKind::ont_attenuation, "1/1", nth % 7));
-        pass(nth % 3 == 0 ? 0s : 40s);
-        auto counters = counters_of(plant, watched);
-        EXPECT_TRUE(none_fell(last, counters)) << nth;
-        last = std::move(counters);
-    }
-    // Provided once, whatever happened since.
-    EXPECT_LT(pon().rx_omci, 300U);
 }
 
 } // namespace

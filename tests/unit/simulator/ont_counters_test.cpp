@@ -1,4 +1,4 @@
-#include "tests/unit/simulator/counter_plant.hpp"
+#include "tests/unit/simulator/ont_counters_fixture.hpp"
 #include "xpon/ipc/payload.hpp"
 
 #include <array>
@@ -87,6 +87,11 @@ void expect_all_sound(const Plant& plant, std::uint16_t index) {
     expect_sound(report_olt_pon(plant, index), report_olt_gem_ports(plant, index));
 }
 
+Plant make_plant(std::uint64_t seed) {
+    const auto demo = parameters(64, "demo", seed);
+    return {demo, configured(demo, 64)};
+}
+
 /// ONT 1/1, and some on other ports and of other models.
 std::vector<std::uint16_t> some_onts(const Plant& plant) {
     std::vector<std::uint16_t> onts;
@@ -102,7 +107,7 @@ TEST(OntCounters, HoldTogetherWheneverTheyAreRead) {
     for (const std::uint64_t seed : {1, 2, 3}) {
         for (const PlantTime step : {PlantTime(1ms), PlantTime(37s), PlantTime(16min + 1ms), PlantTime(25h)}) {
             auto plant = make_plant(seed);
-            plant.set_fault(fault(FaultKind::ont_attenuation, "1/2", 5));
+            plant.set_fault(fault("ont_attenuation", "1/2", 5));
             plant.advance(3min + seed * 7h);
             const auto onts = some_onts(plant);
             ASSERT_GE(onts.size(), 3U);
@@ -187,76 +192,6 @@ TEST_F(OntCountersTest, FinishOneIntervalAfterTheOther) {
     EXPECT_EQ(report_fec_pm(plant, watched).finished_intervals[0], 0U);
     EXPECT_EQ(report_gal_eth_pm(plant, watched).bc.finished_intervals, 0U);
     EXPECT_GT(report_fec_pm(plant, watched).total_code_words[0], 0U);
-}
-
-TEST_F(OntCountersTest, FramesOfAServiceAreDealtToItsPorts) {
-    // The watched ONT takes the place of one with four ports.
-    const auto four = [&] {
-        for (const auto& ont : plant.onts()) {
-            if (ont.hardware->model->ethernet_ports == 4 && ont.point.state == ont_operational) {
-                return *ont.situation->configured;
-            }
-        }
-        return std::uint16_t{0xffff};
-    }();
-    auto configuration = plant.configuration();
-    configuration.onts.at(four).services = {{.number = 5, .uni_ports = 0b1011}};
-    configuration.onts.at(four).provision = 2;
-    plant.configure(configuration);
-    pass(1min);
-    const auto since = plant.ont_configured_as(four)->point.since;
-    plant.advance(since + interval);
-    const auto ports = report_eth_pm_3(plant, four);
-    const auto frames = report_gem_port_nctp_pm(plant, four);
-    ASSERT_EQ(ports.count, 4);
-    ASSERT_EQ(frames.number[0], 5);
-    EXPECT_EQ(ports.octets[0] + ports.octets[1] + ports.octets[2] + ports.octets[3],
-              frames.upstream.transmitted_payload_bytes[0]);
-    EXPECT_EQ(ports.octets[2], 0U);
-    EXPECT_GT(ports.octets[3], frames.upstream.transmitted_payload_bytes[0] / 4);
-}
-
-std::vector<std::byte> everything(const Plant& plant) {
-    std::vector<std::byte> bytes;
-    const auto add = [&](const auto& record) {
-        const auto part = ipc::record_payload(record);
-        bytes.insert(bytes.end(), part.begin(), part.end());
-    };
-    for (std::uint16_t index = 0; index < 4096; index = static_cast<std::uint16_t>(index + 64)) {
-        add(report_gem_port_pm(plant, index));
-        add(report_gem_port_nctp_pm(plant, index));
-        add(report_gal_eth_pm(plant, index));
-        add(report_fec_pm(plant, index));
-        add(report_eth_pm(plant, index));
-        add(report_eth_pm_2(plant, index));
-        add(report_eth_pm_3(plant, index));
-        add(report_eth_frame_ext_pm(plant, index));
-        add(report_olt_gem_ports(plant, index));
-        add(report_olt_pon(plant, index));
-    }
-    return bytes;
-}
-
-TEST(OntCounters, AreTheSameForEqualHistories) {
-    const auto play = [](std::uint64_t seed, bool asks_often) {
-        auto plant = make_plant(seed);
-        for (auto now = PlantTime{}; now < 4h; now += 211s) {
-            plant.advance(now);
-            if (now / 211s == 20) {
-                plant.set_fault(fault(FaultKind::ont_attenuation, "1/1", 5));
-                auto configuration = plant.configuration();
-                configuration.onts.at(256).provision = 2;
-                plant.configure(configuration);
-            }
-            if (asks_often) {
-                everything(plant);
-            }
-        }
-        return everything(plant);
-    };
-    const auto bytes = play(1, false);
-    EXPECT_EQ(play(1, true), bytes);
-    EXPECT_NE(play(2, false), bytes);
 }
 
 } // namespace

@@ -1,5 +1,4 @@
-#include "simulator/plant/plant.hpp"
-#include "tests/unit/simulator/triple_play.hpp"
+#include "tests/unit/simulator/plant_fixture.hpp"
 
 #include <functional>
 #include <string>
@@ -13,41 +12,17 @@ using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr OntPosition first{.port = 1, .ont = 1};
-
-/// A plant in service whose ONT 1/1 is watched. It has power with this seed.
-class RestartTest : public testing::Test {
+/// One ONT in service.
+class RestartTest : public PlantTest {
 protected:
-    RestartTest() {
-        pass(10min);
-        EXPECT_EQ(state(), "OPERATIONAL");
-    }
+    RestartTest() : PlantTest(1) {}
 
-    static RunningConfiguration configuration() {
-        RunningConfiguration configuration;
-        configuration.onts[record_index_of(first)] = {
-            .serial = serial_of(first), .services = triple_play(), .tconts = 3, .provision = 1};
-        return configuration;
-    }
     [[nodiscard]] Plant::Ont ont() const {
         return plant.onts().front();
-    }
-    [[nodiscard]] std::string state() const {
-        return ont().point.state == ont_gone ? "GONE" : ont_state_to_str(ont().point.state);
-    }
-    void pass(PlantTime time) {
-        plant.advance(plant.now() + time);
     }
     std::vector<std::uint16_t> tell(OntCommand command) {
         return plant.command_onts(command, [](std::uint16_t) { return true; });
     }
-    void set(const char* kind, const char* target) {
-        std::string complaint;
-        const auto& rule = *find_fault(kind);
-        plant.set_fault({.kind = rule.kind, .target = parse_target(rule, target, complaint).value()});
-    }
-
-    Plant plant{{.plant = find_plant("demo"), .size = {.onts = 32, .configured = 0}, .seed = 1}, configuration()};
 };
 
 TEST_F(RestartTest, WhereAnOntGoesDependsOnWhereItIs) {
@@ -59,69 +34,48 @@ TEST_F(RestartTest, WhereAnOntGoesDependsOnWhereItIs) {
         std::string rebooted;
     } cases[] = {
         {"in service", [] {}, "OPERATIONAL", "MIB_UPLOAD", "INITIAL"},
-        {"cut off", [this] { set("ont_los", "1/1"); }, "POPUP", "POPUP", "POPUP"},
-        {"without OMCI", [this] { set("ont_omci", "1/1"); }, "CONFIG_FAILED", "MIB_UPLOAD", "INITIAL"},
-        {"rogue", [this] { set("ont_rogue", "1/1"); }, "EMERGENCY_STOP", "EMERGENCY_STOP", "INITIAL"},
-        {"disabled",
-         [this] {
-             auto disabled = configuration();
-             disabled.onts.begin()->second.enabled = false;
-             plant.configure(disabled);
-         },
+        {"cut off", [this] { set_fault("ont_los", "1/1"); }, "POPUP", "POPUP", "POPUP"},
+        {"without OMCI", [this] { set_fault("ont_omci", "1/1"); }, "CONFIG_FAILED", "MIB_UPLOAD", "INITIAL"},
+        {"rogue", [this] { set_fault("ont_rogue", "1/1"); }, "EMERGENCY_STOP", "EMERGENCY_STOP", "INITIAL"},
+        {"disabled", [this] { configure([](auto& configuration) { configuration.onts[0].enabled = false; }); },
          "DISABLED", "DISABLED", "INITIAL"},
         {"with a wrong password",
          [this] {
-             auto wrong = configuration();
-             wrong.pon[0].compares_passwords = true;
-             plant.configure(wrong);
+             configure([](auto& configuration) { configuration.pon[0].compares_passwords = true; });
              pass(5min);
          },
          "AUTH_FAILED", "AUTHENTICATION", "INITIAL"},
     };
+    const auto in_service = plant;
     for (const auto& [name, prepare, before, reconfigured, rebooted] : cases) {
         SCOPED_TRACE(name);
-        plant.clear_all_faults();
-        plant.configure(configuration());
-        pass(10min);
-        ASSERT_EQ(state(), "OPERATIONAL");
+        plant = in_service;
         prepare();
         ASSERT_EQ(state(), before);
         const auto prepared = plant;
-        EXPECT_THAT(tell(OntCommand::reconfigure), ElementsAre(record_index_of(first)));
+        EXPECT_THAT(tell(OntCommand::reconfigure), ElementsAre(0));
         EXPECT_EQ(state(), reconfigured);
         EXPECT_TRUE(ont().has_local_data);
         plant = prepared;
-        EXPECT_THAT(tell(OntCommand::reboot), ElementsAre(record_index_of(first)));
+        EXPECT_THAT(tell(OntCommand::reboot), ElementsAre(0));
         EXPECT_EQ(state(), rebooted);
         EXPECT_TRUE(ont().has_local_data);
         plant = prepared;
         tell(OntCommand::reset);
         EXPECT_EQ(state(), rebooted);
         EXPECT_EQ(ont().has_local_data, rebooted != "INITIAL");
-        plant = prepared;
     }
-    plant.clear_all_faults();
-    pass(10min);
-    set("ont_los", "1/1");
+    plant = in_service;
+    set_fault("ont_los", "1/1");
     pass(1s);
     EXPECT_THAT(tell(OntCommand::reboot), IsEmpty()); // not in the list
     EXPECT_EQ(state(), "GONE");
 }
 
-TEST_F(RestartTest, AnOntThatRebootsHasServed) {
-    const auto since = ont().point.since;
-    tell(OntCommand::reboot);
-    ASSERT_TRUE(ont().last_service);
-    EXPECT_EQ(ont().last_service->since, since);
-    EXPECT_EQ(ont().last_service->until, plant.now());
-}
-
 TEST_F(RestartTest, NothingHappensWhileTheOltBoots) {
     tell(OntCommand::reconfigure);
     const auto begin = plant.now();
-    auto disabled = configuration();
-    disabled.pon[1].enabled = false;
-    plant.configure(disabled);
+    configure([](auto& configuration) { configuration.pon[1].enabled = false; });
     plant.boot(20s);
     EXPECT_EQ(plant.booted_at(), begin);
     // Of what was before the boot nothing is known.
@@ -130,7 +84,7 @@ TEST_F(RestartTest, NothingHappensWhileTheOltBoots) {
     EXPECT_FALSE(plant.front_link_is_up(1));
     pass(19s);
     // A port that is enabled meanwhile waits for the end as well.
-    plant.configure(configuration());
+    configure([](auto& configuration) { configuration.pon[1].enabled = true; });
     EXPECT_TRUE(plant.is_booting());
     for (unsigned port = 1; port <= pon_ports; ++port) {
         EXPECT_EQ(plant.channel_state(port), pon_channel_starting) << port;

@@ -3,13 +3,9 @@
 #include "simulator/plant/ont_layout.hpp"
 #include "tests/support/temporary_olt_root.hpp"
 #include "tests/system/process.hpp"
-#include "tests/unit/simulator/element_positions.hpp"
 #include "xpon/cfgdb/cfgdb_wrapper.hpp"
 #include "xpon/cfgdb/element_functions.hpp"
-#include "xpon/service/config_change.hpp"
 
-#include <cerrno>
-#include <chrono>
 #include <csignal>
 #include <string>
 #include <vector>
@@ -22,7 +18,6 @@
 namespace xpon::simulator {
 namespace {
 
-using testing::EndsWith;
 using testing::HasSubstr;
 
 class Simulator : public test::Process {
@@ -43,10 +38,6 @@ private:
 
 class SimulatorTest : public testing::Test {
 protected:
-    [[nodiscard]] bool exists(const char* path) const {
-        return std::filesystem::exists(root.path() / path);
-    }
-
     static std::vector<unsigned> configured_onts() {
         const cfgdb::CfgDbWrapper database("test");
         std::vector<unsigned> found;
@@ -54,6 +45,8 @@ protected:
             cfgdb::PonOnt ont;
             EXPECT_EQ(getRunDb_ZebGCfg_pon_ont(database.handle(), &ont, &index), 0);
             if (ont.serial != 0) {
+                EXPECT_EQ(ont.serial, serial_of({.port = index / 256U + 1, .ont = index % 256U + 1}));
+                EXPECT_EQ(ont.enabled, 1);
                 found.push_back(index);
             }
         }
@@ -65,37 +58,15 @@ protected:
 
 constexpr auto ready = "olt_simulator is ready";
 
-TEST_F(SimulatorTest, PlaysEveryPeerAndWritesDownCommits) {
-    Simulator simulator({"--plant", "empty"});
-    ASSERT_TRUE(simulator.wait_for_line(ready));
-    EXPECT_EQ(root.read("run/board"), "pon_ports 16\nfront_ports 8\n");
-    const auto endpoint = ipc::make_zmq_ipc({0x1bffff}, "none").value();
-    for (const auto& peer : peer_table) {
-        const auto connected = endpoint->connect(peer.address);
-        ASSERT_TRUE(connected) << peer.name << connected.error().to_string();
-        const auto unknown = static_cast<ipc::Operation>(0xffff);
-        EXPECT_EQ(endpoint->raw()->request(peer.address, unknown, {}, Ipc::default_deadline).status, EOPNOTSUPP);
-    }
-    const service::Config_change changes[] = {
-        {CommonGCfg_hostname, {0, 0}}, {ZebGCfg_pon_ont, {5, 0}}, {ZebGCfg_pon_ont, {6, 0}}};
-    endpoint->raw()->notify_all(ipc::Operation::configuration_changed, std::as_bytes(std::span(changes)));
-    // The answer to a later request says that the notice has been served.
-    const auto system_manager = peer_table.front().address;
-    endpoint->raw()->request(system_manager, static_cast<ipc::Operation>(0xffff), {}, Ipc::default_deadline);
-    EXPECT_THAT(root.read("var/log/events.log"),
-                EndsWith("Z commit by 0x001bffff: ZebGCfg.pon.ont=2 CommonGCfg.hostname=1\n"));
-}
-
 TEST_F(SimulatorTest, StopsOnSignalsAndLeavesNothingBehind) {
     for (const int signal : {SIGTERM, SIGINT}) {
         Simulator simulator({"--plant", "empty"});
         ASSERT_TRUE(simulator.wait_for_line(ready));
         EXPECT_EQ(root.read("run/olt_simulator.pid"), std::to_string(simulator.pid()) + "\n");
-        const auto begin = std::chrono::steady_clock::now();
+        EXPECT_EQ(root.read("run/board"), "pon_ports 16\nfront_ports 8\n");
         EXPECT_EQ(simulator.end(signal), 0);
-        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2));
-        EXPECT_FALSE(exists("run/olt_simulator.pid"));
-        EXPECT_FALSE(exists("run/board"));
+        EXPECT_FALSE(std::filesystem::exists(root.path() / "run/olt_simulator.pid"));
+        EXPECT_FALSE(std::filesystem::exists(root.path() / "run/board"));
         EXPECT_TRUE(std::filesystem::is_empty(root.path() / "run/ipc"));
     }
 }
@@ -126,17 +97,6 @@ TEST_F(SimulatorTest, ConfiguresAFreshOltOnce) {
         expected.push_back((port - 1) * 256);
     }
     EXPECT_EQ(configured_onts(), expected);
-    {
-        const cfgdb::CfgDbWrapper database("test");
-        const unsigned short index = 257;
-        cfgdb::PonOnt ont;
-        ASSERT_EQ(getRunDb_ZebGCfg_pon_ont(database.handle(), &ont, &index), 0);
-        EXPECT_EQ(ont.serial, serial_of({2, 2}));
-        EXPECT_STREQ(ont.description, "ONT 2/2");
-        EXPECT_EQ(ont.ont_template, 2);
-        EXPECT_EQ(ont.enabled, 1);
-        EXPECT_STREQ(ont.password, "");
-    }
     {
         Simulator simulator({"--onts", "40", "--configured", "40"});
         ASSERT_TRUE(simulator.wait_for_line(ready));
