@@ -21,7 +21,7 @@ Peer::Peer(const PeerDescription& description, Simulation& simulation)
     : description_(description), simulation_(simulation) {}
 
 const Fault* Peer::fault(FaultKind kind) const {
-    return simulation_.plant().faults().find(kind, target_of(description_.name));
+    return simulation_.plant().faults().find(kind, target_of(description_.name()));
 }
 
 bool Peer::is_up() const {

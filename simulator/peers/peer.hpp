@@ -28,10 +28,13 @@ struct PeerRoute {
 };
 
 struct PeerDescription {
-    std::string_view name;
     ipc::Address address;
     std::string_view log; ///< name of its file in the log folder; empty without one
     std::span<const PeerRoute> (*routes)();
+
+    [[nodiscard]] constexpr std::string_view name() const {
+        return ipc::name_of(address);
+    }
 };
 
 /// A peer daemon: answers by its routes, unless a fault of the plant says otherwise, and tells the simulation of

@@ -21,7 +21,7 @@ LiveOltTest::LiveOltTest(const std::vector<std::string>& options) {
     EXPECT_TRUE(simulator->wait_for_line("olt_simulator is ready"));
     endpoint = ipc::make_zmq_ipc(daemon_address, "none").value();
     for (const auto& peer : peer_table) {
-        EXPECT_TRUE(endpoint->connect(peer.address)) << peer.name;
+        EXPECT_TRUE(endpoint->connect(peer.address)) << peer.name();
     }
     control = std::make_unique<ControlClient>();
     database = std::make_unique<cfgdb::CfgDbWrapper>("test");
