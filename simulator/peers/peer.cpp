@@ -40,10 +40,11 @@ ipc::ServerAnswer Peer::handle(const ipc::ServerRequest& request) {
     ipc::ServerAnswer answer{EOPNOTSUPP, {}, {}};
     const auto routes = description_.routes();
     const auto route = std::ranges::find(routes, static_cast<ipc::Operation>(request.operation), &PeerRoute::operation);
-    if (const auto* const error = fault(FaultKind::peer_error)) {
-        answer.status = static_cast<int>(error->value);
-    } else if (static_cast<ipc::Operation>(request.operation) == ipc::Operation::accept_configuration) {
+    if (static_cast<ipc::Operation>(request.operation) == ipc::Operation::accept_configuration) {
+        // A daemon that fails at its own calls has nothing against a configuration.
         answer.status = fault(FaultKind::commit_refused) == nullptr ? 0 : EPERM;
+    } else if (const auto* const error = fault(FaultKind::peer_error)) {
+        answer.status = static_cast<int>(error->value);
     } else if (route != routes.end()) {
         answer = this->answer(*route, request);
     }

@@ -148,6 +148,7 @@ TEST_F(LiveOltTest, ASnapshotBringsBackAllButTheConfiguration) {
     must({"fault", "commit_refused", "igmp"});
     EXPECT_EQ(database->commit(endpoint).error().code, core::Error::InvalidState);
     must({"clear", "commit_refused", "igmp"});
+    must({"fault", "peer_error", "dna"});
     commit();
     must({"load", "cut"});
     must({"step", "400"});
