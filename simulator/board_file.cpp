@@ -1,6 +1,6 @@
 #include "simulator/board_file.hpp"
 
-#include "xpon/olt_root/olt_root.hpp"
+#include "xpon/peer_side/olt_root.hpp"
 
 #include <cerrno>
 #include <fstream>

@@ -1,9 +1,9 @@
 #include "simulator/configuration_follower.hpp"
 
-#include "xpon/cfgdb/configuration_file.hpp"
 #include "xpon/cfgdb/element_functions.hpp"
-#include "xpon/cfgdb/running_onts.hpp"
-#include "xpon/ipc/operations.hpp"
+#include "xpon/peer_side/configuration_file.hpp"
+#include "xpon/peer_side/operations.hpp"
+#include "xpon/peer_side/running_onts.hpp"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #include "simulator/device_facts_file.hpp"
 
-#include "xpon/olt_root/olt_root.hpp"
+#include "xpon/peer_side/olt_root.hpp"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "xpon/custom_layer/device_facts.h"
+#include "xpon/peer_side/device_facts.h"
 
 #include <optional>
 

@@ -2,7 +2,7 @@
 
 #include "simulator/device_facts_file.hpp"
 #include "simulator/plant/board_report.hpp"
-#include "xpon/olt_root/olt_root.hpp"
+#include "xpon/peer_side/olt_root.hpp"
 
 #include <system_error>
 #include <utility>

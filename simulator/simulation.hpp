@@ -6,7 +6,7 @@
 #include "simulator/options.hpp"
 #include "simulator/plant/plant.hpp"
 #include "simulator/plant/plant_clock.hpp"
-#include "xpon/custom_layer/device_facts.h"
+#include "xpon/peer_side/device_facts.h"
 #include "xpon/service/config_change.hpp"
 
 #include <functional>

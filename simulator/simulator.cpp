@@ -10,8 +10,8 @@
 #include "simulator/simulation.hpp"
 #include "simulator/single_instance.hpp"
 #include "simulator/stop_signals.hpp"
-#include "xpon/cfgdb/database_log.hpp"
-#include "xpon/olt_root/olt_root.hpp"
+#include "xpon/peer_side/database_log.hpp"
+#include "xpon/peer_side/olt_root.hpp"
 
 #include <chrono>
 #include <filesystem>

@@ -1,6 +1,6 @@
 #include "simulator/single_instance.hpp"
 
-#include "xpon/olt_root/olt_root.hpp"
+#include "xpon/peer_side/olt_root.hpp"
 
 #include <array>
 #include <cerrno>

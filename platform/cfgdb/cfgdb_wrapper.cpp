@@ -2,8 +2,8 @@
 
 #include "cfgdb/change_notice.hpp"
 #include "cfgdb/database.hpp"
-#include "xpon/cfgdb/database_log.hpp"
 #include "xpon/core/guard.hpp"
+#include "xpon/peer_side/database_log.hpp"
 
 #include <system_error>
 

@@ -1,8 +1,8 @@
-#include "xpon/cfgdb/configuration_file.hpp"
+#include "xpon/peer_side/configuration_file.hpp"
 
 #include "cfgdb/database.hpp"
 #include "serializer/c_boundary.hpp"
-#include "xpon/olt_root/olt_root.hpp"
+#include "xpon/peer_side/olt_root.hpp"
 
 namespace xpon::cfgdb {
 

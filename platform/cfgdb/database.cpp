@@ -8,7 +8,7 @@
 #include "cfgdb/users.hpp"
 #include "serializer/c_boundary.hpp"
 #include "serializer/object_json.hpp"
-#include "xpon/olt_root/olt_root.hpp"
+#include "xpon/peer_side/olt_root.hpp"
 
 #include <filesystem>
 #include <stdexcept>

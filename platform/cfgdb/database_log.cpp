@@ -1,4 +1,4 @@
-#include "xpon/cfgdb/database_log.hpp"
+#include "xpon/peer_side/database_log.hpp"
 
 namespace xpon::cfgdb {
 namespace {

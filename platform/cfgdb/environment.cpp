@@ -1,7 +1,7 @@
 #include "cfgdb/environment.hpp"
 
 #include "cfgdb/file_descriptor.hpp"
-#include "xpon/cfgdb/database_log.hpp"
+#include "xpon/peer_side/database_log.hpp"
 
 #include <cerrno>
 #include <filesystem>

@@ -1,7 +1,7 @@
 #include "cfgdb/records.hpp"
 
 #include "cfgdb/factory.hpp"
-#include "xpon/cfgdb/database_log.hpp"
+#include "xpon/peer_side/database_log.hpp"
 
 #include <algorithm>
 #include <set>

@@ -1,4 +1,4 @@
-#include "xpon/cfgdb/running_onts.hpp"
+#include "xpon/peer_side/running_onts.hpp"
 
 #include "cfgdb/database.hpp"
 #include "cfgdb/effective_ont.hpp"

@@ -6,8 +6,8 @@
 #include "cfgdb/saved_configuration.hpp"
 #include "cfgdb/users.hpp"
 #include "serializer/stamp.hpp"
-#include "xpon/cfgdb/database_log.hpp"
-#include "xpon/olt_root/olt_root.hpp"
+#include "xpon/peer_side/database_log.hpp"
+#include "xpon/peer_side/olt_root.hpp"
 
 #include <cerrno>
 #include <filesystem>

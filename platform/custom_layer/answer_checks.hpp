@@ -1,7 +1,7 @@
 #pragma once
 
 #include "xpon/custom_layer/custom_layer.h"
-#include "xpon/custom_layer/device_facts.h"
+#include "xpon/peer_side/device_facts.h"
 #include "xpon/ranges/vlan_range.h"
 
 #include <concepts>

@@ -2,7 +2,7 @@
 
 #include "custom_layer/own_connection.hpp"
 #include "custom_layer/peer_request.hpp"
-#include "xpon/ipc/operations.hpp"
+#include "xpon/peer_side/operations.hpp"
 
 #include <chrono>
 #include <cstring>

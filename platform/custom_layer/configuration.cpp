@@ -1,7 +1,7 @@
 #include "xpon/custom_layer/configuration.h"
 
 #include "custom_layer/peer_request.hpp"
-#include "xpon/cfgdb/configuration_file.hpp"
+#include "xpon/peer_side/configuration_file.hpp"
 
 int custom_layer__configuration_save(Ipc* ipc, const void* db, int, const char* path) {
     using namespace xpon::custom_layer;

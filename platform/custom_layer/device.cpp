@@ -3,7 +3,7 @@
 #include "custom_layer/answer_checks.hpp"
 #include "custom_layer/peer_request.hpp"
 #include "xpon/core/unique_fd.hpp"
-#include "xpon/olt_root/olt_root.hpp"
+#include "xpon/peer_side/olt_root.hpp"
 
 #include <cinttypes>
 #include <cmath>

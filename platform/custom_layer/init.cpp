@@ -1,9 +1,9 @@
 #include "custom_layer/own_connection.hpp"
 #include "xpon/cfgdb/cfgdb_wrapper.hpp"
-#include "xpon/cfgdb/database_log.hpp"
 #include "xpon/core/guard.hpp"
 #include "xpon/custom_layer/custom_layer.h"
 #include "xpon/logger/logger.hpp"
+#include "xpon/peer_side/database_log.hpp"
 
 #include <cerrno>
 #include <memory>

@@ -1,7 +1,7 @@
 #include "xpon/custom_layer/log_files.h"
 
 #include "custom_layer/peer_request.hpp"
-#include "xpon/olt_root/olt_root.hpp"
+#include "xpon/peer_side/olt_root.hpp"
 
 #include <filesystem>
 #include <set>

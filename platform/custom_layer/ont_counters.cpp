@@ -1,7 +1,7 @@
 #include "xpon/custom_layer/ont_counters.h"
 
 #include "custom_layer/peer_request.hpp"
-#include "xpon/ipc/operations.hpp"
+#include "xpon/peer_side/operations.hpp"
 
 #include <array>
 

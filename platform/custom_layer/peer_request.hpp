@@ -2,7 +2,7 @@
 
 #include "custom_layer/answer_checks.hpp"
 #include "ipc/ipc_handle.hpp"
-#include "xpon/ipc/payload.hpp"
+#include "xpon/peer_side/payload.hpp"
 
 #include <algorithm>
 #include <cerrno>

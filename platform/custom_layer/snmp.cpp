@@ -1,7 +1,7 @@
 #include "xpon/custom_layer/snmp.h"
 
 #include "custom_layer/peer_request.hpp"
-#include "xpon/ipc/operations.hpp"
+#include "xpon/peer_side/operations.hpp"
 
 int custom_layer__generating_engine_id(Ipc* ipc, Snmp_environment_data* out) {
     using namespace xpon::custom_layer;

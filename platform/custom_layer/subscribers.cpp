@@ -1,6 +1,6 @@
 #include "custom_layer/peer_request.hpp"
 #include "xpon/custom_layer/custom_layer.h"
-#include "xpon/ipc/operations.hpp"
+#include "xpon/peer_side/operations.hpp"
 #include "xpon/ranges/vlan_range.h"
 
 #include <algorithm>

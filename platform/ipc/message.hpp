@@ -1,7 +1,7 @@
 #pragma once
 
 #include "xpon/ipc/address.hpp"
-#include "xpon/ipc/operations.hpp"
+#include "xpon/peer_side/operations.hpp"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "ipc/socket_path.hpp"
 
-#include "xpon/olt_root/olt_root.hpp"
+#include "xpon/peer_side/olt_root.hpp"
 
 #include <cstddef>
 

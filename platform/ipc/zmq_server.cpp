@@ -3,7 +3,7 @@
 #include "ipc/zmq_socket.hpp"
 #include "xpon/core/guard.hpp"
 #include "xpon/core/unique_fd.hpp"
-#include "xpon/ipc/server.hpp"
+#include "xpon/peer_side/server.hpp"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,5 +1,5 @@
 #include "xpon/logger/logger.hpp"
-#include "xpon/olt_root/olt_root.hpp"
+#include "xpon/peer_side/olt_root.hpp"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,4 +1,4 @@
-#include "xpon/olt_root/olt_root.hpp"
+#include "xpon/peer_side/olt_root.hpp"
 
 #include <cstdlib>
 

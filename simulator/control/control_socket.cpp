@@ -1,6 +1,6 @@
 #include "simulator/control/control_socket.hpp"
 
-#include "xpon/olt_root/olt_root.hpp"
+#include "xpon/peer_side/olt_root.hpp"
 
 #include <array>
 #include <cerrno>

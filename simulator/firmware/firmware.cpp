@@ -3,7 +3,7 @@
 #include "simulator/firmware/image_maker.hpp"
 #include "simulator/plant/fixed_text.hpp"
 #include "xpon/custom_layer/commands.h"
-#include "xpon/olt_root/olt_root.hpp"
+#include "xpon/peer_side/olt_root.hpp"
 
 #include <algorithm>
 #include <cerrno>

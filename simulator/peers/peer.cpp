@@ -1,7 +1,7 @@
 #include "simulator/peers/peer.hpp"
 
 #include "simulator/peers/change_notice.hpp"
-#include "xpon/olt_root/olt_root.hpp"
+#include "xpon/peer_side/olt_root.hpp"
 
 #include <algorithm>
 #include <system_error>

@@ -2,9 +2,9 @@
 
 #include "simulator/event_log.hpp"
 #include "simulator/simulation.hpp"
-#include "xpon/ipc/operations.hpp"
-#include "xpon/ipc/payload.hpp"
-#include "xpon/ipc/server.hpp"
+#include "xpon/peer_side/operations.hpp"
+#include "xpon/peer_side/payload.hpp"
+#include "xpon/peer_side/server.hpp"
 
 #include <cerrno>
 #include <chrono>

@@ -3,7 +3,7 @@
 #include "simulator/peers/peer.hpp"
 #include "simulator/simulation.hpp"
 #include "xpon/core/result.hpp"
-#include "xpon/ipc/server.hpp"
+#include "xpon/peer_side/server.hpp"
 
 #include <memory>
 #include <vector>

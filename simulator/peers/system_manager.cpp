@@ -4,7 +4,7 @@
 #include "simulator/peers/peer_table.hpp"
 #include "simulator/plant/board_report.hpp"
 #include "xpon/custom_layer/commands.h"
-#include "xpon/olt_root/olt_root.hpp"
+#include "xpon/peer_side/olt_root.hpp"
 
 #include <array>
 #include <climits>

@@ -2,8 +2,8 @@
 
 #include "simulator/firmware/firmware_slots.hpp"
 #include "simulator/plant/plant.hpp"
-#include "xpon/custom_layer/device_facts.h"
 #include "xpon/custom_layer/system.h"
+#include "xpon/peer_side/device_facts.h"
 
 #include <cstdint>
 

@@ -1,7 +1,7 @@
 #include "simulator/plant/fault_kinds.hpp"
 
 #include "simulator/plant/ont_layout.hpp"
-#include "xpon/ipc/operations.hpp"
+#include "xpon/peer_side/operations.hpp"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "simulator/plant/ont_layout.hpp"
-#include "xpon/cfgdb/running_onts.hpp"
+#include "xpon/peer_side/running_onts.hpp"
 
 #include <array>
 #include <bitset>

@@ -1,6 +1,6 @@
 #include "simulator/sim_command/control_client.hpp"
 
-#include "xpon/olt_root/olt_root.hpp"
+#include "xpon/peer_side/olt_root.hpp"
 
 #include <array>
 #include <cerrno>

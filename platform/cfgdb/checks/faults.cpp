@@ -1,7 +1,7 @@
 #include "cfgdb/checks/faults.hpp"
 
 #include "cfgdb/ont_number.hpp"
-#include "xpon/cfgdb/database_log.hpp"
+#include "xpon/peer_side/database_log.hpp"
 
 #include <algorithm>
 

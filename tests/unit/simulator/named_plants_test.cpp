@@ -10,7 +10,7 @@
 #include "simulator/plant/pppoe_sessions.hpp"
 #include "tests/support/temporary_olt_root.hpp"
 #include "tests/unit/simulator/plant_fixture.hpp"
-#include "xpon/ipc/payload.hpp"
+#include "xpon/peer_side/payload.hpp"
 
 #include <cstddef>
 #include <cstring>

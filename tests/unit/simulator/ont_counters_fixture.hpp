@@ -2,7 +2,7 @@
 
 #include "simulator/plant/counter_report.hpp"
 #include "tests/unit/simulator/plant_fixture.hpp"
-#include "xpon/ipc/payload.hpp"
+#include "xpon/peer_side/payload.hpp"
 
 #include <algorithm>
 #include <cstring>

@@ -1,5 +1,5 @@
 #include "tests/unit/simulator/ont_counters_fixture.hpp"
-#include "xpon/ipc/payload.hpp"
+#include "xpon/peer_side/payload.hpp"
 
 #include <array>
 #include <map>

@@ -2,8 +2,8 @@
 #include "tests/support/recording_logger.hpp"
 #include "tests/support/temporary_olt_root.hpp"
 #include "tests/unit/platform/cfgdb/edits.hpp"
-#include "xpon/cfgdb/database_log.hpp"
 #include "xpon/cfgdb/element_functions.hpp"
+#include "xpon/peer_side/database_log.hpp"
 #include "xpon/service/config_change.hpp"
 
 #include <cerrno>

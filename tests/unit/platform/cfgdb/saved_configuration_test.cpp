@@ -3,8 +3,8 @@
 #include "tests/support/recording_logger.hpp"
 #include "tests/support/temporary_olt_root.hpp"
 #include "tests/unit/platform/cfgdb/edits.hpp"
-#include "xpon/cfgdb/configuration_file.hpp"
-#include "xpon/cfgdb/database_log.hpp"
+#include "xpon/peer_side/configuration_file.hpp"
+#include "xpon/peer_side/database_log.hpp"
 
 #include <cerrno>
 #include <fstream>

@@ -1,6 +1,6 @@
 #include "tests/support/temporary_olt_root.hpp"
 #include "xpon/custom_layer/custom_layer.h"
-#include "xpon/custom_layer/device_facts.h"
+#include "xpon/peer_side/device_facts.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,6 +1,6 @@
 #include "ipc/ipc_handle.hpp"
 #include "xpon/custom_layer/custom_layer.h"
-#include "xpon/ipc/payload.hpp"
+#include "xpon/peer_side/payload.hpp"
 
 #include <cerrno>
 #include <cstring>

@@ -5,7 +5,7 @@
 #include "tests/support/eventually.hpp"
 #include "tests/support/recording_logger.hpp"
 #include "tests/support/temporary_olt_root.hpp"
-#include "xpon/ipc/server.hpp"
+#include "xpon/peer_side/server.hpp"
 
 #include <functional>
 #include <memory>

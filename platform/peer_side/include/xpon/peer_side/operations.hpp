@@ -51,7 +51,7 @@ constexpr std::string_view name_of(Address peer) {
 }
 
 /// The operations that peers understand, one number space for all of them. The payloads of requests and answers are
-/// records of the custom layer's headers, or lists of them (xpon/ipc/payload.hpp).
+/// records of the custom layer's headers, or lists of them (xpon/peer_side/payload.hpp).
 enum class Operation : std::uint16_t {
     hello = 1,
     /// Notice: an array of service::Config_change, what a commit changed in the running configuration.
