@@ -1,26 +1,26 @@
 #include "xpon/peer_side/configuration_file.hpp"
 
 #include "cfgdb/database.hpp"
-#include "serializer/c_boundary.hpp"
+#include "xpon/core/c_function.hpp"
 #include "xpon/peer_side/olt_root.hpp"
 
 namespace xpon::cfgdb {
 
 int save_running_configuration(const void* db, const char* path) {
-    return c_call([&] {
+    return core::c_function([&] {
         if (path == nullptr) {
-            fail_with(EINVAL);
+            core::fail_with(EINVAL);
         }
         database_of(db).save(below_olt_root(path));
     });
 }
 
 int set_candidate_to_factory(const void* db) {
-    return c_call([&] { database_of(db).set_candidate_to_factory(); });
+    return core::c_function([&] { database_of(db).set_candidate_to_factory(); });
 }
 
 int restart_from_saved_configuration(const void* db) {
-    return c_call([&] { database_of(db).restart(); });
+    return core::c_function([&] { database_of(db).restart(); });
 }
 
 } // namespace xpon::cfgdb

@@ -6,8 +6,8 @@
 #include "cfgdb/saved_configuration.hpp"
 #include "cfgdb/startup.hpp"
 #include "cfgdb/users.hpp"
-#include "serializer/c_boundary.hpp"
 #include "serializer/object_json.hpp"
+#include "xpon/core/c_function.hpp"
 #include "xpon/peer_side/olt_root.hpp"
 
 #include <filesystem>
@@ -91,7 +91,7 @@ void Database::write(const RecordId& id, const std::byte* record) const {
     const auto& table = element(id.element).table;
     std::vector<std::byte> canonical(table.size);
     if (!serializer::copy_canonically(table, record, canonical.data())) {
-        fail_with(EINVAL);
+        core::fail_with(EINVAL);
     }
     WriteTransaction transaction(environment_);
     RecordWriter(transaction).set_candidate(id, canonical);
@@ -154,7 +154,7 @@ std::optional<User_record> Database::find_user(std::string_view name) const {
 
 const Database& database_of(const void* handle) {
     if (handle == nullptr) {
-        fail_with(EINVAL);
+        core::fail_with(EINVAL);
     }
     return *static_cast<const Database*>(handle);
 }

@@ -1,7 +1,7 @@
 #include "xpon/cfgdb/element_functions.hpp"
 
 #include "cfgdb/database.hpp"
-#include "serializer/c_boundary.hpp"
+#include "xpon/core/c_function.hpp"
 
 #include <cstring>
 
@@ -15,10 +15,10 @@ RecordId make_id(ElementId id, const unsigned short* indices) {
     RecordId result{id, {}};
     for (unsigned level = 0; level < row.depth; ++level) {
         if (indices == nullptr) {
-            fail_with(EINVAL);
+            core::fail_with(EINVAL);
         }
         if (indices[level] >= row.sizes[level]) {
-            fail_with(ERANGE);
+            core::fail_with(ERANGE);
         }
         result.indices[level] = indices[level];
     }
@@ -26,9 +26,9 @@ RecordId make_id(ElementId id, const unsigned short* indices) {
 }
 
 int read_record(const void* handle, Store store, ElementId id, void* out, const unsigned short* indices) {
-    return c_call([&] {
+    return core::c_function([&] {
         if (out == nullptr) {
-            fail_with(EINVAL);
+            core::fail_with(EINVAL);
         }
         std::memset(out, 0, element(id).table.size);
         database_of(handle).read(store, make_id(id, indices), static_cast<std::byte*>(out));
@@ -36,16 +36,16 @@ int read_record(const void* handle, Store store, ElementId id, void* out, const 
 }
 
 int write_record(const void* handle, ElementId id, const void* record, const unsigned short* indices) {
-    return c_call([&] {
+    return core::c_function([&] {
         if (record == nullptr) {
-            fail_with(EINVAL);
+            core::fail_with(EINVAL);
         }
         database_of(handle).write(make_id(id, indices), static_cast<const std::byte*>(record));
     });
 }
 
 int reset_record(const void* handle, ElementId id, const unsigned short* indices) {
-    return c_call([&] { database_of(handle).reset(make_id(id, indices)); });
+    return core::c_function([&] { database_of(handle).reset(make_id(id, indices)); });
 }
 
 } // namespace
@@ -67,9 +67,9 @@ int reset_record(const void* handle, ElementId id, const unsigned short* indices
 XPON_CFGDB_ELEMENTS(XPON_DEFINE_CFGDB_FUNCTIONS)
 
 int getRunDbArray_ZebGCfg_switch_config_front_port(const void* db, FrontPort* out) {
-    return c_call([&] {
+    return core::c_function([&] {
         if (out == nullptr) {
-            fail_with(EINVAL);
+            core::fail_with(EINVAL);
         }
         constexpr auto id = element_of<FrontPort>;
         std::memset(out, 0, (element(id).sizes[0] + 1U) * sizeof(FrontPort));

@@ -1,8 +1,8 @@
 #include "serializer/record_json.hpp"
 
-#include "serializer/c_boundary.hpp"
 #include "serializer/contradictions.hpp"
 #include "serializer/object_json.hpp"
+#include "xpon/core/c_function.hpp"
 
 #include <cstring>
 
@@ -18,9 +18,9 @@ void hand_over(FieldErrors& found, cJSON** errors) {
 } // namespace
 
 int serialize_record(const Table& table, const void* record, cJSON* target, cJSON** errors) noexcept {
-    return c_call([&] {
+    return core::c_function([&] {
         if (record == nullptr || target == nullptr || errors == nullptr) {
-            fail_with(EINVAL);
+            core::fail_with(EINVAL);
         }
         FieldErrors found;
         write_object(table, static_cast<const std::byte*>(record), *target, found, nullptr);
@@ -29,9 +29,9 @@ int serialize_record(const Table& table, const void* record, cJSON* target, cJSO
 }
 
 int deserialize_record(const Table& table, const cJSON* data, void* record, cJSON** errors) noexcept {
-    return c_call([&] {
+    return core::c_function([&] {
         if (record == nullptr || errors == nullptr) {
-            fail_with(EINVAL);
+            core::fail_with(EINVAL);
         }
         auto* const bytes = static_cast<std::byte*>(record);
         std::memset(bytes, 0, table.size);
