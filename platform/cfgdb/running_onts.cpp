@@ -2,6 +2,7 @@
 
 #include "cfgdb/database.hpp"
 #include "cfgdb/effective_ont.hpp"
+#include "serializer/stamp.hpp"
 
 #include <algorithm>
 #include <cstddef>
@@ -10,56 +11,37 @@
 namespace xpon::cfgdb {
 namespace {
 
-/// Hash FNV-1a.
-class Digest {
-public:
-    void add(Bytes bytes) {
-        for (const auto byte : bytes) {
-            value_ = (value_ ^ std::to_integer<std::uint64_t>(byte)) * 0x100000001b3U;
-        }
-    }
-    template <class Number>
-    void add_number(Number number) {
-        add(std::as_bytes(std::span(&number, 1)));
-    }
-    [[nodiscard]] std::uint64_t value() const {
-        return value_;
-    }
+using serializer::Stamp;
 
-private:
-    std::uint64_t value_ = 0xcbf29ce484222325U;
-};
-
-void add_profiles(Digest& digest, const Records& records, const EffectiveOnt& ont) {
+void add_profiles(Stamp& stamp, const Records& records, const EffectiveOnt& ont) {
     // Every profile begins with its name.
     static constexpr std::size_t name_size = sizeof ProfileOntDba::name;
     for (const auto& reference : ont.references) {
         if (reference.element == element_of<OntTemplate>) {
             continue;
         }
-        digest.add_number(reference.element);
-        digest.add_number(reference.number);
+        stamp.add(static_cast<std::int64_t>(reference.element));
+        stamp.add(std::int64_t{reference.number});
         const RecordId id{reference.element, {static_cast<std::uint16_t>(reference.number - 1), 0}};
-        digest.add(records.running(id).subspan(name_size));
+        stamp.add(records.running(id).subspan(name_size));
     }
 }
 
 std::uint64_t provision_of(const Records& records, const EffectiveOnt& ont, bool upstream_fec) {
-    Digest digest;
-    add_profiles(digest, records, ont);
+    Stamp stamp;
+    add_profiles(stamp, records, ont);
     for (const auto& service : ont.services) {
         const auto& own = ont.own_services[service.position];
-        for (const std::uint32_t number :
-             {std::uint32_t{service.position}, std::uint32_t{service.cross_connect}, std::uint32_t{service.dba},
-              std::uint32_t{service.s_vid}, std::uint32_t{service.c_vid}, std::uint32_t{own.mac_limit},
-              own.downstream_kbps, own.upstream_kbps, own.static_ip}) {
-            digest.add_number(number);
+        for (const std::int64_t number : std::initializer_list<std::int64_t>{
+                 service.position, service.cross_connect, service.dba, service.s_vid, service.c_vid, own.mac_limit,
+                 own.downstream_kbps, own.upstream_kbps, own.static_ip}) {
+            stamp.add(number);
         }
-        digest.add(std::as_bytes(std::span(own.subscriber_id)));
+        stamp.add(std::as_bytes(std::span(own.subscriber_id)));
     }
-    digest.add_number(upstream_fec);
-    digest.add(std::as_bytes(std::span(ont.record.lines)));
-    return digest.value();
+    stamp.add(std::int64_t{upstream_fec});
+    stamp.add(std::as_bytes(std::span(ont.record.lines)));
+    return stamp.value();
 }
 
 /// The lower of two rates, of which 0 is no limit.

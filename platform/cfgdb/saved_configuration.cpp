@@ -2,6 +2,7 @@
 
 #include "serializer/cjson_tree.hpp"
 #include "serializer/record_json.hpp"
+#include "xpon/core/json_tree.hpp"
 
 #include <algorithm>
 #include <charconv>
@@ -25,20 +26,6 @@ std::uint32_t checksum(std::string_view text) {
     return crc.checksum();
 }
 
-struct TextDeleter {
-    void operator()(char* text) const {
-        cJSON_free(text);
-    }
-};
-
-std::string print(const cJSON& tree) {
-    const std::unique_ptr<char, TextDeleter> text(cJSON_PrintUnformatted(&tree));
-    if (!text) {
-        throw std::bad_alloc();
-    }
-    return text.get();
-}
-
 std::string print_record(const RecordId& id, Bytes stored) {
     const auto& table = element(id.element).table;
     // In the database a record may lie at any address.
@@ -49,7 +36,7 @@ std::string print_record(const RecordId& id, Bytes stored) {
         throw std::bad_alloc();
     }
     const Tree owner(errors);
-    return print(*target);
+    return core::print_line(target.get()).get();
 }
 
 /// The key of a record within its element; empty for an element of depth 0.
@@ -93,8 +80,8 @@ core::Result<void> read_record(const RecordId& id, const cJSON& data, SavedRecor
     }
     const Tree owner(errors);
     if (errors != nullptr) {
-        return refuse(
-            fmt::format("record {} {} is refused: {}", element(id.element).suffix, key_of(id), print(*errors->child)));
+        return refuse(fmt::format("record {} {} is refused: {}", element(id.element).suffix, key_of(id),
+                                  core::print_line(errors->child).get()));
     }
     records.emplace_back(id, std::move(record));
     return core::success();
@@ -137,7 +124,7 @@ core::Result<void> check_frame(const cJSON& file, const cJSON* records) {
     if (!has_number(file, "version", format_version)) {
         return refuse(fmt::format("its version is not {}", format_version));
     }
-    if (cJSON_IsObject(records) == 0 || !has_number(file, "crc32", checksum(print(*records)))) {
+    if (cJSON_IsObject(records) == 0 || !has_number(file, "crc32", checksum(core::print_line(records).get()))) {
         return refuse("its checksum is wrong");
     }
     return core::success();

@@ -1,5 +1,6 @@
 #include "xpon/cfgdb/records/pon_ont.hpp"
 #include "xpon/custom_layer/onts.h"
+#include "xpon/peer_side/serial_bytes.hpp"
 
 #include <algorithm>
 #include <limits>
@@ -9,10 +10,9 @@ int custom_layer__is_ont_configured_unsafe(const xpon::cfgdb::PonOnt* record) {
 }
 
 void unsigned_long_serial_to_bin(std::uint64_t serial, std::uint8_t* serial_bin) {
-    std::fill_n(serial_bin, ont_serial_bin_size, std::uint8_t{0});
-    for (std::size_t byte = sizeof serial; byte-- > 0; serial >>= 8) {
-        serial_bin[byte] = static_cast<std::uint8_t>(serial);
-    }
+    const auto bytes = xpon::serial_bytes(serial);
+    static_assert(bytes.size() == ont_serial_bin_size);
+    std::ranges::copy(bytes, serial_bin);
 }
 
 unsigned short get_ont_config_index(unsigned port, unsigned ont) {

@@ -1,7 +1,11 @@
 #include "xpon/ranges/bitfield.h"
 
+#include "xpon/core/c_function.hpp"
+
 #include <algorithm>
 #include <cerrno>
+
+using namespace xpon;
 
 namespace {
 
@@ -12,16 +16,15 @@ std::uint32_t bytes_of(std::uint32_t size) {
 } // namespace
 
 int bitfield_set_bit(std::uint8_t* bits, std::uint32_t size, std::uint32_t bit) {
-    if (bits == nullptr) {
-        errno = EINVAL;
-        return -1;
-    }
-    if (bit >= size) {
-        errno = ERANGE;
-        return -1;
-    }
-    bits[bit / 8] = static_cast<std::uint8_t>(bits[bit / 8] | 1U << bit % 8);
-    return 0;
+    return core::c_function([&] {
+        if (bits == nullptr) {
+            core::fail_with(EINVAL);
+        }
+        if (bit >= size) {
+            core::fail_with(ERANGE);
+        }
+        bits[bit / 8] = static_cast<std::uint8_t>(bits[bit / 8] | 1U << bit % 8);
+    });
 }
 
 void bitfield_reset(std::uint8_t* bits, std::uint32_t size) {

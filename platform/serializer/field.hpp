@@ -1,8 +1,10 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 namespace xpon::serializer {
 
@@ -70,6 +72,13 @@ struct Table {
     RecordRules rules;
     std::uint64_t stamp; ///< changes with everything that changes the meaning of a stored record
 };
+
+/// Null when no field of the table has the key.
+inline const Field* find_field(const Table& table, std::string_view key) {
+    const auto found =
+        std::ranges::find(table.fields, key, [](const Field& field) { return std::string_view(field.key); });
+    return found == table.fields.end() ? nullptr : &*found;
+}
 
 /// Fields that a table may have: the reader keeps one slot each on its stack.
 inline constexpr std::size_t most_fields = 32;

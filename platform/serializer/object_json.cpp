@@ -25,15 +25,14 @@ Found sort_members(const Table& table, const cJSON& data) {
     constexpr std::size_t most_unknown = 32; // more than that is never reported
     Found found;
     for (const cJSON* member = data.child; member != nullptr; member = member->next) {
-        const auto field = std::ranges::find(table.fields, key_of(*member),
-                                             [](const Field& entry) { return std::string_view(entry.key); });
-        if (field == table.fields.end()) {
+        const auto* const field = find_field(table, key_of(*member));
+        if (field == nullptr) {
             if (found.unknown.size() < most_unknown) {
                 found.unknown.push_back(member);
             }
             continue;
         }
-        const auto position = static_cast<std::size_t>(field - table.fields.begin());
+        const auto position = static_cast<std::size_t>(field - table.fields.data());
         found.repeated[position] = found.values[position] != nullptr;
         found.values[position] = member;
     }

@@ -2,12 +2,14 @@
 
 #include "serializer/field.hpp"
 
+#include <cstddef>
+#include <cstdint>
+#include <span>
 #include <string_view>
 
 namespace xpon::serializer {
 
-/// FNV-1a over what a table says about the layout and the limits of its record. Defaults do not count: a stored
-/// record holds every field.
+/// A digest [FNV-1a, 64 bits] that changes with what is added to it, the same in every process.
 class Stamp {
 public:
     constexpr void add(std::int64_t number) {
@@ -23,6 +25,14 @@ public:
         add_byte(0);
     }
 
+    constexpr void add(std::span<const std::byte> bytes) {
+        for (const auto byte : bytes) {
+            add_byte(std::to_integer<std::uint8_t>(byte));
+        }
+    }
+
+    /// What a table says about the layout and the limits of a field. Defaults do not count: a stored record holds
+    /// every field.
     constexpr void add(const Field& field) {
         add(std::string_view(field.key));
         for (const std::int64_t number :

@@ -1,12 +1,11 @@
 #include "cfgdb/checks/checks.hpp"
 #include "cfgdb/ont_number.hpp"
+#include "xpon/peer_side/gpon_rates.hpp"
 
 #include <set>
 
 namespace xpon::cfgdb {
 namespace {
-
-constexpr std::uint64_t upstream_kbps = 1244160; // [G.984.2]
 
 void check_limit(const CheckContext& context, std::uint16_t pon_port) {
     const auto load = context.index.load_of(pon_port);
@@ -39,9 +38,9 @@ void check_passwords(const CheckContext& context, std::uint16_t pon_port) {
 void check_guaranteed_bandwidth(const CheckContext& context) {
     for (const auto pon_port : context.touched.pon_ports) {
         const auto sum = context.index.load_of(pon_port).guaranteed_kbps;
-        if (sum > upstream_kbps) {
+        if (sum > gpon_upstream_kbps) {
             context.faults.add(id_of<PonPort>(pon_port), "Guaranteed upstream bandwidth {} kbit/s exceeds {} kbit/s",
-                               sum, upstream_kbps);
+                               sum, gpon_upstream_kbps);
         }
     }
 }

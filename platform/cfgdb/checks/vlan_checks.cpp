@@ -1,8 +1,8 @@
 #include "cfgdb/checks/checks.hpp"
 #include "ranges/board_ports.hpp"
+#include "xpon/peer_side/bits.hpp"
 
 #include <algorithm>
-#include <array>
 #include <bitset>
 #include <set>
 #include <vector>
@@ -28,7 +28,7 @@ VlanBits carried_vlans(const Records& records) {
         }
         carried[port.pvid] = true;
         for (std::size_t vlan = 0; vlan < carried.size(); ++vlan) {
-            carried[vlan] = carried[vlan] || (port.tagged_vlans[vlan / 8] >> vlan % 8 & 1U) != 0;
+            carried[vlan] = carried[vlan] || has_bit(port.tagged_vlans, vlan);
         }
     }
     return carried;
@@ -49,10 +49,14 @@ bool is_compatible(const Claim& left, const Claim& right) {
     return left.role == VlanUse::multicast_vlan || left.model == right.model;
 }
 
+const char* name_of(VlanModel model) {
+    const auto* const field = serializer::find_field(element(element_of<ProfileOntCrossConnect>).table, "vlan_model");
+    return field->names[static_cast<std::size_t>(model)];
+}
+
 const char* name_of_use(const Claim& claim, const Claim& other) {
-    static constexpr std::array model_names{"n_to_1", "one_to_one", "tls"};
     if (claim.role == other.role) {
-        return model_names[static_cast<std::size_t>(claim.model)];
+        return name_of(claim.model);
     }
     return claim.role == VlanUse::multicast_vlan ? "multicast_vid" : "s_vid";
 }

@@ -1,6 +1,7 @@
 #include "serializer/ipv4_text.hpp"
 #include "serializer/kinds/kind_functions.hpp"
 #include "serializer/record_memory.hpp"
+#include "xpon/peer_side/serial_bytes.hpp"
 
 #include <array>
 #include <charconv>
@@ -67,23 +68,22 @@ Tree write_mac(const Field& field, const std::byte* record, FieldErrors&, const 
     return owned(cJSON_CreateString(fmt::format("{:02X}", fmt::join(load<Mac>(field, record), ":")).c_str()));
 }
 
-// A serial is ten bytes on the wire, of which the last two are always 0.
-constexpr int serial_bytes = 10;
-constexpr int significant_serial_bytes = 8;
+constexpr int serial_size = std::tuple_size_v<decltype(serial_bytes(0))>;
+constexpr int significant_serial_size = sizeof(std::uint64_t);
 
 void read_serial(const Field& field, const cJSON& value, std::byte* record, FieldErrors& errors, const Path& path) {
     if (!expect_array(value, errors, path)) {
         return;
     }
     const auto size = cJSON_GetArraySize(&value);
-    if (size != serial_bytes) {
+    if (size != serial_size) {
         return errors.add(Json_errors::bad_serial_size, path,
-                          {static_cast<double>(serial_bytes), static_cast<double>(size)});
+                          {static_cast<double>(serial_size), static_cast<double>(size)});
     }
     std::uint64_t serial = 0;
     std::size_t position = 0;
     for (const cJSON* item = value.child; item != nullptr; item = item->next, ++position) {
-        const bool is_significant = position < significant_serial_bytes;
+        const bool is_significant = position < significant_serial_size;
         const auto byte = expect_integer(*item, 0, is_significant ? 255 : 0, errors, Path(position, &path));
         if (is_significant) {
             serial = (serial << 8U) | static_cast<std::uint64_t>(byte.value_or(0));
@@ -93,12 +93,9 @@ void read_serial(const Field& field, const cJSON& value, std::byte* record, Fiel
 }
 
 Tree write_serial(const Field& field, const std::byte* record, FieldErrors&, const Path&) {
-    const auto serial = load<std::uint64_t>(field, record);
     auto array = owned(cJSON_CreateArray());
-    for (unsigned position = 0; position < serial_bytes; ++position) {
-        append(*array, make_integer(position < significant_serial_bytes
-                                        ? static_cast<std::uint8_t>(serial >> (56U - 8U * position))
-                                        : 0));
+    for (const auto byte : serial_bytes(load<std::uint64_t>(field, record))) {
+        append(*array, make_integer(byte));
     }
     return array;
 }

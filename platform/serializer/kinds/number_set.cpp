@@ -1,6 +1,8 @@
+#include "ranges/number_list.hpp"
 #include "serializer/kinds/kind_functions.hpp"
-#include "serializer/number_list.hpp"
 #include "serializer/record_memory.hpp"
+#include "xpon/peer_side/bits.hpp"
+#include "xpon/ranges/bitfield.h"
 
 #include <array>
 
@@ -41,36 +43,40 @@ Tree write_ports(const Field& field, const std::byte* record, FieldErrors&, cons
     return array;
 }
 
-void store_vlans(const Field& field, std::byte* record, const NumberSet& vlans) {
+/// False for a bad list. An empty text is the empty set.
+bool store_vlans(const Field& field, std::byte* record, std::string_view list) {
+    ranges::NumberSet vlans;
+    if (!list.empty() && ranges::parse_number_list(list, static_cast<std::uint32_t>(field.max), vlans) != 0) {
+        return false;
+    }
     VlanBytes bytes{};
-    for (std::size_t vlan = 0; vlan < vlans.size(); ++vlan) {
-        bytes[vlan / 8] |= static_cast<std::uint8_t>((vlans[vlan] ? 1U : 0U) << vlan % 8);
+    for (std::uint32_t vlan = 0; vlan < vlans.size(); ++vlan) {
+        if (vlans[vlan]) {
+            bitfield_set_bit(bytes.data(), vlans.size(), vlan);
+        }
     }
     store(field, record, bytes);
+    return true;
 }
 
 void set_default_vlans(const Field& field, std::byte* record) {
-    store_vlans(field, record, parse_number_list(field.default_text).value());
+    store_vlans(field, record, field.default_text);
 }
 
 void read_vlans(const Field& field, const cJSON& value, std::byte* record, FieldErrors& errors, const Path& path) {
     const auto text = expect_string(value, errors, path);
-    if (!text) {
-        return;
+    if (text && !store_vlans(field, record, *text)) {
+        errors.add(Json_errors::bad_number_list, path, {*text});
     }
-    if (const auto vlans = parse_number_list(*text)) {
-        return store_vlans(field, record, *vlans);
-    }
-    errors.add(Json_errors::bad_number_list, path, {*text});
 }
 
 Tree write_vlans(const Field& field, const std::byte* record, FieldErrors&, const Path&) {
     const auto bytes = load<VlanBytes>(field, record);
-    NumberSet vlans;
-    for (std::size_t vlan = 0; vlan < vlans.size(); ++vlan) {
-        vlans[vlan] = (bytes[vlan / 8] >> vlan % 8 & 1U) != 0;
+    ranges::NumberSet vlans;
+    for (auto vlan = static_cast<std::size_t>(field.min); vlan <= static_cast<std::size_t>(field.max); ++vlan) {
+        vlans[vlan] = has_bit(bytes, vlan);
     }
-    return owned(cJSON_CreateString(format_number_list(vlans).c_str()));
+    return owned(cJSON_CreateString(ranges::format_number_list(vlans).c_str()));
 }
 
 } // namespace

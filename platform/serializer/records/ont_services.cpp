@@ -1,5 +1,6 @@
 #include "serializer/field_builders.hpp"
 #include "serializer/record_tables.hpp"
+#include "xpon/peer_side/gpon_rates.hpp"
 
 namespace xpon::serializer {
 namespace {
@@ -15,8 +16,8 @@ constexpr Field fields[] = {
     number(XPON_MEMBER(OntServices, s_vid), 0, 4094, 0),
     number(XPON_MEMBER(OntServices, c_vid), 0, 4094, 0),
     number(XPON_MEMBER(OntServices, mac_limit), 0, 255, 0),
-    number(XPON_MEMBER(OntServices, downstream_kbps), 0, 2488320, 0),
-    number(XPON_MEMBER(OntServices, upstream_kbps), 0, 1244160, 0),
+    number(XPON_MEMBER(OntServices, downstream_kbps), 0, gpon_downstream_kbps, 0),
+    number(XPON_MEMBER(OntServices, upstream_kbps), 0, gpon_upstream_kbps, 0),
     ipv4(XPON_MEMBER(OntServices, static_ip)),
     text(XPON_MEMBER(OntServices, subscriber_id), Characters::text),
 };

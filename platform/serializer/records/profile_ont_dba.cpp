@@ -1,5 +1,6 @@
 #include "serializer/field_builders.hpp"
 #include "serializer/record_tables.hpp"
+#include "xpon/peer_side/gpon_rates.hpp"
 
 namespace xpon::serializer {
 namespace {
@@ -9,7 +10,6 @@ using cfgdb::ProfileOntDba;
 constexpr const char* tcont_type_names[] = {"type1", "type2", "type3", "type4", "type5"};
 constexpr const char* additional_names[] = {"none", "non_assured", "best_effort"};
 
-constexpr std::int64_t gpon_upstream_kbps = 1244160;
 constexpr std::int64_t frame_byte_kbps = 64; // one byte per frame of 125 us
 
 constexpr Field fields[] = {

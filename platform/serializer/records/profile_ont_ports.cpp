@@ -1,5 +1,6 @@
 #include "serializer/field_builders.hpp"
 #include "serializer/record_tables.hpp"
+#include "xpon/peer_side/gpon_rates.hpp"
 
 namespace xpon::serializer {
 namespace {
@@ -44,7 +45,7 @@ constexpr Field fields[] = {
     enumeration(XPON_MEMBER(ProfileOntPortsCfg, igmp_mode), igmp_mode_names, ProfileOntPortsCfg::IgmpMode::snooping),
     boolean(XPON_MEMBER(ProfileOntPortsCfg, immediate_leave), true),
     number(XPON_MEMBER(ProfileOntPortsCfg, max_groups), 0, 255, 16),
-    number(XPON_MEMBER(ProfileOntPortsCfg, max_multicast_kbps), 0, 2488320, 0),
+    number(XPON_MEMBER(ProfileOntPortsCfg, max_multicast_kbps), 0, gpon_downstream_kbps, 0),
     list(XPON_MEMBER(ProfileOntPortsCfg, multicast_ranges), XPON_MEMBER(ProfileOntPortsCfg, multicast_ranges_count),
          range),
     array(XPON_MEMBER(ProfileOntPortsCfg, pots), telephone_port),

@@ -1,5 +1,6 @@
 #include "serializer/field_builders.hpp"
 #include "serializer/record_tables.hpp"
+#include "xpon/peer_side/gpon_rates.hpp"
 
 #include <iterator>
 
@@ -10,9 +11,6 @@ using cfgdb::ProfileOntShaping;
 using cfgdb::ShapingQueue;
 
 constexpr const char* scheduling_names[] = {"strict", "weighted"};
-
-constexpr std::int64_t gpon_downstream_kbps = 2488320;
-constexpr std::int64_t gpon_upstream_kbps = 1244160;
 
 constexpr Field queue_fields[] = {
     enumeration(XPON_MEMBER(ShapingQueue, scheduling), scheduling_names, ShapingQueue::Scheduling::strict),

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <new>
 
 #include <cjson/cJSON.h>
 
@@ -23,5 +24,14 @@ struct JsonTextDeleter {
 
 /// The owner of a text that cJSON printed.
 using JsonText = std::unique_ptr<char, JsonTextDeleter>;
+
+/// The tree as one line. Throws std::bad_alloc, also for a null tree: cJSON makes that of lack of memory alone.
+inline JsonText print_line(const cJSON* tree) {
+    JsonText text(cJSON_PrintUnformatted(tree));
+    if (!text) {
+        throw std::bad_alloc();
+    }
+    return text;
+}
 
 } // namespace xpon::core
