@@ -13,14 +13,8 @@ using xpon::ipc::Operation;
 namespace {
 
 /// An order to the system manager, over the layer's own connection.
-int order_device(Operation operation, std::span<const std::byte> question) {
-    auto* const connection = own_connection();
-    return connection == nullptr ? -1 : order(connection, operation, question);
-}
-
-template <class Range>
-int order_for(Ipc* ipc, Operation operation, const Range* range) {
-    return range == nullptr ? fail(EINVAL) : order(ipc, operation, question(*range));
+int order_device(Operation operation, const Question& question) {
+    return xpon::core::c_function([&] { return order(own_connection(), operation, question); });
 }
 
 /// Until the update has ended. The system manager keeps back the answer of one that goes on.
@@ -34,7 +28,7 @@ int await_update() {
             return -1;
         }
         if (Clock::now() >= deadline) {
-            return fail(ETIMEDOUT);
+            xpon::core::fail_with(ETIMEDOUT);
         }
     }
     return 0;
@@ -43,8 +37,8 @@ int await_update() {
 } // namespace
 
 int custom_layer__reboot(int when) {
-    return when != reboot_now ? fail(EINVAL)
-                              : order_device(Operation::reboot, question(static_cast<std::uint32_t>(when)));
+    const auto at = static_cast<std::uint32_t>(when);
+    return order_device(Operation::reboot, when == reboot_now ? question(at) : std::nullopt);
 }
 
 int custom_layer__reconfigure_olt() {
@@ -52,29 +46,27 @@ int custom_layer__reconfigure_olt() {
 }
 
 int custom_layer__update_firmware(const char* path) {
-    if (path == nullptr) {
-        return fail(EINVAL);
-    }
-    const auto text = std::as_bytes(std::span(path, std::strlen(path)));
-    return order_device(Operation::update_firmware, text) != 0 ? -1 : await_update();
+    const auto asked = path == nullptr ? Question() : std::as_bytes(std::span(path, std::strlen(path)));
+    return xpon::core::c_function(
+        [&] { return order_device(Operation::update_firmware, asked) != 0 ? -1 : await_update(); });
 }
 
 int custom_layer__select_image(Ipc* ipc, std::uint32_t selector, void* reserved) {
-    return reserved != nullptr ? fail(EINVAL) : order(ipc, Operation::select_image, question(selector));
+    return order(ipc, Operation::select_image, reserved == nullptr ? question(selector) : std::nullopt);
 }
 
 int custom_layer__reconfigure_pon_port(Ipc* ipc, const Bitmap_pon_port_range* range) {
-    return order_for(ipc, Operation::reconfigure_pon_ports, range);
+    return order(ipc, Operation::reconfigure_pon_ports, question_at(range));
 }
 
 int custom_layer__reconfigure_ont(Ipc* ipc, const Bitmap_ont_range* range) {
-    return order_for(ipc, Operation::reconfigure_onts, range);
+    return order(ipc, Operation::reconfigure_onts, question_at(range));
 }
 
 int custom_layer__omci_default(Ipc* ipc, const Bitmap_ont_range* range) {
-    return order_for(ipc, Operation::reset_onts, range);
+    return order(ipc, Operation::reset_onts, question_at(range));
 }
 
 int custom_layer__omci_reboot(Ipc* ipc, const Bitmap_ont_range* range) {
-    return order_for(ipc, Operation::reboot_onts, range);
+    return order(ipc, Operation::reboot_onts, question_at(range));
 }

@@ -1,14 +1,19 @@
 #include "xpon/custom_layer/device.h"
 
 #include "custom_layer/answer_checks.hpp"
-#include "custom_layer/peer_request.hpp"
+#include "xpon/core/c_function.hpp"
 #include "xpon/core/unique_fd.hpp"
 #include "xpon/peer_side/olt_root.hpp"
 
+#include <algorithm>
+#include <cerrno>
 #include <cinttypes>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <ctime>
+#include <string_view>
+#include <type_traits>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -16,35 +21,18 @@
 namespace {
 
 using namespace xpon;
-using custom_layer::fail;
-
-/// 0, or -1 with errno set.
-int read_facts(Device_facts& facts) {
-    try {
-        const core::UniqueFd file(::open(below_olt_root(device_facts_path).c_str(), O_RDONLY | O_CLOEXEC));
-        if (!file) {
-            return fail(errno == ENOENT ? ENODATA : EIO);
-        }
-        const bool is_whole = ::read(file.get(), &facts, sizeof facts) == ssize_t{sizeof facts};
-        return is_whole && custom_layer::is_sound(facts) ? 0 : fail(EIO);
-    } catch (const std::bad_alloc&) {
-        return fail(ENOMEM);
+/// Throws std::system_error ENODATA without the file, EIO for one that is not as it should be.
+Device_facts read_facts() {
+    const core::UniqueFd file(::open(below_olt_root(device_facts_path).c_str(), O_RDONLY | O_CLOEXEC));
+    if (!file) {
+        core::fail_with(errno == ENOENT ? ENODATA : EIO);
     }
-}
-
-/// Gives `out` the part of the facts that `choose` takes from them.
-template <class Part, class Choose>
-int copy_fact(Part* out, const Choose& choose) {
-    if (out == nullptr) {
-        return fail(EINVAL);
-    }
-    *out = {};
     Device_facts facts;
-    if (read_facts(facts) != 0) {
-        return -1;
+    const bool is_whole = ::read(file.get(), &facts, sizeof facts) == ssize_t{sizeof facts};
+    if (!is_whole || !custom_layer::is_sound(facts)) {
+        core::fail_with(EIO);
     }
-    *out = choose(facts);
-    return 0;
+    return facts;
 }
 
 double uptime_of(const Device_facts& facts) {
@@ -59,52 +47,50 @@ double uptime_of(const Device_facts& facts) {
 } // namespace
 
 int custom_layer__get_running_firmware_index(std::uint8_t* index) {
-    return copy_fact(index, [](const auto& facts) { return facts.running_slot; });
+    return core::c_function(index, [] { return read_facts().running_slot; });
 }
 
 int custom_layer__get_next_boot_firmware_index(std::uint8_t* index) {
-    return copy_fact(index, [](const auto& facts) { return facts.next_boot_slot; });
+    return core::c_function(index, [] { return read_facts().next_boot_slot; });
 }
 
 int custom_layer__get_firmware_version_info(std::uint8_t index, Firmware_version_info* out) {
-    if (out != nullptr && index >= std::size(Device_facts().slots)) {
-        *out = {};
-        return fail(ERANGE);
-    }
-    return copy_fact(out, [&](const auto& facts) { return facts.slots[index]; });
+    return core::c_function(out, [&] {
+        if (index >= std::extent_v<decltype(Device_facts::slots)>) {
+            core::fail_with(ERANGE);
+        }
+        return read_facts().slots[index];
+    });
 }
 
 int custom_layer__get_factory_info(Factory_info* out) {
-    return copy_fact(out, [](const auto& facts) { return facts.factory; });
+    return core::c_function(out, [] { return read_facts().factory; });
 }
 
 int custom_layer__get_formatted_uptime_str(char* out) {
-    if (out == nullptr) {
-        return fail(EINVAL);
-    }
-    *out = '\0';
-    Device_facts facts;
-    if (read_facts(facts) != 0) {
-        return -1;
-    }
-    const auto seconds = static_cast<std::uint64_t>(uptime_of(facts));
-    std::snprintf(out, formatted_uptime_size, "%" PRIu64 " days, %02u:%02u:%02u", seconds / 86400,
-                  static_cast<unsigned>(seconds / 3600 % 24), static_cast<unsigned>(seconds / 60 % 60),
-                  static_cast<unsigned>(seconds % 60));
-    return 0;
+    return core::c_function([&] {
+        if (out == nullptr) {
+            core::fail_with(EINVAL);
+        }
+        *out = '\0';
+        const auto seconds = static_cast<std::uint64_t>(uptime_of(read_facts()));
+        std::snprintf(out, formatted_uptime_size, "%" PRIu64 " days, %02u:%02u:%02u", seconds / 86400,
+                      static_cast<unsigned>(seconds / 3600 % 24), static_cast<unsigned>(seconds / 60 % 60),
+                      static_cast<unsigned>(seconds % 60));
+    });
 }
 
 int convert_factory_device_name_to_short_device_name(const char* factory_name, char* short_name) {
-    if (factory_name == nullptr || short_name == nullptr) {
-        return fail(EINVAL);
-    }
-    const std::string_view name(factory_name);
-    const auto length = std::min(name.find(' '), name.size());
-    *short_name = '\0';
-    if (length >= short_device_name_size) {
-        return fail(EMSGSIZE);
-    }
-    std::memcpy(short_name, factory_name, length);
-    short_name[length] = '\0';
-    return 0;
+    return core::c_function([&] {
+        if (factory_name == nullptr || short_name == nullptr) {
+            core::fail_with(EINVAL);
+        }
+        *short_name = '\0';
+        const std::string_view name(factory_name);
+        const auto first_word = name.substr(0, name.find(' '));
+        if (first_word.size() >= short_device_name_size) {
+            core::fail_with(EMSGSIZE);
+        }
+        *std::ranges::copy(first_word, short_name).out = '\0';
+    });
 }

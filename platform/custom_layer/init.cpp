@@ -1,5 +1,6 @@
 #include "custom_layer/own_connection.hpp"
 #include "xpon/cfgdb/cfgdb_wrapper.hpp"
+#include "xpon/core/c_function.hpp"
 #include "xpon/core/guard.hpp"
 #include "xpon/custom_layer/custom_layer.h"
 #include "xpon/logger/logger.hpp"
@@ -37,16 +38,15 @@ xpon::core::Result<void> open_database() {
 int custom_layer__init(zlog_category_s* category) {
     using namespace xpon;
 
-    if (category == nullptr) {
-        errno = EINVAL;
-        return -1;
-    }
-    const auto logger = std::make_shared<logger::Logger>(category);
-    cfgdb::set_database_log(logger);
-    custom_layer::renew_own_connection(logger);
-    if (!core::guarded(*logger, open_database)) {
-        errno = EIO;
-        return -1;
-    }
-    return 0;
+    return core::c_function([&] {
+        if (category == nullptr) {
+            core::fail_with(EINVAL);
+        }
+        const auto logger = std::make_shared<logger::Logger>(category);
+        cfgdb::set_database_log(logger);
+        custom_layer::renew_own_connection(logger);
+        if (!core::guarded(*logger, open_database)) {
+            core::fail_with(EIO);
+        }
+    });
 }

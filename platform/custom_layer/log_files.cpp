@@ -1,17 +1,24 @@
 #include "xpon/custom_layer/log_files.h"
 
-#include "custom_layer/peer_request.hpp"
+#include "custom_layer/c_block.hpp"
+#include "xpon/core/c_function.hpp"
 #include "xpon/peer_side/olt_root.hpp"
 
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
 #include <filesystem>
+#include <iterator>
 #include <set>
 #include <string>
 #include <system_error>
+#include <vector>
 
 namespace {
 
 namespace fs = std::filesystem;
-using xpon::custom_layer::fail;
+using namespace xpon;
+using namespace xpon::custom_layer;
 
 /// Files that a program is about to rotate away may vanish while they are looked at.
 bool is_log(const fs::directory_entry& entry) {
@@ -22,7 +29,7 @@ bool is_log(const fs::directory_entry& entry) {
 
 std::set<std::string> find_logs() {
     std::set<std::string> names;
-    for (const auto& entry : fs::directory_iterator(xpon::below_olt_root("/var/log"))) {
+    for (const auto& entry : fs::directory_iterator(below_olt_root("/var/log"))) {
         if (is_log(entry)) {
             names.insert(entry.path().filename().string());
         }
@@ -30,40 +37,34 @@ std::set<std::string> find_logs() {
     return names;
 }
 
-/// Null without memory; nothing is left then.
+CBlock<char> copy(const std::string& text) {
+    auto block = make_block<char>(text.size());
+    std::ranges::copy(text, block.get());
+    return block;
+}
+
+/// An array of malloc blocks in one of its own.
 char** copy_names(const std::set<std::string>& names) {
-    auto** const copies = static_cast<char**>(std::calloc(names.size(), sizeof(char*)));
-    std::size_t count = 0;
-    for (auto name = names.begin(); copies != nullptr && name != names.end(); ++name) {
-        copies[count] = ::strdup(name->c_str());
-        if (copies[count++] == nullptr) {
-            std::for_each_n(copies, count, [](char* copy) { std::free(copy); });
-            std::free(copies);
-            return nullptr;
-        }
-    }
-    return copies;
+    std::vector<CBlock<char>> copies;
+    std::ranges::transform(names, std::back_inserter(copies), copy);
+    auto array = make_block<char*>(copies.size() * sizeof(char*));
+    std::ranges::transform(copies, array.get(), [](auto& name) { return name.release(); });
+    return array.release();
 }
 
 } // namespace
 
 int custom_layer__get_list_log_files(const void* db, int, char*** names, std::uint32_t* count) {
-    if (db == nullptr || names == nullptr || count == nullptr) {
-        return fail(EINVAL);
-    }
-    *names = nullptr;
-    *count = 0;
-    try {
-        const auto logs = find_logs();
-        if (logs.empty()) {
-            return 0;
+    return core::c_function([&] {
+        if (db == nullptr || names == nullptr || count == nullptr) {
+            core::fail_with(EINVAL);
         }
-        *names = copy_names(logs);
-        *count = *names == nullptr ? 0 : static_cast<std::uint32_t>(logs.size());
-        return *names == nullptr ? fail(ENOMEM) : 0;
-    } catch (const fs::filesystem_error& error) {
-        return fail(error.code().value());
-    } catch (const std::bad_alloc&) {
-        return fail(ENOMEM);
-    }
+        *names = nullptr;
+        *count = 0;
+        const auto logs = find_logs();
+        if (!logs.empty()) {
+            *names = copy_names(logs);
+            *count = static_cast<std::uint32_t>(logs.size());
+        }
+    });
 }

@@ -1,7 +1,7 @@
 #include "custom_layer/own_connection.hpp"
 
-#include "custom_layer/peer_request.hpp"
 #include "ipc/zmq_ipc.hpp"
+#include "xpon/core/c_function.hpp"
 #include "xpon/logger/logger.hpp"
 
 #include <cerrno>
@@ -35,8 +35,7 @@ Ipc* own_connection() {
         }
         const auto made = ipc::make_zmq_ipc(own_address, logger, {}, ipc::Connecting::on_request);
         if (!made) {
-            fail(EIO);
-            return nullptr;
+            core::fail_with(EIO);
         }
         endpoint = made.value();
     }

@@ -9,7 +9,7 @@ struct Ipc;
 namespace xpon::custom_layer {
 
 /// For the calls that get no handle: the connections of the layer itself, each made with the first request to a peer.
-/// Null, with errno set, when they cannot be had.
+/// Throws std::system_error when they cannot be had.
 Ipc* own_connection();
 
 /// Has the next call connect anew, and log to `logger` from then on.

@@ -37,19 +37,14 @@ int custom_layer__get_pon_port_type(Ipc* ipc, std::uint8_t port, Pon_port_type* 
 
 int custom_layer__get_ont_state_info_by_range(Ipc* ipc, const Bitmap_ont_range* range,
                                               Ont__get_state_info_response** out) {
-    if (range == nullptr && out != nullptr) {
-        *out = nullptr;
-    }
-    return range == nullptr ? fail(EINVAL)
-                            : ask_list<Ont__state_info>(ipc, Operation::get_ont_states, question(*range), out);
+    return ask_list<Ont__state_info>(ipc, Operation::get_ont_states, question_at(range), out);
 }
 
 int custom_layer__get_ont_unactivated_by_range(Ipc* ipc, const Bitmap_pon_port_range* range,
                                                Ont_unactivated_info** out) {
-    if (range == nullptr && out != nullptr) {
-        *out = nullptr;
-    }
-    return range == nullptr
-               ? fail(EINVAL)
-               : ask_list<Ont_unactivated_entry>(ipc, Operation::get_unactivated_onts, question(*range), out);
+    return ask_list<Ont_unactivated_entry>(ipc, Operation::get_unactivated_onts, question_at(range), out);
+}
+
+int custom_layer__generating_engine_id(Ipc* ipc, Snmp_environment_data* out) {
+    return ask_record(ipc, Operation::get_engine_id, no_question(), out);
 }

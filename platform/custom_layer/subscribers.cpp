@@ -17,6 +17,11 @@ using xpon::ipc::Operation;
 
 namespace {
 
+int fail(int cause) {
+    errno = cause;
+    return -1;
+}
+
 /// What the IGMP daemon said when it was last asked. The process has one such daemon, and its calls no other place to
 /// keep this between them.
 struct IgmpAnswer {
@@ -123,9 +128,5 @@ int custom_layer__get_mac_table(Ipc* ipc, Bcm_get_mac_table_response** out) {
 
 int custom_layer__get_mac_table_by_ont_range(Ipc* ipc, const Bitmap_ont_range* range,
                                              Bcm_get_mac_table_response** out) {
-    if (range == nullptr && out != nullptr) {
-        *out = nullptr;
-    }
-    return range == nullptr ? fail(EINVAL)
-                            : ask_list<Bcm_mac_entry>(ipc, Operation::get_mac_table_of_onts, question(*range), out);
+    return ask_list<Bcm_mac_entry>(ipc, Operation::get_mac_table_of_onts, question_at(range), out);
 }

@@ -1,12 +1,12 @@
 #include "xpon/obfuscation/obfuscation.h"
 
 #include "obfuscation/base64url.hpp"
+#include "xpon/core/c_function.hpp"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
-#include <new>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -15,17 +15,13 @@
 
 namespace {
 
+using namespace xpon;
 using namespace xpon::obfuscation;
 
 constexpr std::string_view family = "$ob";
 constexpr std::string_view prefix = "$ob1$";
 constexpr std::size_t longest_text = 1024;
 constexpr std::size_t checksum_size = 4;
-
-int fail(int cause) {
-    errno = cause;
-    return -1;
-}
 
 std::uint32_t checksum(std::span<const std::uint8_t> bytes) {
     boost::crc_32_type crc;
@@ -48,7 +44,10 @@ void apply_stream(std::uint64_t seed, std::span<std::uint8_t> bytes) {
     }
 }
 
-int obfuscate(std::string_view text, char* output) {
+void obfuscate(std::string_view text, char* output) {
+    if (text.size() > longest_text) {
+        core::fail_with(EMSGSIZE);
+    }
     std::vector<std::uint8_t> bytes(checksum_size + text.size());
     const std::span body(bytes.data() + checksum_size, text.size());
     std::ranges::copy(text, body.begin());
@@ -60,23 +59,22 @@ int obfuscate(std::string_view text, char* output) {
     std::ranges::copy(prefix, output);
     base64url_encode(bytes, output + prefix.size());
     output[prefix.size() + base64url_size(bytes.size())] = '\0';
-    return 0;
 }
 
-int deobfuscate(std::string_view text, char* output) {
+void deobfuscate(std::string_view text, char* output) {
     if (text.empty()) {
         *output = '\0';
-        return 0;
+        return;
     }
     if (!text.starts_with(prefix)) {
-        return fail(text.starts_with(family) ? ENOTSUP : EINVAL);
+        core::fail_with(text.starts_with(family) ? ENOTSUP : EINVAL);
     }
     if (text.size() > prefix.size() + base64url_size(checksum_size + longest_text)) {
-        return fail(EMSGSIZE);
+        core::fail_with(EMSGSIZE);
     }
     auto bytes = base64url_decode(text.substr(prefix.size()));
     if (!bytes || bytes->size() < checksum_size) {
-        return fail(EINVAL);
+        core::fail_with(EINVAL);
     }
     std::uint32_t sum = 0;
     for (std::size_t i = 0; i < checksum_size; ++i) {
@@ -86,10 +84,9 @@ int deobfuscate(std::string_view text, char* output) {
     apply_stream(sum, body);
     // No plain text holds a NUL, so one here was not made by text_obfuscate.
     if (checksum(body) != sum || std::ranges::find(body, 0) != body.end()) {
-        return fail(EBADMSG);
+        core::fail_with(EBADMSG);
     }
     *std::ranges::copy(body, output).out = '\0';
-    return 0;
 }
 
 } // namespace
@@ -98,18 +95,20 @@ size_t calculate_valid_size(const char* text) {
     return text == nullptr ? 0 : prefix.size() + base64url_size(std::strlen(text) + checksum_size) + 1;
 }
 
-int text_obfuscate(const char* text, char* output) try {
-    if (text == nullptr || output == nullptr) {
-        return fail(EINVAL);
-    }
-    const std::string_view plain(text);
-    return plain.size() > longest_text ? fail(EMSGSIZE) : obfuscate(plain, output);
-} catch (const std::bad_alloc&) {
-    return fail(ENOMEM);
+int text_obfuscate(const char* text, char* output) {
+    return core::c_function([&] {
+        if (text == nullptr || output == nullptr) {
+            core::fail_with(EINVAL);
+        }
+        obfuscate(text, output);
+    });
 }
 
-int text_deobfuscate(const char* text, char* output) try {
-    return text == nullptr || output == nullptr ? fail(EINVAL) : deobfuscate(text, output);
-} catch (const std::bad_alloc&) {
-    return fail(ENOMEM);
+int text_deobfuscate(const char* text, char* output) {
+    return core::c_function([&] {
+        if (text == nullptr || output == nullptr) {
+            core::fail_with(EINVAL);
+        }
+        deobfuscate(text, output);
+    });
 }
