@@ -31,7 +31,7 @@ struct Ipc {
     /// come back, EPROTO when it speaks another version, EMSGSIZE for too large a payload, EIO for a fault of this
     /// side.
     virtual Reply request(xpon::ipc::Address peer, xpon::ipc::Operation operation, std::span<const std::byte> payload,
-                          std::chrono::milliseconds deadline) = 0;
+                          std::chrono::milliseconds deadline) noexcept = 0;
 
     /// A peer's answer that is an error.
     struct Refusal {
@@ -43,8 +43,8 @@ struct Ipc {
     /// error; else the first in the order of addresses. A peer that gives no answer, or does not know the operation
     /// (EOPNOTSUPP), is passed over.
     virtual std::optional<Refusal> ask_all(xpon::ipc::Operation operation, std::span<const std::byte> payload,
-                                           std::chrono::milliseconds deadline) = 0;
+                                           std::chrono::milliseconds deadline) noexcept = 0;
 
     /// Sends every connected peer a message that wants no answer. Never waits; a peer that cannot take it misses it.
-    virtual void notify_all(xpon::ipc::Operation operation, std::span<const std::byte> payload) = 0;
+    virtual void notify_all(xpon::ipc::Operation operation, std::span<const std::byte> payload) noexcept = 0;
 };

@@ -13,20 +13,16 @@
 namespace xpon::ipc {
 namespace {
 
-using core::Error;
-using core::ErrorPayload;
-using core::Result;
-
 class PeerConnections : public Ipc {
 public:
     PeerConnections(Address own, const std::shared_ptr<core::ILogger>& logger, const Timing& timing,
                     Connecting connecting)
         : own_(own), logger_(logger), timing_(timing), connecting_(connecting) {}
 
-    Result<void> connect(Address peer) {
-        return core::guarded(*logger_, [&]() -> Result<void> {
+    core::Result<void> connect(Address peer) {
+        return core::guarded(*logger_, [&]() -> core::Result<void> {
             if (peers_.contains(peer)) {
-                return ErrorPayload(Error::Already, fmt::format("Peer {} is connected", to_text(peer)));
+                return core::ErrorPayload(core::Error::Already, fmt::format("Peer {} is connected", to_text(peer)));
             }
             BOOST_OUTCOME_TRY(auto connection, make_connection(peer));
             BOOST_OUTCOME_TRY(connection->shake_hands());
@@ -36,8 +32,8 @@ public:
     }
 
     Reply request(Address peer, Operation operation, std::span<const std::byte> payload,
-                  std::chrono::milliseconds deadline) override {
-        const auto reply = core::guarded(*logger_, [&]() -> Result<Reply> {
+                  std::chrono::milliseconds deadline) noexcept override {
+        auto reply = core::guarded(*logger_, [&]() -> core::Result<Reply> {
             const auto begin = Clock::now();
             auto found = peers_.find(peer);
             if (found == peers_.end() && connecting_ == Connecting::on_request) {
@@ -51,13 +47,13 @@ public:
             const auto waited = std::chrono::floor<std::chrono::milliseconds>(Clock::now() - begin);
             return found->second->request(operation, payload, deadline - waited);
         });
-        return reply ? reply.value() : Reply{EIO, {}};
+        return reply ? std::move(reply).value() : Reply{EIO, {}};
     }
 
     std::optional<Refusal> ask_all(Operation operation, std::span<const std::byte> payload,
-                                   std::chrono::milliseconds deadline) override {
+                                   std::chrono::milliseconds deadline) noexcept override {
         const auto end = Clock::now() + deadline;
-        const auto refusal = core::guarded(*logger_, [&]() -> Result<std::optional<Refusal>> {
+        const auto refusal = core::guarded(*logger_, [&]() -> core::Result<std::optional<Refusal>> {
             std::map<Address, std::uint32_t> asked;
             for (const auto& [address, connection] : peers_) {
                 if (const auto id = connection->begin_request(operation, payload)) {
@@ -79,9 +75,9 @@ public:
         return refusal ? refusal.value() : std::nullopt;
     }
 
-    void notify_all(Operation operation, std::span<const std::byte> payload) override {
+    void notify_all(Operation operation, std::span<const std::byte> payload) noexcept override {
         for (const auto& [address, connection] : peers_) {
-            std::ignore = core::guarded(*logger_, [&]() -> Result<void> {
+            std::ignore = core::guarded(*logger_, [&]() -> core::Result<void> {
                 connection->notify(operation, payload);
                 return core::success();
             });
@@ -89,7 +85,7 @@ public:
     }
 
 private:
-    Result<std::unique_ptr<PeerConnection>> make_connection(Address peer) {
+    core::Result<std::unique_ptr<PeerConnection>> make_connection(Address peer) {
         BOOST_OUTCOME_TRY(const auto path, socket_path(peer));
         return std::make_unique<PeerConnection>(context_, own_, peer, path, *logger_, timing_);
     }
@@ -107,7 +103,7 @@ public:
     ZmqIpc(Address own, const std::shared_ptr<core::ILogger>& logger, const Timing& timing, Connecting connecting)
         : connections_(std::make_unique<PeerConnections>(own, logger, timing, connecting)) {}
 
-    Result<void> connect(Address peer) override {
+    core::Result<void> connect(Address peer) override {
         return connections_->connect(peer);
     }
     [[nodiscard]] Ipc* raw() const override {
@@ -120,14 +116,14 @@ private:
 
 } // namespace
 
-Result<std::shared_ptr<IIpc>> make_zmq_ipc(Address own, const std::shared_ptr<core::ILogger>& logger,
-                                           const Timing& timing, Connecting connecting) {
-    return core::guarded(*logger, [&]() -> Result<std::shared_ptr<IIpc>> {
+core::Result<std::shared_ptr<IIpc>> make_zmq_ipc(Address own, const std::shared_ptr<core::ILogger>& logger,
+                                                 const Timing& timing, Connecting connecting) {
+    return core::guarded(*logger, [&]() -> core::Result<std::shared_ptr<IIpc>> {
         return std::make_shared<ZmqIpc>(own, logger, timing, connecting);
     });
 }
 
-Result<std::shared_ptr<IIpc>> make_zmq_ipc(Address own, const std::string& name) {
+core::Result<std::shared_ptr<IIpc>> make_zmq_ipc(Address own, const std::string& name) {
     return make_zmq_ipc(own, std::make_shared<logger::Logger>(name), {});
 }
 

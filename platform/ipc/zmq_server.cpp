@@ -22,10 +22,6 @@
 namespace xpon::ipc {
 namespace {
 
-using core::Error;
-using core::ErrorPayload;
-using core::Result;
-
 /// Whether a process listens on `path`. ZeroMQ would take the path away from it without a word.
 bool is_served(const std::string& path) {
     const core::UniqueFd probe(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
@@ -127,7 +123,7 @@ private:
                                     .operation = static_cast<std::uint16_t>(header.operation),
                                     .payload = message.payload};
         if (header.kind == MessageKind::notice) {
-            std::ignore = core::guarded(logger_, [&]() -> Result<void> {
+            std::ignore = core::guarded(logger_, [&]() -> core::Result<void> {
                 handler_.notice(request);
                 return core::success();
             });
@@ -138,14 +134,14 @@ private:
 
     ServerAnswer ask_handler(const ServerRequest& request) {
         const bool is_hello = request.operation == static_cast<std::uint16_t>(Operation::hello);
-        const auto answer = core::guarded(logger_, [&]() -> Result<ServerAnswer> {
+        auto answer = core::guarded(logger_, [&]() -> core::Result<ServerAnswer> {
             return is_hello ? handler_.greet(request) : handler_.handle(request);
         });
         if (!answer) {
             return {EIO, {}, {}};
         }
         const bool fits = answer.value().payload.size() + sizeof(MessageHeader) <= max_message_bytes;
-        return fits ? answer.value() : ServerAnswer{EMSGSIZE, {}, {}};
+        return fits ? std::move(answer).value() : ServerAnswer{EMSGSIZE, {}, {}};
     }
 
     void answer(Envelope& envelope, const MessageHeader& asked, const ServerAnswer& answer) {
@@ -189,33 +185,34 @@ class ZmqServer : public IServer {
 public:
     explicit ZmqServer(const std::shared_ptr<core::ILogger>& logger) : logger_(logger) {}
 
-    Result<void> bind(Address peer, IPeerHandler& handler) override {
-        return core::guarded(*logger_, [&]() -> Result<void> {
+    core::Result<void> bind(Address peer, IPeerHandler& handler) override {
+        return core::guarded(*logger_, [&]() -> core::Result<void> {
             BOOST_OUTCOME_TRY(const auto path, socket_path(peer));
             if (is_served(path)) {
-                return ErrorPayload(Error::Already, fmt::format("{}: another process serves this address", path));
+                return core::ErrorPayload(core::Error::Already,
+                                          fmt::format("{}: another process serves this address", path));
             }
             auto served = std::make_unique<ServedPeer>(context_, peer, handler, *logger_);
             try {
                 served->listen(path);
             } catch (const zmq::error_t& error) {
-                return ErrorPayload(Error::CommonError, fmt::format("{}: {}", path, error.what()));
+                return core::ErrorPayload(core::Error::CommonError, fmt::format("{}: {}", path, error.what()));
             }
             peers_.push_back(std::move(served));
             return core::success();
         });
     }
 
-    Result<void> unbind(Address peer) override {
+    core::Result<void> unbind(Address peer) override {
         const auto removed = std::erase_if(peers_, [&](const auto& served) { return served->address() == peer; });
         if (removed == 0) {
-            return ErrorPayload(Error::Empty, "The address is not served");
+            return core::ErrorPayload(core::Error::Empty, "The address is not served");
         }
         return core::success();
     }
 
-    Result<void> serve(std::chrono::milliseconds timeout) override {
-        return core::guarded(*logger_, [&]() -> Result<void> {
+    core::Result<void> serve(std::chrono::milliseconds timeout) override {
+        return core::guarded(*logger_, [&]() -> core::Result<void> {
             auto due = ServedPeer::Clock::now() + timeout;
             for (const auto& peer : peers_) {
                 due = std::min(due, peer->next_due());
@@ -247,9 +244,9 @@ private:
 
 } // namespace
 
-Result<std::unique_ptr<IServer>> make_zmq_server(const std::shared_ptr<core::ILogger>& logger) {
-    return core::guarded(*logger,
-                         [&]() -> Result<std::unique_ptr<IServer>> { return std::make_unique<ZmqServer>(logger); });
+core::Result<std::unique_ptr<IServer>> make_zmq_server(const std::shared_ptr<core::ILogger>& logger) {
+    return core::guarded(
+        *logger, [&]() -> core::Result<std::unique_ptr<IServer>> { return std::make_unique<ZmqServer>(logger); });
 }
 
 } // namespace xpon::ipc

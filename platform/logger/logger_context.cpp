@@ -19,18 +19,14 @@
 namespace xpon::logger {
 namespace {
 
-using core::Error;
-using core::ErrorPayload;
-using core::Result;
-
 // zlog's state is one per process, too.
 bool context_exists = false;
 
-ErrorPayload fault_of(const std::string& file, std::string_view cause) {
-    return {Error::CommonError, fmt::format("{}: {}", file, cause)};
+core::ErrorPayload fault_of(const std::string& file, std::string_view cause) {
+    return {core::Error::CommonError, fmt::format("{}: {}", file, cause)};
 }
 
-Result<std::string> read_file(const std::string& path) {
+core::Result<std::string> read_file(const std::string& path) {
     errno = 0;
     std::ifstream file(path);
     std::string text;
@@ -54,11 +50,11 @@ std::string with_olt_root(std::string text) {
 }
 
 /// `text` as a file of this process's memory: zlog leaks 120 KB for every configuration that it is given as a string.
-Result<core::UniqueFd> memory_file(const std::string& text) {
+core::Result<core::UniqueFd> memory_file(const std::string& text) {
     core::UniqueFd file(::memfd_create("zlog configuration", MFD_CLOEXEC));
     if (!file || ::write(file.get(), text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
-        return ErrorPayload(Error::CommonError, fmt::format("No memory for zlog's configuration: {}",
-                                                            std::generic_category().message(errno)));
+        return core::ErrorPayload(core::Error::CommonError, fmt::format("No memory for zlog's configuration: {}",
+                                                                        std::generic_category().message(errno)));
     }
     return file;
 }
@@ -79,13 +75,13 @@ LoggerContext::~LoggerContext() {
     context_exists = false;
 }
 
-Result<std::unique_ptr<LoggerContext>> Logger::create_context(const std::string& config_path,
-                                                              const std::string& category, int flags) {
+core::Result<std::unique_ptr<LoggerContext>> Logger::create_context(const std::string& config_path,
+                                                                    const std::string& category, int flags) {
     if (flags != 0) {
-        return ErrorPayload(Error::InvalidInputArg, fmt::format("Unknown logging flags {:#x}", flags));
+        return core::ErrorPayload(core::Error::InvalidInputArg, fmt::format("Unknown logging flags {:#x}", flags));
     }
     if (context_exists) {
-        return ErrorPayload(Error::Already, "This process has a logging context");
+        return core::ErrorPayload(core::Error::Already, "This process has a logging context");
     }
     const auto path = below_olt_root(config_path);
     BOOST_OUTCOME_TRY(auto text, read_file(path));

@@ -25,15 +25,16 @@ using testing::HasSubstr;
 class RecordingIpc : public ipc::IIpc {
 public:
     struct Handle : Ipc {
-        Reply request(ipc::Address, ipc::Operation, std::span<const std::byte>, std::chrono::milliseconds) override {
+        Reply request(ipc::Address, ipc::Operation, std::span<const std::byte>,
+                      std::chrono::milliseconds) noexcept override {
             return {};
         }
         std::optional<Refusal> ask_all(ipc::Operation operation, std::span<const std::byte>,
-                                       std::chrono::milliseconds) override {
+                                       std::chrono::milliseconds) noexcept override {
             EXPECT_EQ(operation, ipc::Operation::accept_configuration);
             return refusal;
         }
-        void notify_all(ipc::Operation operation, std::span<const std::byte> payload) override {
+        void notify_all(ipc::Operation operation, std::span<const std::byte> payload) noexcept override {
             EXPECT_EQ(operation, ipc::Operation::configuration_changed);
             std::vector<service::Config_change> changes(payload.size() / sizeof(service::Config_change));
             std::memcpy(changes.data(), payload.data(), payload.size());

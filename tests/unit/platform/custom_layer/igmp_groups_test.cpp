@@ -21,14 +21,14 @@ using ipc::Operation;
 /// An IGMP daemon that answers what a test wants.
 struct IgmpDaemon : public Ipc {
     Reply request(ipc::Address peer, Operation operation, std::span<const std::byte> payload,
-                  std::chrono::milliseconds) override {
+                  std::chrono::milliseconds) noexcept override {
         EXPECT_EQ(peer, ipc::peers::igmp);
         EXPECT_TRUE(payload.empty());
         ++requests;
         return operation == Operation::get_igmp_groups ? groups : vlans;
     }
-    void notify_all(Operation, std::span<const std::byte>) override {}
-    std::optional<Refusal> ask_all(Operation, std::span<const std::byte>, std::chrono::milliseconds) override {
+    void notify_all(Operation, std::span<const std::byte>) noexcept override {}
+    std::optional<Refusal> ask_all(Operation, std::span<const std::byte>, std::chrono::milliseconds) noexcept override {
         return std::nullopt;
     }
 

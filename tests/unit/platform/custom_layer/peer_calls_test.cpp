@@ -18,15 +18,16 @@ namespace {
 /// A peer that answers whatever a test wants.
 struct AnyPeer : public Ipc {
     Reply request(ipc::Address peer, ipc::Operation operation, std::span<const std::byte> payload,
-                  std::chrono::milliseconds) override {
+                  std::chrono::milliseconds) noexcept override {
         EXPECT_EQ(ipc::owner_of(operation), peer);
         question.assign(payload.begin(), payload.end());
         return reply;
     }
-    std::optional<Refusal> ask_all(ipc::Operation, std::span<const std::byte>, std::chrono::milliseconds) override {
+    std::optional<Refusal> ask_all(ipc::Operation, std::span<const std::byte>,
+                                   std::chrono::milliseconds) noexcept override {
         return std::nullopt;
     }
-    void notify_all(ipc::Operation, std::span<const std::byte>) override {}
+    void notify_all(ipc::Operation, std::span<const std::byte>) noexcept override {}
 
     Reply reply;
     std::vector<std::byte> question;
