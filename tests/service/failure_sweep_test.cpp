@@ -50,12 +50,15 @@ public:
 
 class FailureSweep : public MonitoringTest {
 protected:
-    /// A request that the route serves with success, as far as one request alone can.
+    /// A request that the route serves with success, as far as one request alone can, but for one.
     static std::string request_for(const api_service::RouteRow& row, const std::string& session_id) {
         const std::string_view path = row.path;
         const std::pair<std::string_view, const char*> members[] = {
             {"auth", R"("data":{"user":"viewer","password":"viewer"})"},
             {"configuration.ZebGCfg.pon.ont", R"("indices":["1","1-2"],"data":{})"},
+            // Whose fields are at fault, so that the client is told of each.
+            {"configuration.CommonGCfg.system.ntp",
+             R"("data":{"enabled":3,"servers":[{"address":"a b"}],"x":1,"x":2})"},
             {"monitoring.interface.front_port", R"("indices":["1-4"])"},
             {"monitoring.interface.pon_port", R"("indices":["1-3"])"},
             {"monitoring.interface.ont.counters", R"("indices":["1","1-2"])"},
