@@ -23,7 +23,7 @@ void expect(bool condition) {
 }
 
 std::string printed(const cJSON& tree) {
-    const std::unique_ptr<char, decltype(&cJSON_free)> text(cJSON_Print(&tree), cJSON_free);
+    const xpon::core::JsonText text(cJSON_Print(&tree));
     expect(text != nullptr);
     return text.get();
 }

@@ -14,17 +14,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t siz
     const std::string_view text(reinterpret_cast<const char*>(input), size);
     static_cast<void>(xpon::cfgdb::parse_saved_configuration(text));
 
-    cJSON* tree = cJSON_ParseWithLength(text.data(), text.size());
-    char* printed = cJSON_PrintUnformatted(tree);
-    cJSON_Delete(tree);
-    if (printed == nullptr) {
+    const xpon::core::JsonTree tree(cJSON_ParseWithLength(text.data(), text.size()));
+    if (!tree) {
         return 0;
     }
+    const auto printed = xpon::core::print_line(tree.get());
     boost::crc_32_type crc;
-    crc.process_bytes(printed, std::string_view(printed).size());
+    crc.process_bytes(printed.get(), std::string_view(printed.get()).size());
     const auto file =
-        fmt::format(R"({{"format":"olt-config","version":1,"crc32":{},"records":{}}})", crc.checksum(), printed);
-    cJSON_free(printed);
+        fmt::format(R"({{"format":"olt-config","version":1,"crc32":{},"records":{}}})", crc.checksum(), printed.get());
     const auto records = xpon::cfgdb::parse_saved_configuration(file);
     if (records.has_value()) {
         for (const auto& [id, record] : records.value()) {

@@ -3,7 +3,6 @@
 #include "cfgdb/checks/checks.hpp"
 #include "cfgdb/ont_index.hpp"
 
-#include <algorithm>
 #include <map>
 #include <set>
 

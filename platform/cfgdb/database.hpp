@@ -6,6 +6,7 @@
 #include "xpon/cfgdb/user_record.hpp"
 #include "xpon/core/result.hpp"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>

@@ -1,6 +1,5 @@
 #include "cfgdb/element.hpp"
 
-#include "serializer/record_tables.hpp"
 
 namespace xpon::cfgdb {
 

@@ -7,7 +7,6 @@
 #include <compare>
 #include <cstdint>
 #include <span>
-#include <string>
 
 namespace xpon::cfgdb {
 

@@ -3,9 +3,6 @@
 #include "cfgdb/effective_ont.hpp"
 #include "cfgdb/keys.hpp"
 
-#include <functional>
-#include <map>
-#include <optional>
 #include <set>
 #include <utility>
 

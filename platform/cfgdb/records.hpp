@@ -4,8 +4,7 @@
 #include "cfgdb/keys.hpp"
 #include "cfgdb/transaction.hpp"
 
-#include <cstddef>
-#include <functional>
+#include <optional>
 #include <vector>
 
 namespace xpon::cfgdb {

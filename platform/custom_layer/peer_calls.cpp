@@ -1,5 +1,9 @@
 #include "custom_layer/peer_request.hpp"
-#include "xpon/custom_layer/custom_layer.h"
+#include "xpon/custom_layer/front_ports.h"
+#include "xpon/custom_layer/onts.h"
+#include "xpon/custom_layer/pon_ports.h"
+#include "xpon/custom_layer/snmp.h"
+#include "xpon/custom_layer/system.h"
 #include "xpon/peer_side/operations.hpp"
 
 // The calls that a peer answers, each one request.

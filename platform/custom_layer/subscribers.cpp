@@ -1,5 +1,6 @@
+#include "xpon/custom_layer/subscribers.h"
+
 #include "custom_layer/peer_request.hpp"
-#include "xpon/custom_layer/custom_layer.h"
 #include "xpon/peer_side/operations.hpp"
 #include "xpon/ranges/vlan_range.h"
 

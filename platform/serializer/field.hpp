@@ -1,5 +1,7 @@
 #pragma once
 
+#include "xpon/cfgdb/elements.hpp"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -72,6 +74,16 @@ struct Table {
     RecordRules rules;
     std::uint64_t stamp; ///< changes with everything that changes the meaning of a stored record
 };
+
+/// The description of a record type of the configuration; defined beside its field table in records/.
+template <class Record>
+const Table& record_table();
+
+#define XPON_DECLARE_TABLE(suffix, record, depth, size1, size2, path)                                                  \
+    template <>                                                                                                        \
+    const Table& record_table<cfgdb::record>();
+XPON_CFGDB_ELEMENTS(XPON_DECLARE_TABLE)
+#undef XPON_DECLARE_TABLE
 
 /// Null when no field of the table has the key.
 inline const Field* find_field(const Table& table, std::string_view key) {

@@ -2,10 +2,10 @@
 
 #include "serializer/contradictions.hpp"
 #include "serializer/field.hpp"
-#include "serializer/member.hpp"
 #include "serializer/stamp.hpp"
 
-#include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <string_view>
 #include <type_traits>
@@ -14,6 +14,13 @@
 /// The vocabulary of the field tables. A member of the wrong type does not compile, nor does a contradiction inside
 /// a row: `require` is never reached at run time.
 namespace xpon::serializer {
+
+/// Where a record keeps one of its members, and of which type: what a field builder gets.
+template <class Type>
+struct Member {
+    const char* name;
+    std::uint32_t offset;
+};
 
 consteval void require(bool condition) {
     if (!condition) {
@@ -207,3 +214,7 @@ consteval Table make_table(const char* name, const Field (&fields)[count], Recor
 }
 
 } // namespace xpon::serializer
+
+/// The member `member` of the record type `record`. The key of a field is its member's name.
+#define XPON_MEMBER(record, member)                                                                                    \
+    (xpon::serializer::Member<decltype(record::member)>{#member, static_cast<std::uint32_t>(offsetof(record, member))})

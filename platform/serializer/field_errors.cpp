@@ -41,6 +41,11 @@ Tree make_error(Json_errors index, std::string_view path, std::initializer_list<
 
 } // namespace
 
+std::string Path::text() const {
+    std::string result = parent_ == nullptr ? "" : parent_->text() + ".";
+    return result += is_position_ ? std::to_string(position_) : std::string(key_);
+}
+
 void FieldErrors::add(Json_errors index, const Path& path, std::initializer_list<Parameter> parameters) {
     if (!full()) {
         add(index, path.text(), parameters);

@@ -1,14 +1,32 @@
 #pragma once
 
 #include "serializer/cjson_tree.hpp"
-#include "serializer/path.hpp"
 #include "xpon/error_texts/json_errors.hpp"
 
+#include <cstddef>
 #include <initializer_list>
+#include <string>
 #include <string_view>
 #include <variant>
 
 namespace xpon::serializer {
+
+/// The way to a field from the record's root, as a chain through the callers' stack frames: it costs nothing until a
+/// fault needs its text.
+class Path {
+public:
+    explicit Path(std::string_view key, const Path* parent = nullptr) : parent_(parent), key_(key) {}
+    Path(std::size_t position, const Path* parent) : parent_(parent), position_(position), is_position_(true) {}
+
+    /// "servers.1.address"; positions count from 0.
+    [[nodiscard]] std::string text() const;
+
+private:
+    const Path* parent_;
+    std::string_view key_;
+    std::size_t position_ = 0;
+    bool is_position_ = false;
+};
 
 /// The faults found in one record, as the array of error objects that goes to the client.
 class FieldErrors {

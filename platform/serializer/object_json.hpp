@@ -2,7 +2,6 @@
 
 #include "serializer/field.hpp"
 #include "serializer/field_errors.hpp"
-#include "serializer/path.hpp"
 
 #include <cstddef>
 

@@ -3,6 +3,7 @@
 #include "serializer/contradictions.hpp"
 #include "serializer/object_json.hpp"
 #include "xpon/core/c_function.hpp"
+#include "xpon/serializer/serializer.hpp"
 
 #include <cstring>
 
@@ -51,3 +52,16 @@ int deserialize_record(const Table& table, const cJSON* data, void* record, cJSO
 }
 
 } // namespace xpon::serializer
+
+namespace serializer = xpon::serializer;
+namespace cfgdb = xpon::cfgdb;
+
+#define XPON_DEFINE_SERIALIZER(suffix, record, depth, size1, size2, path)                                              \
+    int serialize_##record##_to_json(const cfgdb::record* record_in, cJSON* target, cJSON** errors) {                  \
+        return serializer::serialize_record(serializer::record_table<cfgdb::record>(), record_in, target, errors);     \
+    }                                                                                                                  \
+    int deserialize_##record##_from_json(const cJSON* data, cfgdb::record* out, cJSON** errors) {                      \
+        return serializer::deserialize_record(serializer::record_table<cfgdb::record>(), data, out, errors);           \
+    }
+
+XPON_CFGDB_ELEMENTS(XPON_DEFINE_SERIALIZER)

@@ -23,7 +23,7 @@ std::filesystem::path make_folder() {
 
 std::string without_layout(const std::string& text) {
     const client::Json tree(cJSON_Parse(text.c_str()));
-    const std::unique_ptr<char, decltype(&cJSON_free)> printed(cJSON_PrintUnformatted(tree.get()), cJSON_free);
+    const core::JsonText printed(cJSON_PrintUnformatted(tree.get()));
     return printed ? printed.get() : "not JSON: " + text;
 }
 

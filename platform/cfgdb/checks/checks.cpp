@@ -1,7 +1,6 @@
 #include "cfgdb/checks/checks.hpp"
 
 #include <algorithm>
-#include <array>
 #include <vector>
 
 namespace xpon::cfgdb {

@@ -2,7 +2,6 @@
 
 #include "cfgdb/element.hpp"
 
-#include <cstddef>
 #include <string>
 #include <vector>
 

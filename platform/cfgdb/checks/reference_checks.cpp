@@ -1,7 +1,5 @@
 #include "cfgdb/checks/checks.hpp"
 
-#include <iterator>
-
 namespace xpon::cfgdb {
 namespace {
 

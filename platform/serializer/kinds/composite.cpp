@@ -1,6 +1,5 @@
 #include "serializer/kinds/kind_functions.hpp"
 #include "serializer/object_json.hpp"
-#include "serializer/record_memory.hpp"
 
 /// Objects, arrays and lists: fields that are made of fields.
 namespace xpon::serializer {

@@ -3,7 +3,6 @@
 #include "serializer/cjson_tree.hpp"
 #include "serializer/field.hpp"
 #include "serializer/field_errors.hpp"
-#include "serializer/path.hpp"
 
 #include <cstddef>
 #include <optional>

@@ -1,5 +1,4 @@
 #include "serializer/field_builders.hpp"
-#include "serializer/record_tables.hpp"
 #include "serializer/records/ip_interface_rules.hpp"
 
 namespace xpon::serializer {

@@ -1,5 +1,4 @@
 #include "serializer/field_builders.hpp"
-#include "serializer/record_tables.hpp"
 #include "xpon/peer_side/gpon_rates.hpp"
 
 #include <iterator>

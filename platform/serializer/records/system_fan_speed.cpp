@@ -1,5 +1,4 @@
 #include "serializer/field_builders.hpp"
-#include "serializer/record_tables.hpp"
 
 namespace xpon::serializer {
 namespace {

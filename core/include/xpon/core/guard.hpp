@@ -3,7 +3,6 @@
 #include "xpon/core/logger.hpp"
 #include "xpon/core/result.hpp"
 
-#include <exception>
 #include <functional>
 #include <string_view>
 #include <type_traits>

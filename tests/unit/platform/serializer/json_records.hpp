@@ -3,6 +3,7 @@
 #include "cfgdb/element.hpp"
 #include "serializer/cjson_tree.hpp"
 #include "serializer/record_json.hpp"
+#include "xpon/core/json_tree.hpp"
 
 #include <string>
 #include <vector>
@@ -21,10 +22,7 @@ const serializer::Table& table_of() {
 
 /// The text of the tree, "" of none.
 inline std::string printed(const cJSON* tree) {
-    char* text = cJSON_PrintUnformatted(tree);
-    std::string result = text == nullptr ? "" : text;
-    cJSON_free(text);
-    return result;
+    return tree == nullptr ? "" : core::print_line(tree).get();
 }
 
 /// Fills the record; gives the errors, null when there are none.

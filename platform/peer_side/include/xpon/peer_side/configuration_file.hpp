@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 namespace xpon::cfgdb {
 
 // The operations on whole configurations. `db` is the handle of a CfgDbWrapper. They return 0, or -1 with errno set:
