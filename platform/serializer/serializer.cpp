@@ -1,9 +1,9 @@
-#include "serializer/record_json.hpp"
+#include "xpon/serializer/serializer.hpp"
 
 #include "serializer/contradictions.hpp"
 #include "serializer/object_json.hpp"
+#include "serializer/record_json.hpp"
 #include "xpon/core/c_function.hpp"
-#include "xpon/serializer/serializer.hpp"
 
 #include <cstring>
 
