@@ -10,13 +10,11 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 
-#include <arpa/inet.h>
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
-#include <unistd.h>
 
 namespace xpon::client {
 namespace {

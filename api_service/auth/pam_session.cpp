@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <exception>
-#include <string_view>
 
 namespace xpon::api_service {
 

@@ -5,7 +5,6 @@
 
 #include <array>
 #include <optional>
-#include <utility>
 
 #include <sys/utsname.h>
 
