@@ -2,7 +2,20 @@
 
 #include "cfgdb/checks/check_context.hpp"
 
+#include <vector>
+
 namespace xpon::cfgdb {
+
+/// A row of the table of checks.
+struct Check {
+    void (*run)(const CheckContext& context);
+    const char* rule;                ///< what holds in a configuration that passes, for the reader of the documentation
+    std::vector<ElementId> elements; ///< whose records it looks at: it runs when one of them changes
+    std::vector<const char*> texts;  ///< of the faults that it finds
+};
+
+/// In the order in which they run, which decides the fault that a client is told.
+const std::vector<Check>& all_checks();
 
 /// Runs every check that a change concerns, in their fixed order.
 void run_checks(const CheckContext& context);

@@ -1,4 +1,5 @@
 #include "cfgdb/checks/checks.hpp"
+#include "cfgdb/checks/fault_texts.hpp"
 #include "ranges/board_ports.hpp"
 
 #include <algorithm>
@@ -57,7 +58,7 @@ void check_agreement(const CheckContext& context, const RecordId& where, const s
         const auto port = port_of(number);
         for (const auto& field : common_fields) {
             if (!field.is_equal(first, port)) {
-                context.faults.add(where, "Front ports {} and {} differ in {}", members.front(), number, field.key);
+                context.faults.add(where, fault_text::ports_differ, members.front(), number, field.key);
             }
         }
     }
@@ -70,8 +71,7 @@ void check_channel_ports(const CheckContext& context) {
     for_each_channel(context, [&](std::uint16_t position, const PortChannel& channel) {
         for (const auto port : members_of(channel)) {
             if (channel_of[port] != 0) {
-                context.faults.add(id_of<PortChannel>(position), "Front port {} is already in port channel {}", port,
-                                   channel_of[port]);
+                context.faults.add(id_of<PortChannel>(position), fault_text::port_taken, port, channel_of[port]);
             } else {
                 channel_of[port] = position + 1U;
             }
@@ -84,12 +84,12 @@ void check_channel_members(const CheckContext& context) {
         const auto where = id_of<PortChannel>(position);
         auto members = members_of(channel);
         if (members.size() < channel.min_links) {
-            context.faults.add(where, "Port channel has {} members, needs {}", members.size(), channel.min_links);
+            context.faults.add(where, fault_text::too_few_members, members.size(), channel.min_links);
         }
         std::erase_if(members, [&](std::uint16_t port) {
             const bool is_missing = port > ranges::board_uplink_ports();
             if (is_missing) {
-                context.faults.add(where, "Front port {} does not exist", port);
+                context.faults.add(where, fault_text::no_such_port, port);
             }
             return is_missing;
         });

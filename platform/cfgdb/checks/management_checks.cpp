@@ -1,4 +1,5 @@
 #include "cfgdb/checks/checks.hpp"
+#include "cfgdb/checks/fault_texts.hpp"
 
 #include <algorithm>
 
@@ -14,7 +15,7 @@ bool has_static_address(const Interface& interface) {
 
 void check_management_exists(const CheckContext& context) {
     if (context.records.running<GSystemManagement>().enabled == 0 && context.records.running<OobPort>().enabled == 0) {
-        context.faults.add(id_of<GSystemManagement>(), "No management interface is enabled");
+        context.faults.add(id_of<GSystemManagement>(), fault_text::no_management);
     }
 }
 
@@ -26,7 +27,7 @@ void check_management_networks(const CheckContext& context) {
     }
     const auto shift = 32U - std::min(in_band.prefix_length, out_of_band.prefix_length);
     if (in_band.ip_address >> shift == out_of_band.ip_address >> shift) {
-        context.faults.add(id_of<GSystemManagement>(), "Management networks overlap");
+        context.faults.add(id_of<GSystemManagement>(), fault_text::networks_overlap);
     }
 }
 

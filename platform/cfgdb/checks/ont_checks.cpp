@@ -1,4 +1,5 @@
 #include "cfgdb/checks/checks.hpp"
+#include "cfgdb/checks/fault_texts.hpp"
 #include "cfgdb/ont_number.hpp"
 
 #include <algorithm>
@@ -42,8 +43,7 @@ void check_serials(const CheckContext& context) {
         const auto onts = context.index.onts_with_serial(serial);
         for (std::size_t i = 1; i < onts.size(); ++i) {
             const auto owner = ont_number(onts.front());
-            context.faults.add(id_of<PonOnt>(onts[i]), "ONT serial is already used by ONT {}/{}", owner.pon_port,
-                               owner.ont);
+            context.faults.add(id_of<PonOnt>(onts[i]), fault_text::serial_taken, owner.pon_port, owner.ont);
         }
     }
 }
@@ -52,7 +52,7 @@ void check_vlan_pairs(const CheckContext& context) {
     for (const auto& ont : context.onts) {
         for (const auto& service : ont.services) {
             if (service.profile.vlan_model == Profile::VlanModel::one_to_one && service.c_vid == 0) {
-                context.faults.add(service_id(ont.index, service.position), "One-to-one service has no C-VLAN");
+                context.faults.add(service_id(ont.index, service.position), fault_text::no_c_vlan);
             }
         }
     }
@@ -61,9 +61,8 @@ void check_vlan_pairs(const CheckContext& context) {
         for (std::size_t i = 1; i < services.size(); ++i) {
             const auto& [owner_index, owner_position] = services.front();
             const auto owner = ont_number(owner_index);
-            context.faults.add(service_id(services[i].first, services[i].second),
-                               "VLAN pair {}.{} is already used by ONT {}/{} service {}", pair.first, pair.second,
-                               owner.pon_port, owner.ont, owner_position + 1);
+            context.faults.add(service_id(services[i].first, services[i].second), fault_text::pair_taken, pair.first,
+                               pair.second, owner.pon_port, owner.ont, owner_position + 1);
         }
     }
 }
@@ -74,13 +73,12 @@ void check_service_clashes(const CheckContext& context) {
             const auto where = service_id(ont.index, later->position);
             for (auto earlier = ont.services.begin(); earlier != later; ++earlier) {
                 if (const int port = shared_port(earlier->profile, later->profile)) {
-                    context.faults.add(where, "Services {} and {} clash on port {}", earlier->position + 1,
-                                       later->position + 1, port);
+                    context.faults.add(where, fault_text::clash_on_port, earlier->position + 1, later->position + 1,
+                                       port);
                 }
                 if (earlier->profile.termination == later->profile.termination && earlier->s_vid == later->s_vid &&
                     earlier->c_vid == later->c_vid) {
-                    context.faults.add(where, "Services {} and {} use the same VLANs", earlier->position + 1,
-                                       later->position + 1);
+                    context.faults.add(where, fault_text::same_vlans, earlier->position + 1, later->position + 1);
                 }
             }
         }
@@ -92,15 +90,15 @@ void check_service_needs(const CheckContext& context) {
         for (const auto& service : ont.services) {
             const auto where = service_id(ont.index, service.position);
             if (service.profile.service_type == Profile::ServiceType::voip && !has_telephone_port(context, ont)) {
-                context.faults.add(where, "Voice service without telephone port");
+                context.faults.add(where, fault_text::no_telephone_port);
             }
             if (service.profile.service_type == Profile::ServiceType::management && ont.management_profile == 0) {
-                context.faults.add(where, "Management service without management profile");
+                context.faults.add(where, fault_text::no_management_profile);
             }
         }
         for (std::size_t line = 0; line < std::size(ont.record.lines); ++line) {
             if (ont.record.lines[line].enabled != 0 && !has_service_of(ont, Profile::ServiceType::voip)) {
-                context.faults.add(id_of<PonOnt>(ont.index), "Telephone line {} without voice service", line + 1);
+                context.faults.add(id_of<PonOnt>(ont.index), fault_text::no_voice_service, line + 1);
             }
         }
     }

@@ -1,4 +1,5 @@
 #include "cfgdb/checks/checks.hpp"
+#include "cfgdb/checks/fault_texts.hpp"
 #include "cfgdb/ont_number.hpp"
 #include "xpon/peer_side/gpon_rates.hpp"
 
@@ -11,7 +12,7 @@ void check_limit(const CheckContext& context, std::uint16_t pon_port) {
     const auto load = context.index.load_of(pon_port);
     const auto limit = context.records.running<PonPort>(pon_port).ont_limit;
     if (load.onts > limit) {
-        context.faults.add(id_of<PonPort>(pon_port), "PON port has {} ONTs, limit is {}", load.onts, limit);
+        context.faults.add(id_of<PonPort>(pon_port), fault_text::too_many_onts, load.onts, limit);
     }
 }
 
@@ -21,7 +22,7 @@ bool needs_passwords(const CheckContext& context, std::uint16_t pon_port) {
 
 void check_password(const CheckContext& context, std::uint16_t index, const PonOnt& ont) {
     if (ont.serial != 0 && ont.enabled != 0 && ont.password[0] == '\0') {
-        context.faults.add(id_of<PonOnt>(index), "ONT has no password");
+        context.faults.add(id_of<PonOnt>(index), fault_text::no_password);
     }
 }
 
@@ -39,8 +40,7 @@ void check_guaranteed_bandwidth(const CheckContext& context) {
     for (const auto pon_port : context.touched.pon_ports) {
         const auto sum = context.index.load_of(pon_port).guaranteed_kbps;
         if (sum > gpon_upstream_kbps) {
-            context.faults.add(id_of<PonPort>(pon_port), "Guaranteed upstream bandwidth {} kbit/s exceeds {} kbit/s",
-                               sum, gpon_upstream_kbps);
+            context.faults.add(id_of<PonPort>(pon_port), fault_text::too_much_guaranteed, sum, gpon_upstream_kbps);
         }
     }
 }

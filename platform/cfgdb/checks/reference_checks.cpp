@@ -1,4 +1,5 @@
 #include "cfgdb/checks/checks.hpp"
+#include "cfgdb/checks/fault_texts.hpp"
 
 namespace xpon::cfgdb {
 namespace {
@@ -10,13 +11,13 @@ public:
     template <class Profile>
     void check(const char* kind, std::uint8_t number) const {
         if (number != 0 && !is_defined<Profile>(number)) {
-            context_.faults.add(where_, "Undefined {} profile {}", kind, number);
+            context_.faults.add(where_, fault_text::undefined_profile, kind, number);
         }
     }
 
     void check_template(std::uint8_t number) const {
         if (number != 0 && !is_defined<OntTemplate>(number)) {
-            context_.faults.add(where_, "Undefined template {}", number);
+            context_.faults.add(where_, fault_text::undefined_template, number);
         }
     }
 

@@ -1,4 +1,5 @@
 #include "cfgdb/checks/checks.hpp"
+#include "cfgdb/checks/fault_texts.hpp"
 #include "ranges/board_ports.hpp"
 #include "xpon/peer_side/bits.hpp"
 
@@ -131,8 +132,8 @@ private:
         for (std::size_t i = 0; i < claims.size(); ++i) {
             const auto opponent = opponent_of(claims, i);
             if (opponent != claims.begin() + static_cast<std::ptrdiff_t>(i)) {
-                context_.faults.add(claims[i].source, "VLAN {} is used both as {} and as {}", vlan,
-                                    name_of_use(*opponent, claims[i]), name_of_use(claims[i], *opponent));
+                context_.faults.add(claims[i].source, fault_text::two_roles, vlan, name_of_use(*opponent, claims[i]),
+                                    name_of_use(claims[i], *opponent));
             }
         }
     }
@@ -149,7 +150,7 @@ void check_management_vlan(const CheckContext& context) {
         return;
     }
     for (const auto& use : context.index.uses_of(management.vlan_id)) {
-        context.faults.add(source_of(use), "VLAN {} is the management VLAN", management.vlan_id);
+        context.faults.add(source_of(use), fault_text::is_management_vlan, management.vlan_id);
     }
 }
 
@@ -163,16 +164,15 @@ void check_carried_vlans(const CheckContext& context) {
         return;
     }
     const auto carried = carried_vlans(context.records);
-    constexpr auto text = "VLAN {} is on no enabled front port";
     if (has_management && !carried[management.vlan_id]) {
-        context.faults.add(id_of<GSystemManagement>(), text, management.vlan_id);
+        context.faults.add(id_of<GSystemManagement>(), fault_text::vlan_not_carried, management.vlan_id);
     }
     for (const auto vlan : vlans) {
         if (carried[vlan]) {
             continue;
         }
         for (const auto& use : context.index.uses_of(vlan)) {
-            context.faults.add(source_of(use), text, vlan);
+            context.faults.add(source_of(use), fault_text::vlan_not_carried, vlan);
         }
     }
 }

@@ -25,6 +25,11 @@
 /// "configuration."). Depth is the number of indices that address one record. Everything that exists once per element
 /// (database functions, serialisers, storage, saved file) is made from this list. The position of a row is written
 /// into change notices; new rows go to the end.
+///
+/// In all records flags are 0 or 1; of an address the first octet is the most significant, and 0 is none; bit n-1 of a
+/// set of ports is port n, bit v of a set of VLANs VID v; secrets are in obfuscated form; profiles and templates are
+/// numbered from 1 and defined when their name is not empty, number 0 is none. What members mean beyond that is told
+/// beside them, for readers of docs/data-model.md too.
 // clang-format off
 #define XPON_CFGDB_ELEMENTS(X)                                                                                         \
     X(CommonGCfg_management, GSystemManagement, 0, 1, 1, "CommonGCfg.management")                                      \

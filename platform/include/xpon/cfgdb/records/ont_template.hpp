@@ -4,20 +4,19 @@
 
 namespace xpon::cfgdb {
 
-/// Profile numbers from 1; 0 = none, like every reference below.
 struct TemplateService {
-    std::uint8_t cross_connect; ///< none: no service
-    std::uint8_t dba;           ///< none: type 4 at full rate
+    std::uint8_t cross_connect; ///< 0 = no service
+    std::uint8_t dba;           ///< 0 = type 4 at full rate
 };
 
-/// A bundle of profiles.
+/// A bundle of profiles for ONTs.
 struct OntTemplate {
     char name[32];
     char description[48];
     std::uint8_t ports_profile;
     std::uint8_t management_profile;
     std::uint8_t shaping_profile;
-    std::uint8_t upstream_fec; ///< 0 or 1
+    std::uint8_t upstream_fec;
     TemplateService services[8];
 };
 

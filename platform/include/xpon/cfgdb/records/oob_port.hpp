@@ -10,7 +10,7 @@ namespace xpon::cfgdb {
 struct OobPort {
     enum class Speed : std::uint8_t { automatic, full_10, full_100, full_1000 }; ///< Mbit/s [802.3]
 
-    std::uint8_t enabled;  ///< 0 or 1
+    std::uint8_t enabled;
     std::uint16_t vlan_id; ///< 0 = untagged
     Speed speed;
     AddressMode address_mode;

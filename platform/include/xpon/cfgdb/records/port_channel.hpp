@@ -10,9 +10,9 @@ struct PortChannel {
     enum class LacpTimeout : std::uint8_t { slow, fast }; ///< 90 s and 3 s
     enum class Hash : std::uint8_t { src_dst_mac, src_dst_ip, src_dst_ip_port };
 
-    std::uint8_t enabled; ///< 0 or 1
+    std::uint8_t enabled;
     char description[32];
-    std::uint32_t members; ///< bit n-1 = front port n
+    std::uint32_t members; ///< front ports
     Mode mode;
     LacpTimeout lacp_timeout;
     Hash hash;

@@ -4,7 +4,7 @@
 
 namespace xpon::cfgdb {
 
-/// The bandwidth of one T-CONT [G.984.3 7.4]. Profiles here and elsewhere are defined when their name is not empty.
+/// The bandwidth of one T-CONT [G.984.3 7.4].
 struct ProfileOntDba {
     enum class TcontType : std::uint8_t { type1, type2, type3, type4, type5 };
     enum class Additional : std::uint8_t { none, non_assured, best_effort }; ///< share of the spare bandwidth
@@ -17,7 +17,7 @@ struct ProfileOntDba {
     Additional additional;
     std::uint8_t priority; ///< among best-effort sharers, 1 first
     std::uint8_t weight;   ///< within a priority
-    std::uint8_t shared;   ///< 1: services of one ONT with this profile use one T-CONT
+    std::uint8_t shared;   ///< services of one ONT with this profile use one T-CONT
 };
 
 } // namespace xpon::cfgdb

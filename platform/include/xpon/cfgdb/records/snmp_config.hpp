@@ -13,7 +13,7 @@ struct SnmpCommunity {
     std::uint8_t source_prefix; ///< 0 = from anywhere
 };
 
-/// A user of the user-based security model [RFC 3414]. Secrets are in obfuscated form.
+/// A user of the user-based security model [RFC 3414].
 struct SnmpUser {
     enum class SecurityLevel : std::uint8_t { no_auth_no_priv, auth_no_priv, auth_priv };
     enum class AuthProtocol : std::uint8_t { md5, sha1, sha256 }; ///< [RFC 3414, 7860]
@@ -38,13 +38,13 @@ struct SnmpTrapTarget {
     std::uint8_t inform;
 };
 
-/// [RFC 3411]
+/// The SNMP agent [RFC 3411].
 struct GSysSnmpCfg {
-    std::uint8_t enabled; ///< 0 or 1, like every flag below
+    std::uint8_t enabled;
     std::uint16_t port;
     std::uint8_t v2c_enabled;
     std::uint8_t v3_enabled;
-    char engine_id[65]; ///< hexadecimal; empty = the board's own
+    char engine_id[65]; ///< empty = the board's own
     char sys_contact[64];
     char sys_location[64];
     std::uint8_t communities_count;
@@ -53,7 +53,7 @@ struct GSysSnmpCfg {
     SnmpUser users[8];
     std::uint8_t trap_targets_count;
     SnmpTrapTarget trap_targets[4];
-    std::uint8_t trap_link;
+    std::uint8_t trap_link; ///< groups of notifications
     std::uint8_t trap_ont;
     std::uint8_t trap_environment;
     std::uint8_t trap_config;

@@ -2,8 +2,9 @@
 
 namespace xpon::cfgdb {
 
+/// The host name of the OLT.
 struct GSystemHostname {
-    char hostname[64]; ///< one label [RFC 1123]
+    char hostname[64]; ///< [RFC 1123]
 };
 
 } // namespace xpon::cfgdb
