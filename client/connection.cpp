@@ -16,7 +16,6 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
-#include <unistd.h>
 
 namespace xpon::client {
 namespace {
