@@ -1,6 +1,6 @@
 #include "api_service/api_service.hpp"
 
-#include "api_service/auth/pam_api.hpp"
+#include "api_service/auth/pam_session.hpp"
 #include "api_service/poller.hpp"
 #include "api_service/protocol/route_table.hpp"
 #include "xpon/core/guard.hpp"
@@ -12,14 +12,11 @@
 
 namespace xpon::api_service {
 
-using core::Result;
-
-ApiService::ApiService(const std::shared_ptr<ipc::IIpc>& ipc, const std::shared_ptr<core::ILogger>& logger,
-                       Endpoint endpoint)
+ApiService::ApiService(const std::shared_ptr<ipc::IIpc>& ipc, const std::shared_ptr<ILogger>& logger, Endpoint endpoint)
     : ApiService(ipc, logger, std::move(endpoint), std::make_shared<PamApi>(logger)) {}
 
-ApiService::ApiService(const std::shared_ptr<ipc::IIpc>& ipc, const std::shared_ptr<core::ILogger>& logger,
-                       Endpoint endpoint, const std::shared_ptr<IPamApi>& pam)
+ApiService::ApiService(const std::shared_ptr<ipc::IIpc>& ipc, const std::shared_ptr<ILogger>& logger, Endpoint endpoint,
+                       const std::shared_ptr<IPamApi>& pam)
     : ipc_(ipc), logger_(logger), route_manager_(logger), request_parser_(logger),
       session_manager_(std::make_shared<SessionManager>(logger)), pam_(pam), endpoint_(std::move(endpoint)) {}
 

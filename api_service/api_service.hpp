@@ -3,11 +3,10 @@
 #include "api_service/auth/pam_interfaces.hpp"
 #include "api_service/auth/session_manager.hpp"
 #include "api_service/client_socket.hpp"
-#include "api_service/endpoint.hpp"
+#include "api_service/core_names.hpp"
+#include "api_service/listener_socket.hpp"
 #include "api_service/protocol/request_parser.hpp"
 #include "api_service/protocol/route_manager.hpp"
-#include "xpon/core/logger.hpp"
-#include "xpon/core/result.hpp"
 #include "xpon/ipc/ipc.hpp"
 #include "xpon/service/service.hpp"
 
@@ -22,36 +21,35 @@ namespace xpon::api_service {
 class ApiService : public service::ServiceBaseZEB {
 public:
     /// Opens nothing: `run` does.
-    ApiService(const std::shared_ptr<ipc::IIpc>& ipc, const std::shared_ptr<core::ILogger>& logger, Endpoint endpoint);
+    ApiService(const std::shared_ptr<ipc::IIpc>& ipc, const std::shared_ptr<ILogger>& logger, Endpoint endpoint);
     /// The same with another way to check passwords.
-    ApiService(const std::shared_ptr<ipc::IIpc>& ipc, const std::shared_ptr<core::ILogger>& logger, Endpoint endpoint,
+    ApiService(const std::shared_ptr<ipc::IIpc>& ipc, const std::shared_ptr<ILogger>& logger, Endpoint endpoint,
                const std::shared_ptr<IPamApi>& pam);
 
     /// Throws what ListenerSocket throws.
-    core::Result<void> run(const service::ServiceCtx& context) override;
-    core::Result<void> stop(const service::ServiceCtx& context) override;
+    Result<void> run(const service::ServiceCtx& context) override;
+    Result<void> stop(const service::ServiceCtx& context) override;
     /// Configuration changes do not concern this service.
-    core::Result<void> config_change(const service::ServiceCtx& context,
-                                     const std::vector<service::Config_change>& changes) override;
+    Result<void> config_change(const service::ServiceCtx& context,
+                               const std::vector<service::Config_change>& changes) override;
 
-    core::Result<void> register_routes();
+    Result<void> register_routes();
 
     /// Answers the oldest frame of a client. Refusals that have an answer of their own are successes; after an error
     /// the client still waits for an answer.
-    core::Result<void> process_socket(const std::shared_ptr<IClientSocket>& socket);
+    Result<void> process_socket(const std::shared_ptr<IClientSocket>& socket);
 
 private:
-    core::Result<void> dispatch(IClientSocket& socket, Request& request);
-    core::Result<void> run_pre_hooks(const RouteHandler& route, const std::shared_ptr<Session>& session,
-                                     Request& request);
-    core::Result<void> answer(IClientSocket& socket, const Response& response);
-    core::Result<void> answer_with_error(IClientSocket& socket, const std::shared_ptr<Session>& session,
-                                         Json_errors index, const std::string& path);
+    Result<void> dispatch(IClientSocket& socket, Request& request);
+    Result<void> run_pre_hooks(const RouteHandler& route, const std::shared_ptr<Session>& session, Request& request);
+    Result<void> answer(IClientSocket& socket, const Response& response);
+    Result<void> answer_with_error(IClientSocket& socket, const std::shared_ptr<Session>& session, Json_errors index,
+                                   const std::string& path);
     void give_back_memory();
     void serve_client(const std::shared_ptr<IClientSocket>& socket);
 
     std::shared_ptr<ipc::IIpc> ipc_;
-    std::shared_ptr<core::ILogger> logger_;
+    std::shared_ptr<ILogger> logger_;
     std::atomic<bool> running_{false};
     RouteManager route_manager_;
     RequestParser request_parser_;

@@ -32,11 +32,11 @@ ChangeRecord::ChangeRecord(const Request& request)
     }
 }
 
-void ChangeRecord::report(core::ILogger& logger, std::string_view outcome) const {
+void ChangeRecord::report(ILogger& logger, std::string_view outcome) const {
     write(logger, session_id_, outcome);
 }
 
-void ChangeRecord::report(core::ILogger& logger, const core::Result<Response>& response) const {
+void ChangeRecord::report(ILogger& logger, const Result<Response>& response) const {
     if (!response) {
         write(logger, session_id_, "failed");
     } else {
@@ -45,7 +45,7 @@ void ChangeRecord::report(core::ILogger& logger, const core::Result<Response>& r
     }
 }
 
-void ChangeRecord::write(core::ILogger& logger, std::string_view session_id, std::string_view outcome) const {
+void ChangeRecord::write(ILogger& logger, std::string_view session_id, std::string_view outcome) const {
     if (is_change_) {
         core::log(logger, core::LogLevel::Notice, "Session {}: {}: {}", session_id.empty() ? "none" : session_id,
                   subject_, outcome);

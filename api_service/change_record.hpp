@@ -1,9 +1,8 @@
 #pragma once
 
+#include "api_service/core_names.hpp"
 #include "api_service/protocol/request.hpp"
 #include "api_service/protocol/response.hpp"
-#include "xpon/core/logger.hpp"
-#include "xpon/core/result.hpp"
 
 #include <string>
 #include <string_view>
@@ -17,12 +16,12 @@ public:
     /// Taken before pre-hooks rewrite the indices.
     explicit ChangeRecord(const Request& request);
 
-    void report(core::ILogger& logger, std::string_view outcome) const;
+    void report(ILogger& logger, std::string_view outcome) const;
     /// The outcome is what the handler answered.
-    void report(core::ILogger& logger, const core::Result<Response>& response) const;
+    void report(ILogger& logger, const Result<Response>& response) const;
 
 private:
-    void write(core::ILogger& logger, std::string_view session_id, std::string_view outcome) const;
+    void write(ILogger& logger, std::string_view session_id, std::string_view outcome) const;
 
     bool is_change_;
     std::string session_id_;

@@ -10,11 +10,6 @@
 #include <netinet/tcp.h>
 
 namespace xpon::api_service {
-
-using core::Error;
-using core::ErrorPayload;
-using core::Result;
-
 namespace {
 
 /// Lets the kernel send what is written during its life in as few segments as it can. Text and NUL go out with two

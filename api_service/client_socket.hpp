@@ -1,6 +1,6 @@
 #pragma once
 
-#include "xpon/core/result.hpp"
+#include "api_service/core_names.hpp"
 #include "xpon/core/unique_fd.hpp"
 
 #include <cstddef>
@@ -24,12 +24,12 @@ public:
     /// How many complete frames wait.
     [[nodiscard]] virtual std::int64_t get_frames_left() const = 0;
     /// Takes the oldest frame, without its NUL. There must be one.
-    virtual core::Result<std::string> get_frame() = 0;
+    virtual Result<std::string> get_frame() = 0;
     /// Sends `payload` and a NUL. A payload that does not fit the send buffer is abandoned half-way, with an error.
-    virtual core::Result<void> send_frame(std::string_view payload) = 0;
+    virtual Result<void> send_frame(std::string_view payload) = 0;
     [[nodiscard]] virtual int get_fd() const = 0;
     /// Receives once, without waiting. An error means that the connection is of no more use.
-    virtual core::Result<void> read_data() = 0;
+    virtual Result<void> read_data() = 0;
 
 protected:
     virtual ssize_t do_send(const void* data, std::size_t size) = 0;
@@ -42,10 +42,10 @@ public:
     explicit ClientSocket(core::UniqueFd fd);
 
     [[nodiscard]] std::int64_t get_frames_left() const override;
-    core::Result<std::string> get_frame() override;
-    core::Result<void> send_frame(std::string_view payload) override;
+    Result<std::string> get_frame() override;
+    Result<void> send_frame(std::string_view payload) override;
     [[nodiscard]] int get_fd() const override;
-    core::Result<void> read_data() override;
+    Result<void> read_data() override;
 
     /// Bytes received at once at most, so that one busy client cannot hold the loop.
     static constexpr std::size_t get_buffer_size() {

@@ -6,11 +6,6 @@
 #include <utility>
 
 namespace xpon::api_service {
-
-using core::Error;
-using core::ErrorPayload;
-using core::Result;
-
 namespace {
 
 // Out of descriptors a listener stays readable for ever; leaving it alone for a while keeps the loop from spinning.
@@ -18,7 +13,7 @@ constexpr std::chrono::seconds pause_after_failed_accept{1};
 
 } // namespace
 
-Poller::Poller(const std::shared_ptr<core::ILogger>& logger, std::unique_ptr<IListenerSocket> listener)
+Poller::Poller(const std::shared_ptr<ILogger>& logger, std::unique_ptr<IListenerSocket> listener)
     : logger_(logger), listener_(std::move(listener)) {}
 
 Poller::~Poller() {

@@ -1,9 +1,8 @@
 #pragma once
 
 #include "api_service/client_socket.hpp"
+#include "api_service/core_names.hpp"
 #include "api_service/listener_socket.hpp"
-#include "xpon/core/logger.hpp"
-#include "xpon/core/result.hpp"
 
 #include <chrono>
 #include <map>
@@ -24,16 +23,16 @@ public:
 
     /// Waits up to `timeout` and returns the clients that received data now and hold a complete frame, ordered by
     /// descriptor.
-    virtual core::Result<std::vector<std::shared_ptr<IClientSocket>>> poll(std::chrono::milliseconds timeout) = 0;
+    virtual Result<std::vector<std::shared_ptr<IClientSocket>>> poll(std::chrono::milliseconds timeout) = 0;
 };
 
 class Poller : public IPoller {
 public:
-    Poller(const std::shared_ptr<core::ILogger>& logger, std::unique_ptr<IListenerSocket> listener);
+    Poller(const std::shared_ptr<ILogger>& logger, std::unique_ptr<IListenerSocket> listener);
     ~Poller() override;
 
     /// A signal that interrupts the wait makes it return nothing, early.
-    core::Result<std::vector<std::shared_ptr<IClientSocket>>> poll(std::chrono::milliseconds timeout) override;
+    Result<std::vector<std::shared_ptr<IClientSocket>>> poll(std::chrono::milliseconds timeout) override;
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -44,7 +43,7 @@ private:
     void close_client(int fd);
     void accept_client();
 
-    std::shared_ptr<core::ILogger> logger_;
+    std::shared_ptr<ILogger> logger_;
     std::unique_ptr<IListenerSocket> listener_;
     /// The map and the results of one poll are the only owners of a client, and a client is the only owner of its
     /// descriptor: whoever lets go last closes it, once.

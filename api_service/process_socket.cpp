@@ -7,16 +7,13 @@
 #include <algorithm>
 
 namespace xpon::api_service {
-
-using core::Result;
-
 namespace {
 
 constexpr const char* own_path = "api_service";
 
 /// Logs the error of a failed step on its way to the caller.
 template <class T>
-Result<T> logged(core::ILogger& logger, Result<T> result) {
+Result<T> logged(ILogger& logger, Result<T> result) {
     if (!result) {
         log_error(logger, "{}", result.error().to_string());
     }

@@ -2,13 +2,13 @@
 
 #include "api_service/api_service.hpp"
 #include "api_service/peers.hpp"
-#include "api_service/systemd.hpp"
 #include "xpon/custom_layer/custom_layer.h"
 
 #include <exception>
 #include <tuple>
 #include <utility>
 
+#include <systemd/sd-daemon.h>
 #include <zlog.h>
 
 namespace xpon::api_service {
@@ -18,6 +18,11 @@ constexpr const char* log_configuration = "/etc/zlog_modules_config/API-SERVICE.
 constexpr const char* log_category = "API-SERV";
 constexpr const char* ipc_log_category = "API-SERV_IPC";
 constexpr IpEndpoint api_endpoint{.port = 9999};
+
+/// Sends one notification to the service manager. Without one (NOTIFY_SOCKET unset) nothing happens.
+void notify_systemd(const std::string& message) {
+    sd_notify(0, message.c_str());
+}
 
 } // namespace
 

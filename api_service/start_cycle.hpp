@@ -1,7 +1,7 @@
 #pragma once
 
+#include "api_service/core_names.hpp"
 #include "api_service/signals.hpp"
-#include "xpon/core/logger.hpp"
 #include "xpon/ipc/ipc.hpp"
 #include "xpon/logger/logger.hpp"
 #include "xpon/service/service.hpp"
@@ -52,7 +52,7 @@ private:
     CycleEnd run_service();
 
     std::unique_ptr<logger::LoggerContext> logger_context_;
-    std::shared_ptr<core::ILogger> logger_;
+    std::shared_ptr<ILogger> logger_;
     std::shared_ptr<ipc::IIpc> ipc_;
     std::unique_ptr<service::IService> service_; ///< until the launcher takes it over
     std::unique_ptr<service::ServiceLauncher> launcher_;

@@ -9,13 +9,6 @@ using core::Error;
 using core::ErrorPayload;
 using core::Result;
 
-struct TextDeleter {
-    void operator()(char* text) const {
-        cJSON_free(text);
-    }
-};
-using Text = std::unique_ptr<char, TextDeleter>;
-
 ErrorPayload out_of_memory() {
     return {Error::CommonError, "Out of memory"};
 }
@@ -33,7 +26,7 @@ std::string print_param(const cJSON* param) {
     if (const char* text = cJSON_GetStringValue(param)) {
         return text;
     }
-    const Text printed(cJSON_PrintUnformatted(param));
+    const core::JsonText printed(cJSON_PrintUnformatted(param));
     return printed ? printed.get() : "";
 }
 
@@ -73,7 +66,7 @@ Result<std::string> print_request(const Request& request, const std::string& ses
         // By reference: the data stays with the request.
         complete = complete && cJSON_AddItemReferenceToObject(tree.get(), "data", request.data.get()) != 0;
     }
-    const Text text(complete ? cJSON_PrintUnformatted(tree.get()) : nullptr);
+    const core::JsonText text(complete ? cJSON_PrintUnformatted(tree.get()) : nullptr);
     if (!text) {
         return out_of_memory();
     }

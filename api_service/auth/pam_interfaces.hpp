@@ -1,6 +1,6 @@
 #pragma once
 
-#include "xpon/core/result.hpp"
+#include "api_service/core_names.hpp"
 
 #include <chrono>
 #include <memory>
@@ -29,8 +29,7 @@ public:
     virtual ~IPamApi() = default;
 
     /// Blocks for as long as the PAM stack takes. A refused password is an error of code NoAccess.
-    virtual core::Result<std::shared_ptr<IPamSession>> open_session(const std::string& user,
-                                                                    const std::string& password) = 0;
+    virtual Result<std::shared_ptr<IPamSession>> open_session(const std::string& user, const std::string& password) = 0;
 };
 
 } // namespace xpon::api_service

@@ -9,11 +9,7 @@
 
 namespace xpon::api_service {
 
-using core::Error;
-using core::ErrorPayload;
-using core::Result;
-
-PamSession::PamSession(const std::shared_ptr<core::ILogger>& logger)
+PamSession::PamSession(const std::shared_ptr<ILogger>& logger)
     : logger_(logger), conversation_{.conv = &PamSession::converse, .appdata_ptr = this} {}
 
 PamSession::~PamSession() {
@@ -94,6 +90,14 @@ std::chrono::steady_clock::time_point PamSession::get_timestamp() const {
 
 void PamSession::set_timestamp(const std::chrono::steady_clock::time_point& timestamp) {
     timestamp_ = timestamp;
+}
+
+PamApi::PamApi(const std::shared_ptr<ILogger>& logger) : logger_(logger) {}
+
+Result<std::shared_ptr<IPamSession>> PamApi::open_session(const std::string& user, const std::string& password) {
+    auto session = std::make_shared<PamSession>(logger_);
+    BOOST_OUTCOME_TRY(session->open_session(user, password));
+    return session;
 }
 
 } // namespace xpon::api_service

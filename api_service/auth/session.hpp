@@ -9,6 +9,9 @@
 
 namespace xpon::api_service {
 
+/// The error of a request that needs a session and names none.
+inline constexpr const char* no_session_text = "No session";
+
 /// What a login creates. Costs bytes only: thousands that nobody closes are normal.
 struct Session {
     Session(const std::string& session_id, const std::shared_ptr<IPamSession>& pam,

@@ -5,9 +5,7 @@
 
 namespace xpon::api_service {
 
-using core::Result;
-
-SessionManager::SessionManager(const std::shared_ptr<core::ILogger>& logger) : logger_(logger) {}
+SessionManager::SessionManager(const std::shared_ptr<ILogger>& logger) : logger_(logger) {}
 
 Result<std::shared_ptr<Session>> SessionManager::new_session(const std::shared_ptr<IPamSession>& pam_session) {
     auto database_client = std::make_shared<cfgdb::CfgDbWrapper>("API-SERV_CFGDB");

@@ -4,10 +4,6 @@
 
 namespace xpon::api_service {
 
-using core::Error;
-using core::ErrorPayload;
-using core::Result;
-
 Result<std::string> bounded_text(std::span<const char> buffer) {
     const auto end = std::find(buffer.begin(), buffer.end(), '\0');
     if (end == buffer.end()) {

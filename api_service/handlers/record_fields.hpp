@@ -1,8 +1,7 @@
 #pragma once
 
+#include "api_service/core_names.hpp"
 #include "api_service/protocol/json_building.hpp"
-#include "xpon/core/json_tree.hpp"
-#include "xpon/core/result.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -23,27 +22,27 @@ namespace xpon::api_service {
 template <class Record>
 struct JsonField {
     LiteralKey key;
-    core::Result<core::JsonTree> (*make)(const Record& record);
+    Result<JsonTree> (*make)(const Record& record);
 };
 
 /// The text in a buffer, up to its NUL. A buffer without one is an error.
-core::Result<std::string> bounded_text(std::span<const char> buffer);
+Result<std::string> bounded_text(std::span<const char> buffer);
 
 /// The count. More than there is place for is an error, which names it.
-core::Result<std::size_t> bounded_count(std::size_t count, std::size_t limit, const char* name);
+Result<std::size_t> bounded_count(std::size_t count, std::size_t limit, const char* name);
 
 /// The `count` valid elements of an array. More than it has is an error, which names it.
 template <class T, std::size_t N>
-core::Result<std::span<const T>> bounded_items(const T (&array)[N], std::size_t count, const char* name) {
+Result<std::span<const T>> bounded_items(const T (&array)[N], std::size_t count, const char* name) {
     BOOST_OUTCOME_TRY(const auto bounded, bounded_count(count, N, name));
     return std::span(array).first(bounded);
 }
 
 /// The text of an enumeration's value; a value without one is an error.
-core::Result<std::string> text_of_value(std::span<const char* const> texts, std::size_t value);
+Result<std::string> text_of_value(std::span<const char* const> texts, std::size_t value);
 
 template <class Integer>
-core::Result<core::JsonTree> create_number_array(std::span<const Integer> numbers) {
+Result<JsonTree> create_number_array(std::span<const Integer> numbers) {
     BOOST_OUTCOME_TRY(auto array, create_array());
     for (const auto number : numbers) {
         BOOST_OUTCOME_TRY(auto item, create_integer(number));
@@ -53,7 +52,7 @@ core::Result<core::JsonTree> create_number_array(std::span<const Integer> number
 }
 
 template <class T>
-core::Result<core::JsonTree> create_field_value(const T& value) {
+Result<JsonTree> create_field_value(const T& value) {
     if constexpr (std::is_same_v<T, std::uint64_t>) {
         return create_cjson_from_value(value);
     } else if constexpr (std::is_integral_v<T>) {
@@ -71,7 +70,7 @@ core::Result<core::JsonTree> create_field_value(const T& value) {
 }
 
 template <class T>
-core::Result<core::JsonTree> create_field_value(const core::Result<T>& value) {
+Result<JsonTree> create_field_value(const Result<T>& value) {
     BOOST_OUTCOME_TRY(const auto& known, value);
     return create_field_value(known);
 }
@@ -85,13 +84,13 @@ struct MemberPointer<T Record::*> {
 
 /// The field of a table that is a member as it stands: a number, a text, or an array of numbers.
 template <auto pointer>
-core::Result<core::JsonTree> member(const typename MemberPointer<decltype(pointer)>::Owner& record) {
+Result<JsonTree> member(const typename MemberPointer<decltype(pointer)>::Owner& record) {
     return create_field_value(record.*pointer);
 }
 
 /// The field of a table that is a flag of a record: the number 0 or 1.
 template <auto pointer>
-core::Result<core::JsonTree> flag(const typename MemberPointer<decltype(pointer)>::Owner& record) {
+Result<JsonTree> flag(const typename MemberPointer<decltype(pointer)>::Owner& record) {
     return create_field_value(record.*pointer != 0 ? 1 : 0);
 }
 
@@ -100,12 +99,11 @@ using JsonFields = std::type_identity_t<std::span<const JsonField<Record>>>;
 
 /// Adds a member for each row of the table, in its order.
 template <class Record>
-core::Result<void> add_fields(cJSON* object, const Record& record, JsonFields<Record> fields) {
+Result<void> add_fields(cJSON* object, const Record& record, JsonFields<Record> fields) {
     for (const auto& field : fields) {
         auto value = field.make(record);
-        if (!value && value.error().code == core::Error::InvalidInputArg && value.error().info) {
-            return core::ErrorPayload(value.error().code,
-                                      fmt::format("{}: {}", field.key.text, value.error().info->message));
+        if (!value && value.error().code == Error::InvalidInputArg && value.error().info) {
+            return ErrorPayload(value.error().code, fmt::format("{}: {}", field.key.text, value.error().info->message));
         }
         BOOST_OUTCOME_TRY(auto item, std::move(value));
         BOOST_OUTCOME_TRY(add_to_object(object, field.key, std::move(item)));
@@ -115,15 +113,14 @@ core::Result<void> add_fields(cJSON* object, const Record& record, JsonFields<Re
 
 /// Adds an object of such members under `key`.
 template <class Record>
-core::Result<void> add_record(cJSON* object, const char* key, const Record& record, JsonFields<Record> fields) {
+Result<void> add_record(cJSON* object, const char* key, const Record& record, JsonFields<Record> fields) {
     BOOST_OUTCOME_TRY(auto* added, add_subobject(object, key));
     return add_fields(added, record, fields);
 }
 
 /// Adds an array of such objects under `key`.
 template <class Record>
-core::Result<void> add_records(cJSON* object, const char* key, std::span<const Record> records,
-                               JsonFields<Record> fields) {
+Result<void> add_records(cJSON* object, const char* key, std::span<const Record> records, JsonFields<Record> fields) {
     BOOST_OUTCOME_TRY(auto* array, add_array_subobject(object, key));
     for (const auto& record : records) {
         BOOST_OUTCOME_TRY(auto* added, create_object_in_array(array));

@@ -7,11 +7,6 @@
 #include <fmt/format.h>
 
 namespace xpon::api_service {
-
-using core::Error;
-using core::ErrorPayload;
-using core::Result;
-
 namespace {
 
 Result<unsigned long> get_index_in_range(std::string_view text) {

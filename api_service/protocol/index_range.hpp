@@ -1,6 +1,6 @@
 #pragma once
 
-#include "xpon/core/result.hpp"
+#include "api_service/core_names.hpp"
 
 #include <array>
 #include <bitset>
@@ -19,10 +19,10 @@ inline constexpr std::size_t max_index = 4096;
 using IndexSet = std::bitset<max_index>;
 
 /// One decimal number; the whole text must be used.
-core::Result<unsigned long> get_index_from_string(std::string_view text);
+Result<unsigned long> get_index_from_string(std::string_view text);
 
 /// One level, such as "1-4,7": numbers and ranges from 1 to 4096 joined by ",".
-core::Result<IndexSet> get_bitset_from_string_range(std::string_view text);
+Result<IndexSet> get_bitset_from_string_range(std::string_view text);
 
 /// The reverse: ascending, a run of two or more as "first-last".
 std::string get_string_range_from_bitset(const IndexSet& set);
@@ -33,10 +33,10 @@ class IndexRange {
 public:
     using Element = std::array<unsigned long, N>;
 
-    static core::Result<unsigned long> get_index_from_string(std::string_view text) {
+    static Result<unsigned long> get_index_from_string(std::string_view text) {
         return api_service::get_index_from_string(text);
     }
-    static core::Result<IndexSet> get_bitset_from_string_range(std::string_view text) {
+    static Result<IndexSet> get_bitset_from_string_range(std::string_view text) {
         return api_service::get_bitset_from_string_range(text);
     }
     static std::string get_string_range_from_bitset(const IndexSet& set) {
@@ -44,9 +44,9 @@ public:
     }
 
     /// Exactly N strings, level by level.
-    static core::Result<IndexRange> from_strings(std::span<const std::string> strings) {
+    static Result<IndexRange> from_strings(std::span<const std::string> strings) {
         if (strings.size() != N) {
-            return core::ErrorPayload(core::Error::InvalidInputArg);
+            return ErrorPayload(Error::InvalidInputArg);
         }
         IndexRange range;
         for (std::size_t level = 0; level < N; ++level) {
@@ -87,7 +87,7 @@ public:
     /// Calls `visit`, which returns a Result<void>, with each member in the order of get_next. The first error ends
     /// the walk and is returned.
     template <class Visit>
-    core::Result<void> for_each(Visit&& visit) const {
+    Result<void> for_each(Visit&& visit) const {
         auto position = before_first();
         for (bool more = N == 0 || get_next(position); more; more = get_next(position)) {
             BOOST_OUTCOME_TRY(visit(position));

@@ -8,13 +8,6 @@
 #include <fmt/format.h>
 
 namespace xpon::api_service {
-
-using core::Error;
-using core::ErrorPayload;
-using core::JsonText;
-using core::JsonTree;
-using core::Result;
-
 namespace {
 
 Result<JsonTree> made(cJSON* tree, const char* what_failed) {

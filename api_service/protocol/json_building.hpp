@@ -1,7 +1,6 @@
 #pragma once
 
-#include "xpon/core/json_tree.hpp"
-#include "xpon/core/result.hpp"
+#include "api_service/core_names.hpp"
 
 #include <cstdint>
 #include <string>
@@ -14,23 +13,23 @@ namespace xpon::api_service {
 // The steps with which every answer is built. The first step that fails ends the building; the caller's JsonTree
 // deletes what was built so far. A failed step never changes its parent.
 
-core::Result<core::JsonTree> create_object();
-core::Result<core::JsonTree> create_array();
+Result<JsonTree> create_object();
+Result<JsonTree> create_array();
 
 /// A JSON value from a C++ one: string, boolean or number.
 template <class T>
-core::Result<core::JsonTree> create_cjson_from_value(const T& value);
+Result<JsonTree> create_cjson_from_value(const T& value);
 template <>
-core::Result<core::JsonTree> create_cjson_from_value(const std::string& value);
+Result<JsonTree> create_cjson_from_value(const std::string& value);
 template <>
-core::Result<core::JsonTree> create_cjson_from_value(const bool& value);
+Result<JsonTree> create_cjson_from_value(const bool& value);
 template <>
-core::Result<core::JsonTree> create_cjson_from_value(const unsigned long& value);
+Result<JsonTree> create_cjson_from_value(const unsigned long& value);
 template <>
-core::Result<core::JsonTree> create_cjson_from_value(const double& value);
+Result<JsonTree> create_cjson_from_value(const double& value);
 
 /// A number without a fraction, put in as its digits: formatting numbers is most of the time that printing takes.
-core::Result<core::JsonTree> create_integer(std::int64_t value);
+Result<JsonTree> create_integer(std::int64_t value);
 
 /// A key that lives as long as the program, as only literals do. Answers hold hundreds of thousands of keys: making and
 /// freeing copies of them would take as long as all the rest.
@@ -41,41 +40,41 @@ struct LiteralKey {
 };
 
 /// Hands `item` to the object under a copy of `key`.
-core::Result<void> add_to_object(cJSON* object, const char* key, core::JsonTree item);
+Result<void> add_to_object(cJSON* object, const char* key, JsonTree item);
 /// Hands `item` to the object under `key` itself.
-core::Result<void> add_to_object(cJSON* object, LiteralKey key, core::JsonTree item);
+Result<void> add_to_object(cJSON* object, LiteralKey key, JsonTree item);
 /// Hands `item` to the array, at its end.
-core::Result<void> add_to_array(cJSON* array, core::JsonTree item);
+Result<void> add_to_array(cJSON* array, JsonTree item);
 
 template <class T>
-core::Result<void> set_object_item(cJSON* object, const char* key, const T& value) {
+Result<void> set_object_item(cJSON* object, const char* key, const T& value) {
     BOOST_OUTCOME_TRY(auto item, create_cjson_from_value(value));
     return add_to_object(object, key, std::move(item));
 }
 
 /// Adds an empty object or array under `key`, or to the end of `array`, and returns it. It stays with its parent.
-core::Result<cJSON*> add_subobject(cJSON* object, const char* key);
-core::Result<cJSON*> add_array_subobject(cJSON* object, const char* key);
-core::Result<cJSON*> create_object_in_array(cJSON* array);
+Result<cJSON*> add_subobject(cJSON* object, const char* key);
+Result<cJSON*> add_array_subobject(cJSON* object, const char* key);
+Result<cJSON*> create_object_in_array(cJSON* array);
 /// The same; an error ends with what the object is for.
-core::Result<cJSON*> create_object_in_array(cJSON* array, unsigned number);
+Result<cJSON*> create_object_in_array(cJSON* array, unsigned number);
 
 /// What a step made; the text of an error ends with what it was for, such as "port 3".
 template <class T, class... Args>
-core::Result<T> made_for(core::Result<T> made, fmt::format_string<Args...> what, Args&&... args) {
+Result<T> made_for(Result<T> made, fmt::format_string<Args...> what, Args&&... args) {
     if (!made && made.error().info) {
         const auto& error = made.error();
-        return core::ErrorPayload(
+        return ErrorPayload(
             error.code, fmt::format("{} for {}", error.info->message, fmt::format(what, std::forward<Args>(args)...)));
     }
     return made;
 }
 
 /// A node that prints like `tree` and borrows its members: it must be deleted before `tree` is.
-core::Result<core::JsonTree> borrow_tree(const cJSON* tree);
+Result<JsonTree> borrow_tree(const cJSON* tree);
 
 /// The indented print form of `tree`, which is what goes on the wire.
-core::Result<core::JsonText> print_tree(const cJSON* tree);
+Result<JsonText> print_tree(const cJSON* tree);
 
 /// The text behind the place where cJSON last stopped to parse, for messages; empty when it did not fail.
 std::string cjson_error_position();

@@ -7,10 +7,6 @@
 #include <type_traits>
 
 namespace xpon::api_service {
-
-using core::JsonTree;
-using core::Result;
-
 namespace {
 
 Result<void> set_param(cJSON* params, const char* key, const JsonError::Param& param) {
@@ -29,7 +25,7 @@ Result<void> set_param(cJSON* params, const char* key, const JsonError::Param& p
 
 } // namespace
 
-JsonError::JsonError(Json_errors index, std::string path, const std::shared_ptr<core::ILogger>& logger)
+JsonError::JsonError(Json_errors index, std::string path, const std::shared_ptr<ILogger>& logger)
     : index_(index), path_(std::move(path)), logger_(logger) {}
 
 void JsonError::add_param(Param param) {

@@ -1,8 +1,6 @@
 #pragma once
 
-#include "xpon/core/json_tree.hpp"
-#include "xpon/core/logger.hpp"
-#include "xpon/core/result.hpp"
+#include "api_service/core_names.hpp"
 #include "xpon/error_texts/json_errors.hpp"
 
 #include <cstdint>
@@ -19,23 +17,23 @@ public:
     using Param = std::variant<std::int8_t, std::uint8_t, std::int16_t, std::uint16_t, std::int32_t, std::uint32_t,
                                std::int64_t, std::uint64_t, std::string, double>;
 
-    JsonError(Json_errors index, std::string path, const std::shared_ptr<core::ILogger>& logger);
+    JsonError(Json_errors index, std::string path, const std::shared_ptr<ILogger>& logger);
 
     /// Appends a parameter; the first is "p0". 64-bit integers travel as strings, so that no digit is lost.
     void add_param(Param param);
 
     /// The text of the index, from the error-text library.
-    [[nodiscard]] core::Result<std::string> json_error_index_to_str() const;
+    [[nodiscard]] Result<std::string> json_error_index_to_str() const;
 
     /// The error object, owned by the caller:
     /// {"message": {"key": TEXT, "params": {"p0": ..}}, "path": PATH}
-    [[nodiscard]] core::Result<cJSON*> get_cjson() const;
+    [[nodiscard]] Result<cJSON*> get_cjson() const;
 
 private:
     Json_errors index_;
     std::string path_;
     std::vector<Param> params_;
-    std::shared_ptr<core::ILogger> logger_;
+    std::shared_ptr<ILogger> logger_;
 };
 
 } // namespace xpon::api_service

@@ -6,12 +6,6 @@
 #include <limits>
 
 namespace xpon::api_service {
-
-using core::Error;
-using core::ErrorPayload;
-using core::JsonTree;
-using core::Result;
-
 namespace {
 
 template <class T>
@@ -37,7 +31,7 @@ Result<JsonError::Param> read_param(const cJSON* param) {
     return value;
 }
 
-Result<JsonError> read_error(const cJSON* error, const std::shared_ptr<core::ILogger>& logger) {
+Result<JsonError> read_error(const cJSON* error, const std::shared_ptr<ILogger>& logger) {
     const cJSON* message = cJSON_GetObjectItemCaseSensitive(error, "message");
     const char* text = cJSON_GetStringValue(cJSON_GetObjectItemCaseSensitive(message, "key"));
     const char* path = cJSON_GetStringValue(cJSON_GetObjectItemCaseSensitive(error, "path"));
@@ -56,7 +50,7 @@ Result<JsonError> read_error(const cJSON* error, const std::shared_ptr<core::ILo
 
 } // namespace
 
-JsonErrors::JsonErrors(const std::shared_ptr<core::ILogger>& logger) : logger_(logger) {}
+JsonErrors::JsonErrors(const std::shared_ptr<ILogger>& logger) : logger_(logger) {}
 
 void JsonErrors::add_error(const JsonError& error) {
     errors_.push_back(error);

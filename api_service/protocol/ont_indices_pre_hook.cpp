@@ -7,11 +7,6 @@
 #include <utility>
 
 namespace xpon::api_service {
-
-using core::Error;
-using core::ErrorPayload;
-using core::Result;
-
 namespace {
 
 constexpr std::uint8_t usual_pon_port_count = 16;
@@ -33,7 +28,7 @@ Result<void> add_flat_positions(IndexSet& flat, const IndexRange<2>& pair, std::
 
 } // namespace
 
-OntIndicesPreHook::OntIndicesPreHook(const std::shared_ptr<core::ILogger>& logger,
+OntIndicesPreHook::OntIndicesPreHook(const std::shared_ptr<ILogger>& logger,
                                      std::function<std::uint8_t()> pon_port_count)
     : logger_(logger), pon_port_count_(std::move(pon_port_count)) {}
 

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "api_service/core_names.hpp"
 #include "api_service/protocol/request.hpp"
-#include "xpon/core/logger.hpp"
-#include "xpon/core/result.hpp"
 
 #include <cstdint>
 #include <functional>
@@ -17,15 +16,15 @@ struct Session;
 class OntIndicesPreHook {
 public:
     /// `pon_port_count` gives the number of PON ports, or 0 when the board cannot be read.
-    OntIndicesPreHook(const std::shared_ptr<core::ILogger>& logger, std::function<std::uint8_t()> pon_port_count);
+    OntIndicesPreHook(const std::shared_ptr<ILogger>& logger, std::function<std::uint8_t()> pon_port_count);
 
     /// An error leaves the request as it was.
-    core::Result<void> operator()(const std::shared_ptr<Session>& session, Request& request) const;
+    Result<void> operator()(const std::shared_ptr<Session>& session, Request& request) const;
 
 private:
-    [[nodiscard]] core::Result<std::vector<std::string>> flat_indices(const std::vector<std::string>& indices) const;
+    [[nodiscard]] Result<std::vector<std::string>> flat_indices(const std::vector<std::string>& indices) const;
 
-    std::shared_ptr<core::ILogger> logger_;
+    std::shared_ptr<ILogger> logger_;
     std::function<std::uint8_t()> pon_port_count_;
 };
 

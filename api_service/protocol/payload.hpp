@@ -1,6 +1,6 @@
 #pragma once
 
-#include "xpon/core/json_tree.hpp"
+#include "api_service/core_names.hpp"
 
 #include <memory>
 
@@ -10,7 +10,7 @@ namespace xpon::api_service {
 class Payload {
 public:
     Payload() = default;
-    explicit Payload(core::JsonTree tree) : tree_(std::move(tree)) {}
+    explicit Payload(JsonTree tree) : tree_(std::move(tree)) {}
 
     /// Null when the payload is empty.
     [[nodiscard]] const cJSON* get() const {

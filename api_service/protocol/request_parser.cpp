@@ -4,12 +4,6 @@
 #include "xpon/core/guard.hpp"
 
 namespace xpon::api_service {
-
-using core::Error;
-using core::ErrorPayload;
-using core::JsonTree;
-using core::Result;
-
 namespace {
 
 Result<JsonTree> parse_json(const std::string& text) {
@@ -64,7 +58,7 @@ Result<void> fill_answer(cJSON* answer, const Response& response) {
 
 } // namespace
 
-RequestParser::RequestParser(const std::shared_ptr<core::ILogger>& logger) : logger_(logger) {}
+RequestParser::RequestParser(const std::shared_ptr<ILogger>& logger) : logger_(logger) {}
 
 Result<std::string> RequestParser::get_string(cJSON* object, const std::string& key) const {
     const cJSON* item = cJSON_GetObjectItemCaseSensitive(object, key.c_str());

@@ -1,9 +1,8 @@
 #pragma once
 
+#include "api_service/core_names.hpp"
 #include "api_service/protocol/request.hpp"
 #include "api_service/protocol/response.hpp"
-#include "xpon/core/logger.hpp"
-#include "xpon/core/result.hpp"
 
 #include <memory>
 #include <optional>
@@ -15,20 +14,20 @@ namespace xpon::api_service {
 /// Between the JSON text of a frame and the Request and Response records.
 class RequestParser {
 public:
-    explicit RequestParser(const std::shared_ptr<core::ILogger>& logger);
+    explicit RequestParser(const std::shared_ptr<ILogger>& logger);
 
     /// Unknown keys are ignored; of a repeated key the first counts.
-    [[nodiscard]] core::Result<Request> parse_request(const std::string& frame) const;
+    [[nodiscard]] Result<Request> parse_request(const std::string& frame) const;
 
-    [[nodiscard]] core::Result<std::string> make_response(const Response& response) const;
+    [[nodiscard]] Result<std::string> make_response(const Response& response) const;
 
     /// The string under `key`, which must be there.
-    [[nodiscard]] core::Result<std::string> get_string(cJSON* object, const std::string& key) const;
+    [[nodiscard]] Result<std::string> get_string(cJSON* object, const std::string& key) const;
 
 private:
-    [[nodiscard]] core::Result<std::vector<std::string>> get_indices(const cJSON* object) const;
+    [[nodiscard]] Result<std::vector<std::string>> get_indices(const cJSON* object) const;
 
-    std::shared_ptr<core::ILogger> logger_;
+    std::shared_ptr<ILogger> logger_;
 };
 
 /// The string under `key`; empty when the key is absent or its value is not a string.

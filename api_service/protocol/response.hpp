@@ -19,11 +19,11 @@ struct Response {
 
     /// Without data and without errors. `session` may be empty, here and below.
     static Response make_success_response(const std::shared_ptr<Session>& session,
-                                          const std::shared_ptr<core::ILogger>& logger);
+                                          const std::shared_ptr<ILogger>& logger);
     static Response make_error_response(const std::shared_ptr<Session>& session, const JsonErrors& errors,
-                                        const std::shared_ptr<core::ILogger>& logger);
+                                        const std::shared_ptr<ILogger>& logger);
     static Response make_error_response(const std::shared_ptr<Session>& session, const JsonError& error,
-                                        const std::shared_ptr<core::ILogger>& logger);
+                                        const std::shared_ptr<ILogger>& logger);
 };
 
 } // namespace xpon::api_service

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "api_service/core_names.hpp"
 #include "api_service/protocol/privilege_level.hpp"
 #include "api_service/protocol/request.hpp"
 #include "api_service/protocol/response.hpp"
-#include "xpon/core/result.hpp"
 
 #include <functional>
 #include <map>
@@ -14,10 +14,10 @@
 namespace xpon::api_service {
 
 /// Answers a request. The session is empty when the request carried none.
-using Handler = std::function<core::Result<Response>(const Request&, const std::shared_ptr<Session>&)>;
+using Handler = std::function<Result<Response>(const Request&, const std::shared_ptr<Session>&)>;
 
 /// Checks and may rewrite a request before its handler sees it.
-using PreHook = std::function<core::Result<void>(const std::shared_ptr<Session>&, Request&)>;
+using PreHook = std::function<Result<void>(const std::shared_ptr<Session>&, Request&)>;
 
 /// What serves one path and one method.
 struct RouteHandler {

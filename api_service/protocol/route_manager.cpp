@@ -2,11 +2,7 @@
 
 namespace xpon::api_service {
 
-using core::Error;
-using core::ErrorPayload;
-using core::Result;
-
-RouteManager::RouteManager(const std::shared_ptr<core::ILogger>& logger) : logger_(logger) {}
+RouteManager::RouteManager(const std::shared_ptr<ILogger>& logger) : logger_(logger) {}
 
 Result<void> RouteManager::add_route(const std::string& path, const std::string& method, const RouteHandler& handler) {
     routes_[path].insert_or_assign(method, handler);

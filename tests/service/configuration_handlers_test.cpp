@@ -15,7 +15,6 @@
 namespace xpon::api_service {
 namespace {
 
-using core::Error;
 using testing::ElementsAre;
 
 struct Record {

@@ -1,4 +1,4 @@
-#include "api_service/auth/pam_api.hpp"
+#include "api_service/auth/pam_session.hpp"
 #include "tests/support/recording_logger.hpp"
 #include "tests/support/temporary_olt_root.hpp"
 
@@ -12,7 +12,6 @@
 namespace xpon::api_service {
 namespace {
 
-using core::Error;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

@@ -1,5 +1,6 @@
 // What a client receives for everything that can go wrong before and in a handler.
 
+#include "api_service/protocol/route_table.hpp"
 #include "tests/service/service_fixture.hpp"
 
 #include <fmt/format.h>
@@ -9,6 +10,21 @@ namespace xpon::test {
 namespace {
 
 using Pipeline = ServiceTest;
+using enum api_service::PrivilegeLevel;
+
+TEST_F(Pipeline, EveryRouteIsRefusedBelowItsPrivilegeAndReachedFromThereOn) {
+    for (const auto& [user, level] :
+         {std::pair{"", Nothing}, {"viewer", Viewer}, {"operator", Operator}, {"admin", Administrator}}) {
+        for (const auto& row : api_service::route_table()) {
+            const auto id = level == Nothing ? std::string() : log_in(user);
+            const auto session = id.empty() ? std::string() : fmt::format(R"("session_id":"{}",)", id);
+            const auto answer = ask(fmt::format(R"({{{}"path":"{}","method":"{}"}})", session, row.path, row.method));
+            const auto where = fmt::format("{} {} as '{}'", row.method, row.path, user);
+            EXPECT_THAT(answer, testing::StartsWith(R"({"success":)")) << where;
+            EXPECT_EQ(answer == access_denied(id), level < row.privilege) << where;
+        }
+    }
+}
 
 TEST_F(Pipeline, Refusals) {
     const auto id = log_in("operator");

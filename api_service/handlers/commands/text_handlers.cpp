@@ -1,8 +1,7 @@
 #include "api_service/handlers/commands/text_handlers.hpp"
 
-#include "api_service/handlers/answer.hpp"
+#include "api_service/handlers/handler_frame.hpp"
 #include "api_service/protocol/json_building.hpp"
-#include "xpon/core/c_status.hpp"
 #include "xpon/obfuscation/obfuscation.h"
 
 #include <cstddef>
@@ -10,12 +9,6 @@
 #include <string>
 
 namespace xpon::api_service {
-
-using core::Error;
-using core::ErrorPayload;
-using core::JsonTree;
-using core::Result;
-
 namespace {
 
 Result<const char*> get_text(const Request& request) {
@@ -29,13 +22,13 @@ Result<const char*> get_text(const Request& request) {
     return text->valuestring;
 }
 
-Result<Response> answer_with_text(const std::shared_ptr<core::ILogger>& logger, const Request& request,
+Result<Response> answer_with_text(const std::shared_ptr<ILogger>& logger, const Request& request,
                                   const std::shared_ptr<Session>& session, std::size_t (*size_for)(const char* text),
                                   int (*convert)(const char* text, char* output)) {
-    return answer_with_data(session, logger, [&]() -> Result<JsonTree> {
+    return HandlerFrame(logger).answer_with_data(session, [&]() -> Result<JsonTree> {
         BOOST_OUTCOME_TRY(const auto* text, get_text(request));
         std::string output(size_for(text), '\0');
-        BOOST_OUTCOME_TRY(core::call_c_api(*logger, [&] { return convert(text, output.data()); }));
+        BOOST_OUTCOME_TRY(core::call_c_api(*logger, convert, text, output.data()));
         output.resize(std::strlen(output.c_str()));
         BOOST_OUTCOME_TRY(auto root, create_object());
         BOOST_OUTCOME_TRY(set_object_item(root.get(), "text", output));
@@ -50,12 +43,12 @@ std::size_t size_of_plain_text(const char* text) {
 
 } // namespace
 
-Result<Response> text_obfuscate_handler(const std::shared_ptr<core::ILogger>& logger, const Request& request,
+Result<Response> text_obfuscate_handler(const std::shared_ptr<ILogger>& logger, const Request& request,
                                         const std::shared_ptr<Session>& session) {
     return answer_with_text(logger, request, session, calculate_valid_size, text_obfuscate);
 }
 
-Result<Response> text_deobfuscate_handler(const std::shared_ptr<core::ILogger>& logger, const Request& request,
+Result<Response> text_deobfuscate_handler(const std::shared_ptr<ILogger>& logger, const Request& request,
                                           const std::shared_ptr<Session>& session) {
     return answer_with_text(logger, request, session, size_of_plain_text, text_deobfuscate);
 }

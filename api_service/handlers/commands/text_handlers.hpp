@@ -10,9 +10,9 @@ namespace xpon::api_service {
 
 // Turn the "text" of the data into the form in which the configuration keeps secrets, and back. They never log it.
 
-core::Result<Response> text_obfuscate_handler(const std::shared_ptr<core::ILogger>& logger, const Request& request,
-                                              const std::shared_ptr<Session>& session);
-core::Result<Response> text_deobfuscate_handler(const std::shared_ptr<core::ILogger>& logger, const Request& request,
-                                                const std::shared_ptr<Session>& session);
+Result<Response> text_obfuscate_handler(const std::shared_ptr<ILogger>& logger, const Request& request,
+                                        const std::shared_ptr<Session>& session);
+Result<Response> text_deobfuscate_handler(const std::shared_ptr<ILogger>& logger, const Request& request,
+                                          const std::shared_ptr<Session>& session);
 
 } // namespace xpon::api_service

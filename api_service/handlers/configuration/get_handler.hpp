@@ -1,14 +1,13 @@
 #pragma once
 
-#include "api_service/handlers/configuration/request_checks.hpp"
-#include "api_service/handlers/session_checks.hpp"
+#include "api_service/handlers/configuration/addressed_records.hpp"
+#include "api_service/handlers/handler_frame.hpp"
 #include "api_service/protocol/json_building.hpp"
-#include "xpon/core/c_status.hpp"
-#include "xpon/core/guard.hpp"
 
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <variant>
 
@@ -17,7 +16,7 @@ namespace xpon::api_service {
 /// Reads the records that a request addresses, from the candidate or the running configuration. The data of the
 /// answer is one object at depth 0, else an array of objects in index order.
 template <class TConfigElement, std::size_t INDICES_COUNT>
-class ConfigurationGetHandler {
+class ConfigurationGetHandler : HandlerFrame {
 public:
     using Range = IndexRange<INDICES_COUNT>;
     using RunningReader = std::function<int(const void* db, TConfigElement* out, const unsigned short* indices)>;
@@ -26,22 +25,19 @@ public:
     using Serializer = std::function<int(const TConfigElement* record, cJSON* target, cJSON** errors)>;
     using Outcome = std::variant<Payload, JsonErrors>;
 
-    ConfigurationGetHandler(std::shared_ptr<core::ILogger> logger, RunningReader running_reader,
+    ConfigurationGetHandler(std::shared_ptr<ILogger> logger, RunningReader running_reader,
                             CandidateReader candidate_reader, Serializer serializer)
-        : logger_(std::move(logger)), running_reader_(std::move(running_reader)),
+        : HandlerFrame(std::move(logger)), running_reader_(std::move(running_reader)),
           candidate_reader_(std::move(candidate_reader)), serializer_(std::move(serializer)) {}
 
-    core::Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const {
+    Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const {
         BOOST_OUTCOME_TRY(const auto db, database_of(session, "Session is missing"));
-        if (const auto error = find_request_error(request, INDICES_COUNT)) {
-            return make_request_error(*error, "get", session, logger_);
-        }
-        const auto range = Range::from_strings(request.indices);
-        if (!range) {
-            return make_request_error(Json_errors::cannot_parse, "get", session, logger_);
+        const auto addressed = addressed_records<INDICES_COUNT>(request);
+        if (const auto* fault = std::get_if<Json_errors>(&addressed)) {
+            return refuse(session, *fault, "get");
         }
         BOOST_OUTCOME_TRY(auto outcome, core::guarded(*logger_, [&] {
-                              return serialize_payload(db, range.value(), *request.config_type);
+                              return serialize_payload(db, std::get<Range>(addressed), *request.config_type);
                           }));
         if (const auto* errors = std::get_if<JsonErrors>(&outcome)) {
             return Response::make_error_response(session, *errors, logger_);
@@ -52,20 +48,20 @@ public:
     }
 
     /// The data for all records of `range`. Field errors of a record replace those of the records before it.
-    core::Result<Outcome> serialize_payload(const std::shared_ptr<cfgdb::CfgDbWrapper>& db, const Range& range,
-                                            ConfigurationType type) const {
+    Result<Outcome> serialize_payload(const std::shared_ptr<cfgdb::CfgDbWrapper>& db, const Range& range,
+                                      ConfigurationType type) const {
         if constexpr (INDICES_COUNT == 0) {
             return serialize_config_element(db, {}, type);
         }
         BOOST_OUTCOME_TRY(auto array, create_array());
         std::optional<JsonErrors> field_errors;
-        BOOST_OUTCOME_TRY(range.for_each([&](const typename Range::Element& index) -> core::Result<void> {
-            BOOST_OUTCOME_TRY(auto element, build_element(db, index, type));
+        BOOST_OUTCOME_TRY(range.for_each([&](const typename Range::Element& index) -> Result<void> {
+            BOOST_OUTCOME_TRY(auto element, build_element(*db, index, type));
             if (auto* errors = std::get_if<JsonErrors>(&element)) {
                 field_errors = std::move(*errors);
                 return core::success();
             }
-            return add_to_array(array.get(), std::get<core::JsonTree>(std::move(element)));
+            return add_to_array(array.get(), std::get<JsonTree>(std::move(element)));
         }));
         if (field_errors) {
             return Outcome(std::move(*field_errors));
@@ -74,49 +70,47 @@ public:
     }
 
     /// The object of one record, exactly as the serialiser makes it.
-    core::Result<Outcome> serialize_config_element(const std::shared_ptr<cfgdb::CfgDbWrapper>& db,
-                                                   const typename Range::Element& index, ConfigurationType type) const {
-        BOOST_OUTCOME_TRY(auto element, build_element(db, index, type));
+    Result<Outcome> serialize_config_element(const std::shared_ptr<cfgdb::CfgDbWrapper>& db,
+                                             const typename Range::Element& index, ConfigurationType type) const {
+        BOOST_OUTCOME_TRY(auto element, build_element(*db, index, type));
         if (auto* errors = std::get_if<JsonErrors>(&element)) {
             return Outcome(std::move(*errors));
         }
-        return Outcome(Payload(std::get<core::JsonTree>(std::move(element))));
+        return Outcome(Payload(std::get<JsonTree>(std::move(element))));
     }
 
-private:
-    using BuiltElement = std::variant<core::JsonTree, JsonErrors>;
-
-    core::Result<BuiltElement> build_element(const std::shared_ptr<cfgdb::CfgDbWrapper>& db,
-                                             const typename Range::Element& index, ConfigurationType type) const {
+    /// One record's object alone, or its field errors. Error "Invalid configuration type" without a type.
+    Result<std::variant<JsonTree, JsonErrors>> build_element(const cfgdb::CfgDbWrapper& db,
+                                                             const typename Range::Element& index,
+                                                             std::optional<ConfigurationType> type) const {
         BOOST_OUTCOME_TRY(auto object, create_object());
         TConfigElement record{};
-        BOOST_OUTCOME_TRY(read_record(*db, index, type, record));
+        BOOST_OUTCOME_TRY(read_record(db, index, type, record));
         cJSON* reported = nullptr;
-        const auto status = core::call_c_api(*logger_, [&] { return serializer_(&record, object.get(), &reported); });
-        const core::JsonTree errors(reported);
+        const auto status = core::call_c_api(*logger_, serializer_, &record, object.get(), &reported);
+        const JsonTree errors(reported);
         BOOST_OUTCOME_TRY(status);
         if (errors == nullptr) {
-            return BuiltElement(std::move(object));
+            return object;
         }
         JsonErrors read(logger_);
         BOOST_OUTCOME_TRY(read.add_errors_from_cjson(errors.get()));
-        return BuiltElement(std::move(read));
+        return read;
     }
 
-    core::Result<void> read_record(const cfgdb::CfgDbWrapper& db, const typename Range::Element& index,
-                                   ConfigurationType type, TConfigElement& record) const {
+private:
+    Result<void> read_record(const cfgdb::CfgDbWrapper& db, const typename Range::Element& index,
+                             std::optional<ConfigurationType> type, TConfigElement& record) const {
         const auto indices = database_indices(index);
-        switch (type) {
-        case ConfigurationType::Candidate:
-            return core::call_c_api(
-                *logger_, [&] { return candidate_reader_(db.handle(), db.context(), &record, indices.data()); });
-        case ConfigurationType::Running:
-            return core::call_c_api(*logger_, [&] { return running_reader_(db.handle(), &record, indices.data()); });
+        if (type == ConfigurationType::Candidate) {
+            return core::call_c_api(*logger_, candidate_reader_, db.handle(), db.context(), &record, indices.data());
         }
-        return core::ErrorPayload(core::Error::InvalidInputArg, "Invalid configuration type");
+        if (type == ConfigurationType::Running) {
+            return core::call_c_api(*logger_, running_reader_, db.handle(), &record, indices.data());
+        }
+        return ErrorPayload(Error::InvalidInputArg, "Invalid configuration type");
     }
 
-    std::shared_ptr<core::ILogger> logger_;
     RunningReader running_reader_;
     CandidateReader candidate_reader_;
     Serializer serializer_;

@@ -1,15 +1,10 @@
 #include "api_service/handlers/monitoring/constants_handler.hpp"
 
-#include "api_service/handlers/answer.hpp"
 #include "api_service/handlers/monitoring/device_info.hpp"
 #include "api_service/protocol/board.hpp"
 #include "api_service/protocol/json_building.hpp"
 
 namespace xpon::api_service {
-
-using core::JsonTree;
-using core::Result;
-
 namespace {
 
 struct Constant {
@@ -25,10 +20,8 @@ constexpr Constant constants[] = {
 
 } // namespace
 
-MonitoringConstants::MonitoringConstants(const std::shared_ptr<core::ILogger>& logger) : logger_(logger) {}
-
 Result<Response> MonitoringConstants::operator()(const Request&, const std::shared_ptr<Session>& session) const {
-    return answer_with_data(session, logger_, [this] { return serialize_payload(); });
+    return answer_with_data(session, [&] { return serialize_payload(); });
 }
 
 Result<JsonTree> MonitoringConstants::serialize_payload() const {

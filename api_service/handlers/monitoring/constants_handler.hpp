@@ -1,25 +1,21 @@
 #pragma once
 
-#include "api_service/auth/session.hpp"
-#include "api_service/protocol/request.hpp"
-#include "api_service/protocol/response.hpp"
+#include "api_service/handlers/handler_frame.hpp"
 
 #include <memory>
 
 namespace xpon::api_service {
 
 /// The fixed capacities of the device, with which a client sizes its tables.
-class MonitoringConstants {
+class MonitoringConstants : HandlerFrame {
 public:
-    explicit MonitoringConstants(const std::shared_ptr<core::ILogger>& logger);
+    using HandlerFrame::HandlerFrame;
 
     /// Needs no session.
-    core::Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const;
+    Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const;
 
 private:
-    [[nodiscard]] core::Result<core::JsonTree> serialize_payload() const;
-
-    std::shared_ptr<core::ILogger> logger_;
+    [[nodiscard]] Result<JsonTree> serialize_payload() const;
 };
 
 } // namespace xpon::api_service

@@ -26,7 +26,7 @@ struct Counter {
 
 /// What the instances of a record are called: by the service where the record has its number, else from "1" on.
 template <class Record>
-core::Result<std::vector<std::string>> instance_keys(const Record& record) {
+Result<std::vector<std::string>> instance_keys(const Record& record) {
     BOOST_OUTCOME_TRY(const auto count, bounded_count(record.count, max_counter_instances, "count"));
     std::vector<std::string> keys(count);
     for (std::size_t i = 0; i < count; ++i) {
@@ -41,8 +41,8 @@ core::Result<std::vector<std::string>> instance_keys(const Record& record) {
 
 /// Adds an object for each instance, under its key.
 template <class Values, class Group, std::size_t N>
-core::Result<void> add_instances(cJSON* object, const std::vector<std::string>& keys, const Values& values,
-                                 const Counter<Values, Group> (&table)[N]) {
+Result<void> add_instances(cJSON* object, const std::vector<std::string>& keys, const Values& values,
+                           const Counter<Values, Group> (&table)[N]) {
     for (std::size_t i = 0; i < keys.size(); ++i) {
         BOOST_OUTCOME_TRY(auto* instance, add_subobject(object, keys[i].c_str()));
         for (const auto& counter : table) {
@@ -55,8 +55,7 @@ core::Result<void> add_instances(cJSON* object, const std::vector<std::string>& 
 
 /// Adds an object for the group under `key`, when the ONT has it.
 template <class Values, class Group, std::size_t N>
-core::Result<void> add_group(cJSON* object, const char* key, const Group& group,
-                             const Counter<Values, Group> (&table)[N]) {
+Result<void> add_group(cJSON* object, const char* key, const Group& group, const Counter<Values, Group> (&table)[N]) {
     if (group.valid == 0) {
         return core::success();
     }
@@ -70,14 +69,14 @@ core::Result<void> add_group(cJSON* object, const char* key, const Group& group,
 
 /// Adds what the record has of the multicast and of the broadcast GEM port.
 template <class Record, class Values, class Group, std::size_t N>
-core::Result<void> add_gem_groups(cJSON* object, const Record& record, const Counter<Values, Group> (&table)[N]) {
+Result<void> add_gem_groups(cJSON* object, const Record& record, const Counter<Values, Group> (&table)[N]) {
     BOOST_OUTCOME_TRY(add_group(object, "MC", record.mc, table));
     return add_group(object, "BC", record.bc, table);
 }
 
 /// Adds the object that `fill` fills under `key`, unless nothing came into it.
 template <class Fill>
-core::Result<void> add_unless_empty(cJSON* object, const char* key, Fill&& fill) {
+Result<void> add_unless_empty(cJSON* object, const char* key, Fill&& fill) {
     BOOST_OUTCOME_TRY(auto added, create_object());
     BOOST_OUTCOME_TRY(fill(added.get()));
     if (added->child == nullptr) {

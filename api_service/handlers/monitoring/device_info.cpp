@@ -9,9 +9,6 @@
 #include <sys/utsname.h>
 
 namespace xpon::api_service {
-
-using core::Result;
-
 namespace {
 
 struct DeviceInfo {
@@ -38,34 +35,34 @@ constexpr JsonField<Factory_info> factory_info_fields[] = {
     {"mac_address", member<&Factory_info::mac_address>},
 };
 
-Result<std::string> get_hostname(core::ILogger& logger) {
+Result<std::string> get_hostname(ILogger& logger) {
     utsname names{};
-    BOOST_OUTCOME_TRY(core::call_c_api(logger, [&] { return ::uname(&names); }));
+    BOOST_OUTCOME_TRY(core::call_c_api(logger, ::uname, &names));
     return bounded_text(names.nodename);
 }
 
-Result<std::string> get_uptime(core::ILogger& logger) {
+Result<std::string> get_uptime(ILogger& logger) {
     std::array<char, formatted_uptime_size> text{};
-    BOOST_OUTCOME_TRY(core::call_c_api(logger, [&] { return custom_layer__get_formatted_uptime_str(text.data()); }));
+    BOOST_OUTCOME_TRY(core::call_c_api(logger, custom_layer__get_formatted_uptime_str, text.data()));
     return bounded_text(text);
 }
 
-Result<std::string> get_firmware_version(core::ILogger& logger, std::uint8_t slot) {
+Result<std::string> get_firmware_version(ILogger& logger, std::uint8_t slot) {
     Firmware_version_info info{};
-    BOOST_OUTCOME_TRY(core::call_c_api(logger, [&] { return custom_layer__get_firmware_version_info(slot, &info); }));
+    BOOST_OUTCOME_TRY(core::call_c_api(logger, custom_layer__get_firmware_version_info, slot, &info));
     return bounded_text(info.version);
 }
 
-Result<std::uint8_t> get_slot(core::ILogger& logger, int (*ask)(std::uint8_t* index)) {
+Result<std::uint8_t> get_slot(ILogger& logger, int (*ask)(std::uint8_t* index)) {
     std::uint8_t slot = 0;
-    BOOST_OUTCOME_TRY(core::call_c_api(logger, [&] { return ask(&slot); }));
+    BOOST_OUTCOME_TRY(core::call_c_api(logger, ask, &slot));
     if (slot > 1) {
-        return core::ErrorPayload(core::Error::InvalidInputArg, fmt::format("firmware slot {} of 0 and 1", slot));
+        return ErrorPayload(Error::InvalidInputArg, fmt::format("firmware slot {} of 0 and 1", slot));
     }
     return slot;
 }
 
-Result<void> fill_firmware(core::ILogger& logger, DeviceInfo& info) {
+Result<void> fill_firmware(ILogger& logger, DeviceInfo& info) {
     BOOST_OUTCOME_TRY(const auto running, get_slot(logger, custom_layer__get_running_firmware_index));
     BOOST_OUTCOME_TRY(const auto next_boot, get_slot(logger, custom_layer__get_next_boot_firmware_index));
     BOOST_OUTCOME_TRY(info.active_fw, get_firmware_version(logger, running));
@@ -74,18 +71,18 @@ Result<void> fill_firmware(core::ILogger& logger, DeviceInfo& info) {
     return core::success();
 }
 
-Result<std::string> ask_short_device_name(core::ILogger& logger) {
+Result<std::string> ask_short_device_name(ILogger& logger) {
     BOOST_OUTCOME_TRY(const auto factory, get_factory_info(logger));
     BOOST_OUTCOME_TRY(const auto factory_name, bounded_text(factory.device_name));
     std::array<char, short_device_name_size> name{};
-    BOOST_OUTCOME_TRY(core::call_c_api(
-        logger, [&] { return convert_factory_device_name_to_short_device_name(factory_name.c_str(), name.data()); }));
+    BOOST_OUTCOME_TRY(
+        core::call_c_api(logger, convert_factory_device_name_to_short_device_name, factory_name.c_str(), name.data()));
     return bounded_text(name);
 }
 
 } // namespace
 
-Result<void> add_device_info(core::ILogger& logger, cJSON* root, const System_environment_data& environment) {
+Result<void> add_device_info(ILogger& logger, cJSON* root, const System_environment_data& environment) {
     DeviceInfo info{};
     info.fpga_version = environment.fpga_version;
     info.pld_version = environment.pld_version;
@@ -95,18 +92,18 @@ Result<void> add_device_info(core::ILogger& logger, cJSON* root, const System_en
     return add_record(root, "device_info", info, device_info_fields);
 }
 
-Result<void> add_factory_info(core::ILogger& logger, cJSON* root) {
+Result<void> add_factory_info(ILogger& logger, cJSON* root) {
     BOOST_OUTCOME_TRY(const auto factory, get_factory_info(logger));
     return add_record(root, "factory_info", factory, factory_info_fields);
 }
 
-Result<Factory_info> get_factory_info(core::ILogger& logger) {
+Result<Factory_info> get_factory_info(ILogger& logger) {
     Factory_info factory{};
-    BOOST_OUTCOME_TRY(core::call_c_api(logger, [&] { return custom_layer__get_factory_info(&factory); }));
+    BOOST_OUTCOME_TRY(core::call_c_api(logger, custom_layer__get_factory_info, &factory));
     return factory;
 }
 
-Result<std::string> get_short_device_name(core::ILogger& logger) {
+Result<std::string> get_short_device_name(ILogger& logger) {
     static std::optional<std::string> remembered;
     if (!remembered) {
         BOOST_OUTCOME_TRY(remembered, ask_short_device_name(logger));

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "xpon/core/logger.hpp"
-#include "xpon/core/result.hpp"
+#include "api_service/core_names.hpp"
 #include "xpon/custom_layer/device.h"
 #include "xpon/custom_layer/system.h"
 
@@ -12,14 +11,14 @@
 namespace xpon::api_service {
 
 /// Adds "device_info": what runs on the board, and since when. The board's own versions come from `environment`.
-core::Result<void> add_device_info(core::ILogger& logger, cJSON* root, const System_environment_data& environment);
+Result<void> add_device_info(ILogger& logger, cJSON* root, const System_environment_data& environment);
 
 /// Adds "factory_info": who the board is.
-core::Result<void> add_factory_info(core::ILogger& logger, cJSON* root);
+Result<void> add_factory_info(ILogger& logger, cJSON* root);
 
-core::Result<Factory_info> get_factory_info(core::ILogger& logger);
+Result<Factory_info> get_factory_info(ILogger& logger);
 
 /// The short name of the device's kind. Asked once, then remembered for the life of the process; a failure is not.
-core::Result<std::string> get_short_device_name(core::ILogger& logger);
+Result<std::string> get_short_device_name(ILogger& logger);
 
 } // namespace xpon::api_service

@@ -1,10 +1,7 @@
 #include "api_service/handlers/monitoring/front_port_state_handler.hpp"
 
-#include "api_service/handlers/answer.hpp"
-#include "api_service/handlers/library_calls.hpp"
 #include "api_service/handlers/monitoring/port_answers.hpp"
-#include "api_service/handlers/port_range_index.hpp"
-#include "api_service/handlers/session_checks.hpp"
+#include "api_service/handlers/record_fields.hpp"
 #include "xpon/cfgdb/element_functions.hpp"
 
 #include <array>
@@ -12,8 +9,6 @@
 
 namespace xpon::api_service {
 
-using core::JsonTree;
-using core::Result;
 using PortInfo = MonitoringFrontPortStateHandler::PortInfo;
 
 namespace {
@@ -57,14 +52,10 @@ struct MonitoringFrontPortStateHandler::Sources {
     Bitmap_uplink_port_range link_up{};
 };
 
-MonitoringFrontPortStateHandler::MonitoringFrontPortStateHandler(const std::shared_ptr<core::ILogger>& logger,
-                                                                 const std::shared_ptr<ipc::IIpc>& ipc)
-    : logger_(logger), ipc_(ipc) {}
-
 Result<Response> MonitoringFrontPortStateHandler::operator()(const Request& request,
                                                              const std::shared_ptr<Session>& session) const {
-    return answer_with_data(session, logger_, [&]() -> Result<JsonTree> {
-        BOOST_OUTCOME_TRY(const auto db, database_of(session, "No session"));
+    BOOST_OUTCOME_TRY(const auto db, database_of(session));
+    return answer_with_data(session, [&]() -> Result<JsonTree> {
         BOOST_OUTCOME_TRY(const auto range, process_request(request));
         BOOST_OUTCOME_TRY(const auto ports, retrieve_front_port_info_from_db(*db, range));
         return compose_response(ports);
@@ -72,7 +63,7 @@ Result<Response> MonitoringFrontPortStateHandler::operator()(const Request& requ
 }
 
 Result<Bitmap_uplink_port_range> MonitoringFrontPortStateHandler::process_request(const Request& request) const {
-    return get_port_range<Bitmap_uplink_port_range>(*logger_, request, get_parsed_uplink_port_range);
+    return get_port_range(request, get_parsed_uplink_port_range);
 }
 
 Result<std::vector<PortInfo>>
@@ -93,11 +84,10 @@ Result<JsonTree> MonitoringFrontPortStateHandler::compose_response(const std::ve
 Result<std::unique_ptr<MonitoringFrontPortStateHandler::Sources>>
 MonitoringFrontPortStateHandler::get_sources(const cfgdb::CfgDbWrapper& db) const {
     auto sources = std::make_unique<Sources>();
-    BOOST_OUTCOME_TRY(core::call_c_api(*logger_, [&] {
-        return getRunDbArray_ZebGCfg_switch_config_front_port(db.handle(), sources->configured.data());
-    }));
-    BOOST_OUTCOME_TRY(core::call_c_api(
-        *logger_, [&] { return custom_layer__get_front_ports_link_states(ipc_->raw(), &sources->link_up); }));
+    BOOST_OUTCOME_TRY(core::call_c_api(*logger_, getRunDbArray_ZebGCfg_switch_config_front_port, db.handle(),
+                                       sources->configured.data()));
+    BOOST_OUTCOME_TRY(
+        core::call_c_api(*logger_, custom_layer__get_front_ports_link_states, ipc_->raw(), &sources->link_up));
     return sources;
 }
 
@@ -105,8 +95,8 @@ Result<PortInfo> MonitoringFrontPortStateHandler::describe(const Sources& source
     PortInfo described{};
     described.port = port;
     BOOST_OUTCOME_TRY(described.status, get_status(sources, port));
-    BOOST_OUTCOME_TRY(core::call_c_api(
-        *logger_, [&] { return custom_layer__get_front_port_info(ipc_->raw(), port, &described.info); }));
+    BOOST_OUTCOME_TRY(
+        core::call_c_api(*logger_, custom_layer__get_front_port_info, ipc_->raw(), port, &described.info));
     if (described.info.sfp.condition == sfp_present) {
         Front_port_sfp_eddi eddi{};
         if (custom_layer__get_front_port_sfp_eddi(ipc_->raw(), port, &eddi) == 0) {
@@ -122,8 +112,7 @@ Result<const char*> MonitoringFrontPortStateHandler::get_status(const Sources& s
         return "SHUTDOWN";
     }
     std::uint8_t is_up = 0;
-    BOOST_OUTCOME_TRY(
-        core::call_c_api(*logger_, [&] { return get_bitmap_uplink_port_ids_value(&sources.link_up, port, &is_up); }));
+    BOOST_OUTCOME_TRY(core::call_c_api(*logger_, get_bitmap_uplink_port_ids_value, &sources.link_up, port, &is_up));
     return is_up != 0 ? "UP" : "DOWN";
 }
 

@@ -1,19 +1,11 @@
 #include "api_service/handlers/monitoring/igmp_groups_handler.hpp"
 
-#include "api_service/handlers/answer.hpp"
-#include "api_service/handlers/library_calls.hpp"
+#include "api_service/handlers/library_buffers.hpp"
 #include "api_service/handlers/monitoring/wire_texts.hpp"
 #include "api_service/handlers/record_fields.hpp"
-#include "api_service/handlers/session_checks.hpp"
 #include "xpon/ranges/vlan_range.h"
 
 namespace xpon::api_service {
-
-using core::Error;
-using core::ErrorPayload;
-using core::JsonTree;
-using core::Result;
-
 namespace {
 
 const char* filter_mode_text(Igmp_filter_mode mode) {
@@ -64,9 +56,9 @@ Result<void> fill_group(cJSON* object, const Igmp_group& group, std::size_t grou
     return add_items(object, "ports", ports, port_fields, group_idx, "port_idx");
 }
 
-Result<Bitmap_vlan> get_all_vlans(core::ILogger& logger) {
+Result<Bitmap_vlan> get_all_vlans(ILogger& logger) {
     Bitmap_vlan vlans{};
-    BOOST_OUTCOME_TRY(core::call_c_api(logger, [&] { return prepare_bitmap_vlan(&vlans); }));
+    BOOST_OUTCOME_TRY(core::call_c_api(logger, prepare_bitmap_vlan, &vlans));
     bitfield_reset(vlans.bits, vlans.size);
     bitfield_invert(vlans.bits, vlans.size);
     return vlans;
@@ -74,16 +66,10 @@ Result<Bitmap_vlan> get_all_vlans(core::ILogger& logger) {
 
 } // namespace
 
-MonitoringIgmpGroupsHandler::MonitoringIgmpGroupsHandler(const std::shared_ptr<core::ILogger>& logger,
-                                                         const std::shared_ptr<ipc::IIpc>& ipc)
-    : logger_(logger), ipc_(ipc) {}
-
 Result<Response> MonitoringIgmpGroupsHandler::operator()(const Request&,
                                                          const std::shared_ptr<Session>& session) const {
-    return answer_with_data(session, logger_, [&]() -> Result<JsonTree> {
-        BOOST_OUTCOME_TRY(check_session(session, "No session"));
-        return create_payload();
-    });
+    BOOST_OUTCOME_TRY(check_session(session));
+    return answer_with_data(session, [&] { return create_payload(); });
 }
 
 Result<void> MonitoringIgmpGroupsHandler::serialize_payload(cJSON* groups, const VlanInfo& vlan) {
@@ -95,7 +81,7 @@ Result<void> MonitoringIgmpGroupsHandler::serialize_payload(cJSON* groups, const
 }
 
 Result<JsonTree> MonitoringIgmpGroupsHandler::create_payload() const {
-    if (!core::call_c_api(*logger_, [&] { return custom_layer__refresh_igmp_snooping_groups(ipc_->raw()); })) {
+    if (!core::call_c_api(*logger_, custom_layer__refresh_igmp_snooping_groups, ipc_->raw())) {
         return ErrorPayload(Error::ErrorCApi, "IGMP is unavailable");
     }
     BOOST_OUTCOME_TRY(const auto all_vlans, get_all_vlans(*logger_));

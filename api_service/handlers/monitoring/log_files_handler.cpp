@@ -1,16 +1,10 @@
 #include "api_service/handlers/monitoring/log_files_handler.hpp"
 
-#include "api_service/handlers/answer.hpp"
-#include "api_service/handlers/library_calls.hpp"
-#include "api_service/handlers/session_checks.hpp"
+#include "api_service/handlers/library_buffers.hpp"
 #include "api_service/protocol/json_building.hpp"
 #include "xpon/custom_layer/log_files.h"
 
 namespace xpon::api_service {
-
-using core::JsonTree;
-using core::Result;
-
 namespace {
 
 /// The one owner of an array of names and of each name, all blocks of their own.
@@ -35,11 +29,9 @@ struct NameList {
 
 } // namespace
 
-MonitoringLogFiles::MonitoringLogFiles(const std::shared_ptr<core::ILogger>& logger) : logger_(logger) {}
-
 Result<Response> MonitoringLogFiles::operator()(const Request&, const std::shared_ptr<Session>& session) const {
-    return answer_with_data(session, logger_, [&]() -> Result<JsonTree> {
-        BOOST_OUTCOME_TRY(const auto db, database_of(session, "No session"));
+    BOOST_OUTCOME_TRY(const auto db, database_of(session));
+    return answer_with_data(session, [&]() -> Result<JsonTree> {
         BOOST_OUTCOME_TRY(const auto names, get_log_file_list(db));
         return serialize_payload(names);
     });
@@ -48,9 +40,8 @@ Result<Response> MonitoringLogFiles::operator()(const Request&, const std::share
 Result<std::vector<std::string>>
 MonitoringLogFiles::get_log_file_list(const std::shared_ptr<cfgdb::CfgDbWrapper>& db) const {
     NameList list;
-    BOOST_OUTCOME_TRY(core::call_c_api(*logger_, [&] {
-        return custom_layer__get_list_log_files(db->handle(), db->context(), &list.names, &list.count);
-    }));
+    BOOST_OUTCOME_TRY(core::call_c_api(*logger_, custom_layer__get_list_log_files, db->handle(), db->context(),
+                                       &list.names, &list.count));
     std::vector<std::string> names;
     for (const char* name : list.all()) {
         names.emplace_back(name);

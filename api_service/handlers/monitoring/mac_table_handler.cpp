@@ -1,15 +1,9 @@
 #include "api_service/handlers/monitoring/mac_table_handler.hpp"
 
-#include "api_service/handlers/answer.hpp"
 #include "api_service/handlers/monitoring/wire_texts.hpp"
 #include "api_service/handlers/record_fields.hpp"
-#include "api_service/handlers/session_checks.hpp"
 
 namespace xpon::api_service {
-
-using core::JsonTree;
-using core::Result;
-
 namespace {
 
 /// By Mac_entry_type.
@@ -36,13 +30,9 @@ constexpr JsonField<Bcm_mac_entry> entry_fields[] = {
 
 } // namespace
 
-MonitoringMacTable::MonitoringMacTable(const std::shared_ptr<core::ILogger>& logger,
-                                       const std::shared_ptr<ipc::IIpc>& ipc)
-    : logger_(logger), ipc_(ipc) {}
-
 Result<Response> MonitoringMacTable::operator()(const Request& request, const std::shared_ptr<Session>& session) const {
-    return answer_with_data(session, logger_, [&]() -> Result<JsonTree> {
-        BOOST_OUTCOME_TRY(check_session(session, "No session"));
+    BOOST_OUTCOME_TRY(check_session(session));
+    return answer_with_data(session, [&]() -> Result<JsonTree> {
         BOOST_OUTCOME_TRY(const auto table, get_mac_table(request));
         return serialize_payload(*table);
     });
@@ -54,7 +44,7 @@ Result<LibraryBuffer<Bcm_get_mac_table_response>> MonitoringMacTable::get_mac_ta
         return fetch_list<Bcm_get_mac_table_response>(*logger_, custom_layer__get_mac_table, ipc_->raw());
     }
     if (indices.size() > 1) {
-        return core::ErrorPayload(core::Error::InvalidInputArg, "Indices cannot contain more than 1 element");
+        return ErrorPayload(Error::InvalidInputArg, "Indices cannot contain more than 1 element");
     }
     Bitmap_ont_range range{};
     BOOST_OUTCOME_TRY(

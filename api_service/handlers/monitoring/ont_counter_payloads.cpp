@@ -5,8 +5,6 @@
 
 namespace xpon::api_service {
 
-using core::JsonTree;
-using core::Result;
 using CountersHandler = MonitoringOntCountersHandler;
 
 namespace {

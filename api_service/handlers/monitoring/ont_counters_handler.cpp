@@ -1,8 +1,6 @@
 #include "api_service/handlers/monitoring/ont_counters_handler.hpp"
 
-#include "api_service/handlers/answer.hpp"
-#include "api_service/handlers/library_calls.hpp"
-#include "api_service/handlers/session_checks.hpp"
+#include "api_service/handlers/library_buffers.hpp"
 
 #include <algorithm>
 #include <iterator>
@@ -10,10 +8,6 @@
 
 namespace xpon::api_service {
 
-using core::Error;
-using core::ErrorPayload;
-using core::JsonTree;
-using core::Result;
 using CountersHandler = MonitoringOntCountersHandler;
 
 struct MonitoringOntCountersHandler::Kind {
@@ -36,14 +30,10 @@ constexpr CountersHandler::Kind CountersHandler::kinds[] = {
 };
 // clang-format on
 
-MonitoringOntCountersHandler::MonitoringOntCountersHandler(const std::shared_ptr<core::ILogger>& logger,
-                                                           const std::shared_ptr<ipc::IIpc>& ipc)
-    : logger_(logger), ipc_(ipc) {}
-
 Result<Response> MonitoringOntCountersHandler::operator()(const Request& request,
                                                           const std::shared_ptr<Session>& session) const {
-    return answer_with_data(session, logger_, [&]() -> Result<JsonTree> {
-        BOOST_OUTCOME_TRY(check_session(session, "No session"));
+    BOOST_OUTCOME_TRY(check_session(session));
+    return answer_with_data(session, [&]() -> Result<JsonTree> {
         const auto* const kind =
             std::ranges::find_if(kinds, [&](const Kind& known) { return request.path.ends_with(known.path_end); });
         if (kind == std::end(kinds)) {

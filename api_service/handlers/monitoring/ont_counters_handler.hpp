@@ -1,10 +1,7 @@
 #pragma once
 
-#include "api_service/auth/session.hpp"
-#include "api_service/protocol/request.hpp"
-#include "api_service/protocol/response.hpp"
+#include "api_service/handlers/handler_frame.hpp"
 #include "xpon/custom_layer/ont_counters.h"
-#include "xpon/ipc/ipc.hpp"
 
 #include <memory>
 #include <string>
@@ -22,16 +19,16 @@ using CounterRecords = std::vector<CounterRecord<Record>>;
 
 /// The counters of the ONTs of a range. One handler serves all kinds of counters: which it is follows from the
 /// request's path.
-class MonitoringOntCountersHandler {
+class MonitoringOntCountersHandler : HandlerFrame {
 public:
-    MonitoringOntCountersHandler(const std::shared_ptr<core::ILogger>& logger, const std::shared_ptr<ipc::IIpc>& ipc);
+    using HandlerFrame::HandlerFrame;
 
     /// An array with an object for each ONT of the range, also for those that have no counters.
-    core::Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const;
+    Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const;
 
     // The array for each kind. A record that claims more instances than it has place for is an error.
 
-    using Payload = core::Result<core::JsonTree>;
+    using Payload = Result<JsonTree>;
     static Payload get_payload_for_pm_history_data(const CounterRecords<Ont_gem_port_pm>& records);
     static Payload get_payload_for_nctp_pm_history_data(const CounterRecords<Ont_gem_port_nctp_pm>& records);
     static Payload get_payload_for_eth_pm_history_data(const CounterRecords<Ont_eth_pm_history_data>& records);
@@ -48,22 +45,19 @@ private:
     struct Kind;
     static const Kind kinds[];
 
-    [[nodiscard]] core::Result<Bitmap_ont_range> get_ont_range(const Request& request) const;
+    [[nodiscard]] Result<Bitmap_ont_range> get_ont_range(const Request& request) const;
     template <class Record>
-    [[nodiscard]] core::Result<CounterRecords<Record>> get_counters(Ont_information_kind kind,
-                                                                    const Bitmap_ont_range& range) const;
-    [[nodiscard]] core::Result<CounterRecord<void>> get_record(Ont_information_kind kind, std::uint8_t port,
-                                                               std::uint16_t ont) const;
+    [[nodiscard]] Result<CounterRecords<Record>> get_counters(Ont_information_kind kind,
+                                                              const Bitmap_ont_range& range) const;
+    [[nodiscard]] Result<CounterRecord<void>> get_record(Ont_information_kind kind, std::uint8_t port,
+                                                         std::uint16_t ont) const;
     template <Ont_information_kind kind, class Record, Payload (*get_payload)(const CounterRecords<Record>&)>
     [[nodiscard]] Payload get_array(const Bitmap_ont_range& range) const;
 
-    static core::Result<void> add_eth_frame_ext_pm_counters_to_json(cJSON* object, const char* key,
-                                                                    const std::vector<std::string>& instances,
-                                                                    const Ont_eth_frame_ext_pm::Direction& counters);
-    static core::Result<void> fill_eth_frame_ext_pm(cJSON* object, const Ont_eth_frame_ext_pm& record);
-
-    std::shared_ptr<core::ILogger> logger_;
-    std::shared_ptr<ipc::IIpc> ipc_;
+    static Result<void> add_eth_frame_ext_pm_counters_to_json(cJSON* object, const char* key,
+                                                              const std::vector<std::string>& instances,
+                                                              const Ont_eth_frame_ext_pm::Direction& counters);
+    static Result<void> fill_eth_frame_ext_pm(cJSON* object, const Ont_eth_frame_ext_pm& record);
 };
 
 } // namespace xpon::api_service

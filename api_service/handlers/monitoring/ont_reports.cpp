@@ -5,14 +5,9 @@
 #include <utility>
 
 namespace xpon::api_service {
-
-using core::Error;
-using core::ErrorPayload;
-using core::Result;
-
 namespace {
 
-Result<LibraryBuffer<Ont__get_state_info_response>> get_states_info(core::ILogger& logger, Ipc* ipc,
+Result<LibraryBuffer<Ont__get_state_info_response>> get_states_info(ILogger& logger, Ipc* ipc,
                                                                     const Bitmap_ont_range& range) {
     BOOST_OUTCOME_TRY(auto states, fetch_list<Ont__get_state_info_response>(
                                        logger, custom_layer__get_ont_state_info_by_range, ipc, &range));
@@ -22,9 +17,9 @@ Result<LibraryBuffer<Ont__get_state_info_response>> get_states_info(core::ILogge
     return states;
 }
 
-Result<LibraryBuffer<Ont_unactivated_info>> get_all_unactivated_ont(core::ILogger& logger, Ipc* ipc) {
+Result<LibraryBuffer<Ont_unactivated_info>> get_all_unactivated_ont(ILogger& logger, Ipc* ipc) {
     Bitmap_pon_port_range ports{};
-    BOOST_OUTCOME_TRY(core::call_c_api(logger, [&] { return prepare_bitmap_pon_port(&ports); }));
+    BOOST_OUTCOME_TRY(core::call_c_api(logger, prepare_bitmap_pon_port, &ports));
     bitfield_reset(ports.bits, ports.size);
     bitfield_invert(ports.bits, ports.size);
     return fetch_list<Ont_unactivated_info>(logger, custom_layer__get_ont_unactivated_by_range, ipc, &ports);
@@ -32,15 +27,15 @@ Result<LibraryBuffer<Ont_unactivated_info>> get_all_unactivated_ont(core::ILogge
 
 } // namespace
 
-Result<Bitmap_ont_range> get_all_ont_range(core::ILogger& logger) {
+Result<Bitmap_ont_range> get_all_ont_range(ILogger& logger) {
     Bitmap_ont_range range{};
-    BOOST_OUTCOME_TRY(core::call_c_api(logger, [&] { return prepare_bitmap_ont(&range); }));
+    BOOST_OUTCOME_TRY(core::call_c_api(logger, prepare_bitmap_ont, &range));
     bitfield_reset(range.bits, range.size);
     bitfield_invert(range.bits, range.size);
     return range;
 }
 
-Result<OntReports> OntReports::get(core::ILogger& logger, const std::shared_ptr<ipc::IIpc>& ipc,
+Result<OntReports> OntReports::get(ILogger& logger, const std::shared_ptr<ipc::IIpc>& ipc,
                                    const Bitmap_ont_range& range) {
     BOOST_OUTCOME_TRY(auto states, get_states_info(logger, ipc->raw(), range));
     BOOST_OUTCOME_TRY(auto unactivated, get_all_unactivated_ont(logger, ipc->raw()));

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "api_service/handlers/library_calls.hpp"
-#include "xpon/core/logger.hpp"
-#include "xpon/core/result.hpp"
+#include "api_service/core_names.hpp"
+#include "api_service/handlers/library_buffers.hpp"
 #include "xpon/custom_layer/onts.h"
 #include "xpon/ipc/ipc.hpp"
 
@@ -12,14 +11,14 @@
 namespace xpon::api_service {
 
 /// Every place where an ONT can be configured.
-core::Result<Bitmap_ont_range> get_all_ont_range(core::ILogger& logger);
+Result<Bitmap_ont_range> get_all_ont_range(ILogger& logger);
 
 /// What the device reports of its ONTs.
 class OntReports {
 public:
     /// The activated ONTs of `range`, and the unactivated ones of all PON ports.
-    static core::Result<OntReports> get(core::ILogger& logger, const std::shared_ptr<ipc::IIpc>& ipc,
-                                        const Bitmap_ont_range& range);
+    static Result<OntReports> get(ILogger& logger, const std::shared_ptr<ipc::IIpc>& ipc,
+                                  const Bitmap_ont_range& range);
 
     /// Ascending by configured place.
     [[nodiscard]] std::span<const Ont__state_info> activated() const {

@@ -9,11 +9,6 @@
 #include <fmt/format.h>
 
 namespace xpon::api_service {
-
-using core::Error;
-using core::ErrorPayload;
-using core::Result;
-
 namespace {
 
 Result<std::uint8_t> read_byte(const cJSON* item, std::size_t position) {

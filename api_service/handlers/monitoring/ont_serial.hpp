@@ -1,7 +1,6 @@
 #pragma once
 
-#include "xpon/core/logger.hpp"
-#include "xpon/core/result.hpp"
+#include "api_service/core_names.hpp"
 #include "xpon/custom_layer/onts.h"
 
 #include <array>
@@ -25,6 +24,6 @@ OntSerial make_serial(std::span<const std::uint8_t, ont_serial_bin_size> bytes);
 OntSerial make_serial(std::uint64_t configured);
 
 /// The serial number in a JSON array of bytes. The error says which item is wrong, and why.
-core::Result<OntSerial> get_serial_from_array(const cJSON* array);
+Result<OntSerial> get_serial_from_array(const cJSON* array);
 
 } // namespace xpon::api_service

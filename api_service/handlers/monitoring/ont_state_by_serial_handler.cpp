@@ -1,20 +1,13 @@
 #include "api_service/handlers/monitoring/ont_state_by_serial_handler.hpp"
 
-#include "api_service/handlers/answer.hpp"
+#include "api_service/handlers/configuration/get_handler.hpp"
 #include "api_service/handlers/monitoring/ont_fields.hpp"
-#include "api_service/handlers/session_checks.hpp"
 #include "xpon/cfgdb/element_functions.hpp"
 #include "xpon/serializer/serializer.hpp"
 
 #include <algorithm>
 
 namespace xpon::api_service {
-
-using core::Error;
-using core::ErrorPayload;
-using core::JsonTree;
-using core::Result;
-
 namespace {
 
 Result<const cJSON*> get_serial_item(const Request& request) {
@@ -64,15 +57,11 @@ Result<void> fill_unactivated(cJSON* object, const OntReports& reports, const On
 
 } // namespace
 
-MonitoringOntStateBySerialHandler::MonitoringOntStateBySerialHandler(const std::shared_ptr<core::ILogger>& logger,
-                                                                     const std::shared_ptr<ipc::IIpc>& ipc)
-    : logger_(logger), ipc_(ipc) {}
-
 Result<Response> MonitoringOntStateBySerialHandler::operator()(const Request& request,
                                                                const std::shared_ptr<Session>& session) const {
+    BOOST_OUTCOME_TRY(const auto db, database_of(session));
     std::optional<JsonError> refusal;
-    auto answered = answer_with_data(session, logger_, [&]() -> Result<JsonTree> {
-        BOOST_OUTCOME_TRY(const auto db, database_of(session, "No session"));
+    auto answered = answer_with_data(session, [&]() -> Result<JsonTree> {
         BOOST_OUTCOME_TRY(const auto* item, get_serial_item(request));
         const auto serial = get_serial_from_array(item);
         if (!serial) {
@@ -110,26 +99,13 @@ Result<JsonTree> MonitoringOntStateBySerialHandler::serialize_payload(const cfgd
 Result<void> MonitoringOntStateBySerialHandler::add_configuration(cJSON* root, const cfgdb::CfgDbWrapper& db,
                                                                   unsigned short config_index,
                                                                   std::optional<ConfigurationType> type) const {
-    cfgdb::PonOnt record{};
-    if (type == ConfigurationType::Candidate) {
-        BOOST_OUTCOME_TRY(core::call_c_api(
-            *logger_, [&] { return getDb_ZebGCfg_pon_ont(db.handle(), db.context(), &record, &config_index); }));
-    } else if (type == ConfigurationType::Running) {
-        BOOST_OUTCOME_TRY(
-            core::call_c_api(*logger_, [&] { return getRunDb_ZebGCfg_pon_ont(db.handle(), &record, &config_index); }));
-    } else {
-        return ErrorPayload(Error::InvalidInputArg, "Invalid configuration type");
-    }
-    BOOST_OUTCOME_TRY(auto* configuration, add_subobject(root, "configuration"));
-    cJSON* reported = nullptr;
-    const auto status =
-        core::call_c_api(*logger_, [&] { return serialize_PonOnt_to_json(&record, configuration, &reported); });
-    const JsonTree field_errors(reported);
-    BOOST_OUTCOME_TRY(status);
-    if (field_errors != nullptr) {
+    const ConfigurationGetHandler<cfgdb::PonOnt, 1> getter(logger_, getRunDb_ZebGCfg_pon_ont, getDb_ZebGCfg_pon_ont,
+                                                           serialize_PonOnt_to_json);
+    BOOST_OUTCOME_TRY(auto configuration, getter.build_element(db, {config_index}, type));
+    if (std::holds_alternative<JsonErrors>(configuration)) {
         return ErrorPayload(Error::InvalidState, "The ONT's configuration cannot be written as JSON");
     }
-    return core::success();
+    return add_to_object(root, "configuration", std::get<JsonTree>(std::move(configuration)));
 }
 
 } // namespace xpon::api_service

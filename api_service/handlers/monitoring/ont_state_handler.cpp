@@ -1,17 +1,10 @@
 #include "api_service/handlers/monitoring/ont_state_handler.hpp"
 
-#include "api_service/handlers/answer.hpp"
 #include "api_service/handlers/monitoring/ont_fields.hpp"
-#include "api_service/handlers/session_checks.hpp"
 
 namespace xpon::api_service {
 
 using cfgdb::PonOnt;
-using core::Error;
-using core::ErrorPayload;
-using core::JsonTree;
-using core::Result;
-
 namespace {
 
 constexpr JsonField<PonOnt> configuration_fields[] = {
@@ -78,14 +71,10 @@ Result<void> fill_array(cJSON* array, OntWalk& walk) {
 
 } // namespace
 
-MonitoringOntStateHandler::MonitoringOntStateHandler(const std::shared_ptr<core::ILogger>& logger,
-                                                     const std::shared_ptr<ipc::IIpc>& ipc)
-    : logger_(logger), ipc_(ipc) {}
-
 Result<Response> MonitoringOntStateHandler::operator()(const Request& request,
                                                        const std::shared_ptr<Session>& session) const {
-    return answer_with_data(session, logger_, [&]() -> Result<JsonTree> {
-        BOOST_OUTCOME_TRY(const auto db, database_of(session, "No session"));
+    BOOST_OUTCOME_TRY(const auto db, database_of(session));
+    return answer_with_data(session, [&]() -> Result<JsonTree> {
         BOOST_OUTCOME_TRY(const auto range, get_ont_range(request));
         return serialize_payload(*db, range);
     });

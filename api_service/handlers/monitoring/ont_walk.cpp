@@ -5,11 +5,7 @@
 
 namespace xpon::api_service {
 
-using core::Error;
-using core::ErrorPayload;
-using core::Result;
-
-OntWalk::OntWalk(core::ILogger& logger, const cfgdb::CfgDbWrapper& db, const Bitmap_ont_range& range,
+OntWalk::OntWalk(ILogger& logger, const cfgdb::CfgDbWrapper& db, const Bitmap_ont_range& range,
                  const OntReports& reports)
     : logger_(logger), db_(db), range_(range), activated_left_(reports.activated()),
       unactivated_(reports.unactivated()), claimed_(unactivated_.size()) {
@@ -29,8 +25,8 @@ Result<std::optional<ConfiguredOnt>> OntWalk::next() {
                           .config_index = get_ont_config_index(port, position),
                           .serial = {},
                           .configuration = {}};
-        BOOST_OUTCOME_TRY(core::call_c_api(
-            logger_, [&] { return getRunDb_ZebGCfg_pon_ont(db_.handle(), &ont.configuration, &ont.config_index); }));
+        BOOST_OUTCOME_TRY(
+            core::call_c_api(logger_, getRunDb_ZebGCfg_pon_ont, db_.handle(), &ont.configuration, &ont.config_index));
         if (custom_layer__is_ont_configured_unsafe(&ont.configuration) != 0) {
             ont.serial = make_serial(ont.configuration.serial);
             BOOST_OUTCOME_TRY(match(ont));

@@ -5,7 +5,6 @@
 #include "xpon/cfgdb/cfgdb_wrapper.hpp"
 #include "xpon/cfgdb/records/pon_ont.hpp"
 
-#include <cstdint>
 #include <optional>
 #include <unordered_map>
 #include <unordered_set>
@@ -33,22 +32,21 @@ struct ConfiguredOnt {
 class OntWalk {
 public:
     /// All arguments must outlive the walk.
-    OntWalk(core::ILogger& logger, const cfgdb::CfgDbWrapper& db, const Bitmap_ont_range& range,
-            const OntReports& reports);
+    OntWalk(ILogger& logger, const cfgdb::CfgDbWrapper& db, const Bitmap_ont_range& range, const OntReports& reports);
 
     /// The next configured ONT; none after the last.
-    core::Result<std::optional<ConfiguredOnt>> next();
+    Result<std::optional<ConfiguredOnt>> next();
 
     /// To be asked when no ONT is left: error InvalidState when a reported state found no ONT.
-    [[nodiscard]] core::Result<void> finish() const;
+    [[nodiscard]] Result<void> finish() const;
 
     /// The unactivated ONTs that no ONT met so far is configured for, in the order of the report.
     [[nodiscard]] std::vector<const Ont_unactivated_entry*> unclaimed() const;
 
 private:
-    core::Result<void> match(ConfiguredOnt& ont);
+    Result<void> match(ConfiguredOnt& ont);
 
-    core::ILogger& logger_;
+    ILogger& logger_;
     const cfgdb::CfgDbWrapper& db_;
     const Bitmap_ont_range& range_;
     Bitmap_iterator iterator_{};

@@ -1,17 +1,13 @@
 #include "api_service/handlers/monitoring/pon_port_state_handler.hpp"
 
-#include "api_service/handlers/answer.hpp"
-#include "api_service/handlers/library_calls.hpp"
+#include "api_service/handlers/library_buffers.hpp"
 #include "api_service/handlers/monitoring/port_answers.hpp"
-#include "api_service/handlers/port_range_index.hpp"
-#include "api_service/handlers/session_checks.hpp"
+#include "api_service/handlers/record_fields.hpp"
 
 #include <algorithm>
 
 namespace xpon::api_service {
 
-using core::JsonTree;
-using core::Result;
 using PortInfo = MonitoringPonPortStateHandler::PortInfo;
 
 namespace {
@@ -49,21 +45,17 @@ Result<Entry> entry_of(const Entry (&entries)[N], std::size_t count, std::uint8_
     BOOST_OUTCOME_TRY(const auto valid, bounded_items(entries, count, name));
     const auto found = std::ranges::find(valid, port, &Entry::port);
     if (found == valid.end()) {
-        return core::ErrorPayload(core::Error::Empty, fmt::format("{}: nothing of port {}", name, port));
+        return ErrorPayload(Error::Empty, fmt::format("{}: nothing of port {}", name, port));
     }
     return *found;
 }
 
 } // namespace
 
-MonitoringPonPortStateHandler::MonitoringPonPortStateHandler(const std::shared_ptr<core::ILogger>& logger,
-                                                             const std::shared_ptr<ipc::IIpc>& ipc)
-    : logger_(logger), ipc_(ipc) {}
-
 Result<Response> MonitoringPonPortStateHandler::operator()(const Request& request,
                                                            const std::shared_ptr<Session>& session) const {
-    return answer_with_data(session, logger_, [&]() -> Result<JsonTree> {
-        BOOST_OUTCOME_TRY(database_of(session, "No session"));
+    BOOST_OUTCOME_TRY(database_of(session));
+    return answer_with_data(session, [&]() -> Result<JsonTree> {
         BOOST_OUTCOME_TRY(const auto range, process_request(request));
         BOOST_OUTCOME_TRY(const auto ports, retrieve_pon_port_info_from_db(range));
         return compose_response(ports);
@@ -71,7 +63,7 @@ Result<Response> MonitoringPonPortStateHandler::operator()(const Request& reques
 }
 
 Result<Bitmap_pon_port_range> MonitoringPonPortStateHandler::process_request(const Request& request) const {
-    return get_port_range<Bitmap_pon_port_range>(*logger_, request, get_parsed_pon_port_range);
+    return get_port_range(request, get_parsed_pon_port_range);
 }
 
 Result<std::vector<PortInfo>>
@@ -102,8 +94,7 @@ Result<PortInfo> MonitoringPonPortStateHandler::describe(const Pon_ports_states&
     described.port = port;
     BOOST_OUTCOME_TRY(described.state, entry_of(states.ports, states.count, port, "PON port states"));
     BOOST_OUTCOME_TRY(described.module, entry_of(modules.ports, modules.count, port, "PON port modules"));
-    BOOST_OUTCOME_TRY(core::call_c_api(
-        *logger_, [&] { return custom_layer__get_pon_port_type(ipc_->raw(), port, &described.type); }));
+    BOOST_OUTCOME_TRY(core::call_c_api(*logger_, custom_layer__get_pon_port_type, ipc_->raw(), port, &described.type));
     return described;
 }
 

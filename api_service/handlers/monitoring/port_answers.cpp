@@ -1,9 +1,8 @@
 #include "api_service/handlers/monitoring/port_answers.hpp"
 
+#include "api_service/handlers/record_fields.hpp"
+
 namespace xpon::api_service {
-
-using core::Result;
-
 namespace {
 
 constexpr JsonField<Sfp_identification> sfp_fields[] = {
@@ -21,8 +20,7 @@ Result<std::string> text_of_condition(const Sfp_identification& sfp) {
     case sfp_excluded_from_polling:
         return std::string("ExcludePolling");
     }
-    return core::ErrorPayload(core::Error::InvalidInputArg,
-                              fmt::format("unknown value {}", static_cast<unsigned>(sfp.condition)));
+    return ErrorPayload(Error::InvalidInputArg, fmt::format("unknown value {}", static_cast<unsigned>(sfp.condition)));
 }
 
 constexpr JsonField<Sfp_identification> condition_fields[] = {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "api_service/handlers/record_fields.hpp"
-#include "xpon/core/result.hpp"
+#include "api_service/core_names.hpp"
+#include "api_service/protocol/json_building.hpp"
 #include "xpon/custom_layer/sfp.h"
 #include "xpon/ranges/bitfield.h"
 
@@ -12,9 +12,18 @@
 
 namespace xpon::api_service {
 
+/// Logs what an error keeps from being done, behind its cause.
+template <class T>
+Result<T> explained(ILogger& logger, Result<T> result, const char* what_failed) {
+    if (!result) {
+        log_error(logger, "{}", what_failed);
+    }
+    return result;
+}
+
 /// What `describe` says of each port of the set, ascending.
 template <class PortInfo, class Bitmap, class Describe>
-core::Result<std::vector<PortInfo>>
+Result<std::vector<PortInfo>>
 describe_ports(const Bitmap& ports, int (*next)(const Bitmap* bitmap, Bitmap_iterator* iterator, std::uint8_t* port),
                Describe&& describe) {
     std::vector<PortInfo> described;
@@ -28,8 +37,8 @@ describe_ports(const Bitmap& ports, int (*next)(const Bitmap* bitmap, Bitmap_ite
 
 /// An array with one object for each port, filled by `fill`.
 template <class PortInfo>
-core::Result<core::JsonTree> compose_ports(const std::vector<PortInfo>& ports,
-                                           core::Result<void> (*fill)(cJSON* object, const PortInfo& port)) {
+Result<JsonTree> compose_ports(const std::vector<PortInfo>& ports,
+                               Result<void> (*fill)(cJSON* object, const PortInfo& port)) {
     BOOST_OUTCOME_TRY(auto array, create_array());
     for (const auto& port : ports) {
         BOOST_OUTCOME_TRY(auto* object, create_object_in_array(array.get(), port.port));
@@ -39,9 +48,9 @@ core::Result<core::JsonTree> compose_ports(const std::vector<PortInfo>& ports,
 }
 
 /// Adds "sfp_condition". True when there is a module to describe.
-core::Result<bool> add_sfp_condition(cJSON* object, const Sfp_identification& sfp);
+Result<bool> add_sfp_condition(cJSON* object, const Sfp_identification& sfp);
 
 /// Adds "sfp" with how the module identifies itself, and returns it.
-core::Result<cJSON*> add_sfp(cJSON* object, const Sfp_identification& sfp);
+Result<cJSON*> add_sfp(cJSON* object, const Sfp_identification& sfp);
 
 } // namespace xpon::api_service

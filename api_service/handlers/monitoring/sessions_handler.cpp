@@ -1,16 +1,10 @@
 #include "api_service/handlers/monitoring/sessions_handler.hpp"
 
-#include "api_service/handlers/answer.hpp"
-#include "api_service/handlers/library_calls.hpp"
+#include "api_service/handlers/library_buffers.hpp"
 #include "api_service/handlers/monitoring/wire_texts.hpp"
 #include "api_service/handlers/record_fields.hpp"
-#include "api_service/handlers/session_checks.hpp"
 
 namespace xpon::api_service {
-
-using core::JsonTree;
-using core::Result;
-
 namespace {
 
 /// Where the sessions of a kind come from and what is told of each.
@@ -51,15 +45,10 @@ struct SessionTable<Pppoe_get_sessions_msg> {
 } // namespace
 
 template <class SessionList>
-MonitoringSessionsHandler<SessionList>::MonitoringSessionsHandler(const std::shared_ptr<core::ILogger>& logger,
-                                                                  const std::shared_ptr<ipc::IIpc>& ipc)
-    : logger_(logger), ipc_(ipc) {}
-
-template <class SessionList>
 Result<Response> MonitoringSessionsHandler<SessionList>::operator()(const Request&,
                                                                     const std::shared_ptr<Session>& session) const {
-    return answer_with_data(session, logger_, [&]() -> Result<JsonTree> {
-        BOOST_OUTCOME_TRY(check_session(session, "No session"));
+    BOOST_OUTCOME_TRY(check_session(session));
+    return answer_with_data(session, [&]() -> Result<JsonTree> {
         BOOST_OUTCOME_TRY(const auto sessions,
                           fetch_list<SessionList>(*logger_, SessionTable<SessionList>::fetch, ipc_->raw()));
         return serialize_payload(*sessions);

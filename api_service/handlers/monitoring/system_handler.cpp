@@ -1,17 +1,10 @@
 #include "api_service/handlers/monitoring/system_handler.hpp"
 
-#include "api_service/handlers/answer.hpp"
 #include "api_service/handlers/monitoring/device_info.hpp"
 #include "api_service/handlers/record_fields.hpp"
 #include "xpon/core/c_status.hpp"
 
 namespace xpon::api_service {
-
-using core::Error;
-using core::ErrorPayload;
-using core::JsonTree;
-using core::Result;
-
 namespace {
 
 constexpr const char* sensor_names[] = {"PON SFP 1", "PON SFP 2", "Front SFP", "Switch chip", "PON chip  "};
@@ -95,23 +88,14 @@ Result<std::string> get_sensor_id_str(Brd_api__temp_id id) {
     return text_of_value(sensor_names, id);
 }
 
-MonitoringSystemHandler::MonitoringSystemHandler(const std::shared_ptr<core::ILogger>& logger,
-                                                 const std::shared_ptr<ipc::IIpc>& ipc)
-    : logger_(logger), ipc_(ipc) {}
-
 Result<Response> MonitoringSystemHandler::operator()(const Request&, const std::shared_ptr<Session>& session) const {
-    return answer_with_data(session, logger_, [&]() -> Result<JsonTree> {
-        if (session == nullptr) {
-            return ErrorPayload(Error::InvalidInputArg, "No session");
-        }
-        return serialize_payload();
-    });
+    BOOST_OUTCOME_TRY(check_session(session));
+    return answer_with_data(session, [&] { return serialize_payload(); });
 }
 
 Result<Environment> MonitoringSystemHandler::get_environment() const {
     Environment environment{};
-    BOOST_OUTCOME_TRY(core::call_c_api(
-        *logger_, [&] { return custom_layer__get_system_environment_info(ipc_->raw(), &environment); }));
+    BOOST_OUTCOME_TRY(core::call_c_api(*logger_, custom_layer__get_system_environment_info, ipc_->raw(), &environment));
     return environment;
 }
 

@@ -1,10 +1,7 @@
 #pragma once
 
-#include "api_service/auth/session.hpp"
-#include "api_service/protocol/request.hpp"
-#include "api_service/protocol/response.hpp"
+#include "api_service/handlers/handler_frame.hpp"
 #include "xpon/custom_layer/system.h"
-#include "xpon/ipc/ipc.hpp"
 
 #include <memory>
 #include <string>
@@ -12,21 +9,18 @@
 namespace xpon::api_service {
 
 /// The state of the board: memory, load, fans, temperatures, power supplies, firmware and factory identity.
-class MonitoringSystemHandler {
+class MonitoringSystemHandler : HandlerFrame {
 public:
-    MonitoringSystemHandler(const std::shared_ptr<core::ILogger>& logger, const std::shared_ptr<ipc::IIpc>& ipc);
+    using HandlerFrame::HandlerFrame;
 
-    core::Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const;
+    Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const;
 
 private:
-    [[nodiscard]] core::Result<System_environment_data> get_environment() const;
-    [[nodiscard]] core::Result<core::JsonTree> serialize_payload() const;
-
-    std::shared_ptr<core::ILogger> logger_;
-    std::shared_ptr<ipc::IIpc> ipc_;
+    [[nodiscard]] Result<System_environment_data> get_environment() const;
+    [[nodiscard]] Result<JsonTree> serialize_payload() const;
 };
 
 /// The name of a temperature sensor, padded as clients show it. Error InvalidInputArg for an unknown one.
-core::Result<std::string> get_sensor_id_str(Brd_api__temp_id id);
+Result<std::string> get_sensor_id_str(Brd_api__temp_id id);
 
 } // namespace xpon::api_service

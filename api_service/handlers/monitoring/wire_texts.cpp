@@ -20,7 +20,7 @@ std::string ipv4_text(std::span<const std::uint8_t, 4> address) {
     return fmt::format("{}.{}.{}.{}", address[0], address[1], address[2], address[3]);
 }
 
-core::Result<std::string> switch_port_text(Switch_port_kind kind, std::uint8_t unit, std::uint8_t number) {
+Result<std::string> switch_port_text(Switch_port_kind kind, std::uint8_t unit, std::uint8_t number) {
     BOOST_OUTCOME_TRY(auto text, text_of_value(port_kinds, kind));
     if (kind != switch_port_cpu) {
         fmt::format_to(std::back_inserter(text), " {}/{}", unit, number);

@@ -10,7 +10,6 @@
 namespace xpon::api_service {
 namespace {
 
-using core::Error;
 using testing::ElementsAre;
 
 TEST(IndexRange, WritesBackWhatItReadsInCanonicalForm) {

@@ -8,8 +8,6 @@
 namespace xpon::api_service {
 namespace {
 
-using core::JsonTree;
-
 class JsonErrorsTest : public testing::Test {
 protected:
     std::shared_ptr<test::RecordingLogger> logger = std::make_shared<test::RecordingLogger>();

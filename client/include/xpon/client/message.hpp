@@ -1,6 +1,6 @@
 #pragma once
 
-#include "xpon/client/json.hpp"
+#include "xpon/core/json_tree.hpp"
 #include "xpon/core/result.hpp"
 
 #include <optional>
@@ -8,6 +8,8 @@
 #include <vector>
 
 namespace xpon::client {
+
+using Json = core::JsonTree;
 
 /// One request, member by member as it goes out; empty members are left out.
 struct Request {

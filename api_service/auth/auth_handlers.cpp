@@ -1,15 +1,10 @@
-#include "api_service/auth/auth_handler.hpp"
+#include "api_service/auth/auth_handlers.hpp"
 
-#include "api_service/auth/auth_payloads.hpp"
 #include "api_service/auth/secret_wiping.hpp"
+#include "api_service/protocol/json_building.hpp"
 #include "xpon/core/guard.hpp"
 
 namespace xpon::api_service {
-
-using core::Error;
-using core::ErrorPayload;
-using core::Result;
-
 namespace {
 
 PrivilegeLevel privilege_of(const cfgdb::User_record& user) {
@@ -19,8 +14,24 @@ PrivilegeLevel privilege_of(const cfgdb::User_record& user) {
 
 } // namespace
 
-AuthHandler::AuthHandler(const std::shared_ptr<core::ILogger>& logger,
-                         const std::shared_ptr<SessionManager>& session_manager, const std::shared_ptr<IPamApi>& pam)
+Result<AuthRequestPayload> AuthRequestPayload::from_payload(const Payload& payload) {
+    const char* user = cJSON_GetStringValue(cJSON_GetObjectItemCaseSensitive(payload.get(), "user"));
+    const char* password = cJSON_GetStringValue(cJSON_GetObjectItemCaseSensitive(payload.get(), "password"));
+    if (user == nullptr || password == nullptr) {
+        return ErrorPayload(Error::InvalidInputArg);
+    }
+    return AuthRequestPayload{.user = user, .password = password};
+}
+
+Result<Payload> AuthResponsePayload::make_payload() const {
+    BOOST_OUTCOME_TRY(auto object, create_object());
+    BOOST_OUTCOME_TRY(set_object_item(object.get(), "session_id", session_id));
+    BOOST_OUTCOME_TRY(set_object_item(object.get(), "web_privilege", to_string(privilege)));
+    return Payload(std::move(object));
+}
+
+AuthHandler::AuthHandler(const std::shared_ptr<ILogger>& logger, const std::shared_ptr<SessionManager>& session_manager,
+                         const std::shared_ptr<IPamApi>& pam)
     : logger_(logger), session_manager_(session_manager), pam_(pam) {}
 
 Result<std::shared_ptr<Session>> AuthHandler::create_session(const Request& request) const {
@@ -63,7 +74,7 @@ Result<Response> AuthHandler::operator()(const Request& request, const std::shar
     }
     const auto& opened = created.value();
     if (opened == nullptr) {
-        log_error(*logger_, "No session");
+        log_error(*logger_, no_session_text);
         return ErrorPayload(Error::CommonError);
     }
     if (opened->privilege == PrivilegeLevel::Nothing) {
@@ -82,6 +93,22 @@ Result<Response> AuthHandler::operator()(const Request& request, const std::shar
     auto response = Response::make_success_response(opened, logger_);
     response.payload = std::move(payload).value();
     return response;
+}
+
+UnauthHandler::UnauthHandler(const std::shared_ptr<ILogger>& logger,
+                             const std::shared_ptr<SessionManager>& session_manager)
+    : logger_(logger), session_manager_(session_manager) {}
+
+Result<Response> UnauthHandler::operator()(const Request&, const std::shared_ptr<Session>& session) const {
+    const auto close = [&]() -> Result<Response> {
+        if (session == nullptr) {
+            log_error(*logger_, no_session_text);
+            return ErrorPayload(Error::InvalidInputArg);
+        }
+        BOOST_OUTCOME_TRY(session_manager_->close_session(session->id));
+        return Response::make_success_response(session, logger_);
+    };
+    return core::guarded(*logger_, close, core::exception_text_unpadded);
 }
 
 } // namespace xpon::api_service

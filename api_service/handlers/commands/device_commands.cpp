@@ -1,23 +1,36 @@
-#include "api_service/handlers/commands/ont_action_handler.hpp"
+#include "api_service/handlers/commands/device_commands.hpp"
 
-#include "api_service/handlers/commands/device_command.hpp"
+#include "xpon/custom_layer/commands.h"
 
 #include <fmt/format.h>
 
 namespace xpon::api_service {
 
-using core::Error;
-using core::ErrorPayload;
-using core::Result;
+Result<Response> RebootHandler::operator()(const Request&, const std::shared_ptr<Session>& session) const {
+    BOOST_OUTCOME_TRY(check_session(session));
+    return answer_to_command(session, custom_layer__reboot, reboot_now);
+}
 
-OntActionHandler::OntActionHandler(const std::shared_ptr<core::ILogger>& logger, const std::shared_ptr<ipc::IIpc>& ipc,
+Result<Response> ReconfigureOltHandler::operator()(const Request&, const std::shared_ptr<Session>& session) const {
+    BOOST_OUTCOME_TRY(check_session(session));
+    return answer_to_command(session, custom_layer__reconfigure_olt);
+}
+
+Result<Response> ReconfigurePonPortHandler::operator()(const Request& request,
+                                                       const std::shared_ptr<Session>& session) const {
+    BOOST_OUTCOME_TRY(check_session(session));
+    BOOST_OUTCOME_TRY(const auto ports, get_port_range(request, get_parsed_pon_port_range));
+    return answer_to_command(session, custom_layer__reconfigure_pon_port, ipc_->raw(), &ports);
+}
+
+OntActionHandler::OntActionHandler(const std::shared_ptr<ILogger>& logger, const std::shared_ptr<ipc::IIpc>& ipc,
                                    Action action)
-    : logger_(logger), ipc_(ipc), action_(std::move(action)) {}
+    : HandlerFrame(logger, ipc), action_(std::move(action)) {}
 
 Result<Response> OntActionHandler::operator()(const Request& request, const std::shared_ptr<Session>& session) const {
-    BOOST_OUTCOME_TRY(check_session(session, "No session"));
+    BOOST_OUTCOME_TRY(check_session(session));
     BOOST_OUTCOME_TRY(const auto ranges, get_ranges(request));
-    return answer_to_command(session, logger_, [&] {
+    return answer_to_command(session, [&] {
         int status = 0;
         for (auto range = ranges.begin(); range != ranges.end() && status == 0; ++range) {
             status = action_(ipc_->raw(), &*range);

@@ -1,17 +1,14 @@
-#include "api_service/handlers/configuration/commit_handler.hpp"
+#include "api_service/handlers/configuration/configuration_commands.hpp"
 
-#include "api_service/handlers/session_checks.hpp"
-#include "xpon/core/guard.hpp"
+#include "xpon/custom_layer/configuration.h"
 
 #include <string>
 #include <string_view>
 
 namespace xpon::api_service {
-
-using core::Error;
-using core::Result;
-
 namespace {
+
+constexpr const char* saved_configuration = "/configuration/save-config";
 
 struct Refusal {
     std::string path;
@@ -31,11 +28,8 @@ Refusal split_refusal(std::string_view message) {
 
 } // namespace
 
-CommitHandler::CommitHandler(const std::shared_ptr<core::ILogger>& logger, const std::shared_ptr<ipc::IIpc>& ipc)
-    : logger_(logger), ipc_(ipc) {}
-
 Result<Response> CommitHandler::operator()(const Request&, const std::shared_ptr<Session>& session) const {
-    BOOST_OUTCOME_TRY(const auto db, database_of(session, "No session"));
+    BOOST_OUTCOME_TRY(const auto db, database_of(session));
     const auto committed = core::guarded(*logger_, [&] { return db->commit(ipc_); });
     if (!committed && committed.error().code == Error::Exception) {
         return committed.error();
@@ -47,7 +41,7 @@ Result<Response> CommitHandler::operator()(const Request&, const std::shared_ptr
     return response;
 }
 
-JsonError CommitHandler::describe_refusal(const core::ErrorPayload& error) const {
+JsonError CommitHandler::describe_refusal(const ErrorPayload& error) const {
     Refusal refusal{.path = "configuration", .text = "Unknown Error"};
     if (!error.info) {
         log_error(*logger_, "Error without info");
@@ -60,6 +54,24 @@ JsonError CommitHandler::describe_refusal(const core::ErrorPayload& error) const
     JsonError described(Json_errors::commit_failed, refusal.path, logger_);
     described.add_param(refusal.text);
     return described;
+}
+
+Result<Response> RollbackHandler::operator()(const Request&, const std::shared_ptr<Session>& session) const {
+    BOOST_OUTCOME_TRY(const auto db, database_of(session));
+    BOOST_OUTCOME_TRY(db->rollback());
+    return Response::make_success_response(session, logger_);
+}
+
+Result<Response> ConfigurationSaveHandler::operator()(const Request&, const std::shared_ptr<Session>& session) const {
+    BOOST_OUTCOME_TRY(const auto db, database_of(session));
+    return answer_to_command(session, custom_layer__configuration_save, ipc_->raw(), db->handle(), db->context(),
+                             saved_configuration);
+}
+
+Result<Response> ConfigurationSetDefaultHandler::operator()(const Request&,
+                                                            const std::shared_ptr<Session>& session) const {
+    BOOST_OUTCOME_TRY(const auto db, database_of(session));
+    return answer_to_command(session, custom_layer__configuration_set_default, db->handle(), db->context());
 }
 
 } // namespace xpon::api_service

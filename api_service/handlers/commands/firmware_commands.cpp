@@ -1,12 +1,8 @@
-#include "api_service/handlers/commands/upload_firmware.hpp"
+#include "api_service/handlers/commands/firmware_commands.hpp"
 
-#include "api_service/handlers/commands/device_command.hpp"
 #include "xpon/custom_layer/commands.h"
 
 namespace xpon::api_service {
-
-using core::Result;
-
 namespace {
 
 /// What the error of bad data is about. No route has this name: clients know the command by it.
@@ -17,7 +13,7 @@ constexpr const char* command_name = R"(command.upload_firmware)";
 Result<UploadFirmwareRequest> UploadFirmwareRequest::get_from_payload(const Payload& payload) {
     const char* path = cJSON_GetStringValue(cJSON_GetObjectItemCaseSensitive(payload.get(), "path"));
     if (path == nullptr) {
-        return core::ErrorPayload(core::Error::InvalidInputArg, "\"path\" must be a string");
+        return ErrorPayload(Error::InvalidInputArg, "\"path\" must be a string");
     }
     return UploadFirmwareRequest(path);
 }
@@ -28,18 +24,22 @@ std::string UploadFirmwareRequest::get_path() const {
 
 UploadFirmwareRequest::UploadFirmwareRequest(std::string path) : path_(std::move(path)) {}
 
-UploadFirmware::UploadFirmware(const std::shared_ptr<core::ILogger>& logger, const std::shared_ptr<ipc::IIpc>& ipc)
-    : logger_(logger), ipc_(ipc) {}
-
 Result<Response> UploadFirmware::operator()(const Request& request, const std::shared_ptr<Session>& session) const {
     const auto upload = UploadFirmwareRequest::get_from_payload(request.data);
     if (!upload) {
         log_error(*logger_, "Unable to parse payload");
-        return Response::make_error_response(session, JsonError(Json_errors::cannot_parse, command_name, logger_),
-                                             logger_);
+        return refuse(session, Json_errors::cannot_parse, command_name);
     }
-    return answer_to_command(
-        session, logger_, [path = upload.value().get_path()] { return custom_layer__update_firmware(path.c_str()); });
+    return answer_to_command(session, custom_layer__update_firmware, upload.value().get_path().c_str());
+}
+
+FirmwareSelectImage::FirmwareSelectImage(const std::shared_ptr<ILogger>& logger, const std::shared_ptr<ipc::IIpc>& ipc,
+                                         std::uint32_t selector)
+    : HandlerFrame(logger, ipc), selector_(selector) {}
+
+Result<Response> FirmwareSelectImage::operator()(const Request&, const std::shared_ptr<Session>& session) const {
+    BOOST_OUTCOME_TRY(check_session(session));
+    return answer_to_command(session, custom_layer__select_image, ipc_->raw(), selector_, nullptr);
 }
 
 } // namespace xpon::api_service

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "api_service/core_names.hpp"
 #include "xpon/core/c_status.hpp"
-#include "xpon/core/logger.hpp"
-#include "xpon/core/result.hpp"
 
 #include <cstdlib>
 #include <memory>
@@ -22,34 +21,25 @@ using LibraryBuffer = std::unique_ptr<T, FreeDeleter>;
 /// The record that `function` returns through a `Record**` behind the other arguments. A call that succeeds without a
 /// record is an error.
 template <class Record, class Function, class... Args>
-core::Result<LibraryBuffer<Record>> fetch_buffer(core::ILogger& logger, Function function, Args... args) {
+Result<LibraryBuffer<Record>> fetch_buffer(ILogger& logger, Function function, Args... args) {
     Record* out = nullptr;
-    const auto called = core::call_c_api(logger, [&] { return function(args..., &out); });
+    const auto called = core::call_c_api(logger, function, args..., &out);
     LibraryBuffer<Record> buffer(out);
     BOOST_OUTCOME_TRY(called);
     if (buffer == nullptr) {
-        return core::ErrorPayload(core::Error::InvalidInputArg, "Object cannot be null");
+        return ErrorPayload(Error::InvalidInputArg, "Object cannot be null");
     }
     return buffer;
 }
 
 /// The same for a list with `count` entries behind `entries`. A list with a count but without entries is an error.
 template <class List, class Function, class... Args>
-core::Result<LibraryBuffer<List>> fetch_list(core::ILogger& logger, Function function, Args... args) {
+Result<LibraryBuffer<List>> fetch_list(ILogger& logger, Function function, Args... args) {
     BOOST_OUTCOME_TRY(auto list, fetch_buffer<List>(logger, function, args...));
     if (list->count > 0 && list->entries == nullptr) {
-        return core::ErrorPayload(core::Error::InvalidInputArg, "Object cannot be null");
+        return ErrorPayload(Error::InvalidInputArg, "Object cannot be null");
     }
     return list;
-}
-
-/// Logs what an error keeps from being done, behind its cause.
-template <class T>
-core::Result<T> explained(core::ILogger& logger, core::Result<T> result, const char* what_failed) {
-    if (!result) {
-        log_error(logger, "{}", what_failed);
-    }
-    return result;
 }
 
 } // namespace xpon::api_service

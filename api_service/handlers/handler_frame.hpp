@@ -1,0 +1,68 @@
+#pragma once
+
+#include "api_service/auth/session.hpp"
+#include "api_service/core_names.hpp"
+#include "api_service/protocol/request.hpp"
+#include "api_service/protocol/response.hpp"
+#include "xpon/core/c_status.hpp"
+#include "xpon/core/guard.hpp"
+#include "xpon/ipc/ipc.hpp"
+
+#include <memory>
+#include <utility>
+
+namespace xpon::api_service {
+
+/// What handlers are built on: the services that they work with, and the steps between request and answer that are the
+/// same whatever is asked for. What is left to a handler is its own work.
+class HandlerFrame {
+public:
+    /// Handlers that ask none of the device's daemons need no `ipc`.
+    explicit HandlerFrame(std::shared_ptr<ILogger> logger, std::shared_ptr<ipc::IIpc> ipc = nullptr);
+
+    /// Error "No session" without one.
+    static Result<void> check_session(const std::shared_ptr<Session>& session);
+
+    /// The session's database client. Errors: `no_session` without a session, "CfgDb context is missing".
+    static Result<std::shared_ptr<cfgdb::CfgDbWrapper>> database_of(const std::shared_ptr<Session>& session,
+                                                                    const char* no_session = no_session_text);
+
+    /// The answer whose data is the tree that `build` makes.
+    template <class Build>
+    Result<Response> answer_with_data(const std::shared_ptr<Session>& session, Build&& build) const {
+        BOOST_OUTCOME_TRY(JsonTree data, core::guarded(*logger_, std::forward<Build>(build)));
+        auto response = Response::make_success_response(session, logger_);
+        response.payload = Payload(std::move(data));
+        return response;
+    }
+
+    /// The answer to a command: a C function of the device with its arguments. The answer is made first, so that lack
+    /// of memory is found before the device is touched.
+    template <class Command, class... Args>
+    Result<Response> answer_to_command(const std::shared_ptr<Session>& session, Command&& command,
+                                       Args&&... args) const {
+        auto response = Response::make_success_response(session, logger_);
+        BOOST_OUTCOME_TRY(core::call_c_api(*logger_, std::forward<Command>(command), std::forward<Args>(args)...));
+        return response;
+    }
+
+    /// The answer to a faulty request: one error, about `path`.
+    [[nodiscard]] Response refuse(const std::shared_ptr<Session>& session, Json_errors error, const char* path) const;
+
+    /// The set of ports that the request's one index names.
+    template <class Bitmap>
+    Result<Bitmap> get_port_range(const Request& request, int (*parse)(const char* text, Bitmap* out)) const {
+        if (request.indices.size() != 1) {
+            return ErrorPayload(Error::InvalidInputArg, "Indices must contain exactly one element");
+        }
+        Bitmap ports{};
+        BOOST_OUTCOME_TRY(core::call_c_api(*logger_, parse, request.indices.front().c_str(), &ports));
+        return ports;
+    }
+
+protected:
+    std::shared_ptr<ILogger> logger_;
+    std::shared_ptr<ipc::IIpc> ipc_;
+};
+
+} // namespace xpon::api_service
