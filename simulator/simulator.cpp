@@ -7,7 +7,7 @@
 #include "simulator/host_name.hpp"
 #include "simulator/peers/peers.hpp"
 #include "simulator/plant/ont_layout.hpp"
-#include "simulator/simulation.hpp"
+#include "simulator/simulation/simulation.hpp"
 #include "simulator/single_instance.hpp"
 #include "simulator/stop_signals.hpp"
 #include "xpon/peer_side/database_log.hpp"

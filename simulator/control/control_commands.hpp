@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/simulation.hpp"
+#include "simulator/simulation/simulation.hpp"
 
 #include <string>
 #include <string_view>

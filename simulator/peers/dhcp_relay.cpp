@@ -1,5 +1,5 @@
 #include "simulator/peers/peer_table.hpp"
-#include "simulator/plant/dhcp_sessions.hpp"
+#include "simulator/reports/dhcp_sessions.hpp"
 
 #include <array>
 

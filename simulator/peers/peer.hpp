@@ -1,7 +1,7 @@
 #pragma once
 
-#include "simulator/event_log.hpp"
-#include "simulator/simulation.hpp"
+#include "simulator/simulation/event_log.hpp"
+#include "simulator/simulation/simulation.hpp"
 #include "xpon/peer_side/operations.hpp"
 #include "xpon/peer_side/payload.hpp"
 #include "xpon/peer_side/server.hpp"

@@ -1,8 +1,8 @@
 #include "simulator/peers/peer_table.hpp"
 #include "simulator/plant/bitmap.hpp"
-#include "simulator/plant/counter_report.hpp"
-#include "simulator/plant/ont_report.hpp"
-#include "simulator/plant/port_report.hpp"
+#include "simulator/reports/counter_report.hpp"
+#include "simulator/reports/ont_report.hpp"
+#include "simulator/reports/port_report.hpp"
 
 #include <algorithm>
 #include <array>

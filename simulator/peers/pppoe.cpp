@@ -1,5 +1,5 @@
 #include "simulator/peers/peer_table.hpp"
-#include "simulator/plant/pppoe_sessions.hpp"
+#include "simulator/subscribers/pppoe_sessions.hpp"
 
 #include <array>
 

@@ -1,6 +1,6 @@
 #include "simulator/peers/peer_table.hpp"
-#include "simulator/plant/mac_table.hpp"
-#include "simulator/plant/port_report.hpp"
+#include "simulator/reports/port_report.hpp"
+#include "simulator/subscribers/mac_table.hpp"
 
 #include <array>
 

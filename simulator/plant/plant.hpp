@@ -5,7 +5,7 @@
 #include "simulator/plant/ont_meter.hpp"
 #include "simulator/plant/ont_population.hpp"
 #include "simulator/plant/running_configuration.hpp"
-#include "simulator/plant/subscriber_history.hpp"
+#include "simulator/subscribers/subscriber_history.hpp"
 #include "xpon/custom_layer/pon_ports.h"
 
 #include <array>

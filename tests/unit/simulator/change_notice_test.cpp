@@ -1,5 +1,5 @@
-#include "simulator/event_log.hpp"
 #include "simulator/peers/change_notice.hpp"
+#include "simulator/simulation/event_log.hpp"
 #include "tests/support/temporary_olt_root.hpp"
 #include "tests/unit/simulator/element_positions.hpp"
 
