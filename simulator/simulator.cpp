@@ -1,8 +1,8 @@
 #include "simulator/simulator.hpp"
 
-#include "simulator/board_file.hpp"
 #include "simulator/control/control_commands.hpp"
 #include "simulator/control/control_socket.hpp"
+#include "simulator/files/device_files.hpp"
 #include "simulator/first_configuration.hpp"
 #include "simulator/host_name.hpp"
 #include "simulator/peers/peers.hpp"
@@ -35,7 +35,7 @@ core::Result<void> run(const Options& options, const std::shared_ptr<core::ILogg
     make_folders();
     const SingleInstance instance;
     cfgdb::set_database_log(logger);
-    BOOST_OUTCOME_TRY(configure_fresh_olt({.plant = options.plant, .size = options.size, .seed = options.seed}));
+    BOOST_OUTCOME_TRY(configure_fresh_olt(options.parameters()));
     const BoardFile board(pon_ports, front_ports);
     HostName host_name(options.applies_hostname);
     Simulation simulation(options);

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "simulator/files/event_log.hpp"
 #include "simulator/peers/peer.hpp"
-#include "simulator/simulation/event_log.hpp"
 
 namespace xpon::simulator {
 

@@ -1,5 +1,7 @@
 #include "simulator/plant/optics.hpp"
 
+#include "xpon/peer_side/gpon_rates.hpp"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -53,7 +55,7 @@ OntPath path_of(const Random& random, const OntPosition& ont) {
 }
 
 std::uint32_t equalization_delay(const OntPath& path, unsigned reach_max_km) {
-    constexpr double bits_per_us = 1244.16;
+    constexpr double bits_per_us = gpon_upstream_kbps / 1000.0;
     const double equalized_us = round_trip_us(reach_max_km) + 50;
     const double measured_us = round_trip_us(path.distance_km) + path.response_us;
     return static_cast<std::uint32_t>(std::lround(std::max(equalized_us - measured_us, 0.0) * bits_per_us));

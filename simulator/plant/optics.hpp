@@ -20,7 +20,7 @@ struct OntPath {
 
 OntPath path_of(const Random& random, const OntPosition& ont);
 
-/// Bit times of 1.24416 Gbit/s [G.984.3].
+/// Bit times of the upstream rate [G.984.3].
 std::uint32_t equalization_delay(const OntPath& path, unsigned reach_max_km);
 
 /// Between the ONT and the OLT, in dB. `split` ways of the splitter, of which more than 64 lose no more.

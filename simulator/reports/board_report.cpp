@@ -1,6 +1,6 @@
 #include "simulator/reports/board_report.hpp"
 
-#include "simulator/plant/fixed_text.hpp"
+#include "xpon/peer_side/fixed_text.hpp"
 
 #include <algorithm>
 #include <array>

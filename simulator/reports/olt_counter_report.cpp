@@ -52,7 +52,7 @@ Ont__get_gem_port_counters_response report_olt_gem_ports(const Plant& plant, std
         LinkTraffic tx;
         rx.add(flows.up.frames_sent());
         tx.add(flows.down.frames_sent());
-        add(counts->gem_port(service.number), gem_port_unicast, rx, tx);
+        add(gem_port_of(index, service.number), gem_port_unicast, rx, tx);
         streams.add(flows.multicast.frames_sent());
     }
     if (counts->has_multicast()) {

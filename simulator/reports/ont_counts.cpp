@@ -11,12 +11,6 @@ std::optional<OntCounts> OntCounts::of(const Plant& plant, std::uint16_t index) 
     return is_counted ? std::optional(OntCounts(plant, *ont)) : std::nullopt;
 }
 
-std::uint16_t OntCounts::gem_port(unsigned service) const {
-    constexpr unsigned first = 512;
-    constexpr unsigned per_ont = 8;
-    return static_cast<std::uint16_t>(first + settings().index % max_onts_per_port * per_ont + service - 1);
-}
-
 bool OntCounts::has_multicast() const {
     return std::ranges::any_of(settings().services, [](const ServiceSettings& service) {
         return service.type == cfgdb::ProfileOntCrossConnect::ServiceType::iptv;

@@ -31,8 +31,6 @@ public:
     [[nodiscard]] const Random& random() const {
         return metered_.random;
     }
-    /// GEM port of a service, from 1.
-    [[nodiscard]] std::uint16_t gem_port(unsigned service) const;
     [[nodiscard]] bool has_multicast() const;
     [[nodiscard]] bool has_broadcast() const;
 

@@ -1,8 +1,8 @@
 #include "simulator/reports/ont_report.hpp"
 
-#include "simulator/plant/bitmap.hpp"
-#include "simulator/plant/fixed_text.hpp"
-#include "simulator/plant/serial_bytes.hpp"
+#include "simulator/reports/bitmap.hpp"
+#include "xpon/peer_side/fixed_text.hpp"
+#include "xpon/peer_side/serial_bytes.hpp"
 
 #include <algorithm>
 #include <array>
@@ -14,7 +14,7 @@ namespace xpon::simulator {
 namespace {
 
 void put_alloc_ids(Ont__state_info& info, const Plant& plant, const Plant::Ont& ont) {
-    const auto onu_id = plant.onu_id_of(*ont.situation->configured);
+    const auto onu_id = onu_id_of(plant.configuration(), *ont.situation->configured);
     if (!holds_onu_id(ont.point.state) || !onu_id) {
         return;
     }
@@ -34,7 +34,7 @@ Ont__state_info state_of(const Plant& plant, const Plant::Ont& ont) {
     const auto state = ont.point.state;
     Ont__state_info info;
     std::memset(&info, 0, sizeof info);
-    put_serial(info.serial, ont.hardware->serial);
+    std::ranges::copy(serial_bytes(ont.hardware->serial), info.serial);
     info.port = static_cast<std::uint8_t>(ont.situation->seen_port);
     info.ont_id = static_cast<std::uint16_t>(*ont.situation->configured % max_onts_per_port + 1);
     info.state = state;
@@ -62,7 +62,7 @@ std::vector<Ont__state_info> report_ont_states(const Plant& plant, const Bitmap_
     std::array<std::optional<Plant::Ont>, max_onts> by_place;
     for (const auto& ont : plant.onts()) {
         const auto& place = ont.situation->configured;
-        if (place && is_listed(ont.point.state) && has_bit(range, *place)) {
+        if (place && is_listed(ont.point.state) && contains(range, *place)) {
             by_place.at(*place) = ont;
         }
     }
@@ -79,10 +79,10 @@ std::vector<Ont_unactivated_entry> report_unactivated(const Plant& plant, const 
     std::vector<Ont_unactivated_entry> entries;
     for (const auto& ont : plant.onts()) {
         const auto port = ont.situation->seen_port;
-        if (ont.point.state == ont_serial_number && has_bit(range, port)) {
+        if (ont.point.state == ont_serial_number && contains(range, port)) {
             auto& entry = entries.emplace_back();
             entry.port = static_cast<std::uint8_t>(port);
-            put_serial(entry.serial, ont.hardware->serial);
+            std::ranges::copy(serial_bytes(ont.hardware->serial), entry.serial);
             put_text(entry.password, password_of(ont.hardware->position));
         }
     }

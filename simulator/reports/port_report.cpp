@@ -1,6 +1,6 @@
 #include "simulator/reports/port_report.hpp"
 
-#include "simulator/plant/fixed_text.hpp"
+#include "xpon/peer_side/fixed_text.hpp"
 
 #include <cmath>
 
@@ -104,7 +104,7 @@ Bitmap_uplink_port_range report_front_links(const Plant& plant) {
     links.size = front_ports + 1;
     for (unsigned port = 1; port <= front_ports; ++port) {
         if (plant.front_link_is_up(port)) {
-            links.bits[port / 8] = static_cast<std::uint8_t>(links.bits[port / 8] | 1U << port % 8);
+            bitfield_set_bit(links.bits, links.size, port);
         }
     }
     return links;

@@ -1,7 +1,7 @@
 #include "simulator/simulation/simulation.hpp"
 
+#include "simulator/files/device_files.hpp"
 #include "simulator/reports/board_report.hpp"
-#include "simulator/simulation/device_facts_file.hpp"
 #include "xpon/peer_side/olt_root.hpp"
 
 #include <system_error>
@@ -13,9 +13,9 @@ namespace xpon::simulator {
 
 Simulation::Simulation(const Options& options)
     : events_(below_olt_root("/var/log/events.log")), clock_(options.uptime, options.clock_rate),
-      plant_({.plant = options.plant, .size = options.size, .seed = options.seed}, follower_.configuration()),
-      firmware_(make_firmware(options)), boot_time_(options.boot_time) {
-    plant_.advance(options.uptime);
+      network_(options.parameters(), follower_.configuration()), firmware_(make_firmware(options)),
+      boot_time_(options.boot_time) {
+    network_.advance(options.uptime);
     events_.write(fmt::format("OLT started, plant {} of seed {}", options.plant->name, options.seed));
     for (const auto& complaint : firmware_.complaints()) {
         events_.write(complaint);
@@ -29,7 +29,7 @@ Firmware Simulation::make_firmware(const Options& options) const {
     const bool ran_before = facts && facts->factory.serial_number == std::string_view(board.serial_number);
     return {{.board = &board,
              .write_time = options.firmware_write_time,
-             .is_spoilt = [this](unsigned slot) { return is_slot_spoilt(plant_, slot); }},
+             .is_spoilt = [this](unsigned slot) { return is_slot_spoilt(plant(), slot); }},
             ran_before ? std::optional<unsigned>(facts->running_slot) : std::nullopt};
 }
 
@@ -38,14 +38,14 @@ void Simulation::advance() {
         // An action of the schedule: the plant is at its time, not at the present.
         return;
     }
-    const auto faults_before = plant_.faults().all().size();
-    advance_plant();
-    if (plant_.faults().all().size() != faults_before) {
+    const auto faults_before = plant().faults().all().size();
+    advance_network();
+    if (plant().faults().all().size() != faults_before) {
         write_facts();
     }
 }
 
-void Simulation::advance_plant() {
+void Simulation::advance_network() {
     struct Advancing {
         explicit Advancing(bool& place) : flag(place) {
             flag = true;
@@ -59,36 +59,36 @@ void Simulation::advance_plant() {
     const auto now = clock_.now();
     while (!schedule_.empty() && schedule_.begin()->first <= now) {
         auto next = schedule_.extract(schedule_.begin());
-        plant_.advance(next.key());
+        network_.advance(next.key());
         next.mapped()();
     }
-    plant_.advance(now);
+    network_.advance(now);
 }
 
 void Simulation::configuration_changed(ipc::Address peer, std::span<const service::Config_change> changes) {
     advance();
     if (follower_.follow(peer, changes)) {
-        plant_.configure(follower_.configuration());
+        network_.happen(&Plant::configure, follower_.configuration());
     }
 }
 
 void Simulation::reload_configuration(ipc::Address peer) {
     advance();
     follower_.reload(peer);
-    plant_.configure(follower_.configuration());
+    network_.happen(&Plant::configure, follower_.configuration());
 }
 
 void Simulation::set_fault(Fault fault, PlantTime lasts) {
     advance();
-    fault.until = lasts == PlantTime{} ? never : plant_.now() + lasts;
-    plant_.set_fault(fault);
+    fault.until = lasts == PlantTime{} ? never : plant().now() + lasts;
+    network_.happen(&Plant::set_fault, fault);
     events_.write(fmt::format("fault {} {} set", rule_of(fault.kind).name, to_text(fault.target)));
     write_facts();
 }
 
 bool Simulation::clear_fault(const FaultRule& rule, const FaultTarget& target) {
     advance();
-    const bool was_set = plant_.clear_fault(rule.kind, target);
+    const bool was_set = network_.happen(&Plant::clear_fault, rule.kind, target);
     if (was_set) {
         events_.write(fmt::format("fault {} {} cleared", rule.name, to_text(target)));
         write_facts();
@@ -98,7 +98,7 @@ bool Simulation::clear_fault(const FaultRule& rule, const FaultTarget& target) {
 
 void Simulation::clear_all_faults() {
     advance();
-    plant_.clear_all_faults();
+    network_.happen(&Plant::clear_all_faults);
     events_.write("all faults cleared");
     write_facts();
 }
@@ -107,20 +107,20 @@ void Simulation::reboot() {
     advance();
     follower_.restart();
     firmware_.boot();
-    plant_.configure(follower_.configuration());
-    plant_.boot(boot_time_);
+    network_.happen(&Plant::configure, follower_.configuration());
+    network_.happen(&Plant::boot, boot_time_);
     write_facts();
 }
 
 void Simulation::restart_pon_ports(const std::function<bool(unsigned port)>& is_meant) {
     advance();
-    plant_.restart_pon_ports(is_meant);
+    network_.happen(&Plant::restart_pon_ports, is_meant);
 }
 
 std::vector<std::uint16_t> Simulation::command_onts(OntCommand command,
                                                     const std::function<bool(std::uint16_t index)>& is_meant) {
     advance();
-    return plant_.command_onts(command, is_meant);
+    return network_.happen(&Plant::command_onts, command, is_meant);
 }
 
 void Simulation::select_firmware(std::uint32_t selector) {
@@ -169,7 +169,7 @@ void Simulation::step(PlantTime by) {
 
 void Simulation::take_snapshot(const std::string& name) {
     advance();
-    snapshots_.insert_or_assign(name, Snapshot{plant_, schedule_});
+    snapshots_.insert_or_assign(name, Snapshot{network_, schedule_});
 }
 
 bool Simulation::load_snapshot(const std::string& name) {
@@ -177,10 +177,10 @@ bool Simulation::load_snapshot(const std::string& name) {
     if (found == snapshots_.end()) {
         return false;
     }
-    plant_ = found->second.plant;
+    network_ = found->second.network;
     schedule_ = found->second.schedule;
-    clock_ = PlantClock(plant_.now(), clock_.rate());
-    plant_.configure(follower_.configuration());
+    clock_ = PlantClock(plant().now(), clock_.rate());
+    network_.happen(&Plant::configure, follower_.configuration());
     events_.write(fmt::format("snapshot {} loaded", name));
     write_facts();
     return true;
@@ -188,11 +188,11 @@ bool Simulation::load_snapshot(const std::string& name) {
 
 void Simulation::schedule(PlantTime in, std::function<void()> action) {
     advance();
-    schedule_.emplace(plant_.now() + in, std::move(action));
+    schedule_.emplace(plant().now() + in, std::move(action));
 }
 
 Device_facts Simulation::present_facts() const {
-    return report_device_facts(plant_, firmware_.slots(), clock_.rate());
+    return report_device_facts(plant(), firmware_.slots(), clock_.rate());
 }
 
 void Simulation::write_facts() {

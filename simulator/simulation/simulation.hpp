@@ -1,11 +1,10 @@
 #pragma once
 
+#include "simulator/files/event_log.hpp"
 #include "simulator/firmware/firmware.hpp"
-#include "simulator/options.hpp"
-#include "simulator/plant/plant.hpp"
 #include "simulator/plant/plant_clock.hpp"
 #include "simulator/simulation/configuration_follower.hpp"
-#include "simulator/simulation/event_log.hpp"
+#include "simulator/subscribers/access_network.hpp"
 #include "xpon/peer_side/device_facts.h"
 #include "xpon/service/config_change.hpp"
 
@@ -17,12 +16,28 @@
 
 namespace xpon::simulator {
 
-/// One running simulation: the plant, its time, its configuration, and what is to happen to it.
+/// What is asked for.
+struct Options {
+    const NamedPlant* plant = nullptr;
+    PlantSize size;
+    std::uint64_t seed = 1;
+    PlantTime uptime{};                              ///< of the OLT when the simulation begins
+    double clock_rate = 1;                           ///< 0: the clock is stepped
+    PlantTime boot_time{20000};                      ///< how long a restart of the OLT takes
+    std::chrono::milliseconds firmware_write_time{}; ///< how long an update blocks its caller, in real time
+    bool applies_hostname = false;                   ///< the configured host name becomes that of the UTS namespace
+
+    [[nodiscard]] PlantParameters parameters() const {
+        return {.plant = plant, .size = size, .seed = seed};
+    }
+};
+
+/// One running simulation: the plant with its subscribers, its time, its configuration, and what is to happen to it.
 class Simulation {
 public:
     using Schedule = std::multimap<PlantTime, std::function<void()>>;
     struct Snapshot {
-        Plant plant;
+        AccessNetwork network;
         Schedule schedule;
     };
 
@@ -32,8 +47,11 @@ public:
 
     /// Brings the plant to the present. Every use of the plant begins with it.
     void advance();
+    [[nodiscard]] const AccessNetwork& network() const {
+        return network_;
+    }
     [[nodiscard]] const Plant& plant() const {
-        return plant_;
+        return network_.plant();
     }
     [[nodiscard]] const PlantClock& clock() const {
         return clock_;
@@ -73,8 +91,8 @@ public:
     void set_rate(double rate);
     void step(PlantTime by);
 
-    /// Keeps the plant, its time and what is scheduled under a name until the simulator ends. One that is kept under
-    /// the name already is replaced.
+    /// Keeps the plant, its subscribers, its time and what is scheduled under a name until the simulator ends. One that
+    /// is kept under the name already is replaced.
     void take_snapshot(const std::string& name);
     /// Goes back to a snapshot; not within an action of the schedule. The configuration of now takes effect as if it
     /// were committed then, and the clock keeps its rate. False when there is no snapshot of that name.
@@ -90,7 +108,7 @@ public:
     }
 
 private:
-    void advance_plant();
+    void advance_network();
     [[nodiscard]] Firmware make_firmware(const Options& options) const;
     [[nodiscard]] Device_facts present_facts() const;
     void write_facts();
@@ -98,7 +116,7 @@ private:
     EventLog events_;
     ConfigurationFollower follower_;
     PlantClock clock_;
-    Plant plant_;
+    AccessNetwork network_;
     Firmware firmware_;
     PlantTime boot_time_;
     Schedule schedule_;

@@ -13,7 +13,7 @@ class Leases {
 public:
     static constexpr PlantTime length = std::chrono::seconds(3600);
 
-    explicit Leases(const Plant& plant) : plant_(plant), uplinks_(plant.subscriber_history().uplinks) {}
+    explicit Leases(const AccessNetwork& network) : plant_(network.plant()), uplinks_(network.uplinks()) {}
 
     /// When the host was last given its present lease. Empty for one without, or with an address of its own.
     [[nodiscard]] std::optional<PlantTime> last_grant(const SubscriberLine& line, unsigned host);

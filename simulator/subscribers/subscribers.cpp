@@ -23,11 +23,6 @@ std::uint8_t host_byte(const ServiceSettings& service, unsigned host) {
 
 } // namespace
 
-std::uint16_t SubscriberLine::gem_port() const {
-    constexpr unsigned first_gem_port = 512;
-    return static_cast<std::uint16_t>(first_gem_port + (place.ont - 1) * max_services + service->number - 1);
-}
-
 MacAddress SubscriberLine::mac_of(unsigned host) const {
     return {0x02,
             0x53,
@@ -53,25 +48,25 @@ PlantTime SubscriberLine::time_between(PlantTime least, PlantTime most, const Ra
     return least + PlantTime(static_cast<PlantTime::rep>(span * share(random, purpose, host)));
 }
 
-void visit_lines(const Plant& plant, const std::function<void(const SubscriberLine&)>& visit) {
+void visit_lines(const AccessNetwork& network, const std::function<void(const SubscriberLine&)>& visit) {
+    const auto& plant = network.plant();
     for (const auto& [index, settings] : plant.configuration().onts) {
         const auto ont = plant.ont_configured_as(index);
         if (!ont) {
             continue;
         }
         for (const auto& service : settings.services) {
-            const auto since = plant.subscriber_history().services.since(index, service.number);
+            const auto since = network.services().since(index, service.number);
             if (since == never) {
                 continue;
             }
-            SubscriberLine line{
-                .index = index,
-                .place = {.port = index / max_onts_per_port + 1U, .ont = index % max_onts_per_port + 1U},
-                .ont = &*ont,
-                .service = &service,
-                .hosts = count_hosts(plant, *ont->hardware, service),
-                .served = {},
-                .served_before = {}};
+            SubscriberLine line{.index = index,
+                                .place = place_of_record(index),
+                                .ont = &*ont,
+                                .service = &service,
+                                .hosts = count_hosts(plant, *ont->hardware, service),
+                                .served = {},
+                                .served_before = {}};
             if (ont->point.state == ont_operational) {
                 line.served = {std::max(ont->point.since, since), never};
             }

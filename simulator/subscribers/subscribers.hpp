@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/plant/plant.hpp"
+#include "simulator/subscribers/access_network.hpp"
 
 #include <array>
 #include <cstdint>
@@ -24,7 +24,9 @@ struct SubscriberLine {
     std::optional<Stretch> served;        ///< the present time in service; it has no end yet
     std::optional<Stretch> served_before; ///< the last one that has ended, in the same form of the service
 
-    [[nodiscard]] std::uint16_t gem_port() const;
+    [[nodiscard]] std::uint16_t gem_port() const {
+        return gem_port_of(index, service->number);
+    }
     [[nodiscard]] MacAddress mac_of(unsigned host) const;
     [[nodiscard]] Ipv4Address ip_of(unsigned host) const;
 
@@ -36,6 +38,6 @@ struct SubscriberLine {
 };
 
 /// Visits all of them, ascending by (port, ONT, service).
-void visit_lines(const Plant& plant, const std::function<void(const SubscriberLine&)>& visit);
+void visit_lines(const AccessNetwork& network, const std::function<void(const SubscriberLine&)>& visit);
 
 } // namespace xpon::simulator

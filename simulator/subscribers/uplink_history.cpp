@@ -1,6 +1,5 @@
 #include "simulator/subscribers/uplink_history.hpp"
 
-#include "simulator/plant/plant.hpp"
 #include "simulator/subscribers/uplinks.hpp"
 
 #include <set>

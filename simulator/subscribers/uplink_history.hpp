@@ -1,15 +1,12 @@
 #pragma once
 
-#include "simulator/plant/plant_time.hpp"
-#include "simulator/plant/running_configuration.hpp"
+#include "simulator/plant/plant.hpp"
 
 #include <cstdint>
 #include <map>
 #include <vector>
 
 namespace xpon::simulator {
-
-class Plant;
 
 /// When which VLANs had a way into the network.
 class UplinkHistory {

@@ -1,7 +1,5 @@
 #include "simulator/subscribers/uplinks.hpp"
 
-#include "simulator/plant/plant.hpp"
-
 #include <algorithm>
 
 namespace xpon::simulator {

@@ -1,15 +1,12 @@
 #pragma once
 
-#include "simulator/plant/plant_time.hpp"
-#include "simulator/plant/running_configuration.hpp"
+#include "simulator/plant/plant.hpp"
 #include "xpon/custom_layer/subscribers.h"
 
 #include <cstdint>
 #include <vector>
 
 namespace xpon::simulator {
-
-class Plant;
 
 /// A port of the switch towards the network, as the switch forwards to it: a front port, or the channel that it is a
 /// member of.

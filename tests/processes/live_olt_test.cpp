@@ -1,9 +1,9 @@
 #include "ipc/ipc_handle.hpp"
 #include "simulator/peers/peer_table.hpp"
-#include "simulator/plant/fixed_text.hpp"
 #include "simulator/sim_command/command_line.hpp"
 #include "tests/processes/live_olt.hpp"
 #include "tests/support/eventually.hpp"
+#include "xpon/peer_side/fixed_text.hpp"
 
 #include <cerrno>
 #include <chrono>

@@ -20,6 +20,7 @@ TEST(OntLayoutTest, SpreadsAnyNumberEvenlyAndUsesEveryPlaceOnce) {
         EXPECT_EQ(position.ont, nth / pon_ports + 1);
         serials.insert(serial_of(position));
         records.insert(record_index_of(position));
+        EXPECT_EQ(place_of_record(record_index_of(position)), position);
     }
     EXPECT_EQ(serials.size(), max_onts);
     EXPECT_EQ(records.size(), max_onts);

@@ -84,32 +84,20 @@ inline Fault fault(const char* kind, const char* target, double value = 0) {
     return {.kind = rule.kind, .target = parse_target(rule, target, complaint).value(), .value = value};
 }
 
-/// A plant in simulated time. With seed 1, the first ONTs have power, and front ports 1 to 4 a link.
-class PlantTest : public testing::Test {
+/// What happens to a plant, alone or with its subscribers.
+class PlantEvents : public testing::Test {
 protected:
-    explicit PlantTest(unsigned onts, decltype(triple_play)& services = triple_play)
-        : plant(parameters(onts), configured(parameters(onts), onts, services)) {
-        pass(std::chrono::minutes(5));
-    }
+    [[nodiscard]] virtual const Plant& present() const = 0;
+    virtual void advance(PlantTime now) = 0;
+    virtual void happen(const std::function<void(Plant&)>& event) = 0;
 
-    /// Of ONT 1/1.
-    [[nodiscard]] std::string state() const {
-        const auto state = plant.onts().front().point.state;
-        return state == ont_gone ? "GONE" : ont_state_to_str(state);
-    }
     void pass(PlantTime time) {
-        plant.advance(plant.now() + time);
-    }
-    /// Passes time until ONT 1/1 is in the state.
-    void await(std::string_view awaited) {
-        while (state() != awaited) {
-            pass(std::chrono::milliseconds(50));
-        }
+        advance(present().now() + time);
     }
     void configure(const std::function<void(RunningConfiguration&)>& edit) {
-        auto configuration = plant.configuration();
+        auto configuration = present().configuration();
         edit(configuration);
-        plant.configure(configuration);
+        happen([&](Plant& plant) { plant.configure(configuration); });
     }
     void set_front_ports(bool enabled) {
         configure([&](auto& configuration) {
@@ -118,21 +106,48 @@ protected:
             }
         });
     }
+    void set_fault(const Fault& fault) {
+        happen([&](Plant& plant) { plant.set_fault(fault); });
+    }
     void set_fault(const char* kind, const char* target, double value = 0) {
-        plant.set_fault(fault(kind, target, value));
+        set_fault(fault(kind, target, value));
     }
     void clear_fault(const char* kind, const char* target) {
         const auto cleared = fault(kind, target);
-        ASSERT_TRUE(plant.clear_fault(cleared.kind, cleared.target));
+        happen([&](Plant& plant) { ASSERT_TRUE(plant.clear_fault(cleared.kind, cleared.target)); });
+    }
+};
+
+/// A plant in simulated time. With seed 1, the first ONTs have power, and front ports 1 to 4 a link.
+class PlantTest : public PlantEvents {
+protected:
+    explicit PlantTest(unsigned onts) : plant(parameters(onts), configured(parameters(onts), onts)) {
+        plant.advance(std::chrono::minutes(5));
+    }
+
+    [[nodiscard]] const Plant& present() const override {
+        return plant;
+    }
+    void advance(PlantTime now) override {
+        plant.advance(now);
+    }
+    void happen(const std::function<void(Plant&)>& event) override {
+        event(plant);
+    }
+
+    /// Of ONT 1/1.
+    [[nodiscard]] std::string state() const {
+        const auto state = plant.onts().front().point.state;
+        return state == ont_gone ? "GONE" : ont_state_to_str(state);
+    }
+    /// Passes time until ONT 1/1 is in the state.
+    void await(std::string_view awaited) {
+        while (state() != awaited) {
+            pass(std::chrono::milliseconds(50));
+        }
     }
 
     Plant plant;
-};
-
-/// ONTs 1/1, 2/1 and so on with services of subscribers.
-class SubscriberPlant : public PlantTest {
-protected:
-    explicit SubscriberPlant(unsigned onts) : PlantTest(onts, subscriber_services) {}
 };
 
 } // namespace xpon::simulator

@@ -195,13 +195,13 @@ TEST(FullPlant, HasNoOnuIdForTheLastTwoOntsOfAPort) {
     auto configuration = configured(full, max_onts);
     Plant plant(full, configuration);
     plant.advance(2h);
-    EXPECT_FALSE(plant.onu_id_of(254));
-    EXPECT_FALSE(plant.onu_id_of(255));
+    EXPECT_FALSE(onu_id_of(plant.configuration(), 254));
+    EXPECT_FALSE(onu_id_of(plant.configuration(), 255));
     configuration.onts.erase(9);
     plant.configure(configuration);
     plant.advance(3h);
-    EXPECT_EQ(plant.onu_id_of(254), 9);
-    EXPECT_FALSE(plant.onu_id_of(255));
+    EXPECT_EQ(onu_id_of(plant.configuration(), 254), 9);
+    EXPECT_FALSE(onu_id_of(plant.configuration(), 255));
     for (const auto& state : report_pon_states(plant).ports) {
         EXPECT_LE(state.ont_count, 254);
         EXPECT_GE(state.ont_count, 220);

@@ -1,6 +1,6 @@
 #include "simulator/plant/multicast.hpp"
-#include "simulator/subscribers/igmp_groups.hpp"
-#include "tests/unit/simulator/plant/plant_fixture.hpp"
+#include "simulator/reports/subscriber_report.hpp"
+#include "tests/unit/simulator/subscribers/subscriber_fixture.hpp"
 
 #include <algorithm>
 #include <set>
@@ -31,12 +31,12 @@ std::vector<int> addresses_of(const std::vector<Igmp_group>& groups) {
 }
 
 /// The television of ONT 1/1, alone.
-class IgmpTest : public SubscriberPlant {
+class IgmpTest : public SubscriberTest {
 protected:
-    IgmpTest() : SubscriberPlant(1) {}
+    IgmpTest() : SubscriberTest(1) {}
 
     [[nodiscard]] std::vector<Igmp_group> groups() const {
-        return report_igmp_groups(plant);
+        return report_igmp_groups(network);
     }
     [[nodiscard]] Viewer viewer() const {
         return {plant.random(), {.port = 1, .ont = 1}, 2, plant.configuration().onts.at(0).max_groups};
@@ -45,7 +45,7 @@ protected:
     void zap() {
         for (int attempt = 0; attempt < 100; ++attempt) {
             const auto viewing = viewer().at(plant.now());
-            plant.advance(viewing.until);
+            advance(viewing.until);
             if (viewer().at(plant.now()).group != viewing.group) {
                 return;
             }

@@ -1,5 +1,5 @@
-#include "simulator/subscribers/mac_table.hpp"
-#include "tests/unit/simulator/plant/plant_fixture.hpp"
+#include "simulator/reports/subscriber_report.hpp"
+#include "tests/unit/simulator/subscribers/subscriber_fixture.hpp"
 
 #include <algorithm>
 #include <map>
@@ -23,14 +23,14 @@ using testing::Pair;
 
 using Place = std::pair<int, int>; ///< kind and number of a switch port
 
-class MacTableTest : public SubscriberPlant {
+class MacTableTest : public SubscriberTest {
 protected:
-    MacTableTest() : SubscriberPlant(32) {}
+    MacTableTest() : SubscriberTest(32) {}
 
     /// Where the gateways of VLANs are.
     [[nodiscard]] std::map<int, Place> gateways() const {
         std::map<int, Place> places;
-        for (const auto& entry : report_mac_table(plant)) {
+        for (const auto& entry : report_mac_table(network)) {
             if (entry.ont_id == 0 && entry.kind != switch_port_cpu) {
                 EXPECT_TRUE(places.emplace(entry.svid, Place(entry.kind, entry.number)).second) << entry.svid;
             }
@@ -47,7 +47,7 @@ TEST_F(MacTableTest, HostsFallSilentAgeOutAndReturn) {
     constexpr unsigned looks = 400;
     for (unsigned look = 0; look < looks; ++look) {
         pass(2min);
-        for (const auto& entry : report_mac_table(plant)) {
+        for (const auto& entry : report_mac_table(network)) {
             if (entry.kind == switch_port_pon && entry.number == 1 && entry.ont_id == 1) {
                 ++heard[entry.mac[5]];
             }
@@ -63,7 +63,7 @@ TEST_F(MacTableTest, NoMoreAddressesThanTheLimit) {
     const auto most_of_a_service = [&] {
         std::map<std::tuple<int, int, int>, unsigned> counts;
         unsigned most = 0;
-        for (const auto& entry : report_mac_table(plant)) {
+        for (const auto& entry : report_mac_table(network)) {
             if (entry.ont_id != 0) {
                 most = std::max(most, ++counts[{entry.number, entry.ont_id, entry.gem}]);
             }

@@ -1,6 +1,5 @@
-#include "simulator/reports/dhcp_sessions.hpp"
-#include "simulator/subscribers/pppoe_sessions.hpp"
-#include "tests/unit/simulator/plant/plant_fixture.hpp"
+#include "simulator/reports/subscriber_report.hpp"
+#include "tests/unit/simulator/subscribers/subscriber_fixture.hpp"
 
 #include <algorithm>
 
@@ -27,13 +26,13 @@ std::vector<Entry> of_first_ont(std::vector<Entry> entries) {
 }
 
 /// ONT 1/1 and its lease of service 3, whose VLAN is 300.
-class LeaseTest : public SubscriberPlant {
+class LeaseTest : public SubscriberTest {
 protected:
-    LeaseTest() : SubscriberPlant(2) {}
+    LeaseTest() : SubscriberTest(2) {}
 
     /// Left of the lease; zero without one.
     [[nodiscard]] PlantTime left() const {
-        for (const auto& session : of_first_ont(report_dhcp_sessions(plant))) {
+        for (const auto& session : of_first_ont(report_dhcp_sessions(network))) {
             if (session.service_id == 3) {
                 return PlantTime(session.life_time_msec);
             }
@@ -110,9 +109,9 @@ TEST_F(LeaseTest, EndsAtOnceWithItsServiceAndIsNotGivenBack) {
         {"no agent", [](auto& c) { c.onts[0].services[2].dhcp_agent = false; }},
         {"static address", [](auto& c) { c.onts[0].services[2].static_ip = 0x0a000001; }},
     };
-    const auto before = plant;
+    const auto before = network;
     const auto lose = [&](const std::function<void(RunningConfiguration&)>& edit) {
-        plant = before;
+        network = before;
         configure([&](auto& configuration) {
             configuration.onts[0].provision = 2;
             edit(configuration);
@@ -124,7 +123,7 @@ TEST_F(LeaseTest, EndsAtOnceWithItsServiceAndIsNotGivenBack) {
         SCOPED_TRACE(name);
         lose(edit);
         EXPECT_EQ(left(), 0s);
-        plant.configure(before.configuration());
+        happen([&](Plant& changed) { changed.configure(before.plant().configuration()); });
         EXPECT_EQ(left(), 0s);
         pass(2min);
         EXPECT_GT(left(), 0s);
@@ -132,13 +131,13 @@ TEST_F(LeaseTest, EndsAtOnceWithItsServiceAndIsNotGivenBack) {
 }
 
 /// The session of ONT 1/1.
-class PppoeTest : public SubscriberPlant {
+class PppoeTest : public SubscriberTest {
 protected:
-    PppoeTest() : SubscriberPlant(2) {}
+    PppoeTest() : SubscriberTest(2) {}
 
     /// Empty without one.
     [[nodiscard]] std::vector<Pppoe_session> session() const {
-        return of_first_ont(report_pppoe_sessions(plant));
+        return of_first_ont(report_pppoe_sessions(network));
     }
 };
 
@@ -182,7 +181,7 @@ TEST_F(PppoeTest, IsBlockedAgainAndAgainWhileTheFaultLasts) {
     EXPECT_EQ(rest(), 300U);
     auto ending = fault("pppoe_blocked", "1/1/1");
     ending.until = plant.now() + 30s;
-    plant.set_fault(ending);
+    set_fault(ending);
     pass(40s);
     EXPECT_THAT(session(), ElementsAre(AllOf(Field(&Pppoe_session::session_id, Ne(0)),
                                              Field(&Pppoe_session::duration_sec, Le(7U)))));

@@ -1,9 +1,6 @@
-#include "simulator/plant/serial_bytes.hpp"
-#include "simulator/reports/dhcp_sessions.hpp"
-#include "simulator/subscribers/igmp_groups.hpp"
-#include "simulator/subscribers/mac_table.hpp"
-#include "simulator/subscribers/pppoe_sessions.hpp"
-#include "tests/unit/simulator/plant/plant_fixture.hpp"
+#include "simulator/reports/subscriber_report.hpp"
+#include "tests/unit/simulator/subscribers/subscriber_fixture.hpp"
+#include "xpon/peer_side/serial_bytes.hpp"
 
 #include <algorithm>
 #include <cstring>
@@ -19,13 +16,13 @@ namespace {
 using namespace std::chrono_literals;
 
 /// Half a thousand ONTs, some without power, and what may happen to them.
-class SubscribersTest : public SubscriberPlant {
+class SubscribersTest : public SubscriberTest {
 protected:
-    SubscribersTest() : SubscriberPlant(512) {}
+    SubscribersTest() : SubscriberTest(512) {}
 
     /// What is true of the tables at any time.
     void check() const {
-        const auto table = report_mac_table(plant);
+        const auto table = report_mac_table(network);
         std::map<MacBytes, Bcm_mac_entry> by_mac;
         for (const auto& entry : table) {
             EXPECT_TRUE(by_mac.emplace(std::to_array(entry.mac), entry).second);
@@ -72,7 +69,7 @@ private:
 
     void check_leases(const std::map<MacBytes, Bcm_mac_entry>& by_mac) const {
         std::set<std::uint32_t> addresses;
-        const auto sessions = report_dhcp_sessions(plant);
+        const auto sessions = report_dhcp_sessions(network);
         EXPECT_FALSE(sessions.empty());
         EXPECT_TRUE(std::ranges::is_sorted(sessions, {}, [](const auto& session) {
             return std::tuple(session.pon_port, session.ont_id, session.service_id, std::to_array(session.mac));
@@ -99,7 +96,7 @@ private:
 
     void check_sessions(const std::map<MacBytes, Bcm_mac_entry>& by_mac) const {
         std::set<std::uint16_t> ids;
-        const auto sessions = report_pppoe_sessions(plant);
+        const auto sessions = report_pppoe_sessions(network);
         EXPECT_FALSE(sessions.empty());
         EXPECT_TRUE(std::ranges::is_sorted(
             sessions, {}, [](const auto& session) { return std::pair(session.pon_port, session.gem_port); }));
@@ -115,7 +112,7 @@ private:
     }
 
     void check_groups() const {
-        const auto groups = report_igmp_groups(plant);
+        const auto groups = report_igmp_groups(network);
         const auto place = [](const Igmp_group& group) { return std::pair(group.vlan, std::to_array(group.address)); };
         EXPECT_EQ(std::ranges::adjacent_find(groups, std::greater_equal(), place), groups.end());
         for (const auto& group : groups) {
@@ -125,15 +122,14 @@ private:
     }
 
     void check_serial(const auto& session) const {
-        std::uint8_t serial[ont_serial_bin_size];
-        put_serial(serial, plant.configuration().onts.at(index_of(session)).serial);
-        EXPECT_EQ(std::to_array(session.ont_serial), std::to_array(serial));
+        const auto serial = plant.configuration().onts.at(index_of(session)).serial;
+        EXPECT_EQ(std::to_array(session.ont_serial), serial_bytes(serial));
     }
 };
 
 TEST_F(SubscribersTest, AreTheSameInEveryTable) {
     check();
-    const auto groups = report_igmp_groups(plant);
+    const auto groups = report_igmp_groups(network);
     EXPECT_GT(groups.size(), 64U); // two VLANs
     EXPECT_TRUE(std::ranges::any_of(groups, [](const auto& group) { return group.port_count == pon_ports; }));
     set_fault("ont_los", "3");
@@ -152,7 +148,7 @@ TEST_F(SubscribersTest, AreTheSameInEveryTable) {
     check();
     set_front_ports(false);
     pass(50min);
-    plant.clear_all_faults();
+    happen(&Plant::clear_all_faults);
     set_front_ports(true);
     pass(10min);
     check();

@@ -1,24 +1,28 @@
-#include "simulator/simulation/device_facts_file.hpp"
+#include "simulator/files/device_files.hpp"
 
+#include "simulator/files/whole_file.hpp"
 #include "xpon/peer_side/olt_root.hpp"
 
 #include <algorithm>
-#include <cerrno>
-#include <filesystem>
 #include <fstream>
-#include <system_error>
+#include <string_view>
+
+#include <fmt/format.h>
 
 namespace xpon::simulator {
 
+BoardFile::BoardFile(unsigned pon_ports, unsigned front_ports) : path_(below_olt_root("/run/board")) {
+    replace_file(path_, fmt::format("pon_ports {}\nfront_ports {}\n", pon_ports, front_ports));
+}
+
+BoardFile::~BoardFile() {
+    std::error_code ignored;
+    std::filesystem::remove(path_, ignored);
+}
+
 void write_device_facts(const Device_facts& facts) {
-    const std::filesystem::path path(below_olt_root(device_facts_path));
-    const auto unfinished = std::filesystem::path(path).concat(".new");
-    std::ofstream file(unfinished, std::ios::binary | std::ios::trunc);
-    file.write(reinterpret_cast<const char*>(&facts), sizeof facts).flush();
-    if (!file) {
-        throw std::system_error(errno, std::generic_category(), unfinished.string());
-    }
-    std::filesystem::rename(unfinished, path);
+    replace_file(below_olt_root(device_facts_path),
+                 std::string_view(reinterpret_cast<const char*>(&facts), sizeof facts));
 }
 
 std::optional<Device_facts> read_device_facts() {

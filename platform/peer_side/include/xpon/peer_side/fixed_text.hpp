@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace xpon::simulator {
+namespace xpon {
 
 /// Writes a text into a field of a record, whose rest becomes zero; what does not fit is cut off.
 template <std::size_t Size>
@@ -14,4 +14,4 @@ void put_text(char (&field)[Size], std::string_view text) {
     std::fill(field + length, field + Size, '\0');
 }
 
-} // namespace xpon::simulator
+} // namespace xpon

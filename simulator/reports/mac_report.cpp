@@ -1,10 +1,7 @@
-#include "simulator/subscribers/mac_table.hpp"
-
-#include "simulator/plant/bitmap.hpp"
-#include "simulator/subscribers/leases.hpp"
-#include "simulator/subscribers/subscribers.hpp"
+#include "simulator/reports/bitmap.hpp"
+#include "simulator/reports/subscriber_report.hpp"
+#include "simulator/subscribers/mac_learning.hpp"
 #include "simulator/subscribers/uplinks.hpp"
-#include "xpon/ranges/vlan_range.h"
 
 #include <algorithm>
 #include <charconv>
@@ -12,29 +9,6 @@
 
 namespace xpon::simulator {
 namespace {
-
-using namespace std::chrono_literals;
-
-constexpr PlantTime aging_time = 300s;
-
-/// When a host talked last, of its own accord: some talk all the time, others have hours of silence, again and again.
-PlantTime last_talk(const Plant& plant, const SubscriberLine& line, unsigned host) {
-    const auto share = [&](unsigned which) { return line.share(plant.random(), Purpose::host_idleness, host, which); };
-    const auto& service = *line.service;
-    // Sessions and memberships are kept up by messages every minute or two.
-    const bool is_kept_up = host == 0 && (service.pppoe_agent || service.multicast_vid != 0);
-    constexpr double silent_hosts = 0.6;
-    if (is_kept_up || share(0) >= silent_hosts) {
-        return plant.now();
-    }
-    const auto part_of = [](PlantTime time, double part) {
-        return PlantTime(static_cast<PlantTime::rep>(static_cast<double>(time.count()) * part));
-    };
-    const auto cycle = 40min + part_of(200min, share(1));
-    const auto talks = part_of(cycle, 0.3 + 0.6 * share(2));
-    const auto in_cycle = (plant.now() + part_of(cycle, share(3))) % cycle;
-    return in_cycle < talks ? plant.now() : plant.now() - (in_cycle - talks);
-}
 
 MacAddress parse_mac(std::string_view text) {
     constexpr int hexadecimal = 16;
@@ -47,11 +21,11 @@ MacAddress parse_mac(std::string_view text) {
 
 class MacTable {
 public:
-    explicit MacTable(const Plant& plant) : plant_(plant), leases_(plant) {}
+    explicit MacTable(const AccessNetwork& network) : plant_(network.plant()), learning_(network) {}
 
     void add_hosts(const SubscriberLine& line) {
         for (unsigned host = 0; host < line.hosts; ++host) {
-            if (!is_known(line, host)) {
+            if (!learning_.is_known(line, host)) {
                 continue;
             }
             auto& entry = add(line.service->s_vid, line.mac_of(host));
@@ -107,19 +81,6 @@ public:
     }
 
 private:
-    [[nodiscard]] bool is_known(const SubscriberLine& line, unsigned host) {
-        if (!line.served) {
-            return false;
-        }
-        const auto is_fresh = [&](PlantTime heard) { return plant_.now() - heard < aging_time; };
-        // Hosts announce themselves when the ONT lets them through, and talk when they renew their lease.
-        if (is_fresh(line.served->since) || is_fresh(last_talk(plant_, line, host))) {
-            return true;
-        }
-        const auto granted = leases_.last_grant(line, host);
-        return granted && is_fresh(*granted);
-    }
-
     Bcm_mac_entry& add(std::uint16_t vid, const MacAddress& mac) {
         auto& entry = by_vlan_[vid].emplace_back();
         entry.svid = vid;
@@ -129,24 +90,24 @@ private:
     }
 
     const Plant& plant_;
-    Leases leases_;
+    MacLearning learning_;
     std::map<std::uint16_t, std::vector<Bcm_mac_entry>> by_vlan_;
 };
 
 } // namespace
 
-std::vector<Bcm_mac_entry> report_mac_table(const Plant& plant) {
-    MacTable table(plant);
-    visit_lines(plant, [&](const SubscriberLine& line) { table.add_hosts(line); });
+std::vector<Bcm_mac_entry> report_mac_table(const AccessNetwork& network) {
+    MacTable table(network);
+    visit_lines(network, [&](const SubscriberLine& line) { table.add_hosts(line); });
     table.add_gateways();
     table.add_own();
     return table.sorted();
 }
 
-std::vector<Bcm_mac_entry> report_mac_table_of_onts(const Plant& plant, const Bitmap_ont_range& range) {
-    MacTable table(plant);
-    visit_lines(plant, [&](const SubscriberLine& line) {
-        if (has_bit(range, line.index)) {
+std::vector<Bcm_mac_entry> report_mac_table_of_onts(const AccessNetwork& network, const Bitmap_ont_range& range) {
+    MacTable table(network);
+    visit_lines(network, [&](const SubscriberLine& line) {
+        if (contains(range, line.index)) {
             table.add_hosts(line);
         }
     });

@@ -1,7 +1,5 @@
 #include "simulator/peers/change_notice.hpp"
-#include "simulator/simulation/event_log.hpp"
-#include "tests/support/temporary_olt_root.hpp"
-#include "tests/unit/simulator/element_positions.hpp"
+#include "xpon/cfgdb/elements.hpp"
 
 #include <gmock/gmock.h>
 
@@ -9,6 +7,11 @@ namespace xpon::simulator {
 namespace {
 
 using service::Config_change;
+
+/// The elements of the configuration, by their positions in the list.
+#define XPON_NAME_POSITION(suffix, record, depth, size1, size2, path) suffix,
+enum ElementPosition : std::uint16_t { XPON_CFGDB_ELEMENTS(XPON_NAME_POSITION) };
+#undef XPON_NAME_POSITION
 
 TEST(ChangeNoticeTest, SaysHowManyRecordsOfEachElementChanged) {
     const Config_change changes[] = {{ZebGCfg_pon_ont, {0, 0}},
@@ -27,19 +30,6 @@ TEST(ChangeNoticeTest, RefusesWhatIsNoNotice) {
     for (std::size_t size = 1; size < sizeof(Config_change); ++size) {
         EXPECT_FALSE(parse_change_notice(bytes.first(size)));
     }
-}
-
-TEST(EventLogTest, IsBoundedAndSurvivesALostFolder) {
-    const test::TemporaryOltRoot root;
-    const EventLog log(root.path() / "events.log");
-    const std::string text(100'000, 'x');
-    for (int event = 0; event < 30; ++event) {
-        log.write(text);
-    }
-    EXPECT_LT(std::filesystem::file_size(root.path() / "events.log"), 1'200'000U);
-    EXPECT_LT(std::filesystem::file_size(root.path() / "events.log.1"), 1'200'000U);
-    std::filesystem::remove_all(root.path());
-    log.write("lost");
 }
 
 } // namespace

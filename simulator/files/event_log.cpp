@@ -1,4 +1,4 @@
-#include "simulator/simulation/event_log.hpp"
+#include "simulator/files/event_log.hpp"
 
 #include <chrono>
 #include <fstream>
