@@ -1,6 +1,7 @@
 #include "simulator/control/truth.hpp"
 
-#include "xpon/custom_layer/custom_layer.h"
+#include "xpon/custom_layer/onts.h"
+#include "xpon/custom_layer/pon_ports.h"
 
 #include <cerrno>
 #include <cmath>

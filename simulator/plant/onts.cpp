@@ -1,5 +1,7 @@
 #include "simulator/plant/onts.hpp"
 
+#include "simulator/plant/circumstances.hpp"
+
 #include <algorithm>
 #include <array>
 

@@ -73,13 +73,13 @@ double received_power(const OntPath& path, unsigned split, double attenuation_db
     return path.launch_dbm - path_loss(path, split, attenuation_db) + day_db;
 }
 
-double error_free_dbm(PonPortSettings::OdnClass odn_class) {
+double error_free_dbm(OdnClass odn_class) {
     constexpr std::array sensitivity_dbm{-24.0, -28.0, -28.0, -29.0, -32.0}; // classes A, B, B+, C, C+
     constexpr double margin_db = 3;
     return sensitivity_dbm.at(static_cast<std::size_t>(odn_class)) + margin_db;
 }
 
-double loss_of_signal_dbm(PonPortSettings::OdnClass odn_class) {
+double loss_of_signal_dbm(OdnClass odn_class) {
     constexpr double decades = 7; // from 10^-10 to 10^-3
     return error_free_dbm(odn_class) - db_per_decade * decades;
 }

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "simulator/plant/circumstances.hpp"
 #include "simulator/plant/onts.hpp"
+#include "simulator/plant/ports.hpp"
 
 #include <cstdint>
 #include <functional>

@@ -1,5 +1,7 @@
 #include "simulator/plant/ports.hpp"
 
+#include "simulator/plant/circumstances.hpp"
+
 #include <algorithm>
 #include <utility>
 

@@ -1,12 +1,15 @@
 #pragma once
 
-#include "simulator/plant/circumstances.hpp"
 #include "simulator/plant/equipment.hpp"
+#include "simulator/plant/plant_time.hpp"
+#include "simulator/plant/running_configuration.hpp"
 #include "xpon/custom_layer/pon_ports.h"
 
 #include <array>
 
 namespace xpon::simulator {
+
+struct Circumstances;
 
 /// How a port comes to run.
 struct PortRun {

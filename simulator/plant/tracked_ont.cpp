@@ -1,5 +1,8 @@
 #include "simulator/plant/tracked_ont.hpp"
 
+#include "simulator/plant/circumstances.hpp"
+#include "simulator/plant/ports.hpp"
+
 #include <utility>
 
 namespace xpon::simulator {

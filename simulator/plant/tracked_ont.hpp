@@ -2,11 +2,13 @@
 
 #include "simulator/plant/ont_life.hpp"
 #include "simulator/plant/ont_meter.hpp"
-#include "simulator/plant/ports.hpp"
 
 #include <optional>
 
 namespace xpon::simulator {
+
+struct Circumstances;
+class Ports;
 
 /// An ONT of the plant now.
 struct OntNow {

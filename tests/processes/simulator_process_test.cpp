@@ -1,4 +1,3 @@
-#include "ipc/ipc_handle.hpp"
 #include "simulator/peers/peer_table.hpp"
 #include "simulator/plant/ont_layout.hpp"
 #include "tests/support/process.hpp"
@@ -10,10 +9,7 @@
 #include <string>
 #include <vector>
 
-#include <sys/wait.h>
-
 #include <gmock/gmock.h>
-#include <unistd.h>
 
 namespace xpon::simulator {
 namespace {

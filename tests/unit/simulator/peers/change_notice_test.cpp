@@ -1,7 +1,7 @@
 #include "simulator/peers/change_notice.hpp"
 #include "xpon/cfgdb/elements.hpp"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace xpon::simulator {
 namespace {

@@ -1,7 +1,6 @@
 #include "simulator/reports/ont_report.hpp"
 #include "simulator/reports/port_report.hpp"
 #include "tests/unit/simulator/plant/plant_fixture.hpp"
-#include "xpon/custom_layer/custom_layer.h"
 
 #include <cmath>
 #include <string>

@@ -7,7 +7,6 @@
 #include "simulator/reports/subscriber_report.hpp"
 #include "tests/support/temporary_olt_root.hpp"
 #include "tests/unit/simulator/plant/plant_fixture.hpp"
-#include "xpon/peer_side/payload.hpp"
 
 #include <cstddef>
 #include <cstring>

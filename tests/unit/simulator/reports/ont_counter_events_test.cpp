@@ -2,8 +2,6 @@
 
 #include <functional>
 
-#include <gmock/gmock.h>
-
 namespace xpon::simulator {
 namespace {
 

@@ -16,8 +16,8 @@ inline constexpr std::uint16_t watched = 0; ///< index of ONT 1/1
 
 /// A line of ONT 1/1 so bad that it is just not cut.
 inline Fault barely_lit(const Plant& plant) {
-    const double left = plant.received_power_of(*plant.ont_configured_as(watched)) -
-                        loss_of_signal_dbm(PonPortSettings::OdnClass::b_plus);
+    const double left =
+        plant.received_power_of(*plant.ont_configured_as(watched)) - loss_of_signal_dbm(OdnClass::b_plus);
     return fault("ont_attenuation", "1/1", left - 0.5);
 }
 

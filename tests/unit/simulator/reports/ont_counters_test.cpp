@@ -4,8 +4,6 @@
 #include <array>
 #include <map>
 
-#include <gmock/gmock.h>
-
 namespace xpon::simulator {
 namespace {
 
