@@ -3,9 +3,9 @@
 #include "simulator/plant/ont_layout.hpp"
 #include "xpon/cfgdb/cfgdb_wrapper.hpp"
 #include "xpon/cfgdb/element_functions.hpp"
+#include "xpon/peer_side/fixed_text.hpp"
 
 #include <cerrno>
-#include <cstring>
 #include <system_error>
 
 #include <fmt/format.h>
@@ -31,7 +31,7 @@ core::Result<void> configure(const cfgdb::CfgDbWrapper& database, const Physical
         ont.serial = hardware.serial;
         ont.enabled = 1;
         ont.ont_template = template_of(position);
-        std::strncpy(ont.description, description.c_str(), sizeof ont.description - 1);
+        put_text(ont.description, description);
         if (setDb_ZebGCfg_pon_ont(database.handle(), database.context(), &ont, &index) == 0) {
             return core::success();
         }

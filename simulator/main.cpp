@@ -1,11 +1,26 @@
 #include "simulator/options.hpp"
 #include "simulator/simulator.hpp"
-#include "simulator/stderr_logger.hpp"
 #include "simulator/stop_signals.hpp"
 #include "xpon/core/guard.hpp"
 
+#include <cstdio>
 #include <cstdlib>
 #include <iostream>
+
+namespace {
+
+/// Warnings and errors as "olt_simulator: TEXT" on standard error.
+class StderrLogger : public xpon::core::ILogger {
+public:
+    [[nodiscard]] bool is_enabled(xpon::core::LogLevel level) const override {
+        return level >= xpon::core::LogLevel::Warning;
+    }
+    void write(xpon::core::LogLevel, std::string_view text, const std::source_location&) override {
+        fmt::print(stderr, "olt_simulator: {}\n", text);
+    }
+};
+
+} // namespace
 
 int main(int count, char** arguments) {
     using namespace xpon;
@@ -15,7 +30,7 @@ int main(int count, char** arguments) {
     if (const int* status = std::get_if<int>(&options)) {
         return *status;
     }
-    const auto logger = std::make_shared<simulator::StderrLogger>();
+    const auto logger = std::make_shared<StderrLogger>();
     const auto result = core::guarded(
         *logger,
         [&] {

@@ -1,13 +1,13 @@
 #include "simulator/simulator.hpp"
 
-#include "simulator/board_file.hpp"
 #include "simulator/control/control_commands.hpp"
 #include "simulator/control/control_socket.hpp"
+#include "simulator/files/device_files.hpp"
 #include "simulator/first_configuration.hpp"
 #include "simulator/host_name.hpp"
 #include "simulator/peers/peers.hpp"
 #include "simulator/plant/ont_layout.hpp"
-#include "simulator/simulation.hpp"
+#include "simulator/simulation/simulation.hpp"
 #include "simulator/single_instance.hpp"
 #include "simulator/stop_signals.hpp"
 #include "xpon/peer_side/database_log.hpp"
@@ -35,7 +35,7 @@ core::Result<void> run(const Options& options, const std::shared_ptr<core::ILogg
     make_folders();
     const SingleInstance instance;
     cfgdb::set_database_log(logger);
-    BOOST_OUTCOME_TRY(configure_fresh_olt({.plant = options.plant, .size = options.size, .seed = options.seed}));
+    BOOST_OUTCOME_TRY(configure_fresh_olt(options.parameters()));
     const BoardFile board(pon_ports, front_ports);
     HostName host_name(options.applies_hostname);
     Simulation simulation(options);

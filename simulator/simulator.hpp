@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/options.hpp"
+#include "simulator/simulation/simulation.hpp"
 #include "xpon/core/logger.hpp"
 #include "xpon/core/result.hpp"
 

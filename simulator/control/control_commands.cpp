@@ -213,8 +213,7 @@ std::string run_command(Simulation& simulation, std::string_view line) {
     } catch (const std::exception& error) {
         answer = refusal(error.what());
     }
-    const core::JsonText text(cJSON_PrintUnformatted(answer.get()));
-    return text ? text.get() : R"({"ok":false,"error":"out of memory"})";
+    return core::print_line(answer.get()).get();
 }
 
 } // namespace xpon::simulator

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/simulation.hpp"
+#include "simulator/simulation/simulation.hpp"
 
 #include <string>
 #include <string_view>
@@ -15,6 +15,8 @@ namespace xpon::simulator {
 ///   {"clock": "real" | "stepped" | "scaled", "rate": FACTOR}             rate with "scaled" only
 ///   {"at_s": SECONDS, "command": OBJECT}                                 the command, when so much time has passed
 ///   {"state": "all" | "summary"}                                         what is true of the plant
+///   {"snapshot": NAME}                                                   keeps plant, time and faults as they are
+///   {"load": NAME}                                                       goes back to them; the configuration stays
 ///   {"faults": true}                                                     the kinds of faults and what they take
 ///
 /// Kinds, targets and values are those of fault_kinds.hpp. The answer is {"ok": true, ...} or {"ok": false, "error":

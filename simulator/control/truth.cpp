@@ -35,6 +35,10 @@ std::string text_of(Ont_state state) {
     return state == ont_gone ? "GONE" : ont_state_to_str(state);
 }
 
+std::string text_of(const OntPosition& ont) {
+    return fmt::format("{}/{}", ont.port, ont.ont);
+}
+
 /// Vendor's letters and the number: "SIMUA0030011".
 std::string serial_text(std::uint64_t serial) {
     std::string text;
@@ -91,7 +95,7 @@ void add_ports(cJSON* object, const Plant& plant) {
 
 void add_ont(cJSON* entry, const Plant& plant, const Plant::Ont& ont) {
     const auto& position = ont.hardware->position;
-    add(entry, "ont", fmt::format("{}/{}", position.port, position.ont));
+    add(entry, "ont", text_of(position));
     add(entry, "serial", serial_text(ont.hardware->serial));
     add(entry, "password", password_of(position));
     add(entry, "model", std::string(ont.hardware->model->equipment_id));
@@ -99,8 +103,7 @@ void add_ont(cJSON* entry, const Plant& plant, const Plant::Ont& ont) {
     add(entry, "for_s", seconds_of(plant.now() - ont.point.since));
     add(entry, "seen_port", ont.situation->seen_port);
     if (const auto& configured = ont.situation->configured) {
-        add(entry, "configured",
-            fmt::format("{}/{}", *configured / max_onts_per_port + 1, *configured % max_onts_per_port + 1));
+        add(entry, "configured", text_of(place_of_record(*configured)));
     }
     cJSON_AddBoolToObject(entry, "power", ont.situation->has_power ? 1 : 0);
     cJSON_AddBoolToObject(entry, "local_data", ont.has_local_data ? 1 : 0);

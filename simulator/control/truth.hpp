@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/simulation.hpp"
+#include "simulator/simulation/simulation.hpp"
 #include "xpon/core/json_tree.hpp"
 
 namespace xpon::simulator {

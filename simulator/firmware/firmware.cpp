@@ -1,8 +1,8 @@
 #include "simulator/firmware/firmware.hpp"
 
 #include "simulator/firmware/image_maker.hpp"
-#include "simulator/plant/fixed_text.hpp"
 #include "xpon/custom_layer/commands.h"
+#include "xpon/peer_side/fixed_text.hpp"
 #include "xpon/peer_side/olt_root.hpp"
 
 #include <algorithm>

@@ -1,5 +1,6 @@
 #include "simulator/firmware/slot_file.hpp"
 
+#include "simulator/files/whole_file.hpp"
 #include "simulator/firmware/image_maker.hpp"
 
 #include <cerrno>
@@ -61,9 +62,7 @@ void SlotFile::write_at(off_t at, std::span<const std::byte> bytes) {
 }
 
 void make_slot_file(const std::filesystem::path& path, const FirmwareImage& image) {
-    const auto unfinished = std::filesystem::path(path).concat(".new");
-    write_image(unfinished, image);
-    std::filesystem::rename(unfinished, path);
+    replace_file(path, [&](const std::filesystem::path& unfinished) { write_image(unfinished, image); });
 }
 
 } // namespace xpon::simulator

@@ -1,5 +1,5 @@
 #include "simulator/peers/peer_table.hpp"
-#include "simulator/plant/dhcp_sessions.hpp"
+#include "simulator/reports/subscriber_report.hpp"
 
 #include <array>
 

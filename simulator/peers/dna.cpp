@@ -1,6 +1,6 @@
 #include "simulator/peers/peer_table.hpp"
-#include "simulator/plant/fixed_text.hpp"
 #include "xpon/custom_layer/snmp.h"
+#include "xpon/peer_side/fixed_text.hpp"
 
 #include <algorithm>
 #include <array>

@@ -60,7 +60,7 @@ bool Peer::has_just_answered() const {
 
 ipc::ServerAnswer Peer::answer(const PeerRoute& route, const ipc::ServerRequest& request) {
     if (const auto* const report = std::get_if<Report>(&route.answer)) {
-        return (*report)(simulation_.plant(), request.payload);
+        return (*report)(simulation_.network(), request.payload);
     }
     try {
         return std::get<Action>(route.answer)(simulation_, request);

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "simulator/event_log.hpp"
-#include "simulator/simulation.hpp"
+#include "simulator/files/event_log.hpp"
+#include "simulator/simulation/simulation.hpp"
 #include "xpon/peer_side/operations.hpp"
 #include "xpon/peer_side/payload.hpp"
 #include "xpon/peer_side/server.hpp"
@@ -11,12 +11,13 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <type_traits>
 #include <variant>
 
 namespace xpon::simulator {
 
-/// Tells what is true of the plant.
-using Report = ipc::ServerAnswer (*)(const Plant&, std::span<const std::byte> payload);
+/// Tells what is true of the plant and its subscribers.
+using Report = ipc::ServerAnswer (*)(const AccessNetwork&, std::span<const std::byte> payload);
 /// Does something to the OLT. A std::system_error that it throws is a refusal: its errno value is the answer, its text
 /// goes to the OLT's events.
 using Action = ipc::ServerAnswer (*)(Simulation&, const ipc::ServerRequest&);
@@ -80,13 +81,23 @@ private:
     std::optional<Clock::time_point> last_answer_;
 };
 
+/// A report of the plant alone, or of all of its network.
+template <auto Report, class... Question>
+auto report(const AccessNetwork& network, const Question&... question) {
+    if constexpr (std::is_invocable_v<decltype(Report), const Plant&, const Question&...>) {
+        return Report(network.plant(), question...);
+    } else {
+        return Report(network, question...);
+    }
+}
+
 /// The answer of a route that takes nothing and gives a record.
 template <auto Report>
-ipc::ServerAnswer answer_record(const Plant& plant, std::span<const std::byte> payload) {
+ipc::ServerAnswer answer_record(const AccessNetwork& network, std::span<const std::byte> payload) {
     if (!payload.empty()) {
         return {EINVAL, {}, {}};
     }
-    return {0, ipc::record_payload(Report(plant)), {}};
+    return {0, ipc::record_payload(report<Report>(network)), {}};
 }
 
 /// Empty when the payload is no such bitmap.
@@ -98,22 +109,22 @@ std::optional<Bitmap> parse_bitmap(std::span<const std::byte> payload) {
 
 /// The answer of a route that takes nothing and gives a list.
 template <auto Report>
-ipc::ServerAnswer answer_whole_list(const Plant& plant, std::span<const std::byte> payload) {
+ipc::ServerAnswer answer_whole_list(const AccessNetwork& network, std::span<const std::byte> payload) {
     if (!payload.empty()) {
         return {EINVAL, {}, {}};
     }
-    const auto entries = Report(plant);
+    const auto entries = report<Report>(network);
     return {0, ipc::list_payload(std::span(std::as_const(entries))), {}};
 }
 
 /// The answer of a route that takes a bitmap and gives a list.
 template <class Bitmap, auto Report>
-ipc::ServerAnswer answer_list(const Plant& plant, std::span<const std::byte> payload) {
+ipc::ServerAnswer answer_list(const AccessNetwork& network, std::span<const std::byte> payload) {
     const auto bitmap = parse_bitmap<Bitmap>(payload);
     if (!bitmap) {
         return {EINVAL, {}, {}};
     }
-    const auto entries = Report(plant, *bitmap);
+    const auto entries = report<Report>(network, *bitmap);
     return {0, ipc::list_payload(std::span(std::as_const(entries))), {}};
 }
 

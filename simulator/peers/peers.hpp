@@ -1,7 +1,7 @@
 #pragma once
 
 #include "simulator/peers/peer.hpp"
-#include "simulator/simulation.hpp"
+#include "simulator/simulation/simulation.hpp"
 #include "xpon/core/result.hpp"
 #include "xpon/peer_side/server.hpp"
 

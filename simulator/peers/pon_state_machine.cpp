@@ -1,8 +1,8 @@
 #include "simulator/peers/peer_table.hpp"
-#include "simulator/plant/bitmap.hpp"
-#include "simulator/plant/counter_report.hpp"
-#include "simulator/plant/ont_report.hpp"
-#include "simulator/plant/port_report.hpp"
+#include "simulator/reports/bitmap.hpp"
+#include "simulator/reports/counter_report.hpp"
+#include "simulator/reports/ont_report.hpp"
+#include "simulator/reports/port_report.hpp"
 
 #include <algorithm>
 #include <array>
@@ -13,21 +13,22 @@
 namespace xpon::simulator {
 namespace {
 
-ipc::ServerAnswer answer_port_type(const Plant& plant, std::span<const std::byte> payload) {
+ipc::ServerAnswer answer_port_type(const AccessNetwork& network, std::span<const std::byte> payload) {
     const auto port = parse_port(payload, pon_ports);
     if (!port) {
         return {ERANGE, {}, {}};
     }
     // It is the module that makes the port one of a technology; the plant has no other than GPON.
-    return {0, ipc::record_payload(plant.pon_module(*port) == nullptr ? pon_unknown : pon_gpon), {}};
+    return {0, ipc::record_payload(network.plant().pon_module(*port) == nullptr ? pon_unknown : pon_gpon), {}};
 }
 
 /// "1/3 1/4", no more than a reader takes in.
 std::string list_of(std::span<const std::uint16_t> places) {
     static constexpr std::size_t most = 16;
     std::string text;
-    for (const auto place : places.first(std::min(places.size(), most))) {
-        text += fmt::format(" {}/{}", place / max_onts_per_port + 1, place % max_onts_per_port + 1);
+    for (const auto index : places.first(std::min(places.size(), most))) {
+        const auto place = place_of_record(index);
+        text += fmt::format(" {}/{}", place.port, place.ont);
     }
     return places.size() > most ? fmt::format("{} and {} more", text, places.size() - most) : text;
 }
@@ -37,7 +38,7 @@ ipc::ServerAnswer restart_ports(Simulation& simulation, const ipc::ServerRequest
     if (!ports) {
         return {EINVAL, {}, {}};
     }
-    const auto is_meant = [&](unsigned port) { return has_bit(*ports, port); };
+    const auto is_meant = [&](unsigned port) { return contains(*ports, port); };
     simulation.restart_pon_ports(is_meant);
     std::string list;
     for (unsigned port = 1; port <= pon_ports; ++port) {
@@ -54,7 +55,7 @@ ipc::ServerAnswer command_onts(Simulation& simulation, const ipc::ServerRequest&
     if (!onts) {
         return {EINVAL, {}, {}};
     }
-    const auto told = simulation.command_onts(Command, [&](std::uint16_t index) { return has_bit(*onts, index); });
+    const auto told = simulation.command_onts(Command, [&](std::uint16_t index) { return contains(*onts, index); });
     simulation.note(fmt::format("{} of {} ONTs by {:#010x}:{}", names.at(static_cast<std::size_t>(Command)),
                                 told.size(), request.client.value, list_of(told)));
     return {};
@@ -76,7 +77,7 @@ constexpr std::array<AnswerCounters, ont_information_olt_pon> counter_answers{
     answer_counters<report_olt_gem_ports>, answer_counters<report_olt_pon>,
 };
 
-ipc::ServerAnswer answer_ont_information(const Plant& plant, std::span<const std::byte> payload) {
+ipc::ServerAnswer answer_ont_information(const AccessNetwork& network, std::span<const std::byte> payload) {
     const auto question = ipc::parse_record<ipc::Ont_information_question>(payload);
     if (!question || question->kind < ont_information_gem_port_pm || question->kind > ont_information_olt_pon) {
         return {EINVAL, {}, {}};
@@ -87,7 +88,7 @@ ipc::ServerAnswer answer_ont_information(const Plant& plant, std::span<const std
         return {ERANGE, {}, {}};
     }
     const auto index = record_index_of({.port = question->port, .ont = question->ont});
-    return counter_answers.at(question->kind - 1U)(plant, index);
+    return counter_answers.at(question->kind - 1U)(network.plant(), index);
 }
 
 } // namespace

@@ -1,26 +1,26 @@
 #include "simulator/peers/peer_table.hpp"
-#include "simulator/plant/mac_table.hpp"
-#include "simulator/plant/port_report.hpp"
+#include "simulator/reports/port_report.hpp"
+#include "simulator/reports/subscriber_report.hpp"
 
 #include <array>
 
 namespace xpon::simulator {
 namespace {
 
-ipc::ServerAnswer answer_front_port(const Plant& plant, std::span<const std::byte> payload) {
+ipc::ServerAnswer answer_front_port(const AccessNetwork& network, std::span<const std::byte> payload) {
     const auto port = parse_port(payload, front_ports);
     if (!port) {
         return {ERANGE, {}, {}};
     }
-    return {0, ipc::record_payload(report_front_port(plant, *port)), {}};
+    return {0, ipc::record_payload(report_front_port(network.plant(), *port)), {}};
 }
 
-ipc::ServerAnswer answer_front_diagnostics(const Plant& plant, std::span<const std::byte> payload) {
+ipc::ServerAnswer answer_front_diagnostics(const AccessNetwork& network, std::span<const std::byte> payload) {
     const auto port = parse_port(payload, front_ports);
     if (!port) {
         return {ERANGE, {}, {}};
     }
-    const auto diagnostics = report_front_diagnostics(plant, *port);
+    const auto diagnostics = report_front_diagnostics(network.plant(), *port);
     return diagnostics ? ipc::ServerAnswer{0, ipc::record_payload(*diagnostics), {}}
                        : ipc::ServerAnswer{ENODATA, {}, {}};
 }

@@ -2,7 +2,7 @@
 
 #include "simulator/peers/change_notice.hpp"
 #include "simulator/peers/peer_table.hpp"
-#include "simulator/plant/board_report.hpp"
+#include "simulator/reports/board_report.hpp"
 #include "xpon/custom_layer/commands.h"
 #include "xpon/peer_side/olt_root.hpp"
 

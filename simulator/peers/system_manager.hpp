@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/event_log.hpp"
+#include "simulator/files/event_log.hpp"
 #include "simulator/peers/peer.hpp"
 
 namespace xpon::simulator {

@@ -2,7 +2,6 @@
 
 #include "simulator/plant/optics.hpp"
 #include "simulator/plant/plant_time.hpp"
-#include "simulator/plant/running_configuration.hpp"
 
 namespace xpon::simulator {
 
@@ -10,7 +9,7 @@ namespace xpon::simulator {
 /// does not.
 struct LineConditions {
     double attenuation_db = 0;
-    PonPortSettings::OdnClass odn_class = PonPortSettings::OdnClass::b_plus;
+    OdnClass odn_class = OdnClass::b_plus;
     bool downstream_fec = true;
     /// When a rogue ONT on the port talks into the others' time.
     PlantTime disturbed_from{};

@@ -4,8 +4,8 @@
 #include "xpon/peer_side/operations.hpp"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
+#include <iterator>
 #include <ranges>
 
 #include <fmt/format.h>
@@ -18,29 +18,31 @@ using Where = FaultTarget::Where;
 
 constexpr std::optional<double> must_be_given{};
 
-constexpr std::array rules{
-    FaultRule{FaultKind::ont_los, "ont_los", Target::ont_or_pon_port, 0, 0, "", 0, 0, 0},
-    FaultRule{FaultKind::ont_dying_gasp, "ont_dying_gasp", Target::ont, 0, 0, "", 0, 0, 0},
-    FaultRule{FaultKind::ont_rogue, "ont_rogue", Target::ont, 0, 0, "", 0, 0, 0},
-    FaultRule{FaultKind::ont_attenuation, "ont_attenuation", Target::ont, 0, 0, "dB", 0, 40, must_be_given},
-    FaultRule{FaultKind::ont_omci, "ont_omci", Target::ont, 0, 0, "", 0, 0, 0},
-    FaultRule{FaultKind::ont_moved, "ont_moved", Target::ont, 0, 0, "PON port", 1, pon_ports, must_be_given},
-    FaultRule{FaultKind::module_absent, "module_absent", Target::module, 0, 0, "", 0, 0, 0},
-    FaultRule{FaultKind::module_excluded, "module_excluded", Target::module, 0, 0, "", 0, 0, 0},
-    FaultRule{FaultKind::module_no_diagnostics, "module_no_diagnostics", Target::module, 0, 0, "", 0, 0, 0},
-    FaultRule{FaultKind::module_hot, "module_hot", Target::module, 0, 0, "degrees more", 1, 80, 50},
-    FaultRule{FaultKind::fan_failed, "fan_failed", Target::number, 1, 4, "", 0, 0, 0},
-    FaultRule{FaultKind::fan_absent, "fan_absent", Target::number, 1, 4, "", 0, 0, 0},
-    FaultRule{FaultKind::psu_failed, "psu_failed", Target::number, 1, 2, "", 0, 0, 0},
-    FaultRule{FaultKind::psu2_present, "psu2_present", Target::none, 0, 0, "", 0, 0, 0},
-    FaultRule{FaultKind::temperature, "temperature", Target::number, 0, 4, "degrees", -60, 125, must_be_given},
-    FaultRule{FaultKind::slot_corrupt, "slot_corrupt", Target::number, 0, 1, "", 0, 0, 0},
-    FaultRule{FaultKind::commit_refused, "commit_refused", Target::peer, 0, 0, "", 0, 0, 0},
-    FaultRule{FaultKind::peer_down, "peer_down", Target::peer, 0, 0, "", 0, 0, 0},
-    FaultRule{FaultKind::peer_slow, "peer_slow", Target::peer, 0, 0, "ms", 1, 600000, must_be_given},
-    FaultRule{FaultKind::peer_error, "peer_error", Target::peer, 0, 0, "errno", 1, 4095, 5},
-    FaultRule{FaultKind::pppoe_blocked, "pppoe_blocked", Target::service, 0, 0, "", 0, 0, 0},
+// clang-format off
+constexpr FaultRule rules[]{
+    {.kind = FaultKind::ont_los, .name = "ont_los", .target = Target::ont_or_pon_port},
+    {.kind = FaultKind::ont_dying_gasp, .name = "ont_dying_gasp", .target = Target::ont},
+    {.kind = FaultKind::ont_rogue, .name = "ont_rogue", .target = Target::ont},
+    {.kind = FaultKind::ont_attenuation, .name = "ont_attenuation", .target = Target::ont, .value = "dB", .most_value = 40, .usual_value = must_be_given},
+    {.kind = FaultKind::ont_omci, .name = "ont_omci", .target = Target::ont},
+    {.kind = FaultKind::ont_moved, .name = "ont_moved", .target = Target::ont, .value = "PON port", .least_value = 1, .most_value = pon_ports, .usual_value = must_be_given},
+    {.kind = FaultKind::module_absent, .name = "module_absent", .target = Target::module},
+    {.kind = FaultKind::module_excluded, .name = "module_excluded", .target = Target::module},
+    {.kind = FaultKind::module_no_diagnostics, .name = "module_no_diagnostics", .target = Target::module},
+    {.kind = FaultKind::module_hot, .name = "module_hot", .target = Target::module, .value = "degrees more", .least_value = 1, .most_value = 80, .usual_value = 50},
+    {.kind = FaultKind::fan_failed, .name = "fan_failed", .target = Target::number, .least = 1, .most = 4},
+    {.kind = FaultKind::fan_absent, .name = "fan_absent", .target = Target::number, .least = 1, .most = 4},
+    {.kind = FaultKind::psu_failed, .name = "psu_failed", .target = Target::number, .least = 1, .most = 2},
+    {.kind = FaultKind::psu2_present, .name = "psu2_present", .target = Target::none},
+    {.kind = FaultKind::temperature, .name = "temperature", .target = Target::number, .most = 4, .value = "degrees", .least_value = -60, .most_value = 125, .usual_value = must_be_given},
+    {.kind = FaultKind::slot_corrupt, .name = "slot_corrupt", .target = Target::number, .most = 1},
+    {.kind = FaultKind::commit_refused, .name = "commit_refused", .target = Target::peer},
+    {.kind = FaultKind::peer_down, .name = "peer_down", .target = Target::peer},
+    {.kind = FaultKind::peer_slow, .name = "peer_slow", .target = Target::peer, .value = "ms", .least_value = 1, .most_value = 600000, .usual_value = must_be_given},
+    {.kind = FaultKind::peer_error, .name = "peer_error", .target = Target::peer, .value = "errno", .least_value = 1, .most_value = 4095, .usual_value = 5},
+    {.kind = FaultKind::pppoe_blocked, .name = "pppoe_blocked", .target = Target::service},
 };
+// clang-format on
 
 std::optional<std::uint16_t> parse_number(std::string_view text, unsigned least, unsigned most) {
     std::uint16_t number = 0;
@@ -134,7 +136,7 @@ const FaultRule& rule_of(FaultKind kind) {
 
 const FaultRule* find_fault(std::string_view name) {
     const auto* const found = std::ranges::find(rules, name, &FaultRule::name);
-    return found == rules.end() ? nullptr : found;
+    return found == std::end(rules) ? nullptr : found;
 }
 
 std::optional<FaultTarget> parse_target(const FaultRule& rule, std::string_view text, std::string& complaint) {

@@ -72,13 +72,13 @@ struct FaultRule {
     FaultKind kind;
     std::string_view name;
     Target target;
-    unsigned least; ///< of a number
-    unsigned most;
+    unsigned least = 0; ///< of a number
+    unsigned most = 0;
     /// What "value" means; empty: the kind takes none.
-    std::string_view value;
-    double least_value;
-    double most_value;
-    std::optional<double> usual_value; ///< without: a value must be given
+    std::string_view value{};
+    double least_value = 0;
+    double most_value = 0;
+    std::optional<double> usual_value = 0; ///< without: a value must be given
 };
 
 std::span<const FaultRule> fault_rules();

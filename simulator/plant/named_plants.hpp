@@ -2,8 +2,7 @@
 
 #include "simulator/plant/equipment.hpp"
 #include "simulator/plant/fault_kinds.hpp"
-#include "simulator/plant/ont_layout.hpp"
-#include "simulator/plant/plant_time.hpp"
+#include "simulator/plant/ont_population.hpp"
 
 #include <array>
 #include <cstdint>
@@ -11,12 +10,6 @@
 #include <string_view>
 
 namespace xpon::simulator {
-
-/// How many physical ONTs there are, and how many of them the configuration of a fresh OLT knows.
-struct PlantSize {
-    unsigned onts = 0;
-    unsigned configured = 0; ///< at most `onts`; the first ones
-};
 
 /// A fault that a plant has from the start.
 struct InitialFault {

@@ -15,6 +15,15 @@ unsigned short record_index_of(const OntPosition& position) {
     return static_cast<unsigned short>((position.port - 1) * max_onts_per_port + position.ont - 1);
 }
 
+OntPosition place_of_record(unsigned short index) {
+    return {.port = index / max_onts_per_port + 1, .ont = index % max_onts_per_port + 1};
+}
+
+unsigned short gem_port_of(unsigned short index, unsigned service) {
+    constexpr unsigned first = 512;
+    return static_cast<unsigned short>(first + index % max_onts_per_port * max_services + service - 1);
+}
+
 std::string description_of(const OntPosition& position) {
     return "ONT " + std::to_string(position.port) + "/" + std::to_string(position.ont);
 }

@@ -32,6 +32,12 @@ std::uint64_t serial_of(const OntPosition& position, std::uint32_t vendor = 0x53
 /// 0-based index of the ONT's record in the configuration database.
 unsigned short record_index_of(const OntPosition& position);
 
+/// The place of a record with that index.
+OntPosition place_of_record(unsigned short index);
+
+/// The GEM port that a service, from 1, of the ONT configured in that record has.
+unsigned short gem_port_of(unsigned short index, unsigned service);
+
 /// "ONT PORT/ONT".
 std::string description_of(const OntPosition& position);
 

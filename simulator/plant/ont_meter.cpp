@@ -1,5 +1,7 @@
 #include "simulator/plant/ont_meter.hpp"
 
+#include "xpon/peer_side/gpon_rates.hpp"
+
 #include <algorithm>
 #include <cmath>
 #include <functional>
@@ -10,7 +12,7 @@ namespace {
 constexpr double octets_per_word = 255;
 constexpr double data_octets_per_word = 239;
 constexpr double bits_per_word = octets_per_word * 8;
-constexpr double downstream_bits_per_s = 2488320000;
+constexpr double downstream_bits_per_s = gpon_downstream_kbps * 1000.0;
 
 std::uint64_t whole(double number) {
     return static_cast<std::uint64_t>(number);

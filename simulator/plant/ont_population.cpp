@@ -1,5 +1,7 @@
 #include "simulator/plant/ont_population.hpp"
 
+#include "simulator/plant/named_plants.hpp"
+
 #include <fmt/format.h>
 
 namespace xpon::simulator {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "simulator/plant/named_plants.hpp"
 #include "simulator/plant/optics.hpp"
 #include "simulator/plant/random.hpp"
 
@@ -8,6 +7,15 @@
 #include <string>
 
 namespace xpon::simulator {
+
+struct NamedPlant;
+struct OntModel;
+
+/// How many physical ONTs there are, and how many of them the configuration of a fresh OLT knows.
+struct PlantSize {
+    unsigned onts = 0;
+    unsigned configured = 0; ///< at most `onts`; the first ones
+};
 
 /// A plant as it is asked for.
 struct PlantParameters {

@@ -1,5 +1,7 @@
 #include "simulator/plant/optics.hpp"
 
+#include "xpon/peer_side/gpon_rates.hpp"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -53,7 +55,7 @@ OntPath path_of(const Random& random, const OntPosition& ont) {
 }
 
 std::uint32_t equalization_delay(const OntPath& path, unsigned reach_max_km) {
-    constexpr double bits_per_us = 1244.16;
+    constexpr double bits_per_us = gpon_upstream_kbps / 1000.0;
     const double equalized_us = round_trip_us(reach_max_km) + 50;
     const double measured_us = round_trip_us(path.distance_km) + path.response_us;
     return static_cast<std::uint32_t>(std::lround(std::max(equalized_us - measured_us, 0.0) * bits_per_us));
@@ -71,13 +73,13 @@ double received_power(const OntPath& path, unsigned split, double attenuation_db
     return path.launch_dbm - path_loss(path, split, attenuation_db) + day_db;
 }
 
-double error_free_dbm(PonPortSettings::OdnClass odn_class) {
+double error_free_dbm(OdnClass odn_class) {
     constexpr std::array sensitivity_dbm{-24.0, -28.0, -28.0, -29.0, -32.0}; // classes A, B, B+, C, C+
     constexpr double margin_db = 3;
     return sensitivity_dbm.at(static_cast<std::size_t>(odn_class)) + margin_db;
 }
 
-double loss_of_signal_dbm(PonPortSettings::OdnClass odn_class) {
+double loss_of_signal_dbm(OdnClass odn_class) {
     constexpr double decades = 7; // from 10^-10 to 10^-3
     return error_free_dbm(odn_class) - db_per_decade * decades;
 }

@@ -3,7 +3,6 @@
 #include "simulator/plant/ont_layout.hpp"
 #include "simulator/plant/plant_time.hpp"
 #include "simulator/plant/random.hpp"
-#include "simulator/plant/running_configuration.hpp"
 
 #include <cstdint>
 
@@ -20,7 +19,7 @@ struct OntPath {
 
 OntPath path_of(const Random& random, const OntPosition& ont);
 
-/// Bit times of 1.24416 Gbit/s [G.984.3].
+/// Bit times of the upstream rate [G.984.3].
 std::uint32_t equalization_delay(const OntPath& path, unsigned reach_max_km);
 
 /// Between the ONT and the OLT, in dB. `split` ways of the splitter, of which more than 64 lose no more.
@@ -32,14 +31,17 @@ inline constexpr double day_swing_db = 0.2;
 /// What the OLT receives, in dBm.
 double received_power(const OntPath& path, unsigned split, double attenuation_db, PlantTime now);
 
+/// Optical budget [G.984.2].
+enum class OdnClass : std::uint8_t { a, b, b_plus, c, c_plus };
+
 /// Down to this power no more than 1 bit in 10^10 is wrong; ten times as many for every `db_per_decade` less.
 /// @{
-double error_free_dbm(PonPortSettings::OdnClass odn_class);
+double error_free_dbm(OdnClass odn_class);
 inline constexpr double db_per_decade = 0.5;
 /// @}
 
 /// Below this power the OLT sees no signal: so many bits are wrong that frames are lost (more than 1 in 1000).
-double loss_of_signal_dbm(PonPortSettings::OdnClass odn_class);
+double loss_of_signal_dbm(OdnClass odn_class);
 
 /// What a module measures of itself besides its power.
 struct ModuleReadings {

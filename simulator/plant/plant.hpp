@@ -1,17 +1,12 @@
 #pragma once
 
-#include "simulator/plant/active_faults.hpp"
-#include "simulator/plant/ont_life.hpp"
-#include "simulator/plant/ont_meter.hpp"
-#include "simulator/plant/ont_population.hpp"
-#include "simulator/plant/running_configuration.hpp"
-#include "simulator/plant/subscriber_history.hpp"
-#include "xpon/custom_layer/pon_ports.h"
+#include "simulator/plant/circumstances.hpp"
+#include "simulator/plant/onts.hpp"
+#include "simulator/plant/ports.hpp"
 
-#include <array>
+#include <cstdint>
 #include <functional>
 #include <optional>
-#include <span>
 #include <vector>
 
 namespace xpon::simulator {
@@ -21,17 +16,7 @@ namespace xpon::simulator {
 /// between such events it is worked out when it is asked for.
 class Plant {
 public:
-    /// An ONT now.
-    struct Ont {
-        const PhysicalOnt* hardware;
-        const OntSituation* situation;
-        const OntSettings* settings; ///< of the configuration on the port where it is seen; null without
-        OntPoint point;
-        std::optional<Stretch> last_service; ///< the last one that has ended since the OLT's start
-        bool has_local_data;                 ///< what its user set on the ONT itself
-        const OntMeter* meter;
-        const LineConditions* line;
-    };
+    using Ont = OntNow;
 
     /// Starts at time 0, with the configuration in force.
     Plant(const PlantParameters& parameters, RunningConfiguration configuration);
@@ -39,7 +24,7 @@ public:
     /// Lets time pass up to `now`; never back.
     void advance(PlantTime now);
     [[nodiscard]] PlantTime now() const {
-        return now_;
+        return given_.now;
     }
 
     /// A committed configuration takes effect.
@@ -56,124 +41,83 @@ public:
     /// Activated ONTs that `is_meant`, asked with flat indices of configurations, are told to do something. Returns the
     /// indices of those.
     std::vector<std::uint16_t> command_onts(OntCommand command,
-                                            const std::function<bool(std::uint16_t index)>& is_meant);
+                                            const std::function<bool(std::uint16_t index)>& is_meant) {
+        return onts_.command(given_, command, is_meant);
+    }
 
     /// When the OLT last started.
     [[nodiscard]] PlantTime booted_at() const {
-        return booted_at_;
+        return given_.booted_at;
     }
     /// Whether its restart is still going on.
     [[nodiscard]] bool is_booting() const {
-        return now_ < boot_ends_;
+        return now() < given_.boot_ends;
     }
 
     [[nodiscard]] const PlantParameters& parameters() const {
-        return parameters_;
+        return given_.parameters;
     }
     [[nodiscard]] const Random& random() const {
-        return random_;
+        return given_.random;
     }
     [[nodiscard]] const RunningConfiguration& configuration() const {
-        return configuration_;
+        return given_.configuration;
     }
     [[nodiscard]] const ActiveFaults& faults() const {
-        return faults_;
+        return given_.faults;
     }
 
     /// All physical ONTs, in the order in which they were made.
-    [[nodiscard]] std::vector<Ont> onts() const;
+    [[nodiscard]] std::vector<Ont> onts() const {
+        return onts_.all(given_);
+    }
     /// The ONT that is seen where the configuration with this flat index wants it; empty without one.
-    [[nodiscard]] std::optional<Ont> ont_configured_as(std::uint16_t index) const;
+    [[nodiscard]] std::optional<Ont> ont_configured_as(std::uint16_t index) const {
+        return onts_.configured_as(given_, index);
+    }
     /// An OPERATIONAL ONT as its meter counts it.
     [[nodiscard]] MeteredOnt metered(const Ont& ont) const;
     /// dBm at the OLT.
     [[nodiscard]] double received_power_of(const Ont& ont) const;
-    /// The ONU-ID that is left for a configured ONT by its flat index; empty when the port has none left.
-    [[nodiscard]] std::optional<std::uint8_t> onu_id_of(std::uint16_t index) const;
 
     /// Ports count from 1.
-    [[nodiscard]] Pon_channel_state channel_state(unsigned pon_port) const;
+    [[nodiscard]] Pon_channel_state channel_state(unsigned pon_port) const {
+        return ports_.channel_state(given_, pon_port);
+    }
     [[nodiscard]] bool front_link_is_up(unsigned front_port) const {
-        return front_link_since(front_port) <= now_;
+        return front_link_since(front_port) <= now();
     }
     /// When the link comes up, or came; `never` as long as nothing happens to it.
-    [[nodiscard]] PlantTime front_link_since(unsigned front_port) const;
-    [[nodiscard]] const SubscriberHistory& subscriber_history() const {
-        return subscriber_history_;
+    [[nodiscard]] PlantTime front_link_since(unsigned front_port) const {
+        return ports_.front_link_since(given_, front_port);
     }
     /// The module in a port; null when the slot is empty.
     /// @{
-    [[nodiscard]] const ModuleModel* pon_module(unsigned port) const;
-    [[nodiscard]] const ModuleModel* front_module(unsigned port) const;
+    [[nodiscard]] const ModuleModel* pon_module(unsigned port) const {
+        return Ports::pon_module(given_, port);
+    }
+    [[nodiscard]] const ModuleModel* front_module(unsigned port) const {
+        return Ports::front_module(given_, port);
+    }
     /// @}
-    /// Since when the module is in, or the port runs.
+    /// Since when the module is in.
     /// @{
     [[nodiscard]] PlantTime pon_module_since(unsigned port) const {
-        return pon_.at(port - 1).module_since;
+        return ports_.pon(port).module_since;
     }
     [[nodiscard]] PlantTime front_module_since(unsigned port) const {
-        return front_.at(port - 1).module_since;
+        return ports_.front(port).module_since;
     }
     /// @}
 
 private:
-    static constexpr PlantTime channel_start_time{3000};
-    static constexpr PlantTime link_up_time{2000};
-
-    /// How a port comes to run.
-    struct PortRun {
-        bool has_module = false;
-        bool is_enabled = false;
-        PlantTime module_since{};
-        PlantTime up_since{}; ///< once enabled and with a module: when it works
-        bool has_rogue = false;
-        PlantTime rogue_since{};
-    };
-    struct TrackedOnt {
-        PhysicalOnt hardware;
-        OntSituation situation;
-        OntPoint anchor; ///< where its way goes on from; may lie ahead
-        std::optional<Stretch> last_service;
-        bool has_local_data = true;
-        OntMeter meter{};
-        LineConditions line{};
-    };
-
     /// Every event: what `mutate` changes takes effect now. `before` is the configuration until now, once `mutate` has
     /// run.
     void change(const RunningConfiguration& before, const std::function<void()>& mutate);
-    void update_ports(const std::array<PonPortSettings, pon_ports>& before);
-    void update_onts(const std::vector<OntPoint>& points, const RunningConfiguration& before);
-    void update_meter(TrackedOnt& ont, const OntPoint& was, const OntPoint& is, const LineConditions& line,
-                      const RunningConfiguration& before);
-    /// The way of an ONT that is at `at` goes on from `point`.
-    void redirect(TrackedOnt& ont, const OntPoint& at, const OntPoint& point) const;
-    void share_discovery(const std::vector<bool>& starts);
-    void index_configuration();
-    void index_onts();
 
-    [[nodiscard]] OntSituation situation_of(const TrackedOnt& ont) const;
-    void add_configuration_to(OntSituation& situation, const TrackedOnt& ont) const;
-    [[nodiscard]] OntPoint point_of(const TrackedOnt& ont) const;
-    [[nodiscard]] Ont describe(const TrackedOnt& ont) const;
-    [[nodiscard]] bool has_rogue(unsigned pon_port) const;
-    [[nodiscard]] double attenuation_of(const OntPosition& ont) const;
-    [[nodiscard]] LineConditions line_of(const OntPosition& ont, unsigned seen_port) const;
-
-    PlantParameters parameters_;
-    Random random_;
-    PlantTime now_{};
-    PlantTime booted_at_{};
-    PlantTime boot_ends_{};
-    RunningConfiguration configuration_;
-    /// (PON port, serial) to flat index.
-    std::map<std::pair<unsigned, std::uint64_t>, std::uint16_t> configured_;
-    ActiveFaults faults_;
-    std::array<PortRun, pon_ports> pon_{};
-    std::array<PortRun, front_ports> front_{};
-    std::vector<TrackedOnt> onts_;
-    std::map<std::uint16_t, std::size_t> by_configuration_; ///< flat index to place in `onts_`
-    SubscriberHistory subscriber_history_;
+    Circumstances given_;
+    Ports ports_;
+    Onts onts_;
 };
 
 } // namespace xpon::simulator

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "simulator/plant/ont_layout.hpp"
+#include "simulator/plant/optics.hpp"
 #include "xpon/peer_side/running_onts.hpp"
 
 #include <array>
@@ -34,11 +35,9 @@ struct PortChannelSettings {
 };
 
 struct PonPortSettings {
-    enum class OdnClass : std::uint8_t { a, b, b_plus, c, c_plus }; ///< optical budget [G.984.2]
-
     bool enabled = true;
-    OdnClass odn_class = OdnClass::b_plus;
-    unsigned reach_min_km = 0; ///< ranging window [G.984.3]
+    OdnClass odn_class = OdnClass::b_plus; ///< optical budget
+    unsigned reach_min_km = 0;             ///< ranging window [G.984.3]
     unsigned reach_max_km = 20;
     unsigned discovery_interval_s = 10;
     bool compares_passwords = false;

@@ -25,7 +25,7 @@ std::string read_file(const fs::path& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-TEST(Login, IsDecidedByPamAndTheMachinesGroups) {
+TEST(Login, IsDecidedByPamAndTheUsersPrivilege) {
     Olt olt;
     olt.start();
     auto client = Olt::connect();

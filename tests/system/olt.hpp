@@ -1,7 +1,7 @@
 #pragma once
 
+#include "tests/support/process.hpp"
 #include "tests/system/notify_socket.hpp"
-#include "tests/system/process.hpp"
 #include "xpon/client/client.hpp"
 
 #include <filesystem>

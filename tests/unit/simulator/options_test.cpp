@@ -46,12 +46,8 @@ TEST(OptionsTest, BadOnesAreNamed) {
         const char* complaint;
     } cases[] = {
         {{"--onts", "4097"}, "--onts: Value 4097 not in range 0 to 4096"},
-        {{"--onts", "many"}, "--onts: Value many not in range"},
         {{"--onts", "5", "--configured", "6"}, "--configured: 6 is more than the 5 ONTs"},
         {{"--plant", "Demo"}, "--plant: Demo not in {empty,demo,full,faulty,mixed-vendors}"},
-        {{"--boot-s", "601"}, "--boot-s: Value 601 not in range 0 to 600"},
-        {{"--clock", "1"}, "--clock"},
-        {{"demo"}, "demo"},
     };
     for (const auto& [arguments, complaint] : cases) {
         testing::internal::CaptureStderr();

@@ -1,5 +1,5 @@
 #include "custom_layer/own_connection.hpp"
-#include "tests/unit/platform/ipc/peer_process.hpp"
+#include "tests/unit/platform/ipc/peer_thread.hpp"
 #include "xpon/custom_layer/custom_layer.h"
 
 #include <cerrno>

@@ -1,4 +1,4 @@
-#include "tests/unit/platform/ipc/peer_process.hpp"
+#include "tests/unit/platform/ipc/peer_thread.hpp"
 
 #include <cerrno>
 #include <latch>

@@ -1,6 +1,6 @@
 #include "ipc/message.hpp"
 #include "ipc/zmq_socket.hpp"
-#include "tests/unit/platform/ipc/peer_process.hpp"
+#include "tests/unit/platform/ipc/peer_thread.hpp"
 
 #include <array>
 #include <cerrno>

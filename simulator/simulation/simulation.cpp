@@ -1,0 +1,208 @@
+#include "simulator/simulation/simulation.hpp"
+
+#include "simulator/files/device_files.hpp"
+#include "simulator/reports/board_report.hpp"
+#include "xpon/peer_side/olt_root.hpp"
+
+#include <system_error>
+#include <utility>
+
+#include <fmt/format.h>
+
+namespace xpon::simulator {
+
+Simulation::Simulation(const Options& options)
+    : events_(below_olt_root("/var/log/events.log")), clock_(options.uptime, options.clock_rate),
+      network_(options.parameters(), follower_.configuration()), firmware_(make_firmware(options)),
+      boot_time_(options.boot_time) {
+    network_.advance(options.uptime);
+    events_.write(fmt::format("OLT started, plant {} of seed {}", options.plant->name, options.seed));
+    for (const auto& complaint : firmware_.complaints()) {
+        events_.write(complaint);
+    }
+    write_device_facts(present_facts());
+}
+
+Firmware Simulation::make_firmware(const Options& options) const {
+    const auto& board = *options.plant->board;
+    const auto facts = read_device_facts();
+    const bool ran_before = facts && facts->factory.serial_number == std::string_view(board.serial_number);
+    return {{.board = &board,
+             .write_time = options.firmware_write_time,
+             .is_spoilt = [this](unsigned slot) { return is_slot_spoilt(plant(), slot); }},
+            ran_before ? std::optional<unsigned>(facts->running_slot) : std::nullopt};
+}
+
+void Simulation::advance() {
+    if (is_advancing_) {
+        // An action of the schedule: the plant is at its time, not at the present.
+        return;
+    }
+    const auto faults_before = plant().faults().all().size();
+    advance_network();
+    if (plant().faults().all().size() != faults_before) {
+        write_facts();
+    }
+}
+
+void Simulation::advance_network() {
+    struct Advancing {
+        explicit Advancing(bool& place) : flag(place) {
+            flag = true;
+        }
+        ~Advancing() {
+            flag = false;
+        }
+        bool& flag;
+    };
+    const Advancing advancing(is_advancing_);
+    const auto now = clock_.now();
+    while (!schedule_.empty() && schedule_.begin()->first <= now) {
+        auto next = schedule_.extract(schedule_.begin());
+        network_.advance(next.key());
+        next.mapped()();
+    }
+    network_.advance(now);
+}
+
+void Simulation::configuration_changed(ipc::Address peer, std::span<const service::Config_change> changes) {
+    advance();
+    if (follower_.follow(peer, changes)) {
+        network_.happen(&Plant::configure, follower_.configuration());
+    }
+}
+
+void Simulation::reload_configuration(ipc::Address peer) {
+    advance();
+    follower_.reload(peer);
+    network_.happen(&Plant::configure, follower_.configuration());
+}
+
+void Simulation::set_fault(Fault fault, PlantTime lasts) {
+    advance();
+    fault.until = lasts == PlantTime{} ? never : plant().now() + lasts;
+    network_.happen(&Plant::set_fault, fault);
+    events_.write(fmt::format("fault {} {} set", rule_of(fault.kind).name, to_text(fault.target)));
+    write_facts();
+}
+
+bool Simulation::clear_fault(const FaultRule& rule, const FaultTarget& target) {
+    advance();
+    const bool was_set = network_.happen(&Plant::clear_fault, rule.kind, target);
+    if (was_set) {
+        events_.write(fmt::format("fault {} {} cleared", rule.name, to_text(target)));
+        write_facts();
+    }
+    return was_set;
+}
+
+void Simulation::clear_all_faults() {
+    advance();
+    network_.happen(&Plant::clear_all_faults);
+    events_.write("all faults cleared");
+    write_facts();
+}
+
+void Simulation::reboot() {
+    advance();
+    follower_.restart();
+    firmware_.boot();
+    network_.happen(&Plant::configure, follower_.configuration());
+    network_.happen(&Plant::boot, boot_time_);
+    write_facts();
+}
+
+void Simulation::restart_pon_ports(const std::function<bool(unsigned port)>& is_meant) {
+    advance();
+    network_.happen(&Plant::restart_pon_ports, is_meant);
+}
+
+std::vector<std::uint16_t> Simulation::command_onts(OntCommand command,
+                                                    const std::function<bool(std::uint16_t index)>& is_meant) {
+    advance();
+    return network_.happen(&Plant::command_onts, command, is_meant);
+}
+
+void Simulation::select_firmware(std::uint32_t selector) {
+    advance();
+    firmware_.select(selector);
+    write_facts();
+}
+
+void Simulation::start_firmware_update(const std::string& path) {
+    advance();
+    try {
+        firmware_.start_update(path);
+    } catch (const std::system_error&) {
+        // A fault of the flash may have cost the slot what it held.
+        write_facts();
+        throw;
+    }
+    write_facts();
+}
+
+void Simulation::work() {
+    if (const auto outcome = firmware_.write_on()) {
+        events_.write(*outcome);
+        write_facts();
+    }
+    if (facts_are_old_) {
+        write_facts();
+    }
+}
+
+void Simulation::note(std::string_view text) const {
+    events_.write(text);
+}
+
+void Simulation::set_rate(double rate) {
+    advance();
+    clock_.set_rate(rate);
+    write_facts();
+}
+
+void Simulation::step(PlantTime by) {
+    clock_.step(by);
+    advance();
+    write_facts();
+}
+
+void Simulation::take_snapshot(const std::string& name) {
+    advance();
+    snapshots_.insert_or_assign(name, Snapshot{network_, schedule_});
+}
+
+bool Simulation::load_snapshot(const std::string& name) {
+    const auto found = snapshots_.find(name);
+    if (found == snapshots_.end()) {
+        return false;
+    }
+    network_ = found->second.network;
+    schedule_ = found->second.schedule;
+    clock_ = PlantClock(plant().now(), clock_.rate());
+    network_.happen(&Plant::configure, follower_.configuration());
+    events_.write(fmt::format("snapshot {} loaded", name));
+    write_facts();
+    return true;
+}
+
+void Simulation::schedule(PlantTime in, std::function<void()> action) {
+    advance();
+    schedule_.emplace(plant().now() + in, std::move(action));
+}
+
+Device_facts Simulation::present_facts() const {
+    return report_device_facts(plant(), firmware_.slots(), clock_.rate());
+}
+
+void Simulation::write_facts() {
+    try {
+        write_device_facts(present_facts());
+        facts_are_old_ = false;
+    } catch (const std::system_error&) {
+        // A full disk must not stop the OLT: it is tried again until it succeeds.
+        facts_are_old_ = true;
+    }
+}
+
+} // namespace xpon::simulator

@@ -1,0 +1,128 @@
+#pragma once
+
+#include "simulator/files/event_log.hpp"
+#include "simulator/firmware/firmware.hpp"
+#include "simulator/plant/plant_clock.hpp"
+#include "simulator/simulation/configuration_follower.hpp"
+#include "simulator/subscribers/access_network.hpp"
+#include "xpon/peer_side/device_facts.h"
+#include "xpon/service/config_change.hpp"
+
+#include <functional>
+#include <map>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace xpon::simulator {
+
+/// What is asked for.
+struct Options {
+    const NamedPlant* plant = nullptr;
+    PlantSize size;
+    std::uint64_t seed = 1;
+    PlantTime uptime{};                              ///< of the OLT when the simulation begins
+    double clock_rate = 1;                           ///< 0: the clock is stepped
+    PlantTime boot_time{20000};                      ///< how long a restart of the OLT takes
+    std::chrono::milliseconds firmware_write_time{}; ///< how long an update blocks its caller, in real time
+    bool applies_hostname = false;                   ///< the configured host name becomes that of the UTS namespace
+
+    [[nodiscard]] PlantParameters parameters() const {
+        return {.plant = plant, .size = size, .seed = seed};
+    }
+};
+
+/// One running simulation: the plant with its subscribers, its time, its configuration, and what is to happen to it.
+class Simulation {
+public:
+    using Schedule = std::multimap<PlantTime, std::function<void()>>;
+    struct Snapshot {
+        AccessNetwork network;
+        Schedule schedule;
+    };
+
+    explicit Simulation(const Options& options);
+    Simulation(const Simulation&) = delete;
+    Simulation& operator=(const Simulation&) = delete;
+
+    /// Brings the plant to the present. Every use of the plant begins with it.
+    void advance();
+    [[nodiscard]] const AccessNetwork& network() const {
+        return network_;
+    }
+    [[nodiscard]] const Plant& plant() const {
+        return network_.plant();
+    }
+    [[nodiscard]] const PlantClock& clock() const {
+        return clock_;
+    }
+
+    /// A peer heard of a commit, or came back and reads its part of the configuration anew.
+    /// @{
+    void configuration_changed(ipc::Address peer, std::span<const service::Config_change> changes);
+    void reload_configuration(ipc::Address peer);
+    /// @}
+
+    void set_fault(Fault fault, PlantTime lasts);
+    bool clear_fault(const FaultRule& rule, const FaultTarget& target);
+    void clear_all_faults();
+
+    [[nodiscard]] const Firmware& firmware() const {
+        return firmware_;
+    }
+
+    // What the OLT is told to do. Refusals are std::system_error with the errno value for who asked.
+
+    /// Into the next-boot slot and the saved configuration. What testers injected or planned stays.
+    void reboot();
+    void restart_pon_ports(const std::function<bool(unsigned port)>& is_meant);
+    /// Indices of the configurations of the ONTs that were told.
+    std::vector<std::uint16_t> command_onts(OntCommand command,
+                                            const std::function<bool(std::uint16_t index)>& is_meant);
+    void select_firmware(std::uint32_t selector);
+    void start_firmware_update(const std::string& path);
+
+    /// What the OLT does by itself: a firmware update goes on, files that could not be written are. To be called often.
+    void work();
+
+    /// Writes a line to the OLT's events.
+    void note(std::string_view text) const;
+
+    void set_rate(double rate);
+    void step(PlantTime by);
+
+    /// Keeps the plant, its subscribers, its time and what is scheduled under a name until the simulator ends. One that
+    /// is kept under the name already is replaced.
+    void take_snapshot(const std::string& name);
+    /// Goes back to a snapshot; not within an action of the schedule. The configuration of now takes effect as if it
+    /// were committed then, and the clock keeps its rate. False when there is no snapshot of that name.
+    bool load_snapshot(const std::string& name);
+    [[nodiscard]] const std::map<std::string, Snapshot>& snapshots() const {
+        return snapshots_;
+    }
+
+    /// Has `action` happen when the plant's time has moved on by `in`.
+    void schedule(PlantTime in, std::function<void()> action);
+    [[nodiscard]] std::size_t scheduled() const {
+        return schedule_.size();
+    }
+
+private:
+    void advance_network();
+    [[nodiscard]] Firmware make_firmware(const Options& options) const;
+    [[nodiscard]] Device_facts present_facts() const;
+    void write_facts();
+
+    EventLog events_;
+    ConfigurationFollower follower_;
+    PlantClock clock_;
+    AccessNetwork network_;
+    Firmware firmware_;
+    PlantTime boot_time_;
+    Schedule schedule_;
+    std::map<std::string, Snapshot> snapshots_;
+    bool is_advancing_ = false;
+    bool facts_are_old_ = false;
+};
+
+} // namespace xpon::simulator

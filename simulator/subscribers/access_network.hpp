@@ -1,0 +1,59 @@
+#pragma once
+
+#include "simulator/plant/plant.hpp"
+#include "simulator/subscribers/pppoe_blocks.hpp"
+#include "simulator/subscribers/service_history.hpp"
+#include "simulator/subscribers/uplink_history.hpp"
+
+#include <functional>
+#include <type_traits>
+#include <utility>
+
+namespace xpon::simulator {
+
+/// The plant, and what the sessions of its subscribers remember of its past; all else about them follows from the
+/// present. A copy is a whole one, and goes its own way.
+class AccessNetwork {
+public:
+    /// Starts at time 0, with the configuration in force.
+    AccessNetwork(const PlantParameters& parameters, RunningConfiguration configuration);
+
+    [[nodiscard]] const Plant& plant() const {
+        return plant_;
+    }
+    [[nodiscard]] const UplinkHistory& uplinks() const {
+        return uplinks_;
+    }
+    [[nodiscard]] const ServiceHistory& services() const {
+        return services_;
+    }
+    [[nodiscard]] const PppoeBlocks& pppoe_blocks() const {
+        return pppoe_blocks_;
+    }
+
+    /// Lets time pass up to `now`; never back.
+    void advance(PlantTime now);
+
+    /// Something happens to the plant now: `event` is one of its members, or takes it first. Gives what that gives.
+    template <class Event, class... Arguments>
+    auto happen(Event event, Arguments&&... arguments) {
+        if constexpr (std::is_void_v<std::invoke_result_t<Event, Plant&, Arguments...>>) {
+            std::invoke(event, plant_, std::forward<Arguments>(arguments)...);
+            remember();
+        } else {
+            auto outcome = std::invoke(event, plant_, std::forward<Arguments>(arguments)...);
+            remember();
+            return outcome;
+        }
+    }
+
+private:
+    void remember();
+
+    Plant plant_;
+    UplinkHistory uplinks_;
+    ServiceHistory services_;
+    PppoeBlocks pppoe_blocks_;
+};
+
+} // namespace xpon::simulator
