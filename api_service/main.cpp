@@ -1,11 +1,35 @@
 #include "api_service/signals.hpp"
 #include "api_service/start_cycle.hpp"
 
+#include <cstdio>
 #include <cstdlib>
+#include <string_view>
 
-int main() {
+namespace {
+
+constexpr auto usage = R"(usage: api_service [--help | --version]
+
+The daemon behind the web manager of an OLT: JSON over TCP, on 127.0.0.1 port 9999. It reads no options; its settings
+are files, below the folder OLT_ROOT when that is set.
+)";
+constexpr int bad_usage = 2;
+
+/// The exit status when there are arguments, none of which asks for a run.
+int answer(std::string_view argument) {
+    const bool is_version = argument == "--version";
+    const bool is_bad = !is_version && argument != "--help";
+    std::fputs(is_version ? "api_service " XPON_VERSION "\n" : usage, is_bad ? stderr : stdout);
+    return is_bad ? bad_usage : EXIT_SUCCESS;
+}
+
+} // namespace
+
+int main(int count, char** arguments) {
     using namespace xpon::api_service;
 
+    if (count > 1) {
+        return answer(arguments[1]);
+    }
     install_signal_handlers();
     for (;;) {
         switch (StartCycle().run()) {

@@ -38,6 +38,7 @@ std::variant<Options, int> parse_options(int count, const char* const* arguments
     constexpr std::uint32_t longest_s = 600;
 
     CLI::App app("Plays the peer daemons of an OLT whose files are below the folder OLT_ROOT.", "olt_simulator");
+    app.set_version_flag("--version", "olt_simulator " XPON_VERSION);
     app.add_option("--plant", plant, fmt::format("the plant to simulate (default: {})", default_plant))
         ->check(CLI::IsMember(names));
     app.add_option("--onts", onts, "physical ONTs, spread over the PON ports; instead of the plant's number")
