@@ -2,140 +2,184 @@
 
 #include "xpon/core/json_tree.hpp"
 
-#include <charconv>
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <memory>
 #include <sstream>
-#include <stdexcept>
+#include <utility>
 
+#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 namespace xpon::simulator {
 namespace {
 
-using Words = std::span<const std::string>;
+enum class Kind { text, number, command };
+enum class Need { required, optional };
 
-[[noreturn]] void refuse(const std::string& text) {
-    throw std::runtime_error(text);
+/// What stands behind a verb and becomes a member of the command.
+struct Word {
+    const char* name;
+    const char* member;
+    Kind kind;
+    Need need;
+    const char* meaning;
+};
+
+struct Verb {
+    const char* name;
+    const char* meaning;
+    std::vector<Word> words;
+    const char* alone = nullptr; ///< the value of the member `name` when no word follows
+    std::vector<Verb> options{}; ///< may follow the words, with words of their own
+    const char* usage = nullptr; ///< of the options
+};
+
+const std::vector<Verb>& verbs() {
+    static const std::vector<Verb> all{
+        {.name = "fault",
+         .meaning = "Inject a fault; without \"for\": until it is cleared",
+         .words = {{"KIND", "fault", Kind::text, Need::required, "what breaks; olt_sim faults lists the kinds"},
+                   {"TARGET", "target", Kind::text, Need::optional, "where, such as 1/1: ONT 1 of PON port 1"}},
+         .options = {{"value",
+                      "How bad it is",
+                      {{"NUMBER", "value", Kind::number, Need::required, "in the kind's unit"}}},
+                     {"for", "How long", {{"SECONDS", "for_s", Kind::number, Need::required, "of the plant's time"}}}},
+         .usage = "value NUMBER] [for SECONDS"},
+        {"clear",
+         "Clear a fault; \"clear all\" clears every one",
+         {{"KIND", "clear", Kind::text, Need::required, "the kind of fault, or all"},
+          {"TARGET", "target", Kind::text, Need::optional, "where"}}},
+        {.name = "faults", .meaning = "The kinds of faults and what they take", .words = {}, .alone = "true"},
+        {"step", "Move the plant's clock ahead", {{"SECONDS", "step_s", Kind::number, Need::required, "how far"}}},
+        {"clock",
+         "How the plant's clock moves",
+         {{"KIND", "clock", Kind::text, Need::required, "real, stepped or scaled"},
+          {"FACTOR", "rate", Kind::number, Need::optional, "with scaled: how many times faster than real time"}}},
+        {.name = "state",
+         .meaning = "What is true of the plant",
+         .words = {{"WHAT", "state", Kind::text, Need::optional, "all or summary (default: summary)"}},
+         .alone = R"("summary")"},
+        {"snapshot",
+         "Keep the plant, its time and faults as they are",
+         {{"NAME", "snapshot", Kind::text, Need::required, "of the snapshot"}}},
+        {"load",
+         "Go back to a snapshot; the configuration stays that of now",
+         {{"NAME", "load", Kind::text, Need::required, "of the snapshot"}}},
+        {"at",
+         "A command, once so much of the plant's time has passed",
+         {{"SECONDS", "at_s", Kind::number, Need::required, "from now"},
+          {"COMMAND", "command", Kind::command, Need::required, "any of these, with its words"}}},
+    };
+    return all;
 }
 
-double number_of(const std::string& word, std::string_view meaning) {
-    double number = 0;
-    const auto [end, fault] = std::from_chars(word.data(), word.data() + word.size(), number);
-    if (fault != std::errc{} || end != word.data() + word.size()) {
-        refuse(fmt::format("{} must be a number, not '{}'", meaning, word));
+CLI::Option* add_word(CLI::App* parser, const Word& word, cJSON* command) {
+    const auto* const member = word.member;
+    switch (word.kind) {
+    case Kind::number:
+        return parser->add_option_function<double>(
+            word.name, [=](double number) { cJSON_AddNumberToObject(command, member, number); }, word.meaning);
+    case Kind::command:
+        return parser->add_option_function<std::vector<std::string>>(
+            word.name, [=](const auto& words) { cJSON_AddRawToObject(command, member, command_of(words).c_str()); },
+            word.meaning);
+    case Kind::text:
+        break;
     }
-    return number;
+    return parser->add_option_function<std::string>(
+        word.name, [=](const auto& text) { cJSON_AddStringToObject(command, member, text.c_str()); }, word.meaning);
 }
 
-/// Takes the first word off the front.
-const std::string& take(Words& words, std::string_view meaning) {
-    if (words.empty()) {
-        refuse(fmt::format("{} is missing", meaning));
+CLI::App* add_verb(CLI::App& app, const Verb& verb, cJSON* command) {
+    auto* const parser = app.add_subcommand(verb.name, verb.meaning);
+    for (const auto& word : verb.words) {
+        add_word(parser, word, command)->required(word.need == Need::required)->type_name("");
     }
-    const auto& word = words.front();
-    words = words.subspan(1);
-    return word;
-}
-
-void end(Words words) {
-    if (!words.empty()) {
-        refuse(fmt::format("'{}' is too much", words.front()));
+    if (verb.alone != nullptr) {
+        parser->callback([&verb, command] {
+            if (command->child == nullptr) {
+                cJSON_AddRawToObject(command, verb.name, verb.alone);
+            }
+        });
     }
-}
-
-bool names_option(const std::string& word) {
-    return word == "value" || word == "for";
-}
-
-void add_target(cJSON* command, Words& words) {
-    if (!words.empty() && !names_option(words.front())) {
-        cJSON_AddStringToObject(command, "target", take(words, "target").c_str());
+    for (const auto& option : verb.options) {
+        add_verb(*parser, option, command)->group("Optional words");
     }
-}
-
-void add_fault(cJSON* command, Words words) {
-    cJSON_AddStringToObject(command, "fault", take(words, "the kind of fault").c_str());
-    add_target(command, words);
-    while (!words.empty()) {
-        const auto& option = take(words, "option");
-        if (!names_option(option)) {
-            refuse(fmt::format("expected 'value' or 'for', not '{}'", option));
-        }
-        cJSON_AddNumberToObject(command, option == "for" ? "for_s" : "value", number_of(take(words, option), option));
+    if (verb.usage != nullptr) {
+        const auto formatter = std::make_shared<CLI::Formatter>();
+        formatter->label("SUBCOMMAND", verb.usage);
+        parser->formatter(formatter);
     }
-}
-
-void add_clock(cJSON* command, Words words) {
-    const auto& kind = take(words, "the clock");
-    cJSON_AddStringToObject(command, "clock", kind.c_str());
-    if (!words.empty()) {
-        cJSON_AddNumberToObject(command, "rate", number_of(take(words, "rate"), "rate"));
-    }
-    end(words);
-}
-
-core::JsonTree parse(Words words) {
-    core::JsonTree command(cJSON_CreateObject());
-    const auto& verb = take(words, "the command");
-    if (verb == "fault") {
-        add_fault(command.get(), words);
-    } else if (verb == "clear") {
-        cJSON_AddStringToObject(command.get(), "clear", take(words, "the kind of fault").c_str());
-        add_target(command.get(), words);
-        end(words);
-    } else if (verb == "step") {
-        cJSON_AddNumberToObject(command.get(), "step_s", number_of(take(words, "seconds"), "seconds"));
-        end(words);
-    } else if (verb == "clock") {
-        add_clock(command.get(), words);
-    } else if (verb == "state") {
-        cJSON_AddStringToObject(command.get(), "state", words.empty() ? "summary" : take(words, "state").c_str());
-        end(words);
-    } else if (verb == "snapshot" || verb == "load") {
-        cJSON_AddStringToObject(command.get(), verb.c_str(), take(words, "the name of the snapshot").c_str());
-        end(words);
-    } else if (verb == "faults") {
-        cJSON_AddTrueToObject(command.get(), "faults");
-        end(words);
-    } else if (verb == "at") {
-        cJSON_AddNumberToObject(command.get(), "at_s", number_of(take(words, "seconds"), "seconds"));
-        cJSON_AddItemToObject(command.get(), "command", parse(words).release());
-    } else {
-        refuse(fmt::format(
-            "there is no command '{}'; try fault, clear, step, clock, state, snapshot, load, faults or at", verb));
-    }
-    return command;
+    return parser;
 }
 
 } // namespace
 
-std::string command_of(Words words) {
-    if (words.size() == 1 && words.front().starts_with("{")) {
-        return words.front();
+void add_simulator_verbs(CLI::App& app, Commands& commands) {
+    const std::shared_ptr<cJSON> command(cJSON_CreateObject(), cJSON_Delete);
+    for (const auto& verb : verbs()) {
+        add_verb(app, verb, command.get());
     }
-    const core::JsonText text(cJSON_PrintUnformatted(parse(words).get()));
-    if (!text) {
-        throw std::bad_alloc();
-    }
-    return text.get();
+    app.require_subcommand(1); // after the verbs, whose optional words would inherit it
+    app.final_callback([&commands, command] {
+        if (command->child != nullptr) { // else it is another verb
+            commands.emplace_back(core::print_line(command.get()).get());
+        }
+    });
 }
 
-std::vector<std::string> commands_of_scenario(const std::string& text) {
-    std::vector<std::string> commands;
-    std::istringstream lines(text);
+void add_scenario_verb(CLI::App& app, Commands& commands) {
+    auto* const parser = app.add_subcommand("run", "The commands of a file, one a line; \"#\" begins a remark");
+    const auto read = [&commands](const std::string& path) {
+        std::ifstream file(path);
+        if (!file) {
+            throw CLI::ValidationError(path, "cannot be read");
+        }
+        commands = commands_of_scenario(file);
+    };
+    parser->add_option_function<std::string>("FILE", read, "the file")->required()->check(CLI::ExistingFile);
+}
+
+void parse_words(CLI::App& app, std::vector<std::string> words, Commands& commands) {
+    if (words.size() == 1 && words.front().starts_with("{")) {
+        commands = std::move(words);
+        return;
+    }
+    const auto is_meant = [&](const CLI::App* verb) { return verb->check_name(words.front()); };
+    if (!words.empty() && app.get_subcommands(is_meant).empty() && app.get_option_no_throw(words.front()) == nullptr) {
+        throw CLI::ParseError(fmt::format("There is no command '{}'", words.front()), CLI::ExitCodes::ExtrasError);
+    }
+    std::ranges::reverse(words); // CLI11 takes them from the back
+    app.parse(std::move(words));
+}
+
+std::string command_of(const std::vector<std::string>& words) {
+    CLI::App app;
+    app.set_help_flag(); // a line of a file has no help to offer
+    Commands commands;
+    add_simulator_verbs(app, commands);
+    parse_words(app, words, commands);
+    return commands.front();
+}
+
+Commands commands_of_scenario(std::istream& lines) {
+    Commands commands;
     std::string line;
     for (unsigned number = 1; std::getline(lines, line); ++number) {
         std::istringstream stream(line);
-        std::vector<std::string> words;
-        for (std::string word; stream >> word;) {
-            words.push_back(word);
-        }
+        std::vector<std::string> words(std::istream_iterator<std::string>(stream), {});
         if (words.empty() || words.front().starts_with("#")) {
             continue;
         }
+        if (words.front().starts_with("{")) {
+            words = {line};
+        }
         try {
-            commands.push_back(words.front().starts_with("{") ? line : command_of(words));
-        } catch (const std::runtime_error& error) {
-            refuse(fmt::format("line {}: {}", number, error.what()));
+            commands.push_back(command_of(words));
+        } catch (const CLI::ParseError& error) {
+            throw CLI::ParseError(fmt::format("Line {}: {}", number, error.what()), CLI::ExitCodes::ValidationError);
         }
     }
     return commands;

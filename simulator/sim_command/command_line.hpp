@@ -1,27 +1,33 @@
 #pragma once
 
-#include <span>
+#include <istream>
 #include <string>
 #include <vector>
 
+namespace CLI {
+class App;
+}
+
 namespace xpon::simulator {
 
-/// The command for the control socket that the words ask for:
-///
-///   fault KIND [TARGET] [value NUMBER] [for SECONDS]
-///   clear KIND [TARGET]     clear all
-///   step SECONDS
-///   clock real | stepped | scaled FACTOR
-///   state [all | summary]
-///   faults
-///   at SECONDS COMMAND...
-///
-/// A command that begins with "{" goes as it is. Throws std::runtime_error that names the word at fault. Whether
-/// kinds, targets and values exist is for the simulator to say.
-std::string command_of(std::span<const std::string> words);
+/// The commands that a command line asks for, as the control socket takes them.
+using Commands = std::vector<std::string>;
+
+/// Adds the verbs that the simulator carries out, each of which appends a command to `commands` once `app` has read it.
+/// Whether kinds, targets and values exist is for the simulator to say.
+void add_simulator_verbs(CLI::App& app, Commands& commands);
+/// Adds "run FILE", which appends the commands of a scenario.
+void add_scenario_verb(CLI::App& app, Commands& commands);
+
+/// Lets `app` read the words: a verb and what belongs to it, or a command that begins with "{" and goes as it is.
+/// Throws CLI::ParseError, a std::runtime_error that names the word at fault.
+void parse_words(CLI::App& app, std::vector<std::string> words, Commands& commands);
+
+/// The command of a simulator's verb. Throws CLI::ParseError.
+std::string command_of(const std::vector<std::string>& words);
 
 /// The commands of a scenario: one a line, as above, without empty lines and those that begin with "#". Throws
-/// std::runtime_error that names the line at fault.
-std::vector<std::string> commands_of_scenario(const std::string& text);
+/// CLI::ParseError that names the line at fault.
+Commands commands_of_scenario(std::istream& lines);
 
 } // namespace xpon::simulator

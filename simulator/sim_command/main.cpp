@@ -3,42 +3,27 @@
 #include "simulator/sim_command/make_image.hpp"
 #include "xpon/core/json_tree.hpp"
 
+#include <algorithm>
 #include <cstdlib>
-#include <fstream>
+#include <exception>
 #include <iostream>
-#include <sstream>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
+#include <CLI/CLI.hpp>
+
 namespace {
 
-constexpr auto usage = R"(usage: olt_sim COMMAND
+using namespace xpon;
 
-Commands the simulated OLT whose files are below the folder OLT_ROOT, and prints its answers as JSON.
+constexpr auto footer = R"(A command may also be '{...}', JSON as the control socket takes it.
+Exit status: 0; 1 when a command is refused or no simulator answers; 2 for a bad command line.)";
 
-  fault KIND [TARGET] [value NUMBER] [for SECONDS]   inject a fault; without "for": until it is cleared
-  clear KIND [TARGET]                                clear it; "clear all" clears every one
-  faults                                             the kinds of faults and what they take
-  step SECONDS                                       move the plant's clock ahead
-  clock real | stepped | scaled FACTOR               how the clock moves
-  state [all | summary]                              what is true of the plant
-  snapshot NAME                                      keep the plant, its time and faults as they are
-  load NAME                                          go back to them; the configuration stays that of now
-  at SECONDS COMMAND...                              the command, once so much of the plant's time has passed
-  run FILE                                           the commands of a file, one a line; "#" begins a remark
-  '{...}'                                            a command as the control socket takes it
+constexpr int bad_command_line = 2;
 
-  make-image [OPTIONS] FILE                          a firmware image for this OLT or, for trying what is refused,
-                                                     for another one; needs no simulator; see make-image --help
-
-Exit status: 0; 1 when a command is refused or no simulator answers; 2 for a bad command line.
-)";
-
-bool run(xpon::simulator::ControlClient& client, const std::string& command) {
-    using xpon::core::JsonTree;
-    const JsonTree answer(cJSON_Parse(client.ask(command).c_str()));
-    const xpon::core::JsonText text(cJSON_Print(answer.get()));
+bool is_done(simulator::ControlClient& client, const std::string& command) {
+    const core::JsonTree answer(cJSON_Parse(client.ask(command).c_str()));
+    const core::JsonText text(cJSON_Print(answer.get()));
     const auto* const error = cJSON_GetObjectItemCaseSensitive(answer.get(), "error");
     if (cJSON_IsString(error) != 0) {
         std::cerr << "olt_sim: " << error->valuestring << "\n";
@@ -48,45 +33,35 @@ bool run(xpon::simulator::ControlClient& client, const std::string& command) {
     return static_cast<bool>(text);
 }
 
-std::vector<std::string> read_scenario(const std::string& path) {
-    std::ifstream file(path);
-    std::ostringstream text;
-    text << file.rdbuf();
-    if (!file) {
-        throw std::runtime_error(path + " cannot be read");
-    }
-    return xpon::simulator::commands_of_scenario(text.str());
-}
-
 } // namespace
 
 int main(int count, char** arguments) {
-    using namespace xpon::simulator;
-
     const std::vector<std::string> words(arguments + 1, arguments + count);
-    if (words.empty() || words.front() == "--help") {
-        (words.empty() ? std::cerr : std::cout) << usage;
-        return words.empty() ? 2 : 0;
-    }
-    if (words.front() == "make-image") {
-        return make_image_file(std::span(words).subspan(1));
-    }
     std::vector<std::string> commands;
+    CLI::App app(
+        "Commands the simulated OLT whose files are below the folder OLT_ROOT, and prints its answers as JSON.",
+        "olt_sim");
+    app.set_version_flag("--version", "olt_sim " XPON_VERSION);
+    app.get_formatter()->label("SUBCOMMAND", "COMMAND");
+    simulator::add_simulator_verbs(app, commands);
+    simulator::add_scenario_verb(app, commands);
+    simulator::add_make_image_verb(app);
+    app.footer(footer); // not that of the verbs
     try {
-        const bool is_scenario = words.front() == "run" && words.size() == 2;
-        commands = is_scenario ? read_scenario(words.at(1)) : std::vector{command_of(words)};
-    } catch (const std::exception& error) {
-        std::cerr << "olt_sim: " << error.what() << "\n";
-        return 2;
-    }
-    try {
-        ControlClient client;
-        for (const auto& command : commands) {
-            if (!run(client, command)) {
-                return EXIT_FAILURE;
-            }
+        if (words.empty()) {
+            std::cerr << app.help();
+            return bad_command_line;
         }
-        return EXIT_SUCCESS;
+        simulator::parse_words(app, words, commands);
+        if (commands.empty()) { // done without a simulator
+            return EXIT_SUCCESS;
+        }
+        simulator::ControlClient client;
+        const bool all_done =
+            std::ranges::all_of(commands, [&](const auto& command) { return is_done(client, command); });
+        return all_done ? EXIT_SUCCESS : EXIT_FAILURE;
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? EXIT_SUCCESS : bad_command_line;
     } catch (const std::exception& error) {
         std::cerr << "olt_sim: " << error.what() << "\n";
         return EXIT_FAILURE;

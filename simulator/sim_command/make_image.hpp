@@ -1,12 +1,13 @@
 #pragma once
 
-#include <span>
-#include <string>
+namespace CLI {
+class App;
+}
 
 namespace xpon::simulator {
 
-/// Makes a firmware image as the words, those behind "make-image", ask for. The exit status: 0; 1 when the file cannot
-/// be written; 2 for a bad command line. Faults are told on standard error.
-int make_image_file(std::span<const std::string> words);
+/// Adds the verb make-image, which writes a firmware image and says so on standard output. Parsing it throws
+/// std::system_error when the file cannot be written.
+void add_make_image_verb(CLI::App& app);
 
 } // namespace xpon::simulator

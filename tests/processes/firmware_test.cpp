@@ -1,7 +1,6 @@
 #include "custom_layer/own_connection.hpp"
 #include "ipc/ipc_handle.hpp"
 #include "simulator/firmware/image_maker.hpp"
-#include "simulator/sim_command/make_image.hpp"
 #include "tests/processes/live_olt.hpp"
 #include "tests/support/eventually.hpp"
 #include "tests/support/recording_logger.hpp"
@@ -89,8 +88,9 @@ protected:
 TEST_F(FirmwareTest, AnUpdateWritesTheOtherSlotAndABootRunsIt) {
     EXPECT_EQ(slots(), Slots(old_running, old_alternate, 0, 0));
     const auto file = (root.path() / "firmware/new.img").string();
-    const std::vector<std::string> words{"--version", "1.5.0.1", "--size-mib", "2", "--built", "1724842800", file};
-    ASSERT_EQ(make_image_file(words), 0);
+    test::Process maker(
+        {OLT_SIM, "make-image", "--version", "1.5.0.1", "--size-mib", "2", "--built", "1724842800", file}, {});
+    ASSERT_EQ(maker.wait(), 0);
     EXPECT_EQ(update("/firmware/new.img"), 0);
     EXPECT_EQ(slots(), Slots(old_running, "1.5.0.1", 0, 0));
     Firmware_version_info info;

@@ -7,13 +7,16 @@
 
 #include <cerrno>
 #include <chrono>
+#include <sstream>
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 
 namespace xpon::simulator {
 namespace {
 
 using testing::HasSubstr;
+using testing::StartsWith;
 
 TEST_F(LiveOltTest, OntsFollowCommits) {
     ASSERT_EQ(ont_states()[served], "OPERATIONAL");
@@ -105,10 +108,11 @@ TEST_F(LiveOltTest, DamagedRequestsAreRefused) {
 }
 
 TEST_F(LiveOltTest, AScenarioHappensInThePlantsTime) {
-    const auto commands = commands_of_scenario("# cut a port, then join it again\n\n"
-                                               "at 10 fault ont_los 1\n"
-                                               "at 40 clear ont_los 1\n"
-                                               R"({"at_s": 500, "command": {"fault": "slot_corrupt", "target": 1}})");
+    std::istringstream scenario("# cut a port, then join it again\n\n"
+                                "at 10 fault ont_los 1\n"
+                                "at 40 clear ont_los 1\n"
+                                R"({"at_s": 500, "command": {"fault": "slot_corrupt", "target": 1}})");
+    const auto commands = commands_of_scenario(scenario);
     ASSERT_EQ(commands.size(), 3U);
     for (const auto& line : commands) {
         ASSERT_THAT(control->ask(line), HasSubstr(R"("ok":true)"));
@@ -192,22 +196,28 @@ TEST_F(LiveOltTest, RefusedCommandsSayWhyAndChangeNothing) {
 }
 
 TEST(CommandLine, NamesTheWordAtFault) {
-    const std::pair<std::vector<std::string>, const char*> cases[] = {
-        {{"fault"}, "kind of fault is missing"},        {{"fault", "x", "1", "2"}, "not '2'"},
-        {{"fault", "x", "1", "for"}, "for is missing"}, {{"step", "1", "2"}, "'2' is too much"},
-        {{"at", "1"}, "the command is missing"},
+    const std::pair<const char*, const char*> cases[] = {
+        {"fault", "KIND is required"},
+        {"fault x 1 2", "not expected: 2"},
+        {"fault x 1 for", "SECONDS is required"},
+        {"step 1 2", "not expected: 2"},
+        {"step soon", "SECONDS = soon"},
+        {"at 1", "COMMAND is required"},
+        {"at 1 stop", "no command 'stop'"},
+        {"faults --help", "not expected: --help"},
     };
     for (const auto& [words, complaint] : cases) {
+        std::istringstream scenario(fmt::format("step 1\n{}\n", words));
         try {
-            command_of(words);
+            commands_of_scenario(scenario);
             ADD_FAILURE() << complaint;
         } catch (const std::runtime_error& error) {
-            EXPECT_THAT(error.what(), HasSubstr(complaint));
+            EXPECT_THAT(error.what(), testing::AllOf(StartsWith("Line 2: "), HasSubstr(complaint)));
         }
     }
-    EXPECT_EQ(command_of(std::vector<std::string>{"fault", "ont_los", "3/17", "for", "30"}),
-              R"({"fault":"ont_los","target":"3/17","for_s":30})");
-    EXPECT_THROW(commands_of_scenario("step 1\nstop\n"), std::runtime_error);
+    EXPECT_EQ(command_of({"fault", "ont_los", "3/17", "value", "-2", "for", "30"}),
+              R"({"fault":"ont_los","target":"3/17","value":-2,"for_s":30})");
+    EXPECT_EQ(command_of({"state"}), R"({"state":"summary"})");
 }
 
 } // namespace
