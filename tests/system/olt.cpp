@@ -4,6 +4,8 @@
 #include "tests/system/isolation.hpp"
 
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <optional>
 #include <stdexcept>
 #include <utility>
@@ -12,6 +14,9 @@
 
 namespace xpon::test {
 namespace {
+
+// A leak found at the end of a process fails the test that looks at its exit status.
+const Environment::value_type reports_leaks{"ASAN_OPTIONS", "detect_leaks=1:exitcode=99"};
 
 std::filesystem::path make_folder() {
     std::string path = "/tmp/olt-XXXXXX";
@@ -30,7 +35,7 @@ std::string without_layout(const std::string& text) {
 } // namespace
 
 OltFolder::OltFolder() : path_(make_folder()) {
-    Process prepare({XPON_SOURCE_DIR "/scripts/prepare-root", path_}, {});
+    Process prepare({XPON_SOURCE_DIR "/scripts/prepare-root", path_, BINARY_FOLDER}, {});
     if (prepare.wait() != 0) {
         throw std::runtime_error(prepare.output());
     }
@@ -46,36 +51,26 @@ Olt::Olt() {
     notify_ = std::make_unique<NotifySocket>(root() / "run/notify");
 }
 
-Environment Olt::environment() const {
-    return {
-        {"OLT_ROOT", root()},
-        {"TMPDIR", root() / "tmp"},
-        // A leak found at the end of a process fails the test that looks at its exit status.
-        {"ASAN_OPTIONS", "detect_leaks=1:exitcode=99"},
-    };
-}
-
 void Olt::start_simulator(const std::vector<std::string>& options) {
     std::vector<std::string> command{OLT_SIMULATOR};
     command.insert(command.end(), options.begin(), options.end());
-    simulator_ = std::make_unique<Process>(command, environment());
+    simulator_ = std::make_unique<Process>(command, Environment{{"OLT_ROOT", root()}, reports_leaks});
     ASSERT_TRUE(simulator_->wait_for_line("olt_simulator is ready")) << simulator_->output();
 }
 
 void Olt::start_daemon() {
-    auto settings = environment();
-    const bool sanitized = WITH_SANITIZERS;
-    // The runtime must be the first. It hands on calls of libcrypt, which PAM's modules bring in late, only when that
-    // is there from the start.
-    const std::string first = sanitized ? SANITIZER_RUNTIME ":libcrypt.so.1:" : "";
-    settings.insert(settings.end(), {
-                                        {"LD_PRELOAD", first + "libpam_wrapper.so:" OLT_BOARD},
-                                        {"PAM_WRAPPER", "1"},
-                                        {"PAM_WRAPPER_SERVICE_DIR", pam_folder()},
-                                        {"PAM_WRAPPER_USE_SYSLOG", "1"}, // nobody empties its standard error
-                                        {"NOTIFY_SOCKET", root() / "run/notify"},
-                                    });
-    if (sanitized) {
+    Environment settings{reports_leaks};
+    std::ifstream file(root() / "etc/api_service.env");
+    for (std::string line; std::getline(file, line);) {
+        const auto equals = line.find('=');
+        settings.emplace_back(line.substr(0, equals), line.substr(equals + 1));
+        if (WITH_SANITIZERS && settings.back().first == "LD_PRELOAD") {
+            // The runtime must be the first. It hands on calls of libcrypt, which PAM's modules bring in late, only
+            // when that is there from the start.
+            settings.back().second.insert(0, SANITIZER_RUNTIME ":libcrypt.so.1:");
+        }
+    }
+    if (WITH_SANITIZERS) {
         settings.emplace_back("PAM_WRAPPER_DISABLE_DEEPBIND", "1");
     }
     daemon_ = std::make_unique<Process>(std::vector<std::string>{API_SERVICE}, settings);
@@ -121,6 +116,11 @@ client::Client Olt::log_in(const std::string& user) {
         throw std::runtime_error("login of " + user + " failed");
     }
     return client;
+}
+
+std::string read_file(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 bool logs_in(client::Client& client, const std::string& user, const std::string& password) {

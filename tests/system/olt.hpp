@@ -71,13 +71,13 @@ public:
     }
 
 private:
-    [[nodiscard]] Environment environment() const;
-
     OltFolder folder_;
     std::unique_ptr<NotifySocket> notify_;
     std::unique_ptr<Process> simulator_;
     std::unique_ptr<Process> daemon_;
 };
+
+std::string read_file(const std::filesystem::path& path);
 
 /// Whether the daemon grants the login.
 bool logs_in(client::Client& client, const std::string& user, const std::string& password);

@@ -6,8 +6,11 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <ranges>
+#include <regex>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -26,8 +29,9 @@ protected:
         isolate_this_process();
     }
 
-    static Process run(const std::filesystem::path& root) {
-        return Process({XPON_SOURCE_DIR "/scripts/supervise"}, {{"OLT_ROOT", root}, {"OLT_BINARIES", BINARY_FOLDER}});
+    static Process run(const std::filesystem::path& root, std::vector<std::string> options = {}) {
+        options.insert(options.begin(), XPON_SOURCE_DIR "/scripts/supervise");
+        return Process(options, {{"OLT_ROOT", root}, {"OLT_BINARIES", BINARY_FOLDER}});
     }
 
     [[nodiscard]] pid_t pid_from(const std::string& name) const {
@@ -88,8 +92,7 @@ TEST_F(RunScript, SecondOneIsRefusedAndDisturbsNothing) {
     const OltFolder other;
     auto other_folder = run(other.path());
     EXPECT_EQ(other_folder.wait(), 1);
-    EXPECT_THAT(other_folder.output(), HasSubstr("port 9999 of this machine is taken by api_service (pid " +
-                                                 std::to_string(pid_from("api_service.pid")) + ")"));
+    EXPECT_THAT(other_folder.output(), HasSubstr("port 9999 of this machine is taken"));
 
     EXPECT_EQ(ask_in_session(client, R"({"path":"command.rollback","method":"command"})"),
               R"({"success":true,"session_id":"1"})");
@@ -101,12 +104,45 @@ TEST_F(RunScript, RefusesFoldersOfOthers) {
     EXPECT_EQ(not_ours.wait(), 1);
     EXPECT_THAT(not_ours.output(), HasSubstr("is no empty folder and no OLT either"));
     EXPECT_TRUE(std::filesystem::exists(folder_.path() / "photos/holidays"));
+
+    Olt olt;
+    olt.start_simulator();
+    auto in_use = run(olt.root());
+    EXPECT_EQ(in_use.wait(), 1);
+    EXPECT_THAT(in_use.output(), HasSubstr("is in use by olt_simulator"));
+    EXPECT_FALSE(is_gone(olt.simulator().pid()));
+}
+
+TEST_F(RunScript, HandsOptionsOn) {
+    auto bad = run(folder_.path(), {"--onts", "4097"});
+    EXPECT_EQ(bad.wait(), 2);
+    EXPECT_THAT(bad.output(), HasSubstr("--onts: Value 4097 not in range 0 to 4096"));
+
+    Process help({XPON_SOURCE_DIR "/scripts/run", "--help"}, {{"OLT_BINARIES", BINARY_FOLDER}});
+    EXPECT_EQ(help.wait(), 0);
+    const auto manual = read_file(XPON_SOURCE_DIR "/docs/operations.md");
+    const std::regex option("\n  (--[a-z-]+)");
+    const std::string& text = help.output();
+    const std::sregex_iterator found(text.begin(), text.end(), option);
+    EXPECT_GT(std::distance(found, {}), 8);
+    for (const auto& match : std::ranges::subrange(found, std::sregex_iterator())) {
+        EXPECT_THAT(manual, HasSubstr("| `" + match.str(1)));
+    }
+}
+
+TEST(Programs, TellTheirVersion) {
+    for (const std::string path : {API_SERVICE, OLT_SIMULATOR, OLT_SIM}) {
+        Process version({path, "--version"}, {});
+        EXPECT_EQ(version.wait(), 0);
+        EXPECT_EQ(version.output(), std::filesystem::path(path).filename().string() + " " VERSION "\n");
+        Process bad({path, "--bad"}, {});
+        EXPECT_EQ(bad.wait(), 2);
+    }
 }
 
 /// The first code block of the README's `section` in that language.
 std::string readme_block(std::string_view section, const std::string& language) {
-    std::ifstream file(XPON_SOURCE_DIR "/README.md");
-    const std::string text(std::istreambuf_iterator<char>(file), {});
+    const auto text = read_file(XPON_SOURCE_DIR "/README.md");
     const std::string fence = "```" + language + "\n";
     const auto begin = text.find(fence, text.find(section)) + fence.size();
     return text.substr(begin, text.find("```\n", begin) - begin);
