@@ -1,6 +1,5 @@
 #include "cfgdb/element.hpp"
 
-
 namespace xpon::cfgdb {
 
 std::span<const Element> all_elements() {
