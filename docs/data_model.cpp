@@ -7,13 +7,11 @@
 #include "docs/record_comments.hpp"
 #include "docs/routes.hpp"
 
-#include <algorithm>
 #include <cctype>
 #include <exception>
 #include <iostream>
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 namespace {
 
