@@ -3,6 +3,7 @@
 #include "simulator/plant/ont_layout.hpp"
 #include "xpon/cfgdb/cfgdb_wrapper.hpp"
 #include "xpon/cfgdb/element_functions.hpp"
+#include "xpon/peer_side/configuration_file.hpp"
 #include "xpon/peer_side/fixed_text.hpp"
 
 #include <cerrno>

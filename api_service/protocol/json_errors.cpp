@@ -4,6 +4,9 @@
 
 #include <cmath>
 #include <limits>
+#include <optional>
+#include <string_view>
+#include <type_traits>
 
 namespace xpon::api_service {
 namespace {
@@ -31,15 +34,28 @@ Result<JsonError::Param> read_param(const cJSON* param) {
     return value;
 }
 
+/// The index whose text this is. The library gives texts by index alone, so they are gone through.
+std::optional<Json_errors> find_index(std::string_view text) {
+    using Number = std::underlying_type_t<Json_errors>;
+    for (unsigned number = 0; number <= std::numeric_limits<Number>::max(); ++number) {
+        const auto index = static_cast<Json_errors>(number);
+        const char* known = nullptr;
+        if (get_json_errors_from_index(index, &known) == 0 && text == known) {
+            return index;
+        }
+    }
+    return std::nullopt;
+}
+
 Result<JsonError> read_error(const cJSON* error, const std::shared_ptr<ILogger>& logger) {
     const cJSON* message = cJSON_GetObjectItemCaseSensitive(error, "message");
     const char* text = cJSON_GetStringValue(cJSON_GetObjectItemCaseSensitive(message, "key"));
     const char* path = cJSON_GetStringValue(cJSON_GetObjectItemCaseSensitive(error, "path"));
-    Json_errors index{};
-    if (path == nullptr || get_json_errors_index_from_text(text, &index) != 0) {
+    const auto index = text == nullptr ? std::nullopt : find_index(text);
+    if (path == nullptr || !index) {
         return ErrorPayload(Error::InvalidInputArg, "Not an error object");
     }
-    JsonError read(index, path, logger);
+    JsonError read(*index, path, logger);
     const cJSON* param = nullptr;
     cJSON_ArrayForEach(param, cJSON_GetObjectItemCaseSensitive(message, "params")) {
         BOOST_OUTCOME_TRY(auto value, read_param(param));

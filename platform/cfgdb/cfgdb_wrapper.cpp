@@ -80,8 +80,4 @@ int CfgDbWrapper::context() const {
     return context_;
 }
 
-bool configuration_exists() {
-    return Database::is_configured();
-}
-
 } // namespace xpon::cfgdb

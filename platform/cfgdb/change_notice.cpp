@@ -1,6 +1,7 @@
 #include "cfgdb/change_notice.hpp"
 
 #include "ipc/ipc_handle.hpp"
+#include "xpon/peer_side/operations.hpp"
 #include "xpon/service/config_change.hpp"
 
 #include <vector>
@@ -9,6 +10,8 @@
 
 namespace xpon::cfgdb {
 namespace {
+
+using peer_side::Operation;
 
 Ipc* handle_of(const ipc::IIpc* ipc) {
     return ipc == nullptr ? nullptr : ipc->raw();
@@ -28,12 +31,12 @@ std::vector<service::Config_change> notice_of(std::span<const RecordId> changes)
 core::Result<void> ask_for_acceptance(const ipc::IIpc* ipc, std::span<const RecordId> changes) {
     if (auto* const handle = handle_of(ipc)) {
         const auto notice = notice_of(changes);
-        const auto refusal = handle->ask_all(ipc::Operation::accept_configuration, std::as_bytes(std::span(notice)),
-                                             Ipc::default_deadline);
+        const auto refusal = handle->ask_all(static_cast<std::uint16_t>(Operation::accept_configuration),
+                                             std::as_bytes(std::span(notice)), Ipc::default_deadline);
         if (refusal) {
             return core::ErrorPayload(
                 core::Error::InvalidState,
-                fmt::format("configuration: Peer {} refused the configuration", ipc::name_of(refusal->peer)));
+                fmt::format("configuration: Peer {} refused the configuration", peer_side::name_of(refusal->peer)));
         }
     }
     return core::success();
@@ -42,7 +45,8 @@ core::Result<void> ask_for_acceptance(const ipc::IIpc* ipc, std::span<const Reco
 void send_change_notice(const ipc::IIpc* ipc, std::span<const RecordId> changes) {
     if (auto* const handle = handle_of(ipc)) {
         const auto notice = notice_of(changes);
-        handle->notify_all(ipc::Operation::configuration_changed, std::as_bytes(std::span(notice)));
+        handle->notify_all(static_cast<std::uint16_t>(Operation::configuration_changed),
+                           std::as_bytes(std::span(notice)));
     }
 }
 

@@ -6,6 +6,10 @@
 
 namespace xpon::cfgdb {
 
+bool configuration_exists() {
+    return Database::is_configured();
+}
+
 int save_running_configuration(const void* db, const char* path) {
     return core::c_function([&] {
         if (path == nullptr) {

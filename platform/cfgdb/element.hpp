@@ -1,7 +1,7 @@
 #pragma once
 
 #include "serializer/field.hpp"
-#include "xpon/cfgdb/elements.hpp"
+#include "xpon/peer_side/elements.hpp"
 
 #include <array>
 #include <compare>

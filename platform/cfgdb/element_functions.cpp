@@ -44,27 +44,26 @@ int write_record(const void* handle, ElementId id, const void* record, const uns
     });
 }
 
-int reset_record(const void* handle, ElementId id, const unsigned short* indices) {
-    return core::c_function([&] { database_of(handle).reset(make_id(id, indices)); });
-}
-
 } // namespace
 
-#define XPON_DEFINE_CFGDB_FUNCTIONS(suffix, record, depth, size1, size2, path)                                         \
+#define XPON_DEFINE_READERS(suffix, record, depth, size1, size2, path)                                                 \
     int getDb_##suffix(const void* db, int, record* out, const unsigned short* indices) {                              \
         return read_record(db, Store::candidate, ElementId::suffix, out, indices);                                     \
     }                                                                                                                  \
     int getRunDb_##suffix(const void* db, record* out, const unsigned short* indices) {                                \
         return read_record(db, Store::running, ElementId::suffix, out, indices);                                       \
-    }                                                                                                                  \
+    }
+#define XPON_DEFINE_FUNCTIONS(suffix, record, depth, size1, size2, path)                                               \
+    XPON_DEFINE_READERS(suffix, record, depth, size1, size2, path)                                                     \
     int setDb_##suffix(const void* db, int, const record* record_in, const unsigned short* indices) {                  \
         return write_record(db, ElementId::suffix, record_in, indices);                                                \
-    }                                                                                                                  \
-    int setDb_init_##suffix(const void* db, int, unsigned short* indices) {                                            \
-        return reset_record(db, ElementId::suffix, indices);                                                           \
     }
 
-XPON_CFGDB_ELEMENTS(XPON_DEFINE_CFGDB_FUNCTIONS)
+XPON_CFGDB_ELEMENTS_BY_ACCESS(XPON_DEFINE_FUNCTIONS, XPON_DEFINE_READERS)
+
+int setDb_init_ZebGCfg_pon_ont(const void* db, int, unsigned short* indices) {
+    return core::c_function([&] { database_of(db).reset(make_id(element_of<PonOnt>, indices)); });
+}
 
 int getRunDbArray_ZebGCfg_switch_config_front_port(const void* db, FrontPort* out) {
     return core::c_function([&] {

@@ -8,7 +8,7 @@
 #include <cstring>
 
 using namespace xpon::custom_layer;
-using xpon::ipc::Operation;
+using xpon::peer_side::Operation;
 
 namespace {
 

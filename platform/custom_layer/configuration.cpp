@@ -5,7 +5,7 @@
 
 int custom_layer__configuration_save(Ipc* ipc, const void* db, int, const char* path) {
     using namespace xpon::custom_layer;
-    if (ipc != nullptr && order(ipc, xpon::ipc::Operation::save_configuration, no_question()) != 0) {
+    if (ipc != nullptr && order(ipc, xpon::peer_side::Operation::save_configuration, no_question()) != 0) {
         return -1;
     }
     return xpon::cfgdb::save_running_configuration(db, path);

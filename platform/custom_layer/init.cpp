@@ -1,9 +1,9 @@
 #include "custom_layer/own_connection.hpp"
+#include "logger/category_logger.hpp"
 #include "xpon/cfgdb/cfgdb_wrapper.hpp"
 #include "xpon/core/c_function.hpp"
 #include "xpon/core/guard.hpp"
 #include "xpon/custom_layer/custom_layer.h"
-#include "xpon/logger/logger.hpp"
 #include "xpon/peer_side/database_log.hpp"
 
 #include <cerrno>
@@ -42,7 +42,7 @@ int custom_layer__init(zlog_category_s* category) {
         if (category == nullptr) {
             core::fail_with(EINVAL);
         }
-        const auto logger = std::make_shared<logger::Logger>(category);
+        const auto logger = std::make_shared<logger::CategoryLogger>(category);
         cfgdb::set_database_log(logger);
         custom_layer::renew_own_connection(logger);
         if (!core::guarded(*logger, open_database)) {

@@ -11,7 +11,7 @@ namespace {
 
 template <class Record>
 void* fetch_counters(Ipc* ipc, const Question& question) {
-    return fetch_block<Record>(ipc, xpon::ipc::Operation::get_ont_information, question);
+    return fetch_block<Record>(ipc, xpon::peer_side::Operation::get_ont_information, question);
 }
 
 struct Row {
@@ -41,6 +41,6 @@ int custom_layer__get_ont_information_by_index(Ipc* ipc, Ont_information_kind ki
         if (row == rows.end()) {
             xpon::core::fail_with(EINVAL);
         }
-        return row->fetch(ipc, question(xpon::ipc::Ont_information_question{kind, port, ont}));
+        return row->fetch(ipc, question(xpon::peer_side::Ont_information_question{kind, port, ont}));
     });
 }

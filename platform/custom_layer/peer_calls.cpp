@@ -9,7 +9,7 @@
 // The calls that a peer answers, each one request.
 
 using namespace xpon::custom_layer;
-using xpon::ipc::Operation;
+using xpon::peer_side::Operation;
 
 int custom_layer__get_system_environment_info(Ipc* ipc, System_environment_data* out) {
     return ask_record(ipc, Operation::get_environment, no_question(), out);

@@ -4,6 +4,7 @@
 #include "custom_layer/c_block.hpp"
 #include "ipc/ipc_handle.hpp"
 #include "xpon/core/c_function.hpp"
+#include "xpon/peer_side/operations.hpp"
 #include "xpon/peer_side/payload.hpp"
 
 #include <algorithm>
@@ -37,11 +38,11 @@ Question question_at(const Record* record) {
 // The steps of a call, inside its core::c_function: they throw what makes it fail.
 
 /// Asks the owner of the operation for its answer.
-std::vector<std::byte> fetch(Ipc* ipc, ipc::Operation operation, const Question& question);
+std::vector<std::byte> fetch(Ipc* ipc, peer_side::Operation operation, const Question& question);
 
 template <class Record>
-Record fetch_record(Ipc* ipc, ipc::Operation operation, const Question& question) {
-    const auto record = ipc::parse_record<Record>(fetch(ipc, operation, question));
+Record fetch_record(Ipc* ipc, peer_side::Operation operation, const Question& question) {
+    const auto record = peer_side::parse_record<Record>(fetch(ipc, operation, question));
     if (!record || !is_sound(*record)) {
         core::fail_with(EIO);
     }
@@ -49,7 +50,7 @@ Record fetch_record(Ipc* ipc, ipc::Operation operation, const Question& question
 }
 
 template <class Record>
-Record* fetch_block(Ipc* ipc, ipc::Operation operation, const Question& question) {
+Record* fetch_block(Ipc* ipc, peer_side::Operation operation, const Question& question) {
     auto block = make_block<Record>();
     *block = fetch_record<Record>(ipc, operation, question);
     return block.release();
@@ -58,27 +59,27 @@ Record* fetch_block(Ipc* ipc, ipc::Operation operation, const Question& question
 // Whole calls.
 
 /// One whose answer is nothing but that it succeeded.
-int order(Ipc* ipc, ipc::Operation operation, const Question& question);
+int order(Ipc* ipc, peer_side::Operation operation, const Question& question);
 
 /// One whose answer is one record.
 template <class Record>
-int ask_record(Ipc* ipc, ipc::Operation operation, const Question& question, Record* out) {
+int ask_record(Ipc* ipc, peer_side::Operation operation, const Question& question, Record* out) {
     return core::c_function(out, [&] { return fetch_record<Record>(ipc, operation, question); });
 }
 
 /// One whose answer is one record in a malloc block.
 template <class Record>
-int ask_block(Ipc* ipc, ipc::Operation operation, const Question& question, Record** out) {
+int ask_block(Ipc* ipc, peer_side::Operation operation, const Question& question, Record** out) {
     return core::c_function(out, [&] { return fetch_block<Record>(ipc, operation, question); });
 }
 
 /// One whose answer is a list: a malloc block with a Response, `count` and `entries`, and the records behind it.
 template <class Entry, class Response>
-int ask_list(Ipc* ipc, ipc::Operation operation, const Question& question, Response** out) {
+int ask_list(Ipc* ipc, peer_side::Operation operation, const Question& question, Response** out) {
     static_assert(sizeof(Response) % alignof(Entry) == 0);
     return core::c_function(out, [&] {
         const auto payload = fetch(ipc, operation, question);
-        const auto bytes = ipc::parse_list(payload, sizeof(Entry));
+        const auto bytes = peer_side::parse_list(payload, sizeof(Entry));
         if (!bytes) {
             core::fail_with(EIO);
         }

@@ -1,34 +1,36 @@
 #include "xpon/custom_layer/subscribers.h"
 
 #include "custom_layer/peer_request.hpp"
+#include "xpon/peer_side/bits.hpp"
 #include "xpon/peer_side/operations.hpp"
 #include "xpon/ranges/vlan_range.h"
 
 #include <algorithm>
-#include <array>
+#include <chrono>
 #include <cstddef>
-#include <cstdlib>
 #include <limits>
-#include <memory>
-#include <utility>
 #include <vector>
 
+using namespace xpon;
 using namespace xpon::custom_layer;
-using xpon::ipc::Operation;
+using peer_side::Operation;
 
 namespace {
 
-int fail(int cause) {
-    errno = cause;
-    return -1;
-}
+using Clock = std::chrono::steady_clock;
 
-/// What the IGMP daemon said when it was last asked. The process has one such daemon, and its calls no other place to
-/// keep this between them.
+/// What the IGMP daemon said when it was last asked. The process has one such daemon, and its call no other place to
+/// keep this between the VLANs of a walk.
 struct IgmpAnswer {
-    int cause = ENODATA; ///< errno value with which reading it fails; 0: there is one
     Bitmap_vlan snooping{};
     std::vector<Igmp_group> groups{}; ///< ascending by VLAN
+    Clock::time_point received_at{};
+    std::uint16_t last_vlan = max_vlan_id; ///< that was read from it; the last there is when there is no answer
+
+    [[nodiscard]] bool serves(std::uint16_t vlan) const {
+        static constexpr std::chrono::seconds longest_walk{1};
+        return vlan > last_vlan && Clock::now() - received_at < longest_walk;
+    }
 };
 
 IgmpAnswer& kept_answer() {
@@ -36,33 +38,25 @@ IgmpAnswer& kept_answer() {
     return answer;
 }
 
-/// Causes for which the daemon did not get to answer.
-bool is_unreachable(int cause) {
-    static constexpr std::array causes{ENOTCONN, ECONNREFUSED, ECONNRESET, ETIMEDOUT, EHOSTDOWN, EPROTO};
-    return std::ranges::find(causes, cause) != causes.end();
-}
-
-/// 0 or the errno value of the failure.
-int ask_igmp(Ipc* ipc, IgmpAnswer& answer) {
+IgmpAnswer ask_igmp(Ipc* ipc) {
     struct Groups {
         std::uint32_t count;
         Igmp_group* entries;
     };
-    if (ask_record(ipc, Operation::get_igmp_snooping_vlans, no_question(), &answer.snooping) != 0) {
-        return errno;
-    }
+    IgmpAnswer answer{.snooping = fetch_record<Bitmap_vlan>(ipc, Operation::get_igmp_snooping_vlans, no_question())};
     Groups* block = nullptr;
     if (ask_list<Igmp_group>(ipc, Operation::get_igmp_groups, no_question(), &block) != 0) {
-        return errno;
+        core::fail_with(errno);
     }
-    const std::unique_ptr<Groups, decltype(&std::free)> owner(block, std::free);
+    const CBlock<Groups> owner(block);
     const std::span groups(block->entries, block->count);
     const bool fits = groups.size() <= std::numeric_limits<decltype(Igmp_vlan_info::group_count)>::max();
     if (!fits || !std::ranges::is_sorted(groups, {}, &Igmp_group::vlan)) {
-        return EIO;
+        core::fail_with(EIO);
     }
     answer.groups.assign(groups.begin(), groups.end());
-    return 0;
+    answer.received_at = Clock::now();
+    return answer;
 }
 
 /// A malloc block with the VLAN's groups.
@@ -70,17 +64,13 @@ Igmp_vlan_info* copy_vlan(const IgmpAnswer& answer, std::uint16_t vlan) {
     static_assert(sizeof(Igmp_vlan_info) % alignof(Igmp_group) == 0);
     const auto [first, last] = std::ranges::equal_range(answer.groups, vlan, {}, &Igmp_group::vlan);
     const auto count = static_cast<std::size_t>(last - first);
-    void* const block = std::calloc(1, sizeof(Igmp_vlan_info) + count * sizeof(Igmp_group));
-    if (block == nullptr) {
-        return nullptr;
-    }
-    auto* const info = static_cast<Igmp_vlan_info*>(block);
+    auto info = make_block<Igmp_vlan_info>(count * sizeof(Igmp_group));
     info->vlan = vlan;
-    info->is_snooping = (answer.snooping.bits[vlan / 8] >> vlan % 8 & 1U) != 0 ? 1 : 0;
+    info->is_snooping = has_bit(answer.snooping.bits, vlan) ? 1 : 0;
     info->group_count = static_cast<std::uint16_t>(count);
-    info->groups = reinterpret_cast<Igmp_group*>(info + 1);
+    info->groups = reinterpret_cast<Igmp_group*>(info.get() + 1);
     std::copy(first, last, info->groups);
-    return info;
+    return info.release();
 }
 
 } // namespace
@@ -93,34 +83,22 @@ int custom_layer__get_pppoe_session(Ipc* ipc, Pppoe_get_sessions_msg** out) {
     return ask_list<Pppoe_session>(ipc, Operation::get_pppoe_sessions, no_question(), out);
 }
 
-int custom_layer__refresh_igmp_snooping_groups(Ipc* ipc) {
-    if (ipc == nullptr) {
-        return fail(EINVAL);
-    }
-    IgmpAnswer answer;
-    answer.cause = ask_igmp(ipc, answer);
-    kept_answer() = std::move(answer);
-    const int cause = kept_answer().cause;
-    return is_unreachable(cause) ? fail(cause) : 0;
-}
-
 int custom_layer__get_igmp_snooping_groups_unsafe(Ipc* ipc, std::uint16_t vlan, Igmp_vlan_info** out) {
-    if (out == nullptr) {
-        return fail(EINVAL);
-    }
-    *out = nullptr;
-    if (ipc == nullptr) {
-        return fail(EINVAL);
-    }
-    if (vlan == 0 || vlan > max_vlan_id) {
-        return fail(ERANGE);
-    }
-    const auto& answer = kept_answer();
-    if (answer.cause != 0) {
-        return fail(answer.cause);
-    }
-    *out = copy_vlan(answer, vlan);
-    return *out == nullptr ? fail(ENOMEM) : 0;
+    return core::c_function(out, [&] {
+        if (ipc == nullptr) {
+            core::fail_with(EINVAL);
+        }
+        if (vlan == 0 || vlan > max_vlan_id) {
+            core::fail_with(ERANGE);
+        }
+        auto& answer = kept_answer();
+        if (!answer.serves(vlan)) {
+            answer = {}; // what follows may fail
+            answer = ask_igmp(ipc);
+        }
+        answer.last_vlan = vlan;
+        return copy_vlan(answer, vlan);
+    });
 }
 
 int custom_layer__get_mac_table(Ipc* ipc, Bcm_get_mac_table_response** out) {

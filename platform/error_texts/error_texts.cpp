@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <string_view>
 
 namespace {
 
@@ -49,17 +48,4 @@ int get_json_errors_from_index(Json_errors index, const char** text) {
     }
     *text = found->text;
     return 0;
-}
-
-int get_json_errors_index_from_text(const char* text, Json_errors* index) {
-    if (text != nullptr && index != nullptr) {
-        for (const auto& entry : error_texts) {
-            if (std::string_view(entry.text) == text) {
-                *index = entry.index;
-                return 0;
-            }
-        }
-    }
-    errno = EINVAL;
-    return -1;
 }

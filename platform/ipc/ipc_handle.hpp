@@ -1,16 +1,17 @@
 #pragma once
 
 #include "xpon/ipc/address.hpp"
-#include "xpon/peer_side/operations.hpp"
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <vector>
 
 /// The connections of one endpoint, as the platform's own libraries use them behind the opaque pointer that callers
-/// of the custom layer hold. One thread at a time. Nothing here throws.
+/// of the custom layer hold. Operations are numbers above that of the transport's hello, payloads are bytes: what they
+/// mean is between its users. One thread at a time. Nothing here throws.
 struct Ipc {
     /// How long a request may take unless its caller knows better.
     static constexpr std::chrono::milliseconds default_deadline{3000};
@@ -30,7 +31,7 @@ struct Ipc {
     /// it was asked, ETIMEDOUT when no answer came in time, EHOSTDOWN, at once, while a peer that timed out has not
     /// come back, EPROTO when it speaks another version, EMSGSIZE for too large a payload, EIO for a fault of this
     /// side.
-    virtual Reply request(xpon::ipc::Address peer, xpon::ipc::Operation operation, std::span<const std::byte> payload,
+    virtual Reply request(xpon::ipc::Address peer, std::uint16_t operation, std::span<const std::byte> payload,
                           std::chrono::milliseconds deadline) noexcept = 0;
 
     /// A peer's answer that is an error.
@@ -42,9 +43,9 @@ struct Ipc {
     /// Asks every peer that is up, all at the same time, and waits for their answers. Empty when none of them is an
     /// error; else the first in the order of addresses. A peer that gives no answer, or does not know the operation
     /// (EOPNOTSUPP), is passed over.
-    virtual std::optional<Refusal> ask_all(xpon::ipc::Operation operation, std::span<const std::byte> payload,
+    virtual std::optional<Refusal> ask_all(std::uint16_t operation, std::span<const std::byte> payload,
                                            std::chrono::milliseconds deadline) noexcept = 0;
 
     /// Sends every connected peer a message that wants no answer. Never waits; a peer that cannot take it misses it.
-    virtual void notify_all(xpon::ipc::Operation operation, std::span<const std::byte> payload) noexcept = 0;
+    virtual void notify_all(std::uint16_t operation, std::span<const std::byte> payload) noexcept = 0;
 };

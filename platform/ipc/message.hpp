@@ -1,7 +1,6 @@
 #pragma once
 
 #include "xpon/ipc/address.hpp"
-#include "xpon/peer_side/operations.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -19,6 +18,9 @@ inline constexpr std::uint32_t protocol_magic = 0x43504958; // "XIPC"
 /// No message is larger, so that a faulty peer cannot make its reader run out of memory.
 inline constexpr std::int64_t max_message_bytes = 16 * 1024 * 1024;
 
+/// The operation that the transport itself has: whether a peer is there. All other numbers are its users'.
+inline constexpr std::uint16_t hello = 1;
+
 enum class MessageKind : std::uint16_t { request = 1, answer = 2, notice = 3 };
 
 /// In front of every message, in the byte order of the machine: peers share it. The first two members never move, so
@@ -27,7 +29,7 @@ struct MessageHeader {
     std::uint32_t magic = protocol_magic;
     std::uint16_t version = protocol_version;
     MessageKind kind = MessageKind::request;
-    Operation operation = Operation::hello;
+    std::uint16_t operation = hello;
     std::uint16_t reserved = 0;
     Address sender{};
     std::uint32_t id = 0;    ///< chosen by the asker, repeated in the answer; 0 in a notice

@@ -40,7 +40,7 @@ core::Result<void> PeerConnection::shake_hands() {
             continue;
         }
         Ipc::Reply answer;
-        cause = exchange(Operation::hello, {}, deadline, answer);
+        cause = exchange(hello, {}, deadline, answer);
         if (cause == 0) {
             is_up_ = true;
             return core::success();
@@ -49,7 +49,15 @@ core::Result<void> PeerConnection::shake_hands() {
             break;
         }
     }
-    return core::ErrorPayload(core::Error::CommonError, fmt::format("Peer {}: {}", to_text(peer_), explain(cause)));
+    return failure(cause);
+}
+
+core::Result<void> PeerConnection::check_presence() {
+    Ipc::Reply ignored;
+    if (const int cause = reach(hello, {}, Clock::now() + timing_.handshake, ignored)) {
+        return failure(cause);
+    }
+    return core::success();
 }
 
 void PeerConnection::await_first_contact() {
@@ -60,28 +68,33 @@ void PeerConnection::await_first_contact() {
     is_up_ = true; // until a request shows that it is not
 }
 
-Ipc::Reply PeerConnection::request(Operation operation, std::span<const std::byte> payload, milliseconds deadline) {
+Ipc::Reply PeerConnection::request(std::uint16_t operation, std::span<const std::byte> payload, milliseconds deadline) {
     if (payload.size() + sizeof(MessageHeader) > max_message_bytes) {
         return {EMSGSIZE, {}};
     }
-    const auto end = Clock::now() + deadline;
+    Ipc::Reply answer;
+    const int cause = reach(operation, payload, Clock::now() + deadline, answer);
+    return cause != 0 ? Ipc::Reply{cause, {}} : answer;
+}
+
+int PeerConnection::reach(std::uint16_t operation, std::span<const std::byte> payload, Clock::time_point deadline,
+                          Ipc::Reply& answer) {
     monitor_.update();
     int cause = monitor_.is_connected() ? 0 : ECONNREFUSED;
     if (cause == 0 && !is_up_) {
         cause = probe();
     }
-    Ipc::Reply answer;
     if (cause == 0) {
-        cause = exchange(operation, payload, end, answer);
+        cause = exchange(operation, payload, deadline, answer);
     }
     if (cause != 0) {
         mark_down(cause);
-        return {cause, {}};
     }
-    return answer;
+    return cause;
 }
 
-std::optional<std::uint32_t> PeerConnection::begin_request(Operation operation, std::span<const std::byte> payload) {
+std::optional<std::uint32_t> PeerConnection::begin_request(std::uint16_t operation,
+                                                           std::span<const std::byte> payload) {
     monitor_.update();
     if (!is_up_ || !monitor_.is_connected() || payload.size() + sizeof(MessageHeader) > max_message_bytes) {
         return std::nullopt;
@@ -99,11 +112,11 @@ std::optional<Ipc::Reply> PeerConnection::finish_request(std::uint32_t id, Clock
     return answer;
 }
 
-void PeerConnection::notify(Operation operation, std::span<const std::byte> payload) {
+void PeerConnection::notify(std::uint16_t operation, std::span<const std::byte> payload) {
     std::ignore = send(MessageKind::notice, operation, 0, payload);
 }
 
-int PeerConnection::exchange(Operation operation, std::span<const std::byte> payload, Clock::time_point deadline,
+int PeerConnection::exchange(std::uint16_t operation, std::span<const std::byte> payload, Clock::time_point deadline,
                              Ipc::Reply& answer) {
     const auto id = ++last_id_;
     while (!send(MessageKind::request, operation, id, payload)) {
@@ -185,7 +198,7 @@ int PeerConnection::probe() {
         last_probe_ = now;
         breaks_at_probe_ = monitor_.breaks();
         probe_id_ = last_id_ + 1;
-        cause = exchange(Operation::hello, {}, now + timing_.probe_wait, ignored);
+        cause = exchange(hello, {}, now + timing_.probe_wait, ignored);
     }
     if (cause == 0) {
         mark_up();
@@ -193,7 +206,8 @@ int PeerConnection::probe() {
     return cause == ETIMEDOUT ? EHOSTDOWN : cause;
 }
 
-bool PeerConnection::send(MessageKind kind, Operation operation, std::uint32_t id, std::span<const std::byte> payload) {
+bool PeerConnection::send(MessageKind kind, std::uint16_t operation, std::uint32_t id,
+                          std::span<const std::byte> payload) {
     const auto bytes = encode({.kind = kind, .operation = operation, .sender = own_, .id = id}, payload);
     return socket_.send(zmq::buffer(bytes), zmq::send_flags::dontwait).has_value();
 }
@@ -213,6 +227,10 @@ void PeerConnection::mark_up() {
     is_up_ = true;
     last_probe_.reset();
     log(logger_, core::LogLevel::Notice, "Peer {} is up again", to_text(peer_));
+}
+
+core::ErrorPayload PeerConnection::failure(int cause) const {
+    return {core::Error::CommonError, fmt::format("Peer {}: {}", to_text(peer_), explain(cause))};
 }
 
 std::string PeerConnection::explain(int cause) const {

@@ -38,31 +38,37 @@ public:
                    const Timing& timing);
 
     core::Result<void> shake_hands();
+    /// Whether the peer answers now. Unlike a handshake this does not wait for a daemon that is not there.
+    core::Result<void> check_presence();
     /// Waits until there is a daemon to ask, if there is one: a new connection is not made at once.
     void await_first_contact();
     /// The statuses of Ipc::request.
-    Ipc::Reply request(Operation operation, std::span<const std::byte> payload, std::chrono::milliseconds deadline);
-    void notify(Operation operation, std::span<const std::byte> payload);
+    Ipc::Reply request(std::uint16_t operation, std::span<const std::byte> payload, std::chrono::milliseconds deadline);
+    void notify(std::uint16_t operation, std::span<const std::byte> payload);
 
     /// A request whose answer is fetched later, by its number; empty when the peer is down or does not take it at
     /// once.
-    std::optional<std::uint32_t> begin_request(Operation operation, std::span<const std::byte> payload);
+    std::optional<std::uint32_t> begin_request(std::uint16_t operation, std::span<const std::byte> payload);
     /// Empty without an answer.
     std::optional<Ipc::Reply> finish_request(std::uint32_t id, Clock::time_point deadline);
 
 private:
-    /// 0, or the errno value that says why there was no answer.
-    int exchange(Operation operation, std::span<const std::byte> payload, Clock::time_point deadline,
+    /// 0, or the errno value that says why there was no answer; the peer is marked down then.
+    int reach(std::uint16_t operation, std::span<const std::byte> payload, Clock::time_point deadline,
+              Ipc::Reply& answer);
+    /// The same, of a peer whatever its mark.
+    int exchange(std::uint16_t operation, std::span<const std::byte> payload, Clock::time_point deadline,
                  Ipc::Reply& answer);
     int await_answer(std::uint32_t id, Clock::time_point deadline, Ipc::Reply& answer);
     std::optional<int> take_message(std::uint32_t id, Ipc::Reply& answer);
     int probe();
-    [[nodiscard]] bool send(MessageKind kind, Operation operation, std::uint32_t id,
+    [[nodiscard]] bool send(MessageKind kind, std::uint16_t operation, std::uint32_t id,
                             std::span<const std::byte> payload);
     void wait_for_change(short events, Clock::time_point deadline);
     void mark_down(int cause);
     void mark_up();
     [[nodiscard]] std::string explain(int cause) const;
+    [[nodiscard]] core::ErrorPayload failure(int cause) const;
 
     Address own_;
     Address peer_;

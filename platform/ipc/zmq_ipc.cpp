@@ -21,7 +21,8 @@ public:
 
     core::Result<void> connect(Address peer) {
         return core::guarded(*logger_, [&]() -> core::Result<void> {
-            if (peers_.contains(peer)) {
+            if (const auto found = peers_.find(peer); found != peers_.end()) {
+                BOOST_OUTCOME_TRY(found->second->check_presence());
                 return core::ErrorPayload(core::Error::Already, fmt::format("Peer {} is connected", to_text(peer)));
             }
             BOOST_OUTCOME_TRY(auto connection, make_connection(peer));
@@ -31,7 +32,7 @@ public:
         });
     }
 
-    Reply request(Address peer, Operation operation, std::span<const std::byte> payload,
+    Reply request(Address peer, std::uint16_t operation, std::span<const std::byte> payload,
                   std::chrono::milliseconds deadline) noexcept override {
         auto reply = core::guarded(*logger_, [&]() -> core::Result<Reply> {
             const auto begin = Clock::now();
@@ -50,7 +51,7 @@ public:
         return reply ? std::move(reply).value() : Reply{EIO, {}};
     }
 
-    std::optional<Refusal> ask_all(Operation operation, std::span<const std::byte> payload,
+    std::optional<Refusal> ask_all(std::uint16_t operation, std::span<const std::byte> payload,
                                    std::chrono::milliseconds deadline) noexcept override {
         const auto end = Clock::now() + deadline;
         const auto refusal = core::guarded(*logger_, [&]() -> core::Result<std::optional<Refusal>> {
@@ -75,7 +76,7 @@ public:
         return refusal ? refusal.value() : std::nullopt;
     }
 
-    void notify_all(Operation operation, std::span<const std::byte> payload) noexcept override {
+    void notify_all(std::uint16_t operation, std::span<const std::byte> payload) noexcept override {
         for (const auto& [address, connection] : peers_) {
             std::ignore = core::guarded(*logger_, [&]() -> core::Result<void> {
                 connection->notify(operation, payload);

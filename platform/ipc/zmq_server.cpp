@@ -118,10 +118,8 @@ private:
             answer(envelope, header, {EPROTONOSUPPORT, {}, {}});
             return;
         }
-        const ServerRequest request{.peer = address_,
-                                    .client = header.sender,
-                                    .operation = static_cast<std::uint16_t>(header.operation),
-                                    .payload = message.payload};
+        const ServerRequest request{
+            .peer = address_, .client = header.sender, .operation = header.operation, .payload = message.payload};
         if (header.kind == MessageKind::notice) {
             std::ignore = core::guarded(logger_, [&]() -> core::Result<void> {
                 handler_.notice(request);
@@ -133,7 +131,7 @@ private:
     }
 
     ServerAnswer ask_handler(const ServerRequest& request) {
-        const bool is_hello = request.operation == static_cast<std::uint16_t>(Operation::hello);
+        const bool is_hello = request.operation == hello;
         auto answer = core::guarded(logger_, [&]() -> core::Result<ServerAnswer> {
             return is_hello ? handler_.greet(request) : handler_.handle(request);
         });

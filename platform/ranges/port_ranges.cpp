@@ -25,22 +25,7 @@ int parse_ports(const char* text, std::uint32_t ports, Bitmap* out) {
     });
 }
 
-template <class Bitmap>
-int port_value(const Bitmap* bitmap, std::uint8_t port, std::uint8_t* value) {
-    return core::c_function(value, [&] {
-        require_valid(bitmap);
-        if (port == 0 || port >= bitmap->size) {
-            core::fail_with(ERANGE);
-        }
-        return static_cast<std::uint8_t>(has_bit(bitmap->bits, port));
-    });
-}
-
 } // namespace
-
-int prepare_bitmap_uplink_port(Bitmap_uplink_port_range* bitmap) {
-    return core::c_function([&] { prepare(bitmap, board_uplink_ports() + 1); });
-}
 
 int prepare_bitmap_pon_port(Bitmap_pon_port_range* bitmap) {
     return core::c_function([&] { prepare(bitmap, board_pon_ports() + 1); });
@@ -64,9 +49,11 @@ int get_next_bitmap_pon_port_ids(const Bitmap_pon_port_range* bitmap, Bitmap_ite
 }
 
 int get_bitmap_uplink_port_ids_value(const Bitmap_uplink_port_range* bitmap, std::uint8_t port, std::uint8_t* value) {
-    return port_value(bitmap, port, value);
-}
-
-int get_bitmap_pon_port_ids_value(const Bitmap_pon_port_range* bitmap, std::uint8_t port, std::uint8_t* value) {
-    return port_value(bitmap, port, value);
+    return core::c_function(value, [&] {
+        require_valid(bitmap);
+        if (port == 0 || port >= bitmap->size) {
+            core::fail_with(ERANGE);
+        }
+        return static_cast<std::uint8_t>(has_bit(bitmap->bits, port));
+    });
 }

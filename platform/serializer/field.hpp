@@ -1,6 +1,6 @@
 #pragma once
 
-#include "xpon/cfgdb/elements.hpp"
+#include "xpon/peer_side/elements.hpp"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,6 +1,6 @@
 #include "simulator/peers/change_notice.hpp"
 
-#include "xpon/cfgdb/elements.hpp"
+#include "xpon/peer_side/elements.hpp"
 
 #include <algorithm>
 #include <array>

@@ -7,7 +7,7 @@ namespace xpon::simulator {
 
 std::span<const PeerRoute> dhcp_relay_routes() {
     static constexpr std::array routes{
-        PeerRoute{ipc::Operation::get_dhcp_sessions, answer_whole_list<report_dhcp_sessions>},
+        PeerRoute{peer_side::Operation::get_dhcp_sessions, answer_whole_list<report_dhcp_sessions>},
     };
     return routes;
 }

@@ -38,7 +38,7 @@ ipc::ServerAnswer allow_saving(Simulation& simulation, const ipc::ServerRequest&
 } // namespace
 
 std::span<const PeerRoute> dna_routes() {
-    using ipc::Operation;
+    using peer_side::Operation;
     static constexpr std::array routes{
         PeerRoute{Operation::get_engine_id, answer_record<report_engine_id>},
         PeerRoute{Operation::save_configuration, allow_saving},

@@ -7,8 +7,8 @@ namespace xpon::simulator {
 
 std::span<const PeerRoute> igmp_routes() {
     static constexpr std::array routes{
-        PeerRoute{ipc::Operation::get_igmp_snooping_vlans, answer_record<report_snooping_vlans>},
-        PeerRoute{ipc::Operation::get_igmp_groups, answer_whole_list<report_igmp_groups>},
+        PeerRoute{peer_side::Operation::get_igmp_snooping_vlans, answer_record<report_snooping_vlans>},
+        PeerRoute{peer_side::Operation::get_igmp_groups, answer_whole_list<report_igmp_groups>},
     };
     return routes;
 }

@@ -39,8 +39,9 @@ ipc::ServerAnswer Peer::handle(const ipc::ServerRequest& request) {
     }
     ipc::ServerAnswer answer{EOPNOTSUPP, {}, {}};
     const auto routes = description_.routes();
-    const auto route = std::ranges::find(routes, static_cast<ipc::Operation>(request.operation), &PeerRoute::operation);
-    if (static_cast<ipc::Operation>(request.operation) == ipc::Operation::accept_configuration) {
+    const auto route =
+        std::ranges::find(routes, static_cast<peer_side::Operation>(request.operation), &PeerRoute::operation);
+    if (static_cast<peer_side::Operation>(request.operation) == peer_side::Operation::accept_configuration) {
         // A daemon that fails at its own calls has nothing against a configuration.
         answer.status = fault(FaultKind::commit_refused) == nullptr ? 0 : EPERM;
     } else if (const auto* const error = fault(FaultKind::peer_error)) {
@@ -78,7 +79,8 @@ ipc::ServerAnswer Peer::greet(const ipc::ServerRequest&) {
 }
 
 void Peer::notice(const ipc::ServerRequest& request) {
-    if (!is_up() || static_cast<ipc::Operation>(request.operation) != ipc::Operation::configuration_changed) {
+    if (!is_up() ||
+        static_cast<peer_side::Operation>(request.operation) != peer_side::Operation::configuration_changed) {
         return;
     }
     if (const auto changes = parse_change_notice(request.payload)) {

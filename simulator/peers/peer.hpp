@@ -24,7 +24,7 @@ using Action = ipc::ServerAnswer (*)(Simulation&, const ipc::ServerRequest&);
 
 /// One operation that a peer answers. Payloads are those of the list of operations.
 struct PeerRoute {
-    ipc::Operation operation;
+    peer_side::Operation operation;
     std::variant<Report, Action> answer;
 };
 
@@ -34,7 +34,7 @@ struct PeerDescription {
     std::span<const PeerRoute> (*routes)();
 
     [[nodiscard]] constexpr std::string_view name() const {
-        return ipc::name_of(address);
+        return peer_side::name_of(address);
     }
 };
 
@@ -97,13 +97,13 @@ ipc::ServerAnswer answer_record(const AccessNetwork& network, std::span<const st
     if (!payload.empty()) {
         return {EINVAL, {}, {}};
     }
-    return {0, ipc::record_payload(report<Report>(network)), {}};
+    return {0, peer_side::record_payload(report<Report>(network)), {}};
 }
 
 /// Empty when the payload is no such bitmap.
 template <class Bitmap>
 std::optional<Bitmap> parse_bitmap(std::span<const std::byte> payload) {
-    const auto bitmap = ipc::parse_record<Bitmap>(payload);
+    const auto bitmap = peer_side::parse_record<Bitmap>(payload);
     return bitmap && bitmap->size <= sizeof bitmap->bits * 8 ? bitmap : std::nullopt;
 }
 
@@ -114,7 +114,7 @@ ipc::ServerAnswer answer_whole_list(const AccessNetwork& network, std::span<cons
         return {EINVAL, {}, {}};
     }
     const auto entries = report<Report>(network);
-    return {0, ipc::list_payload(std::span(std::as_const(entries))), {}};
+    return {0, peer_side::list_payload(std::span(std::as_const(entries))), {}};
 }
 
 /// The answer of a route that takes a bitmap and gives a list.
@@ -125,12 +125,12 @@ ipc::ServerAnswer answer_list(const AccessNetwork& network, std::span<const std:
         return {EINVAL, {}, {}};
     }
     const auto entries = report<Report>(network, *bitmap);
-    return {0, ipc::list_payload(std::span(std::as_const(entries))), {}};
+    return {0, peer_side::list_payload(std::span(std::as_const(entries))), {}};
 }
 
 /// The port that a request names, from 1; empty when it is none of `count` ports.
 inline std::optional<unsigned> parse_port(std::span<const std::byte> payload, unsigned count) {
-    const auto port = ipc::parse_record<std::uint8_t>(payload);
+    const auto port = peer_side::parse_record<std::uint8_t>(payload);
     return port && *port >= 1 && *port <= count ? std::optional<unsigned>(*port) : std::nullopt;
 }
 

@@ -22,14 +22,14 @@ inline std::span<const PeerRoute> no_routes() {
 
 /// The daemons of the OLT that the simulator plays.
 inline constexpr std::array peer_table{
-    PeerDescription{ipc::peers::system_manager, "system-mgr.log", system_manager_routes},
-    PeerDescription{ipc::peers::dhcp_relay, "dhcp-ra.log", dhcp_relay_routes},
-    PeerDescription{ipc::peers::pppoe, "pppoe.log", pppoe_routes},
-    PeerDescription{ipc::peers::igmp, "igmp.log", igmp_routes},
-    PeerDescription{ipc::peers::pon_state_machine, "fsm-pon.log", pon_state_machine_routes},
-    PeerDescription{ipc::peers::switch_chip, "", switch_chip_routes},
-    PeerDescription{ipc::peers::dna, "", dna_routes},
-    PeerDescription{ipc::peers::ipc_broker, "", no_routes},
+    PeerDescription{peer_side::peers::system_manager, "system-mgr.log", system_manager_routes},
+    PeerDescription{peer_side::peers::dhcp_relay, "dhcp-ra.log", dhcp_relay_routes},
+    PeerDescription{peer_side::peers::pppoe, "pppoe.log", pppoe_routes},
+    PeerDescription{peer_side::peers::igmp, "igmp.log", igmp_routes},
+    PeerDescription{peer_side::peers::pon_state_machine, "fsm-pon.log", pon_state_machine_routes},
+    PeerDescription{peer_side::peers::switch_chip, "", switch_chip_routes},
+    PeerDescription{peer_side::peers::dna, "", dna_routes},
+    PeerDescription{peer_side::peers::ipc_broker, "", no_routes},
 };
 
 } // namespace xpon::simulator

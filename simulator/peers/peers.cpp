@@ -7,7 +7,7 @@ namespace xpon::simulator {
 namespace {
 
 std::unique_ptr<Peer> make_peer(const PeerDescription& description, Simulation& simulation) {
-    if (description.address == ipc::peers::system_manager) {
+    if (description.address == peer_side::peers::system_manager) {
         return std::make_unique<SystemManager>(description, simulation);
     }
     return std::make_unique<Peer>(description, simulation);

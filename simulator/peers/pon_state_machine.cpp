@@ -19,7 +19,7 @@ ipc::ServerAnswer answer_port_type(const AccessNetwork& network, std::span<const
         return {ERANGE, {}, {}};
     }
     // It is the module that makes the port one of a technology; the plant has no other than GPON.
-    return {0, ipc::record_payload(network.plant().pon_module(*port) == nullptr ? pon_unknown : pon_gpon), {}};
+    return {0, peer_side::record_payload(network.plant().pon_module(*port) == nullptr ? pon_unknown : pon_gpon), {}};
 }
 
 /// "1/3 1/4", no more than a reader takes in.
@@ -65,7 +65,7 @@ using AnswerCounters = ipc::ServerAnswer (*)(const Plant&, std::uint16_t index);
 
 template <auto Report>
 ipc::ServerAnswer answer_counters(const Plant& plant, std::uint16_t index) {
-    return {0, ipc::record_payload(Report(plant, index)), {}};
+    return {0, peer_side::record_payload(Report(plant, index)), {}};
 }
 
 /// By kind of information, from 1.
@@ -78,7 +78,7 @@ constexpr std::array<AnswerCounters, ont_information_olt_pon> counter_answers{
 };
 
 ipc::ServerAnswer answer_ont_information(const AccessNetwork& network, std::span<const std::byte> payload) {
-    const auto question = ipc::parse_record<ipc::Ont_information_question>(payload);
+    const auto question = peer_side::parse_record<peer_side::Ont_information_question>(payload);
     if (!question || question->kind < ont_information_gem_port_pm || question->kind > ont_information_olt_pon) {
         return {EINVAL, {}, {}};
     }
@@ -94,7 +94,7 @@ ipc::ServerAnswer answer_ont_information(const AccessNetwork& network, std::span
 } // namespace
 
 std::span<const PeerRoute> pon_state_machine_routes() {
-    using ipc::Operation;
+    using peer_side::Operation;
     static constexpr std::array routes{
         PeerRoute{Operation::get_pon_states, answer_record<report_pon_states>},
         PeerRoute{Operation::get_pon_port_type, answer_port_type},

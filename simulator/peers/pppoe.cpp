@@ -7,7 +7,7 @@ namespace xpon::simulator {
 
 std::span<const PeerRoute> pppoe_routes() {
     static constexpr std::array routes{
-        PeerRoute{ipc::Operation::get_pppoe_sessions, answer_whole_list<report_pppoe_sessions>},
+        PeerRoute{peer_side::Operation::get_pppoe_sessions, answer_whole_list<report_pppoe_sessions>},
     };
     return routes;
 }

@@ -12,7 +12,7 @@ ipc::ServerAnswer answer_front_port(const AccessNetwork& network, std::span<cons
     if (!port) {
         return {ERANGE, {}, {}};
     }
-    return {0, ipc::record_payload(report_front_port(network.plant(), *port)), {}};
+    return {0, peer_side::record_payload(report_front_port(network.plant(), *port)), {}};
 }
 
 ipc::ServerAnswer answer_front_diagnostics(const AccessNetwork& network, std::span<const std::byte> payload) {
@@ -21,14 +21,14 @@ ipc::ServerAnswer answer_front_diagnostics(const AccessNetwork& network, std::sp
         return {ERANGE, {}, {}};
     }
     const auto diagnostics = report_front_diagnostics(network.plant(), *port);
-    return diagnostics ? ipc::ServerAnswer{0, ipc::record_payload(*diagnostics), {}}
+    return diagnostics ? ipc::ServerAnswer{0, peer_side::record_payload(*diagnostics), {}}
                        : ipc::ServerAnswer{ENODATA, {}, {}};
 }
 
 } // namespace
 
 std::span<const PeerRoute> switch_chip_routes() {
-    using ipc::Operation;
+    using peer_side::Operation;
     static constexpr std::array routes{
         PeerRoute{Operation::get_front_link_states, answer_record<report_front_links>},
         PeerRoute{Operation::get_front_port_info, answer_front_port},

@@ -17,7 +17,7 @@ namespace xpon::simulator {
 namespace {
 
 ipc::ServerAnswer reboot(Simulation& simulation, const ipc::ServerRequest& request) {
-    if (ipc::parse_record<std::uint32_t>(request.payload) != std::uint32_t{reboot_now}) {
+    if (peer_side::parse_record<std::uint32_t>(request.payload) != std::uint32_t{reboot_now}) {
         return {EINVAL, {}, {}};
     }
     simulation.reboot();
@@ -60,7 +60,7 @@ ipc::ServerAnswer answer_update_status(Simulation& simulation, const ipc::Server
 }
 
 ipc::ServerAnswer select_image(Simulation& simulation, const ipc::ServerRequest& request) {
-    const auto selector = ipc::parse_record<std::uint32_t>(request.payload);
+    const auto selector = peer_side::parse_record<std::uint32_t>(request.payload);
     if (!selector) {
         return {EINVAL, {}, {}};
     }
@@ -73,7 +73,7 @@ ipc::ServerAnswer select_image(Simulation& simulation, const ipc::ServerRequest&
 } // namespace
 
 std::span<const PeerRoute> system_manager_routes() {
-    using ipc::Operation;
+    using peer_side::Operation;
     static constexpr std::array routes{
         PeerRoute{Operation::get_environment, answer_record<report_environment>},
         PeerRoute{Operation::reboot, reboot},

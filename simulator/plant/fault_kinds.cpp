@@ -94,9 +94,9 @@ std::optional<FaultTarget> parse_module(std::string_view text) {
 }
 
 std::optional<FaultTarget> parse_peer(std::string_view text) {
-    const auto* const peer = std::ranges::find(ipc::peer_names, text, &ipc::PeerName::name);
-    return peer == ipc::peer_names.end() ? std::nullopt
-                                         : std::optional(FaultTarget{.where = Where::peer, .peer = peer->name});
+    const auto* const peer = std::ranges::find(peer_side::peer_names, text, &peer_side::PeerName::name);
+    return peer == peer_side::peer_names.end() ? std::nullopt
+                                               : std::optional(FaultTarget{.where = Where::peer, .peer = peer->name});
 }
 
 std::optional<FaultTarget> try_target(const FaultRule& rule, std::string_view text) {
@@ -180,7 +180,8 @@ std::string expected_target(const FaultRule& rule) {
     case Target::module:
         return fmt::format("a module as pon/1 to pon/{} or front/1 to front/{}", pon_ports, front_ports);
     case Target::peer:
-        return fmt::format("one of {}", fmt::join(ipc::peer_names | std::views::transform(&ipc::PeerName::name), ", "));
+        return fmt::format("one of {}",
+                           fmt::join(peer_side::peer_names | std::views::transform(&peer_side::PeerName::name), ", "));
     case Target::service:
         return fmt::format("a service as PORT/ONT/SERVICE, 1/1/1 to {}/{}/{}", pon_ports, max_onts_per_port,
                            max_services);

@@ -2,6 +2,7 @@
 
 #include "xpon/cfgdb/element_functions.hpp"
 #include "xpon/peer_side/configuration_file.hpp"
+#include "xpon/peer_side/elements.hpp"
 #include "xpon/peer_side/operations.hpp"
 #include "xpon/peer_side/running_onts.hpp"
 
@@ -16,7 +17,7 @@
 namespace xpon::simulator {
 namespace {
 
-namespace peers = ipc::peers;
+namespace peers = peer_side::peers;
 
 /// What a change of an element means to the plant.
 enum class Effect : std::uint8_t {

@@ -4,6 +4,7 @@
 #include "tests/processes/live_olt.hpp"
 #include "tests/support/eventually.hpp"
 #include "tests/support/recording_logger.hpp"
+#include "xpon/peer_side/operations.hpp"
 
 #include <cerrno>
 #include <chrono>
@@ -244,8 +245,11 @@ protected:
             return std::get<1>(slots()).empty() && std::filesystem::file_size(file) >= image_header_size + bytes;
         }));
     }
-    [[nodiscard]] int ask_system_manager(ipc::Operation operation, std::span<const std::byte> question) const {
-        return ipc()->request(ipc::peers::system_manager, operation, question, Ipc::default_deadline).status;
+    [[nodiscard]] int ask_system_manager(peer_side::Operation operation, std::span<const std::byte> question) const {
+        return ipc()
+            ->request(peer_side::peers::system_manager, static_cast<std::uint16_t>(operation), question,
+                      Ipc::default_deadline)
+            .status;
     }
 };
 
@@ -254,8 +258,8 @@ TEST_F(SlowFlashTest, AnUpdateBlocksItsCallerAndNobodyElse) {
     auto updating = update_beside();
     await_progress(1);
     const std::string_view path = "/firmware/new.img";
-    EXPECT_EQ(ask_system_manager(ipc::Operation::update_firmware, std::as_bytes(std::span(path))), EBUSY);
-    EXPECT_EQ(ask_system_manager(ipc::Operation::get_firmware_update_status, {}), EBUSY);
+    EXPECT_EQ(ask_system_manager(peer_side::Operation::update_firmware, std::as_bytes(std::span(path))), EBUSY);
+    EXPECT_EQ(ask_system_manager(peer_side::Operation::get_firmware_update_status, {}), EBUSY);
     EXPECT_EQ(select(firmware_alternate), EINVAL);
     while (updating.wait_for(10ms) != std::future_status::ready) {
         const auto asked = std::chrono::steady_clock::now();
@@ -265,7 +269,7 @@ TEST_F(SlowFlashTest, AnUpdateBlocksItsCallerAndNobodyElse) {
     EXPECT_EQ(updating.get(), 0);
     EXPECT_GE(std::chrono::steady_clock::now() - begin, 2s);
     EXPECT_EQ(slots(), Slots(old_running, "1.5.0.1", 0, 0));
-    EXPECT_EQ(ask_system_manager(ipc::Operation::get_firmware_update_status, {}), 0);
+    EXPECT_EQ(ask_system_manager(peer_side::Operation::get_firmware_update_status, {}), 0);
 }
 
 TEST_F(SlowFlashTest, AKilledSimulatorLeavesAnOltThatBoots) {

@@ -78,15 +78,14 @@ TEST_F(LiveOltTest, ASlowDaemonHoldsUpNobodyElse) {
 TEST_F(LiveOltTest, DamagedRequestsAreRefused) {
     const std::vector<std::byte> nothing;
     const std::vector<std::byte> too_much(100'000, std::byte{0xff});
-    for (const auto& [operation, peer] : ipc::operation_owners) {
-        EXPECT_NE(ipc()->request(peer, operation, too_much, Ipc::default_deadline).status, 0)
-            << static_cast<int>(operation);
+    for (const auto& row : peer_side::operation_owners) {
+        const auto operation = static_cast<std::uint16_t>(row.operation);
+        EXPECT_NE(ipc()->request(row.peer, operation, too_much, Ipc::default_deadline).status, 0) << operation;
         // Every operation is known to its owner, with or without a question.
-        EXPECT_NE(ipc()->request(peer, operation, nothing, Ipc::default_deadline).status, EOPNOTSUPP)
-            << static_cast<int>(operation);
+        EXPECT_NE(ipc()->request(row.peer, operation, nothing, Ipc::default_deadline).status, EOPNOTSUPP) << operation;
     }
     for (const auto& peer : peer_table) {
-        const auto unknown = static_cast<ipc::Operation>(0xffff);
+        constexpr std::uint16_t unknown = 0xffff;
         EXPECT_EQ(ipc()->request(peer.address, unknown, nothing, Ipc::default_deadline).status, EOPNOTSUPP);
     }
     Bitmap_ont_range range;

@@ -67,7 +67,6 @@ TEST_F(LiveReportsTest, AddressesAndGroupsFollowCommits) {
     /// Where the first member of the first group of television is.
     const auto member = [this] {
         Igmp_vlan_info* info = nullptr;
-        EXPECT_EQ(custom_layer__refresh_igmp_snooping_groups(ipc()), 0);
         EXPECT_EQ(custom_layer__get_igmp_snooping_groups_unsafe(ipc(), 201, &info), 0);
         const Block<Igmp_vlan_info> owner(info);
         return info != nullptr && info->group_count != 0 ? info->groups[0].ports[0].kind : switch_port_cpu;

@@ -111,7 +111,6 @@ TEST_F(FailureSweep, AFailingCallFailsTheRequest) {
         {"monitoring.interface.pon_port", "Could not retrieve extended information about PON-port plugged SFP modules"},
         {"monitoring.interface.pon_port", "Failed to retrieve pon port info"},
         {"monitoring.interface.ont.counters", "custom_layer__get_ont_information_by_index() failed: -1"},
-        {"monitoring.ip.igmp", "Message: IGMP is unavailable."},
         {"monitoring.ip.igmp", "Message: Error at receiving IGMP group info."},
     };
     int routes_of_the_device = 0;

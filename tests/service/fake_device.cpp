@@ -178,10 +178,6 @@ int custom_layer__get_pppoe_session(Ipc*, Pppoe_get_sessions_msg** out) {
     return answer([&](auto& device) { return give_list(std::span<const Pppoe_session>(device.pppoe_sessions), out); });
 }
 
-int custom_layer__refresh_igmp_snooping_groups(Ipc*) {
-    return answer([](auto&) { return 0; });
-}
-
 int custom_layer__get_igmp_snooping_groups_unsafe(Ipc*, std::uint16_t id, Igmp_vlan_info** out) {
     return answer([&](auto& device) {
         const auto found = device.vlans.find(id);

@@ -38,6 +38,13 @@ protected:
     }
 };
 
+TEST_F(Refusals, OfAnAbsentIgmpDaemon) {
+    peers->absent.insert({0x08fffe});
+    device.calls = 0;
+    expect_refusal(igmp, "[]", "IGMP is unavailable.");
+    EXPECT_EQ(device.calls, 0);
+}
+
 TEST_F(Refusals, OfWrongIndices) {
     const auto* const out_of_range = "C API function returned -1, errno=34.";
     const auto* const no_number = "C API function returned -1, errno=22.";

@@ -32,17 +32,6 @@ private:
     int& open_;
 };
 
-/// An endpoint without connections.
-class NoPeers : public ipc::IIpc {
-public:
-    core::Result<void> connect(ipc::Address) override {
-        return core::ErrorPayload(core::Error::CommonError, "Nobody is there");
-    }
-    [[nodiscard]] Ipc* raw() const override {
-        return nullptr;
-    }
-};
-
 /// The listener is there once `run` has got so far.
 client::Connection connect_to(const std::string& path) {
     const auto deadline = soon();
@@ -57,6 +46,11 @@ client::Connection connect_to(const std::string& path) {
 
 } // namespace
 
+core::Result<void> FakePeers::connect(ipc::Address peer) {
+    return absent.contains(peer) ? core::ErrorPayload(core::Error::CommonError, "Nobody is there")
+                                 : core::ErrorPayload(core::Error::Already, "Connected");
+}
+
 core::Result<std::shared_ptr<api_service::IPamSession>> FakePam::open_session(const std::string& user,
                                                                               const std::string& password) {
     if (user == unavailable_for) {
@@ -70,7 +64,7 @@ core::Result<std::shared_ptr<api_service::IPamSession>> FakePam::open_session(co
 }
 
 ServiceTest::ServiceTest()
-    : service(std::make_shared<NoPeers>(), logger, api_service::UnixEndpoint{root.path().string() + "/api"}, pam),
+    : service(peers, logger, api_service::UnixEndpoint{root.path().string() + "/api"}, pam),
       thread([this] { EXPECT_TRUE(service.run({})); }), connection(connect_to(root.path().string() + "/api")) {}
 
 ServiceTest::~ServiceTest() {

@@ -6,6 +6,7 @@
 #include "xpon/client/connection.hpp"
 
 #include <memory>
+#include <set>
 #include <string>
 #include <thread>
 
@@ -24,7 +25,18 @@ public:
     std::string unavailable_for; ///< opening a session for this user throws
 };
 
-/// The daemon in this process, with a thread of its own, behind a Unix socket. Only PAM is a double.
+/// An endpoint that has been connected to all peers. What they answer is for the custom layer's double to say.
+class FakePeers : public ipc::IIpc {
+public:
+    core::Result<void> connect(ipc::Address peer) override;
+    [[nodiscard]] Ipc* raw() const override {
+        return nullptr;
+    }
+
+    std::set<ipc::Address> absent; ///< gone since they were connected
+};
+
+/// The daemon in this process, with a thread of its own, behind a Unix socket. Only PAM and the peers are doubles.
 class ServiceTest : public testing::Test {
 protected:
     ServiceTest();
@@ -41,6 +53,7 @@ protected:
 
     TemporaryOltRoot root;
     std::shared_ptr<RecordingLogger> logger = std::make_shared<RecordingLogger>();
+    std::shared_ptr<FakePeers> peers = std::make_shared<FakePeers>();
     std::shared_ptr<FakePam> pam = std::make_shared<FakePam>();
     api_service::ApiService service;
     std::thread thread;

@@ -58,7 +58,7 @@ void Olt::start_simulator(const std::vector<std::string>& options) {
     ASSERT_TRUE(simulator_->wait_for_line("olt_simulator is ready")) << simulator_->output();
 }
 
-void Olt::start_daemon() {
+void Olt::start_daemon(const std::string& program) {
     Environment settings{reports_leaks};
     std::ifstream file(root() / "etc/api_service.env");
     for (std::string line; std::getline(file, line);) {
@@ -73,7 +73,7 @@ void Olt::start_daemon() {
     if (WITH_SANITIZERS) {
         settings.emplace_back("PAM_WRAPPER_DISABLE_DEEPBIND", "1");
     }
-    daemon_ = std::make_unique<Process>(std::vector<std::string>{API_SERVICE}, settings);
+    daemon_ = std::make_unique<Process>(std::vector<std::string>{program}, settings);
 }
 
 void Olt::start(const std::vector<std::string>& simulator_options) {

@@ -42,7 +42,7 @@ public:
 
     /// Fails the test when the simulator does not become ready.
     void start_simulator(const std::vector<std::string>& options = {});
-    void start_daemon();
+    void start_daemon(const std::string& program = API_SERVICE);
     /// Starts both and waits until the daemon takes requests.
     void start(const std::vector<std::string>& simulator_options = {});
     /// Waits until the daemon has said that it is ready and takes connections.

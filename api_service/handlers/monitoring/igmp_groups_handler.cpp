@@ -3,6 +3,7 @@
 #include "api_service/handlers/library_buffers.hpp"
 #include "api_service/handlers/monitoring/wire_texts.hpp"
 #include "api_service/handlers/record_fields.hpp"
+#include "api_service/peers.hpp"
 #include "xpon/ranges/vlan_range.h"
 
 namespace xpon::api_service {
@@ -80,10 +81,17 @@ Result<void> MonitoringIgmpGroupsHandler::serialize_payload(cJSON* groups, const
     return core::success();
 }
 
-Result<JsonTree> MonitoringIgmpGroupsHandler::create_payload() const {
-    if (!core::call_c_api(*logger_, custom_layer__refresh_igmp_snooping_groups, ipc_->raw())) {
-        return ErrorPayload(Error::ErrorCApi, "IGMP is unavailable");
+Result<void> MonitoringIgmpGroupsHandler::check_daemon() const {
+    const auto connected = ipc_->connect(igmp_address);
+    if (connected || connected.error().code == Error::Already) {
+        return core::success();
     }
+    log_error(*logger_, "IGMP groups: {}", connected.error().to_string());
+    return ErrorPayload(connected.error().code, "IGMP is unavailable");
+}
+
+Result<JsonTree> MonitoringIgmpGroupsHandler::create_payload() const {
+    BOOST_OUTCOME_TRY(check_daemon());
     BOOST_OUTCOME_TRY(const auto all_vlans, get_all_vlans(*logger_));
     BOOST_OUTCOME_TRY(auto snooping, create_array());
     BOOST_OUTCOME_TRY(auto groups, create_array());

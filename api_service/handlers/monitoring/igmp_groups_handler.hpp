@@ -22,6 +22,7 @@ public:
     static Result<void> serialize_payload(cJSON* groups, const VlanInfo& vlan);
 
 private:
+    [[nodiscard]] Result<void> check_daemon() const;
     [[nodiscard]] Result<JsonTree> create_payload() const;
     [[nodiscard]] Result<VlanInfo> get_vlan(std::uint16_t vlan) const;
 };

@@ -35,7 +35,7 @@ public:
     /// Drops the candidate's changes.
     core::Result<void> rollback();
 
-    /// The database argument of the `getDb_`, `getRunDb_`, `setDb_` and `setDb_init_` functions.
+    /// The database argument of the `getDb_`, `getRunDb_` and `setDb_` functions.
     [[nodiscard]] const void* handle() const;
     /// The context argument of the same functions: this client's number, used in logs only.
     [[nodiscard]] int context() const;
@@ -45,9 +45,5 @@ private:
     std::string client_name_;
     int context_;
 };
-
-/// Whether this OLT has a configuration of its own: a saved file or a running database. Otherwise the first client
-/// finds factory defaults.
-bool configuration_exists();
 
 } // namespace xpon::cfgdb

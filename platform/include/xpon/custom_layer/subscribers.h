@@ -116,12 +116,9 @@ int custom_layer__get_dhcp_session(Ipc* ipc, Dhcp_get_sessions_msg** out);
 /// Asked from the PPPoE daemon.
 int custom_layer__get_pppoe_session(Ipc* ipc, Pppoe_get_sessions_msg** out);
 
-/// Asks the IGMP daemon for all its groups and keeps its answer until the next call. Fails only when the daemon cannot
-/// be asked; when it answers with an error, reading the groups fails with that.
-int custom_layer__refresh_igmp_snooping_groups(Ipc* ipc);
-
-/// The groups of a VLAN (1 to 4094), from the answer that custom_layer__refresh_igmp_snooping_groups keeps. "Unsafe":
-/// asks nobody, and must not run beside a refresh. errno ENODATA before the first refresh, ERANGE for no such VLAN.
+/// The groups of a VLAN (1 to 4094). Asked from the IGMP daemon, whose answer holds all VLANs: a walk over them in
+/// ascending order that takes no longer than a second sees one answer and costs one question. "Unsafe": the answer is
+/// kept between calls, without a lock. ERANGE for no such VLAN.
 int custom_layer__get_igmp_snooping_groups_unsafe(Ipc* ipc, std::uint16_t vlan, Igmp_vlan_info** out);
 
 /// All addresses that the switch knows, or those behind the ONTs of a range. Asked from the switch chip.

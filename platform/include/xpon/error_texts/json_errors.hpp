@@ -32,11 +32,8 @@ enum class Json_errors : std::uint16_t {
 
 extern "C" {
 
-/// Points `text` at the text of `index`, a constant that lives as long as the program.
+/// Points `text` at the text of `index`, a constant that lives as long as the program. No two indices share a text.
 /// Returns 0, or -1 with errno EINVAL when there is no such text.
 int get_json_errors_from_index(Json_errors index, const char** text);
-
-/// The reverse: texts are unique. Returns 0, or -1 with errno EINVAL when no text is equal to `text`.
-int get_json_errors_index_from_text(const char* text, Json_errors* index);
 
 } // extern "C"

@@ -20,7 +20,8 @@ public:
     virtual ~IIpc() = default;
 
     /// Connects to the daemon at `peer` and shakes hands with it: success means that it is there and answers in the
-    /// same version. Waits 3 s at most. Connecting again to a connected peer is an error of code Already.
+    /// same version. Waits 3 s at most. Connecting again to a connected peer asks whether it is still there: an error
+    /// of code Already when it is, any other when it is not.
     virtual core::Result<void> connect(Address peer) = 0;
 
     /// The handle for `custom_layer__` calls. Owned by this object.

@@ -31,8 +31,6 @@ class Logger : public core::ILogger {
 public:
     /// A category without a rule in the configuration file logs nothing.
     explicit Logger(const std::string& category);
-    /// Writes to a category that zlog gave out.
-    explicit Logger(zlog_category_s* category);
 
     /// Reads the zlog configuration at `config_path` (taken below OLT_ROOT). `category` must have a rule in it.
     /// `flags` is reserved and 0. Errors: CommonError with the file and the cause, Already for a second context.
@@ -41,6 +39,9 @@ public:
 
     [[nodiscard]] bool is_enabled(core::LogLevel level) const override;
     void write(core::LogLevel level, std::string_view text, const std::source_location& where) override;
+
+protected:
+    explicit Logger(zlog_category_s* category);
 
 private:
     zlog_category_s* category_; // owned by zlog

@@ -25,7 +25,6 @@ extern "C" {
 // success, and -1 with errno EINVAL for a null argument or a bitmap whose size it cannot have.
 
 /// An empty set. `bitfield_reset` and `bitfield_invert` then make the set of all ports.
-int prepare_bitmap_uplink_port(Bitmap_uplink_port_range* bitmap);
 int prepare_bitmap_pon_port(Bitmap_pon_port_range* bitmap);
 
 /// Reads a list such as "1-4,7": decimal numbers and ranges of two, joined by commas. EINVAL for anything else,
@@ -40,6 +39,5 @@ int get_next_bitmap_pon_port_ids(const Bitmap_pon_port_range* bitmap, Bitmap_ite
 
 /// 1 into `value` when the port is in the set, else 0. ERANGE for a port beyond the set's size.
 int get_bitmap_uplink_port_ids_value(const Bitmap_uplink_port_range* bitmap, std::uint8_t port, std::uint8_t* value);
-int get_bitmap_pon_port_ids_value(const Bitmap_pon_port_range* bitmap, std::uint8_t port, std::uint8_t* value);
 
 } // extern "C"

@@ -2,6 +2,7 @@
 #include "xpon/cfgdb/cfgdb_wrapper.hpp"
 #include "xpon/custom_layer/custom_layer.h"
 #include "xpon/logger/logger.hpp"
+#include "xpon/peer_side/configuration_file.hpp"
 
 #include <cerrno>
 

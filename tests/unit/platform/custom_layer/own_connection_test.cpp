@@ -1,6 +1,7 @@
 #include "custom_layer/own_connection.hpp"
 #include "tests/unit/platform/ipc/peer_thread.hpp"
 #include "xpon/custom_layer/custom_layer.h"
+#include "xpon/peer_side/operations.hpp"
 
 #include <cerrno>
 #include <chrono>
@@ -12,8 +13,8 @@ namespace xpon {
 namespace {
 
 using namespace std::chrono_literals;
-using ipc::Operation;
 using ipc::PeerThread;
+using peer_side::Operation;
 using test::eventually;
 using testing::AnyOf;
 using Clock = std::chrono::steady_clock;

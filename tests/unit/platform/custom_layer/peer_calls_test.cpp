@@ -1,5 +1,6 @@
 #include "ipc/ipc_handle.hpp"
 #include "xpon/custom_layer/custom_layer.h"
+#include "xpon/peer_side/operations.hpp"
 #include "xpon/peer_side/payload.hpp"
 
 #include <cerrno>
@@ -17,17 +18,17 @@ namespace {
 
 /// A peer that answers whatever a test wants.
 struct AnyPeer : public Ipc {
-    Reply request(ipc::Address peer, ipc::Operation operation, std::span<const std::byte> payload,
+    Reply request(ipc::Address peer, std::uint16_t operation, std::span<const std::byte> payload,
                   std::chrono::milliseconds) noexcept override {
-        EXPECT_EQ(ipc::owner_of(operation), peer);
+        EXPECT_EQ(peer_side::owner_of(peer_side::Operation{operation}), peer);
         question.assign(payload.begin(), payload.end());
         return reply;
     }
-    std::optional<Refusal> ask_all(ipc::Operation, std::span<const std::byte>,
+    std::optional<Refusal> ask_all(std::uint16_t, std::span<const std::byte>,
                                    std::chrono::milliseconds) noexcept override {
         return std::nullopt;
     }
-    void notify_all(ipc::Operation, std::span<const std::byte>) noexcept override {}
+    void notify_all(std::uint16_t, std::span<const std::byte>) noexcept override {}
 
     Reply reply;
     std::vector<std::byte> question;
@@ -55,11 +56,11 @@ using Faults = std::vector<std::function<void(Record&)>>;
 /// A call whose answer is one record, with that answer and its faulty forms.
 template <class Record>
 Call answered_by_record(const char* name, std::function<int(Ipc*)> run, const Faults<Record>& faults) {
-    Call call{name, std::move(run), ipc::record_payload(zero<Record>())};
+    Call call{name, std::move(run), peer_side::record_payload(zero<Record>())};
     for (const auto& fault : faults) {
         auto record = zero<Record>();
         fault(record);
-        call.bad_answers.push_back(ipc::record_payload(record));
+        call.bad_answers.push_back(peer_side::record_payload(record));
     }
     return call;
 }
@@ -104,7 +105,9 @@ Call makes(const char* name, std::function<int(Ipc*, Record**)> call, const Faul
 /// A call that makes a block of a list.
 template <class Entry, class Response>
 Call lists(const char* name, std::function<int(Ipc*, Response**)> call, const Faults<Entry>& faults = {}) {
-    const auto list = [](std::vector<Entry> entries) { return ipc::list_payload(std::span(std::as_const(entries))); };
+    const auto list = [](std::vector<Entry> entries) {
+        return peer_side::list_payload(std::span(std::as_const(entries)));
+    };
     const std::vector<Entry> good(2, zero<Entry>());
     Call result{name, run_block(call), list(good)};
     for (const auto& fault : faults) {
@@ -113,8 +116,8 @@ Call lists(const char* name, std::function<int(Ipc*, Response**)> call, const Fa
         result.bad_answers.push_back(list(entries));
     }
     const std::uint32_t size = sizeof(Entry);
-    for (const auto& header : {ipc::ListHeader{1, size}, {1, 1}, {0xffffffff, size}, {0x80000000, 0}}) {
-        result.bad_answers.push_back(ipc::record_payload(header));
+    for (const auto& header : {peer_side::ListHeader{1, size}, {1, 1}, {0xffffffff, size}, {0x80000000, 0}}) {
+        result.bad_answers.push_back(peer_side::record_payload(header));
     }
     return result;
 }
@@ -259,13 +262,13 @@ TEST_F(PeerCallsTest, DoNotTrustAnswers) {
 TEST_F(PeerCallsTest, AskForTheCountersOfOneOnt) {
     auto record = zero<Ont_eth_frame_ext_pm>();
     record.downstream.veip.octets = 77;
-    peer.reply = {0, ipc::record_payload(record)};
+    peer.reply = {0, peer_side::record_payload(record)};
     void* out = nullptr;
     const auto kind = ont_information_eth_frame_ext_pm;
     ASSERT_EQ(custom_layer__get_ont_information_by_index(&peer, kind, 3, 256, &out), 0);
     EXPECT_EQ(static_cast<Ont_eth_frame_ext_pm*>(out)->downstream.veip.octets, 77U);
     std::free(out);
-    EXPECT_EQ(peer.question, ipc::record_payload(ipc::Ont_information_question{kind, 3, 256}));
+    EXPECT_EQ(peer.question, peer_side::record_payload(peer_side::Ont_information_question{kind, 3, 256}));
 
     // No peer is asked what no peer knows.
     peer.question.clear();

@@ -62,7 +62,7 @@ TEST_F(IpcTest, HostileMessagesToAServerAreDropped) {
     client.send(zmq::buffer(good));
     EXPECT_EQ(next_header().id, 7U);
     // A client of another version learns the server's.
-    client.send(zmq::buffer(encode({.version = 9, .operation = Operation::hello, .id = 8}, {})));
+    client.send(zmq::buffer(encode({.version = 9, .operation = hello, .id = 8}, {})));
     const auto refusal = next_header();
     EXPECT_EQ(refusal.id, 8U);
     EXPECT_EQ(refusal.version, protocol_version);

@@ -35,12 +35,16 @@ TEST_F(IpcTest, APeerThatIsGoneFailsAtOnceAndARestartedOneSeesNothingOfThePast) 
     auto server = std::make_unique<PeerThread>();
     ASSERT_TRUE(endpoint->connect(peer));
     ASSERT_EQ(ask("first life").status, 0);
+    const auto is_there = [&] { return endpoint->connect(peer).error().code == core::Error::Already; };
+    EXPECT_TRUE(is_there());
     server.reset();
     EXPECT_TRUE(eventually([&] { return ask("stale").status == ECONNREFUSED; }));
+    EXPECT_FALSE(is_there());
     endpoint->raw()->notify_all(echo, bytes_of("stale"));
 
     server = std::make_unique<PeerThread>();
     EXPECT_EQ(ask_until_up("second life").status, 0);
+    EXPECT_TRUE(is_there());
     EXPECT_THAT(server->requests(), ElementsAre("second life"));
     EXPECT_TRUE(server->notices().empty());
     EXPECT_EQ(logger->lines.size(), 2U) << "down and up";

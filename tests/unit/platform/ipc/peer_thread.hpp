@@ -23,7 +23,7 @@ using test::eventually;
 
 inline constexpr Address own{0x1bffff};
 inline constexpr Address peer{0x19fffe};
-inline constexpr auto echo = static_cast<Operation>(100);
+inline constexpr std::uint16_t echo = 100;
 
 std::span<const std::byte> bytes_of(std::string_view text);
 std::string text_of(std::span<const std::byte> bytes);

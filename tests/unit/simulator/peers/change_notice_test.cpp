@@ -1,5 +1,5 @@
 #include "simulator/peers/change_notice.hpp"
-#include "xpon/cfgdb/elements.hpp"
+#include "xpon/peer_side/elements.hpp"
 
 #include <gtest/gtest.h>
 

@@ -19,7 +19,7 @@ Bytes everything(const AccessNetwork& network) {
     const auto& plant = network.plant();
     Bytes bytes;
     const auto add = [&](const Bytes& part) { bytes.insert(bytes.end(), part.begin(), part.end()); };
-    const auto add_list = [&](const auto& entries) { add(ipc::list_payload(std::span(entries))); };
+    const auto add_list = [&](const auto& entries) { add(peer_side::list_payload(std::span(entries))); };
     Bitmap_ont_range onts{.size = max_onts, .bits = {}};
     std::fill(std::begin(onts.bits), std::end(onts.bits), std::uint8_t{0xff});
     add_list(report_ont_states(plant, onts));
@@ -28,12 +28,12 @@ Bytes everything(const AccessNetwork& network) {
     add_list(report_pppoe_sessions(network));
     add_list(report_igmp_groups(network));
     add_list(report_mac_table(network));
-    add(ipc::record_payload(report_environment(plant)));
-    add(ipc::record_payload(report_pon_states(plant)));
-    add(ipc::record_payload(report_pon_modules(plant)));
-    add(ipc::record_payload(report_front_links(plant)));
+    add(peer_side::record_payload(report_environment(plant)));
+    add(peer_side::record_payload(report_pon_states(plant)));
+    add(peer_side::record_payload(report_pon_modules(plant)));
+    add(peer_side::record_payload(report_front_links(plant)));
     for (unsigned port = 1; port <= front_ports; ++port) {
-        add(ipc::record_payload(report_front_port(plant, port)));
+        add(peer_side::record_payload(report_front_port(plant, port)));
     }
     for (std::uint16_t index = 0; index < max_onts; index = static_cast<std::uint16_t>(index + 64)) {
         add(all_counters(plant, index));

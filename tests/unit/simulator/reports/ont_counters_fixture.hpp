@@ -46,7 +46,7 @@ protected:
 inline std::vector<std::byte> all_counters(const Plant& plant, std::uint16_t index) {
     std::vector<std::byte> bytes;
     const auto add = [&](const auto&... records) {
-        (std::ranges::copy(ipc::record_payload(records), std::back_inserter(bytes)), ...);
+        (std::ranges::copy(peer_side::record_payload(records), std::back_inserter(bytes)), ...);
     };
     add(report_gem_port_pm(plant, index), report_gem_port_nctp_pm(plant, index), report_gal_eth_pm(plant, index),
         report_fec_pm(plant, index), report_eth_pm(plant, index), report_eth_pm_2(plant, index),

@@ -183,7 +183,7 @@ TEST_F(OntCountersTest, FinishOneIntervalAfterTheOther) {
     EXPECT_EQ(first.downstream.finished_intervals[0], 1U);
     EXPECT_GT(first.downstream.received_gem_frames[0], 1000U);
     pass(interval - 1ms);
-    EXPECT_EQ(ipc::record_payload(report_gem_port_nctp_pm(plant, watched)), ipc::record_payload(first));
+    EXPECT_EQ(peer_side::record_payload(report_gem_port_nctp_pm(plant, watched)), peer_side::record_payload(first));
     pass(1ms);
     EXPECT_EQ(report_gem_port_nctp_pm(plant, watched).upstream.finished_intervals[0], 2U);
     pass(254 * interval);

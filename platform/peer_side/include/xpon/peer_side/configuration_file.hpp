@@ -2,6 +2,10 @@
 
 namespace xpon::cfgdb {
 
+/// Whether this OLT has a configuration of its own: a saved file or a running database. Otherwise the first client
+/// finds factory defaults.
+bool configuration_exists();
+
 // The operations on whole configurations. `db` is the handle of a CfgDbWrapper. They return 0, or -1 with errno set:
 // EINVAL for a null argument, else the cause.
 

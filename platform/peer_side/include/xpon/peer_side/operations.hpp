@@ -8,24 +8,23 @@
 #include <optional>
 #include <string_view>
 
-namespace xpon::ipc {
+namespace xpon::peer_side {
 
 /// The daemons that the device's programs ask.
 namespace peers {
-inline constexpr Address system_manager{0x19fffe};
-inline constexpr Address dhcp_relay{0x09fffe};
-inline constexpr Address pppoe{0x0afffe};
-inline constexpr Address igmp{0x08fffe};
-inline constexpr Address pon_state_machine{0x07fffe};
-inline constexpr Address switch_chip{0x0cfffe};
-inline constexpr Address dna{0x06fffe};
-inline constexpr Address ipc_broker{0x13fffe};
+inline constexpr ipc::Address system_manager{0x19fffe};
+inline constexpr ipc::Address dhcp_relay{0x09fffe};
+inline constexpr ipc::Address pppoe{0x0afffe};
+inline constexpr ipc::Address igmp{0x08fffe};
+inline constexpr ipc::Address pon_state_machine{0x07fffe};
+inline constexpr ipc::Address switch_chip{0x0cfffe};
+inline constexpr ipc::Address dna{0x06fffe};
+inline constexpr ipc::Address ipc_broker{0x13fffe};
 } // namespace peers
 
 /// What a daemon is called.
-// (moved)
 struct PeerName {
-    Address peer;
+    ipc::Address peer;
     std::string_view name;
 };
 
@@ -41,7 +40,7 @@ inline constexpr std::array peer_names{
 };
 
 /// Empty for a daemon that is none of them.
-constexpr std::string_view name_of(Address peer) {
+constexpr std::string_view name_of(ipc::Address peer) {
     for (const auto& row : peer_names) {
         if (row.peer == peer) {
             return row.name;
@@ -50,10 +49,9 @@ constexpr std::string_view name_of(Address peer) {
     return {};
 }
 
-/// The operations that peers understand, one number space for all of them. The payloads of requests and answers are
-/// records of the custom layer's headers, or lists of them (xpon/peer_side/payload.hpp).
+/// The operations that peers understand, one number space for all of them; 1 is the transport's own. The payloads of
+/// requests and answers are records of the custom layer's headers, or lists of them (xpon/peer_side/payload.hpp).
 enum class Operation : std::uint16_t {
-    hello = 1,
     /// Notice: an array of service::Config_change, what a commit changed in the running configuration.
     configuration_changed = 2,
     /// An array of service::Config_change, what a commit is about to change; nothing. An error refuses it. A peer
@@ -130,7 +128,7 @@ struct Ont_information_question {
 /// Who answers a request.
 struct OperationOwner {
     Operation operation;
-    Address peer;
+    ipc::Address peer;
 };
 
 inline constexpr std::array operation_owners{
@@ -164,7 +162,7 @@ inline constexpr std::array operation_owners{
 };
 
 /// Empty for an operation that every peer knows, or none.
-constexpr std::optional<Address> owner_of(Operation operation) {
+constexpr std::optional<ipc::Address> owner_of(Operation operation) {
     for (const auto& row : operation_owners) {
         if (row.operation == operation) {
             return row.peer;
@@ -173,4 +171,4 @@ constexpr std::optional<Address> owner_of(Operation operation) {
     return std::nullopt;
 }
 
-} // namespace xpon::ipc
+} // namespace xpon::peer_side

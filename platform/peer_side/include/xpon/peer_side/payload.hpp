@@ -11,7 +11,7 @@
 // The two forms of payloads between peers of one device: a record as it lies in memory, or a list of such records
 // behind a header. Both sides are of one release and one machine, so layouts agree; sizes are checked all the same.
 
-namespace xpon::ipc {
+namespace xpon::peer_side {
 
 /// In front of a list.
 struct ListHeader {
@@ -61,4 +61,4 @@ inline std::optional<std::span<const std::byte>> parse_list(std::span<const std:
     return fits ? std::optional(entries) : std::nullopt;
 }
 
-} // namespace xpon::ipc
+} // namespace xpon::peer_side
