@@ -15,6 +15,13 @@ int next_context() {
     return ++last;
 }
 
+/// What a client is told of a fault of the database: its cause, in the form "PATH: TEXT" of refusals.
+std::string text_of(const std::system_error& fault) {
+    const auto& code = fault.code();
+    return code == std::errc::timed_out ? "configuration: Another process keeps the database locked"
+                                        : "configuration: " + code.message();
+}
+
 /// A fault of the database becomes an error of code CommonError; any other exception is for the guard.
 template <class Step>
 std::invoke_result_t<Step> database_step(Step&& step,
@@ -25,7 +32,8 @@ std::invoke_result_t<Step> database_step(Step&& step,
             try {
                 return step();
             } catch (const std::system_error& fault) {
-                return core::ErrorPayload(core::Error::CommonError, fault.what(), where);
+                core::log_error(database_log(), "Configuration database: {}", fault.what());
+                return core::ErrorPayload(core::Error::CommonError, text_of(fault), where);
             }
         },
         core::exception_text, where);
@@ -48,14 +56,15 @@ core::Result<User_record> CfgDbWrapper::find_user_by_username(const std::string&
 }
 
 core::Result<void> CfgDbWrapper::commit(const std::shared_ptr<ipc::IIpc>& ipc) {
-    BOOST_OUTCOME_TRY(const auto changes, database_step([&] {
-                          return database_->commit([&](std::span<const RecordId> pending) {
-                              return ask_for_acceptance(ipc.get(), pending);
-                          });
-                      }));
+    Database::Acceptance accept;
+    if (ipc != nullptr) {
+        accept = [&](std::span<const RecordId> changes) { return ask_for_acceptance(ipc.get(), changes); };
+    }
+    BOOST_OUTCOME_TRY(const auto number,
+                      database_step([&] { return database_->commit(accept, address_of(ipc.get())); }));
     // The commit has happened: nothing that goes wrong from here on makes it fail.
     const auto told = database_step([&]() -> core::Result<void> {
-        send_change_notice(ipc.get(), changes);
+        send_change_notice(ipc.get(), number);
         return core::success();
     });
     if (told.has_error()) {

@@ -2,17 +2,24 @@
 
 #include "cfgdb/checks/checks.hpp"
 #include "cfgdb/ont_index.hpp"
+#include "cfgdb/references.hpp"
 
+#include <algorithm>
+#include <iterator>
 #include <map>
 #include <set>
+#include <utility>
 
 namespace xpon::cfgdb {
 namespace {
 
-bool is_profile(ElementId id) {
-    return id == element_of<OntTemplate> || id == element_of<ProfileOntPortsCfg> ||
-           id == element_of<ProfileOntCrossConnect> || id == element_of<ProfileOntManagementCfg> ||
-           id == element_of<ProfileOntDba> || id == element_of<ProfileOntShaping>;
+/// The candidate's records that differ from running in more than what people read.
+std::vector<RecordId> with_new_content(const Records& records, const std::vector<RecordId>& changes) {
+    std::vector<RecordId> differing;
+    std::ranges::copy_if(changes, std::back_inserter(differing), [&](const RecordId& id) {
+        return differ_in_content(element(id.element).table, records.running(id), records.candidate(id));
+    });
+    return differing;
 }
 
 /// The ONTs that the changes reach. Those that come to use a changed profile only now are changed themselves, or
@@ -22,7 +29,7 @@ std::set<std::uint16_t> reached_onts(const OntIndex& index, const std::vector<Re
     for (const auto& change : changes) {
         if (change.element == element_of<PonOnt> || change.element == element_of<OntServices>) {
             onts.insert(change.indices[0]);
-        } else if (is_profile(change.element)) {
+        } else if (is_target(change.element)) {
             const auto number = static_cast<std::uint8_t>(change.indices[0] + 1);
             const auto users = index.users_of({change.element, number});
             onts.insert(users.begin(), users.end());
@@ -62,14 +69,15 @@ Touched replace_all_entries(WriteTransaction& transaction, const std::set<std::u
 
 } // namespace
 
-core::Result<std::vector<RecordId>> apply_candidate(WriteTransaction& transaction) {
+core::Result<Applied> apply_candidate(WriteTransaction& transaction) {
     RecordWriter writer(transaction);
     auto changes = writer.list(Store::candidate);
     if (changes.empty()) {
         return core::ErrorPayload(core::Error::Empty, "Nothing to commit");
     }
     const OntIndex index(transaction);
-    const auto reached = reached_onts(index, changes);
+    const auto content = with_new_content(writer, changes);
+    auto reached = reached_onts(index, content);
     auto before = collect_entries(evaluate(writer, reached));
     for (const auto& id : changes) {
         writer.accept(id);
@@ -78,11 +86,11 @@ core::Result<std::vector<RecordId>> apply_candidate(WriteTransaction& transactio
     const auto touched = replace_all_entries(transaction, reached, std::move(before), collect_entries(onts));
 
     Faults faults;
-    run_checks({writer, index, changes, onts, touched, faults});
+    run_checks({writer, index, content, onts, touched, faults});
     if (!faults.empty()) {
         return core::ErrorPayload(core::Error::InvalidState, faults.report());
     }
-    return changes;
+    return Applied{std::move(changes), std::move(reached)};
 }
 
 void rebuild_ont_index(WriteTransaction& transaction) {

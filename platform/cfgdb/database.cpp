@@ -1,6 +1,8 @@
 #include "cfgdb/database.hpp"
 
+#include "cfgdb/change_notice.hpp"
 #include "cfgdb/commit.hpp"
+#include "cfgdb/commit_log.hpp"
 #include "cfgdb/durable_file.hpp"
 #include "cfgdb/factory.hpp"
 #include "cfgdb/saved_configuration.hpp"
@@ -8,11 +10,14 @@
 #include "cfgdb/users.hpp"
 #include "serializer/object_json.hpp"
 #include "xpon/core/c_function.hpp"
+#include "xpon/core/call_sequence.hpp"
 #include "xpon/peer_side/olt_root.hpp"
 
+#include <algorithm>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -44,6 +49,48 @@ void for_each_below(const RecordId& id, const Visit& visit) {
     }
 }
 
+/// What a commit is about, to the byte.
+struct Candidate {
+    std::uint64_t commit = 0; ///< the last one before
+    std::vector<std::byte> records{};
+
+    bool operator==(const Candidate&) const = default;
+};
+
+Candidate present_candidate(const Transaction& transaction) {
+    Candidate candidate{.commit = commit_number(transaction)};
+    const Key prefix(Store::candidate);
+    transaction.visit(prefix, prefix, [&](Bytes key, Bytes value) {
+        candidate.records.insert(candidate.records.end(), key.begin(), key.end());
+        candidate.records.insert(candidate.records.end(), value.begin(), value.end());
+        return true;
+    });
+    return candidate;
+}
+
+/// The changes of the candidate, which has passed all checks; nothing happens to it.
+core::Result<std::vector<RecordId>> check_candidate(const Environment& environment, Candidate& candidate) {
+    WriteTransaction transaction(environment);
+    candidate = present_candidate(transaction);
+    BOOST_OUTCOME_TRY(auto applied, apply_candidate(transaction));
+    return std::move(applied.changes);
+}
+
+/// The number of the commit, or none when the candidate is no longer the one that was accepted.
+core::Result<std::optional<std::uint64_t>> run_candidate(const Environment& environment, const Candidate* accepted,
+                                                         ipc::Address by) {
+    WriteTransaction transaction(environment);
+    if (accepted != nullptr && present_candidate(transaction) != *accepted) {
+        return std::optional<std::uint64_t>();
+    }
+    BOOST_OUTCOME_TRY(const auto applied, apply_candidate(transaction));
+    const auto number = log_commit(
+        transaction,
+        {.by = by, .changes = notice_of(applied.changes), .onts = {applied.onts.begin(), applied.onts.end()}});
+    transaction.commit();
+    return std::optional(number);
+}
+
 void copy_record(const Records& records, Store store, const RecordId& id, std::byte* out) {
     const auto record = store == Store::running ? records.running(id) : records.candidate(id);
     std::memcpy(out, record.data(), record.size());
@@ -72,14 +119,30 @@ Database::Database(const std::string& folder) : environment_(folder) {
     } catch (const std::system_error& fault) {
         throw std::runtime_error(fmt::format("Configuration database {} cannot be filled: {}", folder, fault.what()));
     }
+    environment_.serve_clients();
+}
+
+/// Runs a step that writes; once more when there was no room for what only dead readers keep from reuse.
+template <class Step>
+std::invoke_result_t<Step> Database::with_room(const Step& step) const {
+    try {
+        return step();
+    } catch (const std::system_error& fault) {
+        if (fault.code() != std::errc::no_space_on_device || !environment_.clear_dead_readers()) {
+            throw;
+        }
+    }
+    return step();
 }
 
 void Database::read(Store store, const RecordId& id, std::byte* out) const {
+    finish_sequence();
     const ReadTransaction transaction(environment_);
     copy_record(Records(transaction), store, id, out);
 }
 
 void Database::read_all(Store store, ElementId id, std::byte* out) const {
+    finish_sequence();
     const ReadTransaction transaction(environment_);
     const Records records(transaction);
     for (std::uint16_t index = 0; index < element(id).sizes[0]; ++index) {
@@ -93,37 +156,87 @@ void Database::write(const RecordId& id, const std::byte* record) const {
     if (!serializer::copy_canonically(table, record, canonical.data())) {
         core::fail_with(EINVAL);
     }
-    WriteTransaction transaction(environment_);
-    RecordWriter(transaction).set_candidate(id, canonical);
-    transaction.commit();
+    add_change(id, canonical);
+    settle_changes();
 }
 
 void Database::reset(const RecordId& id) const {
-    WriteTransaction transaction(environment_);
-    RecordWriter writer(transaction);
-    writer.set_candidate(id, factory_record(id));
-    for_each_below(id, [&](const RecordId& below) { writer.set_candidate(below, factory_record(below)); });
-    transaction.commit();
+    add_change(id, factory_record(id));
+    for_each_below(id, [&](const RecordId& below) { add_change(below, factory_record(below)); });
+    settle_changes();
 }
 
-core::Result<std::vector<RecordId>> Database::commit(const Acceptance& accept) const {
-    WriteTransaction transaction(environment_);
-    BOOST_OUTCOME_TRY(auto changes, apply_candidate(transaction));
-    BOOST_OUTCOME_TRY(accept(changes));
-    transaction.commit();
-    return changes;
+void Database::add_change(const RecordId& id, Bytes record) const {
+    const bool is_repeated = !sequence_.empty() && std::ranges::equal(*sequence_.back().record, record);
+    sequence_.push_back({id, is_repeated
+                                 ? sequence_.back().record
+                                 : std::make_shared<const std::vector<std::byte>>(record.begin(), record.end())});
 }
 
-void Database::rollback() const {
+void Database::settle_changes() const {
+    if (auto* const sequence = core::CallSequence::current()) {
+        sequence->do_at_end([this] { return core::c_function([this] { finish_sequence(); }); });
+    } else {
+        finish_sequence();
+    }
+}
+
+void Database::finish_sequence() const {
+    if (sequence_.empty()) {
+        return;
+    }
+    const auto changes = std::exchange(sequence_, {});
+    try {
+        with_room([&] { write_changes(changes); });
+    } catch (const std::system_error& fault) {
+        if (fault.code() != std::errc::no_space_on_device || changes.size() == 1) {
+            throw;
+        }
+        // What comes before the one that does not fit is written all the same.
+        for (const auto& change : changes) {
+            write_changes({&change, 1});
+        }
+    }
+}
+
+void Database::write_changes(std::span<const Change> changes) const {
     WriteTransaction transaction(environment_);
     RecordWriter writer(transaction);
-    for (const auto& id : writer.list(Store::candidate)) {
-        writer.reject(id);
+    for (const auto& [id, record] : changes) {
+        writer.set_candidate(id, *record);
     }
     transaction.commit();
 }
 
+core::Result<std::uint64_t> Database::commit(const Acceptance& accept, ipc::Address by) const {
+    finish_sequence();
+    static constexpr int most_attempts = 5;
+    for (int attempt = 0; attempt < most_attempts; ++attempt) {
+        Candidate accepted;
+        if (accept) {
+            BOOST_OUTCOME_TRY(const auto changes, with_room([&] { return check_candidate(environment_, accepted); }));
+            BOOST_OUTCOME_TRYV(accept(changes));
+        }
+        BOOST_OUTCOME_TRY(const auto number,
+                          with_room([&] { return run_candidate(environment_, accept ? &accepted : nullptr, by); }));
+        if (number) {
+            return *number;
+        }
+    }
+    return core::ErrorPayload(core::Error::InvalidState, "configuration: Another client keeps changing the candidate");
+}
+
+void Database::rollback() const {
+    finish_sequence();
+    with_room([&] {
+        WriteTransaction transaction(environment_);
+        transaction.erase_all(Key(Store::candidate));
+        transaction.commit();
+    });
+}
+
 void Database::save(const std::string& path) const {
+    finish_sequence();
     std::string text;
     {
         const ReadTransaction transaction(environment_);
@@ -133,18 +246,22 @@ void Database::save(const std::string& path) const {
 }
 
 void Database::set_candidate_to_factory() const {
-    WriteTransaction transaction(environment_);
-    RecordWriter writer(transaction);
-    for (const auto store : {Store::candidate, Store::running}) {
-        for (const auto& id : writer.list(store)) {
-            writer.set_candidate(id, factory_record(id));
+    finish_sequence();
+    with_room([&] {
+        WriteTransaction transaction(environment_);
+        RecordWriter writer(transaction);
+        for (const auto store : {Store::candidate, Store::running}) {
+            for (const auto& id : writer.list(store)) {
+                writer.set_candidate(id, factory_record(id));
+            }
         }
-    }
-    transaction.commit();
+        transaction.commit();
+    });
 }
 
 void Database::restart() const {
-    restart_from_saved(environment_);
+    finish_sequence();
+    with_room([&] { restart_from_saved(environment_); });
 }
 
 std::optional<User_record> Database::find_user(std::string_view name) const {

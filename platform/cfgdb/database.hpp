@@ -5,12 +5,14 @@
 #include "cfgdb/records.hpp"
 #include "xpon/cfgdb/user_record.hpp"
 #include "xpon/core/result.hpp"
+#include "xpon/ipc/address.hpp"
 
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 namespace xpon::cfgdb {
@@ -34,17 +36,18 @@ public:
     void read_all(Store store, ElementId id, std::byte* out) const;
 
     /// Sets one record of the candidate. Throws std::system_error EINVAL for a record that no reader makes, such as a
-    /// list of more elements than it has room for.
+    /// list of more elements than it has room for. The writes of a core::CallSequence become one transaction at its
+    /// end or, if that does not fit, as many as do, in their order.
     void write(const RecordId& id, const std::byte* record) const;
 
-    /// Puts a record of the candidate, and those of the elements below it, back to factory state.
+    /// Puts a record of the candidate, and those of the elements below it, back to factory state. The same holds.
     void reset(const RecordId& id) const;
 
     /// Judges the changes of a commit that has passed all checks; its error refuses them.
     using Acceptance = std::function<core::Result<void>(std::span<const RecordId> changes)>;
-    /// Makes the candidate's changes run, all or none, and returns what changed. Errors: Empty, InvalidState, that of
-    /// `accept`.
-    [[nodiscard]] core::Result<std::vector<RecordId>> commit(const Acceptance& accept) const;
+    /// Makes the candidate's changes run, all or none, and returns the number of the commit. Nothing is locked while
+    /// `accept`, which may be empty, judges. Errors: Empty, InvalidState, that of `accept`.
+    [[nodiscard]] core::Result<std::uint64_t> commit(const Acceptance& accept, ipc::Address by = {}) const;
 
     void rollback() const;
 
@@ -62,7 +65,21 @@ public:
     }
 
 private:
+    /// A record of the candidate and what it is to become; the bytes may be shared by many.
+    struct Change {
+        RecordId id;
+        std::shared_ptr<const std::vector<std::byte>> record;
+    };
+
+    void add_change(const RecordId& id, Bytes record) const;
+    void settle_changes() const;
+    void finish_sequence() const;
+    void write_changes(std::span<const Change> changes) const;
+    template <class Step>
+    std::invoke_result_t<Step> with_room(const Step& step) const;
+
     Environment environment_;
+    mutable std::vector<Change> sequence_; ///< what the call sequence that is going on has set so far
 };
 
 /// The database behind the handle that C functions get. Throws std::system_error EINVAL for null.

@@ -3,16 +3,25 @@
 #include "cfgdb/ont_number.hpp"
 
 #include <algorithm>
+#include <cstddef>
 #include <set>
+#include <span>
 
 namespace xpon::cfgdb {
 namespace {
 
-template <class Profile>
-void add_reference(EffectiveOnt& ont, std::uint8_t number) {
-    if (number != 0) {
-        ont.references.push_back({element_of<Profile>, number});
-    }
+template <class Record>
+const serializer::Table& table_of() {
+    return element(element_of<Record>).table;
+}
+
+template <class Record>
+Bytes bytes_of(const Record& record) {
+    return std::as_bytes(std::span(&record, 1));
+}
+
+void append(std::vector<Reference>& references, const std::vector<Reference>& more) {
+    references.insert(references.end(), more.begin(), more.end());
 }
 
 OntTemplate template_of(const Records& records, const PonOnt& ont) {
@@ -20,6 +29,40 @@ OntTemplate template_of(const Records& records, const PonOnt& ont) {
         return {};
     }
     return records.running<OntTemplate>(static_cast<std::uint16_t>(ont.ont_template - 1));
+}
+
+/// Those of the ONT as a whole: what it does not choose itself comes from the template.
+std::vector<Reference> references_of_ont(const PonOnt& ont, const OntTemplate& bundle) {
+    auto references = own_references(table_of<PonOnt>(), bytes_of(ont));
+    auto from_template = own_references(table_of<OntTemplate>(), bytes_of(bundle));
+    std::erase_if(from_template, [&](const Reference& reference) {
+        return std::ranges::find(references, reference.element, &Reference::element) != references.end();
+    });
+    append(references, from_template);
+    return references;
+}
+
+template <class Profile>
+std::uint8_t number_in(const std::vector<Reference>& references) {
+    const auto found = std::ranges::find(references, element_of<Profile>, &Reference::element);
+    return found == references.end() ? std::uint8_t{0} : found->number;
+}
+
+/// The table of the services of a template.
+const serializer::Table& template_service_table() {
+    const auto fields = table_of<OntTemplate>().fields;
+    return *std::ranges::find(fields, offsetof(OntTemplate, services), &serializer::Field::offset)->child;
+}
+
+std::vector<Reference> references_of_service(const OntServices& own, const TemplateService& from_template) {
+    switch (own.mode) {
+    case OntServices::from_template:
+        return own_references(template_service_table(), bytes_of(from_template));
+    case OntServices::custom:
+        return own_references(table_of<OntServices>(), bytes_of(own));
+    default:
+        return {};
+    }
 }
 
 /// The profiles of a service before they are looked up; no cross-connect profile: no service.
@@ -72,19 +115,15 @@ EffectiveOnt evaluate_ont(const Records& records, std::uint16_t index, const Pon
     ont.index = index;
     ont.record = record;
     const auto bundle = template_of(records, record);
-    const auto choose = [](std::uint8_t own, std::uint8_t from_template) { return own != 0 ? own : from_template; };
-    ont.ports_profile = choose(record.ports_profile, bundle.ports_profile);
-    ont.management_profile = choose(record.management_profile, bundle.management_profile);
-    ont.shaping_profile = choose(record.shaping_profile, bundle.shaping_profile);
-    add_reference<OntTemplate>(ont, record.ont_template);
-    add_reference<ProfileOntPortsCfg>(ont, ont.ports_profile);
-    add_reference<ProfileOntManagementCfg>(ont, ont.management_profile);
-    add_reference<ProfileOntShaping>(ont, ont.shaping_profile);
+    ont.references = references_of_ont(record, bundle);
+    ont.ports_profile = number_in<ProfileOntPortsCfg>(ont.references);
+    ont.management_profile = number_in<ProfileOntManagementCfg>(ont.references);
+    ont.shaping_profile = number_in<ProfileOntShaping>(ont.references);
     for (std::uint16_t position = 0; position < services_per_ont; ++position) {
         ont.own_services.push_back(records.running<OntServices>(index, position));
-        const auto profiles = profiles_of(ont.own_services.back(), bundle.services[position]);
-        add_reference<ProfileOntCrossConnect>(ont, profiles.cross_connect);
-        add_reference<ProfileOntDba>(ont, profiles.dba);
+        const auto& own = ont.own_services.back();
+        append(ont.references, references_of_service(own, bundle.services[position]));
+        const auto profiles = profiles_of(own, bundle.services[position]);
         if (profiles.cross_connect != 0) {
             add_service(ont, records, position, profiles);
         }

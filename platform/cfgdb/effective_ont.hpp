@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cfgdb/records.hpp"
+#include "cfgdb/references.hpp"
 
 #include <cstdint>
 #include <vector>
@@ -18,14 +19,6 @@ struct EffectiveService {
     ProfileOntCrossConnect profile;
 };
 
-/// A profile or template that an ONT refers to, itself or through its template.
-struct Reference {
-    ElementId element;
-    std::uint8_t number; ///< from 1
-
-    auto operator<=>(const Reference&) const = default;
-};
-
 /// A configured ONT with everything that the checks want to know of it.
 struct EffectiveOnt {
     std::uint16_t index; ///< flat, from 0
@@ -35,7 +28,7 @@ struct EffectiveOnt {
     std::uint8_t shaping_profile;
     std::vector<OntServices> own_services;  ///< the records, one per service
     std::vector<EffectiveService> services; ///< those whose cross-connect profile is defined
-    std::vector<Reference> references;      ///< without repeats, in order
+    std::vector<Reference> references;      ///< its own, and what it gets by its template; without repeats, in order
     std::uint64_t guaranteed_kbps;          ///< fixed and assured bandwidth of all its T-CONTs
 };
 

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "cfgdb/attendant.hpp"
+
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -14,6 +17,9 @@ void check_lmdb(int status, const char* step);
 /// An open LMDB environment with its one, unnamed database. A process may open a file once only. The folder is
 /// volatile, so nothing is synced: what a killed process left is consistent all the same, because the pages survive in
 /// the system's cache and the last page written is the one that makes a transaction count.
+///
+/// Other processes cannot hold this one up: a process that is stopped while it has a lock of the database costs those
+/// who want it ETIMEDOUT, and pages that only a dead reader keeps from reuse are freed.
 class Environment {
 public:
     /// Opens or creates the database in `folder`, which is made when it is missing, for the owner alone. Throws
@@ -23,11 +29,14 @@ public:
     Environment(const Environment&) = delete;
     Environment& operator=(const Environment&) = delete;
 
-    [[nodiscard]] MDB_env* handle() const {
-        return environment_.get();
-    }
     [[nodiscard]] MDB_dbi database() const {
         return database_;
+    }
+
+    /// From now on somebody waits for every call. Whoever opens a database waits longer than that: another process may
+    /// be filling it.
+    void serve_clients() {
+        patience_ = patience_with_others;
     }
 
     /// A reading transaction that sees the present state. It is kept between uses: renewing one is far cheaper than
@@ -37,19 +46,30 @@ public:
     void release_reader(MDB_txn* reader) const;
     /// @}
 
+    /// The one writing transaction that there is at a time, and its end. All of its kind are begun and ended by one
+    /// thread, which LMDB's lock belongs to.
+    /// @{
+    [[nodiscard]] MDB_txn* begin_writing() const;
+    void commit(MDB_txn* writer) const;
+    void abort(MDB_txn* writer) const;
+    /// @}
+
+    /// A process that was killed while it read leaves its reader slot, and the slot keeps old pages from reuse.
+    /// Returns whether there were such slots.
+    bool clear_dead_readers() const;
+
 private:
-    struct Closer {
-        void operator()(MDB_env* environment) const {
-            mdb_env_close(environment);
-        }
-    };
+    using Handle = std::shared_ptr<MDB_env>;
 
     void open(const std::string& folder);
-    int try_to_open(const std::string& folder);
+    [[nodiscard]] int begin(unsigned flags, MDB_txn*& transaction) const;
 
-    std::unique_ptr<MDB_env, Closer> environment_;
+    Handle environment_;
     MDB_dbi database_ = 0;
+    std::chrono::milliseconds patience_{3000};
     mutable MDB_txn* idle_reader_ = nullptr;
+    mutable unsigned writes_ = 0;
+    mutable Attendant attendant_;
 };
 
 } // namespace xpon::cfgdb

@@ -1,6 +1,9 @@
 #include "cfgdb/file_descriptor.hpp"
 
+#include "cfgdb/attendant.hpp"
+
 #include <cerrno>
+#include <memory>
 #include <system_error>
 
 #include <sys/file.h>
@@ -29,7 +32,19 @@ FileDescriptor::FileDescriptor(const std::string& path, int flags)
 }
 
 void FileDescriptor::lock() const {
-    require_file_step(flock(fd_.get(), LOCK_EX) == 0, "flock", path_);
+    if (flock(fd_.get(), LOCK_EX | LOCK_NB) == 0) {
+        return;
+    }
+    require_file_step(errno == EWOULDBLOCK, "flock", path_);
+    // The wait may outlive this object, and so has a descriptor of its own.
+    const auto copy = std::make_shared<core::UniqueFd>(fcntl(fd_.get(), F_DUPFD_CLOEXEC, 0));
+    require_file_step(copy->get() >= 0, "dup", path_);
+    const auto fault = std::make_shared<int>(0);
+    Attendant attendant;
+    const bool in_time =
+        attendant.run([=] { *fault = flock(copy->get(), LOCK_EX) == 0 ? 0 : errno; }, [] {}, patience_with_others);
+    errno = in_time ? *fault : ETIMEDOUT;
+    require_file_step(errno == 0, "flock", path_);
 }
 
 void FileDescriptor::sync() const {

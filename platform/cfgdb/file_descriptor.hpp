@@ -18,7 +18,8 @@ class FileDescriptor {
 public:
     FileDescriptor(const std::string& path, int flags);
 
-    /// Waits until no other descriptor holds the lock; closing gives it back, as does the end of the process.
+    /// Waits until no other descriptor holds the lock, but not for ever: ETIMEDOUT. Closing gives it back, as does the
+    /// end of the process.
     void lock() const;
     void sync() const;
     [[nodiscard]] off_t size() const;

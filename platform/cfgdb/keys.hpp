@@ -14,7 +14,7 @@
 namespace xpon::cfgdb {
 
 /// What an entry belongs to: the first byte of its key.
-enum class Store : std::uint8_t { meta, users, running, candidate, index };
+enum class Store : std::uint8_t { meta, users, running, candidate, index, commits };
 
 /// A key, built from its parts. Numbers are written most significant byte first, so that keys sort as numbers do.
 class Key {

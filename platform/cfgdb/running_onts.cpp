@@ -14,16 +14,13 @@ namespace {
 using serializer::Stamp;
 
 void add_profiles(Stamp& stamp, const Records& records, const EffectiveOnt& ont) {
-    // Every profile begins with its name.
-    static constexpr std::size_t name_size = sizeof ProfileOntDba::name;
     for (const auto& reference : ont.references) {
         if (reference.element == element_of<OntTemplate>) {
-            continue;
+            continue; // what an ONT gets by its template is there itself
         }
         stamp.add(static_cast<std::int64_t>(reference.element));
         stamp.add(std::int64_t{reference.number});
-        const RecordId id{reference.element, {static_cast<std::uint16_t>(reference.number - 1), 0}};
-        stamp.add(records.running(id).subspan(name_size));
+        stamp.add(Bytes(without_labels(element(reference.element).table, records.running(reference.id()))));
     }
 }
 
@@ -105,40 +102,54 @@ bool has_upstream_fec(const Records& records, const PonOnt& ont) {
     return records.running<OntTemplate>(static_cast<std::uint16_t>(ont.ont_template - 1)).upstream_fec != 0;
 }
 
+RunningOnt running_ont(const Records& records, std::uint16_t index, const PonOnt& record) {
+    const auto effective = evaluate_ont(records, index, record);
+    const bool upstream_fec = has_upstream_fec(records, record);
+    const auto shaping = profile_of<ProfileOntShaping>(records, effective.shaping_profile);
+    const auto ports = profile_of<ProfileOntPortsCfg>(records, effective.ports_profile);
+    const auto management = profile_of<ProfileOntManagementCfg>(records, effective.management_profile);
+    auto services = services_of(records, effective, shaping);
+    unsigned tconts = 0;
+    for (const auto& service : services) {
+        tconts = std::max(tconts, service.tcont + 1U);
+    }
+    return {.index = index,
+            .serial = record.serial,
+            .enabled = record.enabled != 0,
+            .upstream_fec = upstream_fec,
+            .password = record.password,
+            .services = std::move(services),
+            .tconts = static_cast<std::uint8_t>(tconts),
+            .downstream_kbps = shaping.downstream_kbps,
+            .upstream_kbps = shaping.upstream_kbps,
+            .pm_collection = management.pm_collection != 0,
+            .immediate_leave = ports.immediate_leave != 0,
+            .max_groups = ports.max_groups,
+            .provision = provision_of(records, effective, upstream_fec)};
+}
+
+void read_slice(const Environment& environment, std::span<const std::uint16_t> indices, std::vector<RunningOnt>& onts) {
+    const ReadTransaction transaction(environment);
+    const Records records(transaction);
+    for (const auto index : indices) {
+        const auto record = records.running<PonOnt>(index);
+        if (record.serial != 0) {
+            onts.push_back(running_ont(records, index, record));
+        }
+    }
+}
+
 } // namespace
 
 std::vector<RunningOnt> read_running_onts(const void* db, std::span<const std::uint16_t> indices) {
-    const ReadTransaction transaction(database_of(db).environment());
-    const Records records(transaction);
+    // What a transaction sees is kept for it, whatever others write meanwhile: a few milliseconds are enough.
+    static constexpr std::size_t most_at_once = 64;
+    const auto& environment = database_of(db).environment();
     std::vector<RunningOnt> onts;
-    for (const auto index : indices) {
-        const auto record = records.running<PonOnt>(index);
-        if (record.serial == 0) {
-            continue;
-        }
-        const auto effective = evaluate_ont(records, index, record);
-        const bool upstream_fec = has_upstream_fec(records, record);
-        const auto shaping = profile_of<ProfileOntShaping>(records, effective.shaping_profile);
-        const auto ports = profile_of<ProfileOntPortsCfg>(records, effective.ports_profile);
-        const auto management = profile_of<ProfileOntManagementCfg>(records, effective.management_profile);
-        auto services = services_of(records, effective, shaping);
-        unsigned tconts = 0;
-        for (const auto& service : services) {
-            tconts = std::max(tconts, service.tcont + 1U);
-        }
-        onts.push_back({.index = index,
-                        .serial = record.serial,
-                        .enabled = record.enabled != 0,
-                        .upstream_fec = upstream_fec,
-                        .password = record.password,
-                        .services = std::move(services),
-                        .tconts = static_cast<std::uint8_t>(tconts),
-                        .downstream_kbps = shaping.downstream_kbps,
-                        .upstream_kbps = shaping.upstream_kbps,
-                        .pm_collection = management.pm_collection != 0,
-                        .immediate_leave = ports.immediate_leave != 0,
-                        .max_groups = ports.max_groups,
-                        .provision = provision_of(records, effective, upstream_fec)});
+    while (!indices.empty()) {
+        const auto count = std::min(indices.size(), most_at_once);
+        read_slice(environment, indices.first(count), onts);
+        indices = indices.subspan(count);
     }
     return onts;
 }

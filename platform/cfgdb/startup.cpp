@@ -1,6 +1,7 @@
 #include "cfgdb/startup.hpp"
 
 #include "cfgdb/commit.hpp"
+#include "cfgdb/commit_log.hpp"
 #include "cfgdb/durable_file.hpp"
 #include "cfgdb/ont_index.hpp"
 #include "cfgdb/saved_configuration.hpp"
@@ -102,6 +103,7 @@ void start(const Environment& environment, const std::function<bool(WriteTransac
             return;
         }
         if (apply(transaction, *records, path)) {
+            log_replacement(transaction);
             transaction.commit();
             core::log(database_log(), core::LogLevel::Info, "Started with the saved configuration {}", path);
             return;
@@ -109,6 +111,7 @@ void start(const Environment& environment, const std::function<bool(WriteTransac
     }
     WriteTransaction transaction(environment);
     if (prepare(transaction)) {
+        log_replacement(transaction);
         transaction.commit();
         core::log(database_log(), core::LogLevel::Info, "Started with the factory configuration");
     }
@@ -137,6 +140,7 @@ void bring_up_to_date(const Environment& environment) {
     }
     rebuild_ont_index(transaction);
     put_fill_mark(transaction);
+    log_replacement(transaction);
     transaction.commit();
 }
 

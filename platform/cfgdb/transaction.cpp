@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 #include <utility>
+#include <vector>
 
 namespace xpon::cfgdb {
 namespace {
@@ -13,12 +14,6 @@ MDB_val to_value(Bytes bytes) {
 
 Bytes to_bytes(const MDB_val& value) {
     return {static_cast<const std::byte*>(value.mv_data), value.mv_size};
-}
-
-MDB_txn* begin_writing(const Environment& environment) {
-    MDB_txn* transaction = nullptr;
-    check_lmdb(mdb_txn_begin(environment.handle(), nullptr, 0, &transaction), "mdb_txn_begin");
-    return transaction;
 }
 
 struct CursorCloser {
@@ -68,11 +63,11 @@ ReadTransaction::~ReadTransaction() {
 }
 
 WriteTransaction::WriteTransaction(const Environment& environment)
-    : Transaction(environment, begin_writing(environment)) {}
+    : Transaction(environment, environment.begin_writing()) {}
 
 WriteTransaction::~WriteTransaction() {
     if (transaction_ != nullptr) {
-        mdb_txn_abort(transaction_);
+        environment_.abort(transaction_);
     }
 }
 
@@ -90,8 +85,19 @@ void WriteTransaction::erase(Bytes key) {
     }
 }
 
+void WriteTransaction::erase_all(Bytes prefix) {
+    std::vector<std::vector<std::byte>> keys;
+    visit(prefix, prefix, [&](Bytes key, Bytes) {
+        keys.emplace_back(key.begin(), key.end());
+        return true;
+    });
+    for (const auto& key : keys) {
+        erase(key);
+    }
+}
+
 void WriteTransaction::commit() {
-    check_lmdb(mdb_txn_commit(std::exchange(transaction_, nullptr)), "mdb_txn_commit");
+    environment_.commit(std::exchange(transaction_, nullptr));
 }
 
 } // namespace xpon::cfgdb

@@ -38,7 +38,8 @@ public:
     ~ReadTransaction();
 };
 
-/// There is one at a time, in all processes together; the next waits. Without commit() nothing happens.
+/// There is one at a time, in all processes together; the next waits, but not for ever: std::system_error ETIMEDOUT.
+/// Without commit() nothing happens.
 class WriteTransaction : public Transaction {
 public:
     explicit WriteTransaction(const Environment& environment);
@@ -47,6 +48,8 @@ public:
     void put(Bytes key, Bytes value);
     /// Nothing happens when there is no such entry.
     void erase(Bytes key);
+    /// Erases the entries whose keys start with `prefix`.
+    void erase_all(Bytes prefix);
     void commit();
 };
 

@@ -26,6 +26,9 @@ struct Ipc {
     Ipc& operator=(const Ipc&) = delete;
     virtual ~Ipc() = default;
 
+    /// The address that peers know this endpoint by.
+    [[nodiscard]] virtual xpon::ipc::Address own_address() const noexcept = 0;
+
     /// Asks `peer` and waits for its answer. Statuses of its own beside those of the peer: ENOTCONN for a peer that
     /// was never connected, ECONNREFUSED, at once, when the peer's process is gone, ECONNRESET when it went while
     /// it was asked, ETIMEDOUT when no answer came in time, EHOSTDOWN, at once, while a peer that timed out has not
@@ -34,17 +37,11 @@ struct Ipc {
     virtual Reply request(xpon::ipc::Address peer, std::uint16_t operation, std::span<const std::byte> payload,
                           std::chrono::milliseconds deadline) noexcept = 0;
 
-    /// A peer's answer that is an error.
-    struct Refusal {
-        xpon::ipc::Address peer;
-        int status;
-    };
-
-    /// Asks every peer that is up, all at the same time, and waits for their answers. Empty when none of them is an
-    /// error; else the first in the order of addresses. A peer that gives no answer, or does not know the operation
-    /// (EOPNOTSUPP), is passed over.
-    virtual std::optional<Refusal> ask_all(std::uint16_t operation, std::span<const std::byte> payload,
-                                           std::chrono::milliseconds deadline) noexcept = 0;
+    /// Asks every peer that is up, all at the same time, and waits for their answers. The first in the order of
+    /// addresses that says no (EPERM). A peer that gives no answer or any other one is passed over, and one that owes
+    /// its answer is not asked again before it has given it.
+    virtual std::optional<xpon::ipc::Address> ask_all(std::uint16_t operation, std::span<const std::byte> payload,
+                                                      std::chrono::milliseconds deadline) noexcept = 0;
 
     /// Sends every connected peer a message that wants no answer. Never waits; a peer that cannot take it misses it.
     virtual void notify_all(std::uint16_t operation, std::span<const std::byte> payload) noexcept = 0;

@@ -12,7 +12,7 @@
 namespace xpon::ipc {
 
 /// Raised with every change of a payload's layout: both sides of a device are of one release.
-inline constexpr std::uint16_t protocol_version = 1;
+inline constexpr std::uint16_t protocol_version = 2;
 inline constexpr std::uint32_t protocol_magic = 0x43504958; // "XIPC"
 
 /// No message is larger, so that a faulty peer cannot make its reader run out of memory.

@@ -99,17 +99,29 @@ std::optional<std::uint32_t> PeerConnection::begin_request(std::uint16_t operati
     if (!is_up_ || !monitor_.is_connected() || payload.size() + sizeof(MessageHeader) > max_message_bytes) {
         return std::nullopt;
     }
+    if (owed_ && owed_->breaks == monitor_.breaks()) {
+        Ipc::Reply late;
+        if (await_answer(owed_->id, Clock::now(), late) != 0) {
+            return std::nullopt;
+        }
+    }
+    owed_.reset();
     const auto id = ++last_id_;
     return send(MessageKind::request, operation, id, payload) ? std::optional(id) : std::nullopt;
 }
 
 std::optional<Ipc::Reply> PeerConnection::finish_request(std::uint32_t id, Clock::time_point deadline) {
     Ipc::Reply answer;
-    if (const int cause = await_answer(id, deadline, answer)) {
-        mark_down(cause);
-        return std::nullopt;
+    const int cause = await_answer(id, deadline, answer);
+    if (cause == 0) {
+        return answer;
     }
-    return answer;
+    if (cause == ETIMEDOUT) {
+        owed_ = {id, monitor_.breaks()};
+    } else {
+        mark_down(cause);
+    }
+    return std::nullopt;
 }
 
 void PeerConnection::notify(std::uint16_t operation, std::span<const std::byte> payload) {
@@ -177,6 +189,9 @@ std::optional<int> PeerConnection::take_message(std::uint32_t id, Ipc::Reply& an
     if (header.version != protocol_version) {
         peer_version_ = header.version;
         return EPROTO;
+    }
+    if (header.kind == MessageKind::answer && owed_ && header.id == owed_->id) {
+        owed_.reset();
     }
     if (header.kind != MessageKind::answer || header.id != id) {
         return EAGAIN;

@@ -46,10 +46,10 @@ public:
     Ipc::Reply request(std::uint16_t operation, std::span<const std::byte> payload, std::chrono::milliseconds deadline);
     void notify(std::uint16_t operation, std::span<const std::byte> payload);
 
-    /// A request whose answer is fetched later, by its number; empty when the peer is down or does not take it at
-    /// once.
+    /// A request whose answer is fetched later, by its number; empty when the peer is down, does not take it at once,
+    /// or owes the answer to one before.
     std::optional<std::uint32_t> begin_request(std::uint16_t operation, std::span<const std::byte> payload);
-    /// Empty without an answer.
+    /// Empty without an answer. A peer that takes longer may still answer other requests in their time.
     std::optional<Ipc::Reply> finish_request(std::uint32_t id, Clock::time_point deadline);
 
 private:
@@ -79,6 +79,12 @@ private:
     ConnectionMonitor monitor_;
     bool is_up_ = false;
     std::uint32_t last_id_ = 0;
+    /// An answer that was not waited for to the end.
+    struct Owed {
+        std::uint32_t id;
+        std::uint64_t breaks; ///< with its connection the answer is lost
+    };
+    std::optional<Owed> owed_;
     std::uint16_t peer_version_ = protocol_version;
     std::uint32_t probe_id_ = 0;
     std::optional<Clock::time_point> last_probe_; ///< of the connection that stands

@@ -32,6 +32,10 @@ public:
         });
     }
 
+    [[nodiscard]] Address own_address() const noexcept override {
+        return own_;
+    }
+
     Reply request(Address peer, std::uint16_t operation, std::span<const std::byte> payload,
                   std::chrono::milliseconds deadline) noexcept override {
         auto reply = core::guarded(*logger_, [&]() -> core::Result<Reply> {
@@ -51,10 +55,10 @@ public:
         return reply ? std::move(reply).value() : Reply{EIO, {}};
     }
 
-    std::optional<Refusal> ask_all(std::uint16_t operation, std::span<const std::byte> payload,
+    std::optional<Address> ask_all(std::uint16_t operation, std::span<const std::byte> payload,
                                    std::chrono::milliseconds deadline) noexcept override {
         const auto end = Clock::now() + deadline;
-        const auto refusal = core::guarded(*logger_, [&]() -> core::Result<std::optional<Refusal>> {
+        const auto refusing = core::guarded(*logger_, [&]() -> core::Result<std::optional<Address>> {
             std::map<Address, std::uint32_t> asked;
             for (const auto& [address, connection] : peers_) {
                 if (const auto id = connection->begin_request(operation, payload)) {
@@ -63,17 +67,16 @@ public:
             }
             // All answers are fetched, also after a refusal: one that is left behind would cost its peer's next
             // request.
-            std::optional<Refusal> first;
+            std::optional<Address> first;
             for (const auto& [address, id] : asked) {
                 const auto reply = peers_.at(address)->finish_request(id, end);
-                const int status = reply ? reply->status : 0;
-                if (status != 0 && status != EOPNOTSUPP && !first) {
-                    first = {address, status};
+                if (reply && reply->status == EPERM && !first) {
+                    first = address;
                 }
             }
             return first;
         });
-        return refusal ? refusal.value() : std::nullopt;
+        return refusing ? refusing.value() : std::nullopt;
     }
 
     void notify_all(std::uint16_t operation, std::span<const std::byte> payload) noexcept override {

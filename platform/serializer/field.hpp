@@ -43,6 +43,13 @@ enum class Characters : std::uint8_t {
     hex,   ///< pairs of hexadecimal digits
 };
 
+/// What depends on a field.
+enum class Role : std::uint8_t {
+    content,
+    label, ///< nothing: it tells people what the record is
+    name,  ///< a label, but a record without it is not defined
+};
+
 /// One key of a record: the only description of it. Made by the builders of field_builders.hpp.
 struct Field {
     const char* key = "";
@@ -57,7 +64,9 @@ struct Field {
     std::int64_t max = 0;           ///< the same, or elements of an array or list, or ports
     std::int64_t step = 1;
     std::int64_t default_number = 0;
-    const char* default_text = ""; ///< text, vlan_set
+    Role role = Role::content;
+    const Table& (*target)() = nullptr; ///< of a reference: the record type that it names by number; 0 = none
+    const char* default_text = "";      ///< text, vlan_set
     std::span<const char* const> names{};
     const Table* child = nullptr;   ///< object, or array and list of objects
     const Field* element = nullptr; ///< array and list of anything else; its offset is 0
@@ -72,7 +81,8 @@ struct Table {
     std::span<const Field> fields;
     std::uint32_t size;
     RecordRules rules;
-    std::uint64_t stamp; ///< changes with everything that changes the meaning of a stored record
+    std::uint64_t stamp;      ///< changes with everything that changes the meaning of a stored record
+    const char* profile_kind; ///< what kind of profile it is called, such as "dba"; empty for what is none
 };
 
 /// The description of a record type of the configuration; defined beside its field table in records/.
@@ -84,6 +94,16 @@ const Table& record_table();
     const Table& record_table<cfgdb::record>();
 XPON_CFGDB_ELEMENTS(XPON_DECLARE_TABLE)
 #undef XPON_DECLARE_TABLE
+
+/// How many records of a type there are; of one that others refer to, by the first index.
+template <class Record>
+extern const std::uint16_t record_count;
+
+#define XPON_COUNT_RECORDS(suffix, record, depth, size1, size2, path)                                                  \
+    template <>                                                                                                        \
+    inline constexpr std::uint16_t record_count<cfgdb::record> = size1;
+XPON_CFGDB_ELEMENTS(XPON_COUNT_RECORDS)
+#undef XPON_COUNT_RECORDS
 
 /// Null when no field of the table has the key.
 inline const Field* find_field(const Table& table, std::string_view key) {

@@ -104,6 +104,29 @@ consteval Field optional_text(Member<char[size]> member, Characters characters, 
     return field;
 }
 
+/// A text that nothing depends on.
+consteval Field label(Field text) {
+    require(text.kind == Kind::text);
+    text.role = Role::label;
+    return text;
+}
+
+/// The text without which a record is not defined.
+template <std::size_t size>
+consteval Field name(Member<char[size]> member) {
+    auto field = text(member, Characters::name);
+    field.role = Role::name;
+    return field;
+}
+
+/// The number from 1 of a record of another type; 0 = none.
+template <class Target>
+consteval Field reference(Member<std::uint8_t> member) {
+    auto field = number(member, 0, record_count<Target>, 0);
+    field.target = &record_table<Target>;
+    return field;
+}
+
 /// `min` counts the bytes of the plain text of a secret that is set.
 consteval Field secret(Member<char[56]> member, std::int64_t min = 0) {
     auto field = field_of(Kind::secret, member);
@@ -201,7 +224,8 @@ void record_rules(const void* record, Contradictions& contradictions) {
 }
 
 template <class Record, std::size_t count>
-consteval Table make_table(const char* name, const Field (&fields)[count], RecordRules rules = nullptr) {
+consteval Table make_table(const char* name, const Field (&fields)[count], RecordRules rules = nullptr,
+                           const char* profile_kind = "") {
     static_assert(std::is_standard_layout_v<Record> && std::is_trivially_copyable_v<Record>);
     static_assert(count <= most_fields);
     Stamp stamp;
@@ -210,7 +234,12 @@ consteval Table make_table(const char* name, const Field (&fields)[count], Recor
     for (const auto& field : fields) {
         stamp.add(field);
     }
-    return {.name = name, .fields = fields, .size = sizeof(Record), .rules = rules, .stamp = stamp.value()};
+    return {.name = name,
+            .fields = fields,
+            .size = sizeof(Record),
+            .rules = rules,
+            .stamp = stamp.value(),
+            .profile_kind = profile_kind};
 }
 
 } // namespace xpon::serializer

@@ -1,6 +1,5 @@
 #include "simulator/peers/peer.hpp"
 
-#include "simulator/peers/change_notice.hpp"
 #include "xpon/peer_side/olt_root.hpp"
 
 #include <algorithm>
@@ -25,10 +24,7 @@ const Fault* Peer::fault(FaultKind kind) const {
 }
 
 bool Peer::is_up() const {
-    // Without the broker nobody reaches anybody.
-    const auto& plant = simulation_.plant();
-    return !plant.is_booting() && fault(FaultKind::peer_down) == nullptr &&
-           !plant.faults().has(FaultKind::peer_down, target_of("ipc-broker"));
+    return simulation_.runs(description_.address);
 }
 
 ipc::ServerAnswer Peer::handle(const ipc::ServerRequest& request) {
@@ -49,7 +45,7 @@ ipc::ServerAnswer Peer::handle(const ipc::ServerRequest& request) {
     } else if (route != routes.end()) {
         answer = this->answer(*route, request);
     }
-    answer.delay += greet(request).delay;
+    answer.delay += delay();
     last_answer_ = Clock::now();
     return answer;
 }
@@ -72,33 +68,22 @@ ipc::ServerAnswer Peer::answer(const PeerRoute& route, const ipc::ServerRequest&
 }
 
 ipc::ServerAnswer Peer::greet(const ipc::ServerRequest&) {
+    // Who greets may be a daemon that ended between a commit and the notice of it.
+    simulation_.advance();
+    return {0, {}, delay()};
+}
+
+std::chrono::milliseconds Peer::delay() const {
     const auto* const slow = fault(FaultKind::peer_slow);
-    ipc::ServerAnswer answer;
-    answer.delay = std::chrono::milliseconds(slow == nullptr ? 0 : static_cast<int>(slow->value));
-    return answer;
+    return std::chrono::milliseconds(slow == nullptr ? 0 : static_cast<int>(slow->value));
 }
 
-void Peer::notice(const ipc::ServerRequest& request) {
-    if (!is_up() ||
-        static_cast<peer_side::Operation>(request.operation) != peer_side::Operation::configuration_changed) {
-        return;
-    }
-    if (const auto changes = parse_change_notice(request.payload)) {
-        committed(request, *changes);
-    } else {
-        log(fmt::format("malformed notice of a commit by {:#010x}, {} bytes", request.client.value,
-                        request.payload.size()));
-    }
-}
-
-void Peer::committed(const ipc::ServerRequest&, std::span<const service::Config_change> changes) {
-    simulation_.configuration_changed(description_.address, changes);
+void Peer::notice(const ipc::ServerRequest&) {
+    simulation_.advance();
 }
 
 void Peer::start() {
     log("started");
-    // Commits that it missed while it was away.
-    simulation_.reload_configuration(description_.address);
 }
 
 void Peer::end() {

@@ -38,8 +38,8 @@ struct PeerDescription {
     }
 };
 
-/// A peer daemon: answers by its routes, unless a fault of the plant says otherwise, and tells the simulation of
-/// commits.
+/// A peer daemon: answers by its routes, unless a fault of the plant says otherwise. Whatever reaches it has the
+/// simulation follow the commits of before.
 class Peer : public ipc::IPeerHandler {
 public:
     Peer(const PeerDescription& description, Simulation& simulation);
@@ -51,7 +51,6 @@ public:
     [[nodiscard]] const PeerDescription& description() const {
         return description_;
     }
-    /// Whether the daemon runs: the OLT does, and no fault keeps it down.
     [[nodiscard]] bool is_up() const;
     /// Whether somebody may not have read an answer yet: a connection that ends takes it along.
     [[nodiscard]] bool has_just_answered() const;
@@ -61,16 +60,9 @@ public:
     void end();
     /// @}
 
-protected:
-    /// A commit whose notice was well-formed.
-    virtual void committed(const ipc::ServerRequest& request, std::span<const service::Config_change> changes);
-
-    [[nodiscard]] Simulation& simulation() const {
-        return simulation_;
-    }
-
 private:
     [[nodiscard]] const Fault* fault(FaultKind kind) const;
+    [[nodiscard]] std::chrono::milliseconds delay() const;
     ipc::ServerAnswer answer(const PeerRoute& route, const ipc::ServerRequest& request);
     void log(std::string_view text) const;
 

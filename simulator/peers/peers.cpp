@@ -1,23 +1,11 @@
 #include "simulator/peers/peers.hpp"
 
 #include "simulator/peers/peer_table.hpp"
-#include "simulator/peers/system_manager.hpp"
 
 namespace xpon::simulator {
-namespace {
-
-std::unique_ptr<Peer> make_peer(const PeerDescription& description, Simulation& simulation) {
-    if (description.address == peer_side::peers::system_manager) {
-        return std::make_unique<SystemManager>(description, simulation);
-    }
-    return std::make_unique<Peer>(description, simulation);
-}
-
-} // namespace
-
 Peers::Peers(Simulation& simulation) {
     for (const auto& description : peer_table) {
-        slots_.push_back({make_peer(description, simulation)});
+        slots_.push_back({std::make_unique<Peer>(description, simulation)});
     }
 }
 

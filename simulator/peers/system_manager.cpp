@@ -1,10 +1,6 @@
-#include "simulator/peers/system_manager.hpp"
-
-#include "simulator/peers/change_notice.hpp"
 #include "simulator/peers/peer_table.hpp"
 #include "simulator/reports/board_report.hpp"
 #include "xpon/custom_layer/commands.h"
-#include "xpon/peer_side/olt_root.hpp"
 
 #include <array>
 #include <climits>
@@ -83,14 +79,6 @@ std::span<const PeerRoute> system_manager_routes() {
         PeerRoute{Operation::select_image, select_image},
     };
     return routes;
-}
-
-SystemManager::SystemManager(const PeerDescription& description, Simulation& simulation)
-    : Peer(description, simulation), events_(below_olt_root("/var/log/events.log")) {}
-
-void SystemManager::committed(const ipc::ServerRequest& request, std::span<const service::Config_change> changes) {
-    events_.write(fmt::format("commit by {:#010x}: {}", request.client.value, summary_of(changes)));
-    Peer::committed(request, changes);
 }
 
 } // namespace xpon::simulator

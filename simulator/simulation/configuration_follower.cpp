@@ -3,15 +3,14 @@
 #include "xpon/cfgdb/element_functions.hpp"
 #include "xpon/peer_side/configuration_file.hpp"
 #include "xpon/peer_side/elements.hpp"
-#include "xpon/peer_side/operations.hpp"
 #include "xpon/peer_side/running_onts.hpp"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <numeric>
-#include <set>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace xpon::simulator {
@@ -19,17 +18,14 @@ namespace {
 
 namespace peers = peer_side::peers;
 
-/// What a change of an element means to the plant.
+/// What a change of an element means to the plant. What reaches ONTs, commits say themselves.
 enum class Effect : std::uint8_t {
-    none,
     fans,
     hostname,
     management,
     front_port,
     port_channel,
     pon_port,
-    ont,
-    all_onts
 };
 
 struct Row {
@@ -37,15 +33,13 @@ struct Row {
     ipc::Address peer; ///< whose business it is
 };
 
-constexpr Row nothing{Effect::none, {}};
+constexpr Row nothing{};
 constexpr Row fans{Effect::fans, peers::system_manager};
 constexpr Row hostname{Effect::hostname, peers::system_manager};
 constexpr Row management{Effect::management, peers::system_manager};
 constexpr Row front_port{Effect::front_port, peers::switch_chip};
 constexpr Row port_channel{Effect::port_channel, peers::switch_chip};
 constexpr Row pon_port{Effect::pon_port, peers::pon_state_machine};
-constexpr Row one_ont{Effect::ont, peers::pon_state_machine};
-constexpr Row profile{Effect::all_onts, peers::pon_state_machine};
 
 /// By type of record.
 template <class Record>
@@ -62,22 +56,6 @@ template <>
 constexpr Row row_of<cfgdb::PortChannel> = port_channel;
 template <>
 constexpr Row row_of<cfgdb::PonPort> = pon_port;
-template <>
-constexpr Row row_of<cfgdb::PonOnt> = one_ont;
-template <>
-constexpr Row row_of<cfgdb::OntServices> = one_ont;
-template <>
-constexpr Row row_of<cfgdb::OntTemplate> = profile;
-template <>
-constexpr Row row_of<cfgdb::ProfileOntPortsCfg> = profile;
-template <>
-constexpr Row row_of<cfgdb::ProfileOntCrossConnect> = profile;
-template <>
-constexpr Row row_of<cfgdb::ProfileOntManagementCfg> = profile;
-template <>
-constexpr Row row_of<cfgdb::ProfileOntDba> = profile;
-template <>
-constexpr Row row_of<cfgdb::ProfileOntShaping> = profile;
 
 /// By position in the list of elements.
 #define XPON_ROW(suffix, record, depth, size1, size2, path) row_of<cfgdb::record>,
@@ -121,12 +99,37 @@ void ConfigurationFollower::restart() {
 }
 
 void ConfigurationFollower::read_all() {
-    for (const auto peer : {peers::system_manager, peers::switch_chip, peers::pon_state_machine}) {
-        reload(peer);
+    for (auto& [peer, number] : followed_) {
+        number = cfgdb::running_number(database_.handle());
+        read_all_of(peer);
     }
 }
 
-void ConfigurationFollower::reload(ipc::Address peer) {
+std::uint64_t ConfigurationFollower::running_number() const {
+    return cfgdb::running_number(database_.handle());
+}
+
+std::optional<ConfigurationFollower::Followed> ConfigurationFollower::follow(ipc::Address peer, std::uint64_t number) {
+    const auto found = followed_.find(peer);
+    if (found == followed_.end() || found->second == number) {
+        return std::nullopt;
+    }
+    auto& followed = found->second;
+    auto since = cfgdb::running_commits_since(database_.handle(), followed);
+    bool concerns_plant = !since.is_complete;
+    if (since.is_complete) {
+        for (const auto& commit : since.commits) {
+            concerns_plant |= read_changed(peer, commit);
+        }
+    } else {
+        read_all_of(peer);
+    }
+    // Only now: after a fault of the database it is tried again.
+    followed = since.number;
+    return Followed{std::move(since), concerns_plant};
+}
+
+void ConfigurationFollower::read_all_of(ipc::Address peer) {
     if (peer == peers::system_manager) {
         read_fans();
         read_hostname();
@@ -134,19 +137,21 @@ void ConfigurationFollower::reload(ipc::Address peer) {
     } else if (peer == peers::switch_chip) {
         std::ranges::for_each(counted(front_ports), [this](auto index) { read_front_port(index); });
         std::ranges::for_each(counted(port_channels), [this](auto index) { read_port_channel(index); });
-    } else if (peer == peers::pon_state_machine) {
+    } else {
         std::ranges::for_each(counted(pon_ports), [this](auto index) { read_pon_port(index); });
         read_onts(counted(max_onts));
     }
 }
 
-bool ConfigurationFollower::follow(ipc::Address peer, std::span<const service::Config_change> changes) {
-    std::set<std::uint16_t> onts;
-    bool profiles_changed = false;
+bool ConfigurationFollower::read_changed(ipc::Address peer, const cfgdb::RunningCommit& commit) {
     bool concerns_plant = false;
-    for (const auto& change : changes) {
-        const auto& [effect, owner] = rows.at(change.element);
-        if (effect == Effect::none || owner != peer) {
+    if (peer == peers::pon_state_machine && !commit.onts.empty()) {
+        read_onts(commit.onts);
+        concerns_plant = true;
+    }
+    for (const auto& change : commit.changes) {
+        const auto& [effect, owner] = change.element < rows.size() ? rows.at(change.element) : nothing;
+        if (owner != peer) {
             continue;
         }
         concerns_plant = true;
@@ -167,19 +172,9 @@ bool ConfigurationFollower::follow(ipc::Address peer, std::span<const service::C
         case Effect::front_port:
             read_front_port(index);
             break;
-        case Effect::pon_port:
-            read_pon_port(index);
-            break;
-        case Effect::ont:
-            onts.insert(index);
-            break;
         default:
-            profiles_changed = true;
+            read_pon_port(index);
         }
-    }
-    read_onts(std::vector(onts.begin(), onts.end()));
-    if (profiles_changed) {
-        read_configured_onts();
     }
     return concerns_plant;
 }
@@ -254,14 +249,6 @@ void ConfigurationFollower::read_onts(std::span<const std::uint16_t> indices) {
     for (const auto& ont : onts) {
         configuration_.onts[ont.index] = ont;
     }
-}
-
-void ConfigurationFollower::read_configured_onts() {
-    std::vector<std::uint16_t> indices;
-    for (const auto& [index, settings] : configuration_.onts) {
-        indices.push_back(index);
-    }
-    read_onts(indices);
 }
 
 } // namespace xpon::simulator

@@ -2,7 +2,9 @@
 
 #include "simulator/files/device_files.hpp"
 #include "simulator/reports/board_report.hpp"
+#include "simulator/simulation/commit_summary.hpp"
 #include "xpon/peer_side/olt_root.hpp"
+#include "xpon/peer_side/operations.hpp"
 
 #include <system_error>
 #include <utility>
@@ -43,6 +45,7 @@ void Simulation::advance() {
     if (plant().faults().all().size() != faults_before) {
         write_facts();
     }
+    follow_commits();
 }
 
 void Simulation::advance_network() {
@@ -65,17 +68,57 @@ void Simulation::advance_network() {
     network_.advance(now);
 }
 
-void Simulation::configuration_changed(ipc::Address peer, std::span<const service::Config_change> changes) {
-    advance();
-    if (follower_.follow(peer, changes)) {
-        network_.happen(&Plant::configure, follower_.configuration());
+bool Simulation::runs(ipc::Address peer) const {
+    const auto is_down = [this](ipc::Address daemon) {
+        return plant().faults().has(FaultKind::peer_down,
+                                    {.where = FaultTarget::Where::peer, .peer = peer_side::name_of(daemon)});
+    };
+    // Without the broker nobody reaches anybody.
+    return !plant().is_booting() && !is_down(peer) && !is_down(peer_side::peers::ipc_broker);
+}
+
+void Simulation::follow_commits() {
+    // Another commit may come while one is read; but somebody waits for the plant.
+    static constexpr int most_rounds = 4;
+    try {
+        for (int round = 0; round < most_rounds && follow_last_commit(); ++round) {
+        }
+        if (plant_is_behind_) {
+            network_.happen(&Plant::configure, follower_.configuration());
+            plant_is_behind_ = false;
+        }
+        configuration_is_unreadable_ = false;
+    } catch (const std::system_error& fault) {
+        // The plant goes on as it is; the next use of it tries again.
+        if (!std::exchange(configuration_is_unreadable_, true)) {
+            events_.write(fmt::format("commits cannot be followed: {}", fault.what()));
+        }
     }
 }
 
-void Simulation::reload_configuration(ipc::Address peer) {
-    advance();
-    follower_.reload(peer);
-    network_.happen(&Plant::configure, follower_.configuration());
+/// False when every daemon that runs has followed it already.
+bool Simulation::follow_last_commit() {
+    const auto number = follower_.running_number();
+    bool had_missed = false;
+    for (const auto& [peer, name] : peer_side::peer_names) {
+        const auto followed = runs(peer) ? follower_.follow(peer, number) : std::nullopt;
+        had_missed = had_missed || followed;
+        plant_is_behind_ = plant_is_behind_ || (followed && followed->concerns_plant);
+        if (followed && peer == peer_side::peers::system_manager) {
+            note_commits(followed->commits);
+        }
+    }
+    return had_missed;
+}
+
+/// The system manager keeps the record for all daemons.
+void Simulation::note_commits(const cfgdb::RunningCommits& commits) const {
+    for (const auto& commit : commits.commits) {
+        events_.write(fmt::format("commit by {:#010x}: {}", commit.by.value, summary_of(commit.changes)));
+    }
+    if (!commits.is_complete) {
+        events_.write("commits were missed: the running configuration was read anew");
+    }
 }
 
 void Simulation::set_fault(Fault fault, PlantTime lasts) {

@@ -6,11 +6,9 @@
 #include "simulator/simulation/configuration_follower.hpp"
 #include "simulator/subscribers/access_network.hpp"
 #include "xpon/peer_side/device_facts.h"
-#include "xpon/service/config_change.hpp"
 
 #include <functional>
 #include <map>
-#include <span>
 #include <string>
 #include <string_view>
 
@@ -45,7 +43,8 @@ public:
     Simulation(const Simulation&) = delete;
     Simulation& operator=(const Simulation&) = delete;
 
-    /// Brings the plant to the present. Every use of the plant begins with it.
+    /// Brings the plant to the present, with the configuration of the last commit in force. Every use of the plant, and
+    /// of its clock, begins with it.
     void advance();
     [[nodiscard]] const AccessNetwork& network() const {
         return network_;
@@ -57,11 +56,8 @@ public:
         return clock_;
     }
 
-    /// A peer heard of a commit, or came back and reads its part of the configuration anew.
-    /// @{
-    void configuration_changed(ipc::Address peer, std::span<const service::Config_change> changes);
-    void reload_configuration(ipc::Address peer);
-    /// @}
+    /// Whether a daemon of the OLT runs: the OLT does, and no fault keeps it down.
+    [[nodiscard]] bool runs(ipc::Address peer) const;
 
     void set_fault(Fault fault, PlantTime lasts);
     bool clear_fault(const FaultRule& rule, const FaultTarget& target);
@@ -109,6 +105,9 @@ public:
 
 private:
     void advance_network();
+    void follow_commits();
+    bool follow_last_commit();
+    void note_commits(const cfgdb::RunningCommits& commits) const;
     [[nodiscard]] Firmware make_firmware(const Options& options) const;
     [[nodiscard]] Device_facts present_facts() const;
     void write_facts();
@@ -123,6 +122,8 @@ private:
     std::map<std::string, Snapshot> snapshots_;
     bool is_advancing_ = false;
     bool facts_are_old_ = false;
+    bool plant_is_behind_ = false; ///< of what the follower has read
+    bool configuration_is_unreadable_ = false;
 };
 
 } // namespace xpon::simulator

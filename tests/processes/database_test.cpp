@@ -4,10 +4,17 @@
 #include "tests/support/recording_logger.hpp"
 #include "tests/support/temporary_olt_root.hpp"
 #include "tests/unit/platform/cfgdb/edits.hpp"
+#include "xpon/cfgdb/element_functions.hpp"
 #include "xpon/peer_side/database_log.hpp"
 
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <optional>
 #include <vector>
 
+#include <sys/resource.h>
 #include <sys/wait.h>
 
 #include <fmt/format.h>
@@ -26,6 +33,36 @@ pid_t start_child(const Work& work) {
     }
     return process;
 }
+
+/// A child process that runs `work`, which reports when it has what it is to hold; killed with the object.
+class KilledAtEnd {
+public:
+    template <class Work>
+    explicit KilledAtEnd(const Work& work) {
+        EXPECT_EQ(pipe(ends_), 0);
+        process_ = start_child([&] {
+            work([this] { EXPECT_EQ(write(ends_[1], "x", 1), 1); });
+            return true;
+        });
+        close(ends_[1]);
+    }
+    KilledAtEnd(const KilledAtEnd&) = delete;
+    KilledAtEnd& operator=(const KilledAtEnd&) = delete;
+    ~KilledAtEnd() {
+        kill(process_, SIGKILL);
+        waitpid(process_, nullptr, 0);
+        close(ends_[0]);
+    }
+
+    void wait_for_report() const {
+        char byte = 0;
+        EXPECT_EQ(read(ends_[0], &byte, 1), 1);
+    }
+
+private:
+    int ends_[2]{};
+    pid_t process_ = -1;
+};
 
 class Processes : public testing::Test {
 protected:
@@ -61,6 +98,70 @@ TEST_F(Processes, FillANewDatabaseOnceAndShareTheCandidate) {
             EXPECT_EQ(test::stored<PonOnt>(client, Store::candidate, {index}).description, std::to_string(index + 1));
         }
     }
+}
+
+// A process that is stopped keeps its locks. Others do without what it locked, and read on.
+TEST_F(Processes, DoNotWaitForAStoppedOne) {
+    const test::TemporaryOltRoot root;
+    std::optional<CfgDbWrapper> opened;
+    {
+        const KilledAtEnd owner([](const auto& report) {
+            const CfgDbWrapper own("CHILD");
+            test::apply(own, {test::edit_hostname("olt-7")});
+            const WriteTransaction transaction(test::database_of(own).environment());
+            report();
+            pause();
+        });
+        owner.wait_for_report();
+        auto& client = opened.emplace("TEST");
+        const auto begin = std::chrono::steady_clock::now();
+        const auto refused = client.commit(nullptr);
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
+        ASSERT_TRUE(refused.has_error());
+        EXPECT_EQ(refused.error().code, core::Error::CommonError);
+        EXPECT_EQ(refused.error().info->message, "configuration: Another process keeps the database locked");
+        const GSystemHostname record{"olt-8"};
+        EXPECT_EQ(setDb_CommonGCfg_hostname(client.handle(), client.context(), &record, nullptr), -1);
+        EXPECT_EQ(errno, ETIMEDOUT);
+        EXPECT_EQ(test::hostname(client, Store::candidate), "olt-7");
+    }
+    EXPECT_EQ(test::commit(*opened), "");
+}
+
+// What a dead reader saw is not kept for it.
+TEST_F(Processes, DoNotKeepPagesForADeadReader) {
+    const test::TemporaryOltRoot root;
+    std::optional<CfgDbWrapper> client;
+    {
+        const KilledAtEnd reader([](const auto& report) {
+            const CfgDbWrapper own("CHILD");
+            const ReadTransaction transaction(test::database_of(own).environment());
+            report();
+            pause();
+        });
+        reader.wait_for_report();
+        client.emplace("TEST");
+    }
+    for (int round = 0; round < 3000; ++round) {
+        test::apply(*client, {test::edit_hostname(fmt::format("olt-{}", round))});
+    }
+    EXPECT_LT(std::filesystem::file_size(root.path() / "run/cfgdb/data.mdb"), std::uintmax_t{10} << 20U);
+}
+
+TEST_F(Processes, NameOneCauseOfAFaultAtACommit) {
+    const test::TemporaryOltRoot root;
+    CfgDbWrapper client("TEST");
+    test::apply(client, {test::edit_hostname("olt-7")});
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit nothing{0, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &nothing);
+    const auto failed = client.commit(nullptr);
+    setrlimit(RLIMIT_FSIZE, &before);
+    ASSERT_TRUE(failed.has_error());
+    EXPECT_EQ(failed.error().info->message, "configuration: File too large");
+    EXPECT_EQ(test::commit(client), "");
 }
 
 // Another version may run beside this one, or may have run before it.

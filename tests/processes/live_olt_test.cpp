@@ -63,6 +63,19 @@ TEST_F(LiveOltTest, CommitsThatADaemonMissedAreReadWhenItReturns) {
     EXPECT_EQ(ont_states()[served], "DISABLED");
 }
 
+TEST_F(LiveOltTest, ACommitWithoutNoticeReachesThePlantBeforeItIsUsed) {
+    edit_ont(served, [](auto& ont) { ont.enabled = 0; });
+    ASSERT_TRUE(database->commit(nullptr));
+    EXPECT_EQ(ont_states()[served], "DISABLED");
+    // More commits than are remembered.
+    for (int round = 0; round < 101; ++round) {
+        edit_ont(served, [&](auto& ont) { ont.enabled = round % 2 == 0; });
+        ASSERT_TRUE(database->commit(nullptr));
+    }
+    must({"step", "600"});
+    EXPECT_EQ(ont_states()[served], "OPERATIONAL");
+}
+
 TEST_F(LiveOltTest, ASlowDaemonHoldsUpNobodyElse) {
     using Clock = std::chrono::steady_clock;
     must({"fault", "peer_slow", "system-mgr", "value", "60000"});

@@ -2,6 +2,7 @@
 
 #include "api_service/handlers/configuration/addressed_records.hpp"
 #include "api_service/handlers/handler_frame.hpp"
+#include "xpon/core/call_sequence.hpp"
 
 #include <cstddef>
 #include <functional>
@@ -25,9 +26,11 @@ public:
         if (const auto* fault = std::get_if<Json_errors>(&addressed)) {
             return make_error(*fault, JsonErrors(logger_), session);
         }
-        BOOST_OUTCOME_TRY(std::get<IndexRange<INDICES_COUNT>>(addressed).for_each([&](const auto& index) {
-            auto indices = database_indices(index);
-            return core::call_c_api(*logger_, reset_, db->handle(), db->context(), indices.data());
+        BOOST_OUTCOME_TRY(core::in_sequence(*logger_, [&] {
+            return std::get<IndexRange<INDICES_COUNT>>(addressed).for_each([&](const auto& index) {
+                auto indices = database_indices(index);
+                return core::call_c_api(*logger_, reset_, db->handle(), db->context(), indices.data());
+            });
         }));
         return Response::make_success_response(session, logger_);
     }

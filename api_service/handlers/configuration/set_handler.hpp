@@ -2,6 +2,7 @@
 
 #include "api_service/handlers/configuration/addressed_records.hpp"
 #include "api_service/handlers/handler_frame.hpp"
+#include "xpon/core/call_sequence.hpp"
 
 #include <cstddef>
 #include <functional>
@@ -56,9 +57,11 @@ public:
         if (type != ConfigurationType::Candidate) {
             return ErrorPayload(Error::InvalidInputArg, "Invalid configuration type");
         }
-        BOOST_OUTCOME_TRY(range.for_each([&](const typename Range::Element& index) {
-            const auto indices = database_indices(index);
-            return core::call_c_api(*logger_, writer_, db->handle(), db->context(), &record, indices.data());
+        BOOST_OUTCOME_TRY(core::in_sequence(*logger_, [&] {
+            return range.for_each([&](const typename Range::Element& index) {
+                const auto indices = database_indices(index);
+                return core::call_c_api(*logger_, writer_, db->handle(), db->context(), &record, indices.data());
+            });
         }));
         return JsonTree();
     }

@@ -14,7 +14,7 @@ namespace xpon::cfgdb {
 struct CheckContext {
     const Records& records;
     const OntIndex& index;
-    const std::vector<RecordId>& changes;  ///< in order
+    const std::vector<RecordId>& changes;  ///< in order, but for those of labels alone
     const std::vector<EffectiveOnt>& onts; ///< the configured ones that a change reaches, in order
     const Touched& touched;
     Faults& faults;

@@ -1,6 +1,7 @@
 #include "cfgdb/checks/checks.hpp"
 
 #include "cfgdb/checks/fault_texts.hpp"
+#include "cfgdb/references.hpp"
 
 #include <algorithm>
 #include <vector>
@@ -16,11 +17,18 @@ constexpr auto pon_port = element_of<PonPort>;
 constexpr auto ont_template = element_of<OntTemplate>;
 constexpr auto ports_profile = element_of<ProfileOntPortsCfg>;
 constexpr auto cross_connect = element_of<ProfileOntCrossConnect>;
-constexpr auto management_profile = element_of<ProfileOntManagementCfg>;
 constexpr auto dba = element_of<ProfileOntDba>;
-constexpr auto shaping = element_of<ProfileOntShaping>;
 constexpr auto ont = element_of<PonOnt>;
 constexpr auto service = element_of<OntServices>;
+
+/// The elements, and those that their records refer to.
+std::vector<ElementId> with_targets(std::vector<ElementId> elements) {
+    for (const auto id : std::vector(elements)) {
+        const auto targets = targets_of(id);
+        elements.insert(elements.end(), targets.begin(), targets.end());
+    }
+    return elements;
+}
 
 } // namespace
 
@@ -55,11 +63,11 @@ const std::vector<Check>& all_checks() {
          {fault_text::too_few_members, fault_text::no_such_port, fault_text::ports_differ}},
         {check_template_references,
          "Every profile that a defined template names is defined.",
-         {ont_template, ports_profile, management_profile, shaping, cross_connect, dba},
+         with_targets({ont_template}),
          {fault_text::undefined_profile}},
         {check_ont_references,
          "Every template and profile that an ONT or one of its services in mode custom names is defined.",
-         {ont, service, ont_template, ports_profile, management_profile, shaping, cross_connect, dba},
+         with_targets({ont, service}),
          {fault_text::undefined_template, fault_text::undefined_profile}},
         {check_serials, "The serial of an ONT is unique on the OLT.", {ont}, {fault_text::serial_taken}},
         {check_vlan_roles,

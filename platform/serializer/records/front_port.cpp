@@ -11,7 +11,7 @@ constexpr const char* multicast_router_names[] = {"auto", "always"};
 
 constexpr Field fields[] = {
     boolean(XPON_MEMBER(FrontPort, enabled), true),
-    text(XPON_MEMBER(FrontPort, description), Characters::text),
+    label(text(XPON_MEMBER(FrontPort, description), Characters::text)),
     enumeration(XPON_MEMBER(FrontPort, speed), speed_names, FrontPort::Speed::automatic),
     enumeration(XPON_MEMBER(FrontPort, flow_control), direction_names, FrontPort::Direction::off),
     number(XPON_MEMBER(FrontPort, max_frame_size), 1518, 9600, 2000), // 2000: envelope frames [802.3]

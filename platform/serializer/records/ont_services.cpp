@@ -10,8 +10,8 @@ constexpr const char* mode_names[] = {"template", "custom", "off"};
 
 constexpr Field fields[] = {
     enumeration(XPON_MEMBER(OntServices, mode), mode_names, OntServices::from_template),
-    number(XPON_MEMBER(OntServices, cross_connect), 0, 255, 0),
-    number(XPON_MEMBER(OntServices, dba), 0, 255, 0),
+    reference<cfgdb::ProfileOntCrossConnect>(XPON_MEMBER(OntServices, cross_connect)),
+    reference<cfgdb::ProfileOntDba>(XPON_MEMBER(OntServices, dba)),
     number(XPON_MEMBER(OntServices, s_vid), 0, 4094, 0),
     number(XPON_MEMBER(OntServices, c_vid), 0, 4094, 0),
     number(XPON_MEMBER(OntServices, mac_limit), 0, 255, 0),

@@ -7,17 +7,17 @@ using cfgdb::OntTemplate;
 using cfgdb::TemplateService;
 
 constexpr Field service_fields[] = {
-    number(XPON_MEMBER(TemplateService, cross_connect), 0, 255, 0),
-    number(XPON_MEMBER(TemplateService, dba), 0, 255, 0),
+    reference<cfgdb::ProfileOntCrossConnect>(XPON_MEMBER(TemplateService, cross_connect)),
+    reference<cfgdb::ProfileOntDba>(XPON_MEMBER(TemplateService, dba)),
 };
 constexpr Table service = make_table<TemplateService>("TemplateService", service_fields);
 
 constexpr Field fields[] = {
-    text(XPON_MEMBER(OntTemplate, name), Characters::name),
-    text(XPON_MEMBER(OntTemplate, description), Characters::text),
-    number(XPON_MEMBER(OntTemplate, ports_profile), 0, 64, 0),
-    number(XPON_MEMBER(OntTemplate, management_profile), 0, 32, 0),
-    number(XPON_MEMBER(OntTemplate, shaping_profile), 0, 32, 0),
+    name(XPON_MEMBER(OntTemplate, name)),
+    label(text(XPON_MEMBER(OntTemplate, description), Characters::text)),
+    reference<cfgdb::ProfileOntPortsCfg>(XPON_MEMBER(OntTemplate, ports_profile)),
+    reference<cfgdb::ProfileOntManagementCfg>(XPON_MEMBER(OntTemplate, management_profile)),
+    reference<cfgdb::ProfileOntShaping>(XPON_MEMBER(OntTemplate, shaping_profile)),
     boolean(XPON_MEMBER(OntTemplate, upstream_fec), true),
     array(XPON_MEMBER(OntTemplate, services), service),
 };

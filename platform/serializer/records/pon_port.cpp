@@ -11,7 +11,7 @@ constexpr const char* dba_reporting_names[] = {"status", "traffic_monitoring"};
 
 constexpr Field fields[] = {
     boolean(XPON_MEMBER(PonPort, enabled), true),
-    text(XPON_MEMBER(PonPort, description), Characters::text),
+    label(text(XPON_MEMBER(PonPort, description), Characters::text)),
     enumeration(XPON_MEMBER(PonPort, odn_class), odn_class_names, PonPort::OdnClass::b_plus),
     number(XPON_MEMBER(PonPort, reach_min_km), 0, 59, 0),
     number(XPON_MEMBER(PonPort, reach_max_km), 1, 60, 20),

@@ -11,7 +11,7 @@ constexpr const char* hash_names[] = {"src_dst_mac", "src_dst_ip", "src_dst_ip_p
 
 constexpr Field fields[] = {
     boolean(XPON_MEMBER(PortChannel, enabled), false),
-    text(XPON_MEMBER(PortChannel, description), Characters::text),
+    label(text(XPON_MEMBER(PortChannel, description), Characters::text)),
     port_set(XPON_MEMBER(PortChannel, members), 16),
     enumeration(XPON_MEMBER(PortChannel, mode), mode_names, PortChannel::Mode::fixed),
     enumeration(XPON_MEMBER(PortChannel, lacp_timeout), lacp_timeout_names, PortChannel::LacpTimeout::slow),

@@ -18,7 +18,7 @@ constexpr const char* remote_id_names[] = {"none", "serial", "description", "sub
 constexpr std::uint32_t first_port = 1;
 
 constexpr Field fields[] = {
-    text(XPON_MEMBER(Profile, name), Characters::name),
+    name(XPON_MEMBER(Profile, name)),
     enumeration(XPON_MEMBER(Profile, service_type), service_type_names, Profile::ServiceType::data),
     enumeration(XPON_MEMBER(Profile, termination), termination_names, Profile::Termination::bridge),
     port_set(XPON_MEMBER(Profile, uni_ports), 4, first_port),
@@ -92,8 +92,8 @@ void rules(const Profile& profile, Contradictions& contradictions) {
     }
 }
 
-constexpr Table table =
-    make_table<ProfileOntCrossConnect>("ProfileOntCrossConnect", fields, record_rules<ProfileOntCrossConnect, rules>);
+constexpr Table table = make_table<ProfileOntCrossConnect>(
+    "ProfileOntCrossConnect", fields, record_rules<ProfileOntCrossConnect, rules>, "cross-connect");
 
 } // namespace
 

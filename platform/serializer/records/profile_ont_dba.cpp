@@ -12,7 +12,7 @@ constexpr const char* additional_names[] = {"none", "non_assured", "best_effort"
 constexpr std::int64_t frame_byte_kbps = 64; // one byte per frame of 125 us
 
 constexpr Field fields[] = {
-    text(XPON_MEMBER(ProfileOntDba, name), Characters::name),
+    name(XPON_MEMBER(ProfileOntDba, name)),
     enumeration(XPON_MEMBER(ProfileOntDba, tcont_type), tcont_type_names, ProfileOntDba::TcontType::type4),
     number(XPON_MEMBER(ProfileOntDba, fixed_kbps), 0, gpon_upstream_kbps, 0, frame_byte_kbps),
     number(XPON_MEMBER(ProfileOntDba, assured_kbps), 0, gpon_upstream_kbps, 0, frame_byte_kbps),
@@ -83,7 +83,7 @@ void rules(const ProfileOntDba& profile, Contradictions& contradictions) {
     check_additional(profile, rule, contradictions);
 }
 
-constexpr Table table = make_table<ProfileOntDba>("ProfileOntDba", fields, record_rules<ProfileOntDba, rules>);
+constexpr Table table = make_table<ProfileOntDba>("ProfileOntDba", fields, record_rules<ProfileOntDba, rules>, "dba");
 
 } // namespace
 

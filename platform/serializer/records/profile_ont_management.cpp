@@ -10,7 +10,7 @@ using cfgdb::ProfileOntManagementCfg;
 constexpr const char* mode_names[] = {"omci", "tr069"};
 
 constexpr Field fields[] = {
-    text(XPON_MEMBER(ProfileOntManagementCfg, name), Characters::name),
+    name(XPON_MEMBER(ProfileOntManagementCfg, name)),
     enumeration(XPON_MEMBER(ProfileOntManagementCfg, mode), mode_names, ProfileOntManagementCfg::Mode::omci),
     boolean(XPON_MEMBER(ProfileOntManagementCfg, acs_from_dhcp), false),
     text(XPON_MEMBER(ProfileOntManagementCfg, acs_url), Characters::text),
@@ -37,7 +37,7 @@ void rules(const ProfileOntManagementCfg& profile, Contradictions& contradiction
 }
 
 constexpr Table table = make_table<ProfileOntManagementCfg>("ProfileOntManagementCfg", fields,
-                                                            record_rules<ProfileOntManagementCfg, rules>);
+                                                            record_rules<ProfileOntManagementCfg, rules>, "management");
 
 } // namespace
 

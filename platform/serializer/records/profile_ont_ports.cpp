@@ -36,7 +36,7 @@ constexpr const char* codec_names[] = {"pcma", "pcmu", "g729", "g722"};
 constexpr Field telephone_port = boolean(element_member<std::uint8_t>, false);
 
 constexpr Field fields[] = {
-    text(XPON_MEMBER(ProfileOntPortsCfg, name), Characters::name),
+    name(XPON_MEMBER(ProfileOntPortsCfg, name)),
     array(XPON_MEMBER(ProfileOntPortsCfg, eth), eth),
     boolean(XPON_MEMBER(ProfileOntPortsCfg, veip_enabled), true),
     boolean(XPON_MEMBER(ProfileOntPortsCfg, rf_video), false),
@@ -67,7 +67,7 @@ void rules(const ProfileOntPortsCfg& profile, Contradictions& contradictions) {
 }
 
 constexpr Table table =
-    make_table<ProfileOntPortsCfg>("ProfileOntPortsCfg", fields, record_rules<ProfileOntPortsCfg, rules>);
+    make_table<ProfileOntPortsCfg>("ProfileOntPortsCfg", fields, record_rules<ProfileOntPortsCfg, rules>, "ports");
 
 } // namespace
 

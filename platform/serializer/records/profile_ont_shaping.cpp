@@ -21,7 +21,7 @@ constexpr Field queue_fields[] = {
 constexpr Table queue = make_table<ShapingQueue>("ShapingQueue", queue_fields);
 
 constexpr Field fields[] = {
-    text(XPON_MEMBER(ProfileOntShaping, name), Characters::name),
+    name(XPON_MEMBER(ProfileOntShaping, name)),
     number(XPON_MEMBER(ProfileOntShaping, downstream_kbps), 0, gpon_downstream_kbps, 0),
     number(XPON_MEMBER(ProfileOntShaping, upstream_kbps), 0, gpon_upstream_kbps, 0),
     number(XPON_MEMBER(ProfileOntShaping, downstream_burst_bytes), 2000, 16777216, 65536),
@@ -43,7 +43,7 @@ void rules(const ProfileOntShaping& profile, Contradictions& contradictions) {
 }
 
 constexpr Table table =
-    make_table<ProfileOntShaping>("ProfileOntShaping", fields, record_rules<ProfileOntShaping, rules>);
+    make_table<ProfileOntShaping>("ProfileOntShaping", fields, record_rules<ProfileOntShaping, rules>, "shaping");
 
 } // namespace
 

@@ -3,13 +3,15 @@
 #include "tests/support/temporary_olt_root.hpp"
 #include "tests/unit/platform/cfgdb/edits.hpp"
 #include "xpon/cfgdb/element_functions.hpp"
+#include "xpon/core/call_sequence.hpp"
 #include "xpon/peer_side/configuration_file.hpp"
 #include "xpon/peer_side/database_log.hpp"
 #include "xpon/peer_side/operations.hpp"
-#include "xpon/service/config_change.hpp"
+#include "xpon/peer_side/running_commits.hpp"
 
 #include <cerrno>
 #include <cstring>
+#include <functional>
 #include <utility>
 
 #include <sys/stat.h>
@@ -31,21 +33,23 @@ public:
                       std::chrono::milliseconds) noexcept override {
             return {};
         }
-        std::optional<Refusal> ask_all(std::uint16_t operation, std::span<const std::byte>,
-                                       std::chrono::milliseconds) noexcept override {
+        [[nodiscard]] ipc::Address own_address() const noexcept override {
+            return {7};
+        }
+        std::optional<ipc::Address> ask_all(std::uint16_t operation, std::span<const std::byte>,
+                                            std::chrono::milliseconds) noexcept override {
             EXPECT_EQ(peer_side::Operation{operation}, peer_side::Operation::accept_configuration);
-            return refusal;
+            while_asked();
+            return refusing;
         }
         void notify_all(std::uint16_t operation, std::span<const std::byte> payload) noexcept override {
             EXPECT_EQ(peer_side::Operation{operation}, peer_side::Operation::configuration_changed);
-            std::vector<service::Config_change> changes(payload.size() / sizeof(service::Config_change));
-            std::memcpy(changes.data(), payload.data(), payload.size());
-            for (const auto& [element, indices] : changes) {
-                notices.push_back(fmt::format("{}/{}/{}", element, indices[0], indices[1]));
-            }
+            EXPECT_EQ(payload.size(), sizeof(std::uint64_t));
+            std::memcpy(&notices.emplace_back(), payload.data(), sizeof(std::uint64_t));
         }
-        std::optional<Refusal> refusal;
-        std::vector<std::string> notices;
+        std::optional<ipc::Address> refusing;
+        std::function<void()> while_asked = [] {};
+        std::vector<std::uint64_t> notices;
     };
 
     core::Result<void> connect(ipc::Address) override {
@@ -89,18 +93,94 @@ TEST_F(Candidate, RunsAndIsToldWhenNoPeerRefuses) {
     const auto ipc = std::make_shared<RecordingIpc>();
     test::apply(client_, {test::edit_hostname("olt-7"), test::edit_ont(16, 256, R"({"serial":[1,2,3,4,5,6,7,8,0,0]})"),
                           test::edit_service(16, 256, 8, R"({"c_vid":7})")});
-    ipc->handle->refusal = {peer_side::peers::pon_state_machine, EPERM};
+    ipc->handle->refusing = peer_side::peers::pon_state_machine;
     EXPECT_EQ(test::commit(client_, ipc), "configuration: Peer fsm-pon refused the configuration");
     EXPECT_EQ(test::hostname(client_), "olt");
     EXPECT_TRUE(ipc->handle->notices.empty());
 
-    ipc->handle->refusal.reset();
+    ipc->handle->refusing.reset();
+    const auto before = running_number(client_.handle());
     EXPECT_EQ(test::commit(client_, ipc), "");
     EXPECT_EQ(test::hostname(client_), "olt-7");
-    const auto position = [](ElementId id) { return std::to_string(static_cast<int>(id)); };
-    EXPECT_THAT(ipc->handle->notices, testing::UnorderedElementsAre(position(element_of<GSystemHostname>) + "/0/0",
-                                                                    position(element_of<PonOnt>) + "/4095/0",
-                                                                    position(element_of<OntServices>) + "/4095/7"));
+    EXPECT_THAT(ipc->handle->notices, testing::ElementsAre(before + 1));
+    const auto since = running_commits_since(client_.handle(), before);
+    ASSERT_EQ(since.commits.size(), 1U);
+    EXPECT_EQ(since.commits[0].by, ipc::Address{7});
+    std::vector<ElementId> changed;
+    for (const auto& change : since.commits[0].changes) {
+        changed.push_back(static_cast<ElementId>(change.element));
+    }
+    EXPECT_THAT(changed, testing::UnorderedElementsAre(element_of<GSystemHostname>, element_of<PonOnt>,
+                                                       element_of<OntServices>));
+    EXPECT_THAT(since.commits[0].onts, testing::ElementsAre(4095));
+}
+
+TEST_F(Candidate, IsWhatThePeersAccepted) {
+    const auto ipc = std::make_shared<RecordingIpc>();
+    const CfgDbWrapper other("OTHER");
+    test::apply(client_, {test::edit_hostname("asked")});
+    int asked = 0;
+    ipc->handle->while_asked = [&] {
+        if (++asked == 1) { // nothing is locked meanwhile
+            test::apply(other, {test::edit_hostname("changed")});
+        }
+    };
+    EXPECT_EQ(test::commit(client_, ipc), "");
+    EXPECT_EQ(test::hostname(client_), "changed");
+    EXPECT_EQ(asked, 2) << "of what is new";
+
+    ipc->handle->while_asked = [&] { test::apply(other, {test::edit_hostname(fmt::format("olt-{}", ++asked))}); };
+    test::apply(client_, {test::edit_hostname("asked")});
+    EXPECT_EQ(test::commit(client_, ipc), "configuration: Another client keeps changing the candidate");
+    EXPECT_EQ(test::hostname(client_), "changed");
+}
+
+TEST_F(Candidate, ReachesOntsByContentAlone) {
+    test::apply(client_, {test::edit_ont(1, 7, R"({"serial":[1,2,3,4,5,6,7,8,0,0],"ont_template":1})")});
+    ASSERT_EQ(test::commit(client_), "");
+    const auto reached = [&](const test::Edit& change) {
+        const auto before = running_number(client_.handle());
+        test::apply(client_, {change});
+        EXPECT_EQ(test::commit(client_), "") << change.json;
+        return running_commits_since(client_.handle(), before).commits.at(0).onts.size();
+    };
+    const std::string services = R"(,"services":[{"cross_connect":1,"dba":1}])";
+    const std::pair<test::Edit, std::size_t> cases[] = {
+        {test::edit<ProfileOntDba>(R"({"name":"renamed"})", 1), 0},
+        {test::edit<ProfileOntDba>(R"({"name":"renamed","weight":2})", 1), 1},
+        {test::edit<ProfileOntDba>(R"({"name":"of nobody","weight":2})", 9), 0},
+        {test::edit<OntTemplate>(R"({"name":"bridged","description":"x")" + services + "}", 1), 1},
+        {test::edit<OntTemplate>(R"({"name":"b","description":"y")" + services + "}", 1), 0},
+        {test::edit_ont(1, 7, R"({"serial":[1,2,3,4,5,6,7,8,0,0],"ont_template":1,"description":"Flat 7"})"), 0},
+        {test::edit_ont(1, 7, R"({"serial":[1,2,3,4,5,6,7,8,0,0],"ont_template":1,"shaping_profile":1})"), 1},
+    };
+    for (const auto& [change, count] : cases) {
+        EXPECT_EQ(reached(change), count) << change.json;
+    }
+    // A name is more than a label to those who refer to it.
+    test::apply(client_, {test::edit<ProfileOntDba>("{}", 1)});
+    EXPECT_THAT(test::commit(client_), HasSubstr("ont_template.1: Undefined dba profile 1"));
+}
+
+TEST_F(Candidate, IsSetByASequenceAsFarAsItGoes) {
+    const auto set = [&](unsigned short index, const char* description) {
+        PonOnt ont{};
+        std::strncpy(ont.description, description, sizeof ont.description - 1);
+        return setDb_ZebGCfg_pon_ont(client_.handle(), client_.context(), &ont, &index);
+    };
+    {
+        core::CallSequence sequence;
+        EXPECT_EQ(set(1, "one"), 0);
+        EXPECT_EQ(set(2, "two"), 0);
+        EXPECT_EQ(set(2, "new"), 0);
+        EXPECT_EQ(set(4096, "beyond"), -1);
+        EXPECT_EQ(sequence.finish_work(), 0);
+        EXPECT_EQ(set(3, "three"), 0);
+    }
+    for (const auto& [index, description] : {std::pair(1, "one"), {2, "new"}, {3, "three"}}) {
+        EXPECT_STREQ(test::stored<PonOnt>(client_, Store::candidate, {static_cast<std::uint16_t>(index)}).description,
+                     description);
+    }
 }
 
 TEST_F(Candidate, DropsTheServicesOfADeletedOnt) {

@@ -21,6 +21,9 @@ using peer_side::Operation;
 
 /// An IGMP daemon that answers what a test wants.
 struct IgmpDaemon : public Ipc {
+    [[nodiscard]] ipc::Address own_address() const noexcept override {
+        return {};
+    }
     Reply request(ipc::Address peer, std::uint16_t operation, std::span<const std::byte> payload,
                   std::chrono::milliseconds) noexcept override {
         EXPECT_EQ(peer, peer_side::peers::igmp);
@@ -29,8 +32,8 @@ struct IgmpDaemon : public Ipc {
         return Operation{operation} == Operation::get_igmp_groups ? groups : vlans;
     }
     void notify_all(std::uint16_t, std::span<const std::byte>) noexcept override {}
-    std::optional<Refusal> ask_all(std::uint16_t, std::span<const std::byte>,
-                                   std::chrono::milliseconds) noexcept override {
+    std::optional<ipc::Address> ask_all(std::uint16_t, std::span<const std::byte>,
+                                        std::chrono::milliseconds) noexcept override {
         return std::nullopt;
     }
 

@@ -18,14 +18,17 @@ namespace {
 
 /// A peer that answers whatever a test wants.
 struct AnyPeer : public Ipc {
+    [[nodiscard]] ipc::Address own_address() const noexcept override {
+        return {};
+    }
     Reply request(ipc::Address peer, std::uint16_t operation, std::span<const std::byte> payload,
                   std::chrono::milliseconds) noexcept override {
         EXPECT_EQ(peer_side::owner_of(peer_side::Operation{operation}), peer);
         question.assign(payload.begin(), payload.end());
         return reply;
     }
-    std::optional<Refusal> ask_all(std::uint16_t, std::span<const std::byte>,
-                                   std::chrono::milliseconds) noexcept override {
+    std::optional<ipc::Address> ask_all(std::uint16_t, std::span<const std::byte>,
+                                        std::chrono::milliseconds) noexcept override {
         return std::nullopt;
     }
     void notify_all(std::uint16_t, std::span<const std::byte>) noexcept override {}

@@ -140,12 +140,13 @@ TEST_F(IpcTest, APeerThatTalksNonsenseWithoutEndTimesOut) {
 
 TEST_F(IpcTest, APeerOfAnotherVersionIsRefusedByName) {
     const ScriptedPeer server(root, [](const Message& request) {
-        return Messages{with(answer_to(request, ""), offsetof(MessageHeader, version), std::uint16_t{2})};
+        return Messages{with(answer_to(request, ""), offsetof(MessageHeader, version),
+                             static_cast<std::uint16_t>(protocol_version + 1))};
     });
     const auto result = endpoint->connect(peer);
     ASSERT_FALSE(result);
     EXPECT_THAT(result.error().to_string(),
-                HasSubstr("Peer 0x0019fffe: it speaks version 2 of the protocol, this side version 1"));
+                HasSubstr("Peer 0x0019fffe: it speaks version 3 of the protocol, this side version 2"));
 }
 
 } // namespace

@@ -52,10 +52,11 @@ constexpr std::string_view name_of(ipc::Address peer) {
 /// The operations that peers understand, one number space for all of them; 1 is the transport's own. The payloads of
 /// requests and answers are records of the custom layer's headers, or lists of them (xpon/peer_side/payload.hpp).
 enum class Operation : std::uint16_t {
-    /// Notice: an array of service::Config_change, what a commit changed in the running configuration.
+    /// Notice: std::uint64_t, the number of the last commit. What it changed is in the configuration database
+    /// (xpon/peer_side/running_commits.hpp); it tells a peer no more than that it is time to look.
     configuration_changed = 2,
-    /// An array of service::Config_change, what a commit is about to change; nothing. An error refuses it. A peer
-    /// that never refuses need not know it.
+    /// An array of service::Config_change, what a commit is about to change; nothing. EPERM refuses it; any other
+    /// error, and no answer, is no objection. A peer that never refuses need not know it.
     accept_configuration = 3,
 
     /// Nothing; System_environment_data.

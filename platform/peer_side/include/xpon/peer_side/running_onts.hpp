@@ -54,8 +54,9 @@ struct RunningOnt {
     bool operator==(const RunningOnt&) const = default;
 };
 
-/// The configured ones of the ONTs with these flat indices, in their order, all of one moment. `db` comes from a
-/// CfgDbWrapper. Throws std::system_error for a fault of the database.
+/// The configured ones of the ONTs with these flat indices, in their order. Each is of one moment, but not all are of
+/// the same: who compares the number of the last commit before and after knows. `db` comes from a CfgDbWrapper. Throws
+/// std::system_error for a fault of the database.
 std::vector<RunningOnt> read_running_onts(const void* db, std::span<const std::uint16_t> indices);
 
 } // namespace xpon::cfgdb

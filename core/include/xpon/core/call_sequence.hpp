@@ -1,0 +1,56 @@
+#pragma once
+
+#include "xpon/core/c_status.hpp"
+
+#include <functional>
+#include <tuple>
+#include <utility>
+
+namespace xpon::core {
+
+/// C calls that one caller makes one after another, such as the writes of one record to many places. A library behind
+/// them may do their work together, at the end of the sequence at the latest: it hands over a function for that, which
+/// returns a C status like the calls themselves. Where no library does so, the calls are what they are without it.
+class CallSequence {
+public:
+    CallSequence() : before_(std::exchange(current_, this)) {}
+    CallSequence(const CallSequence&) = delete;
+    CallSequence& operator=(const CallSequence&) = delete;
+    /// Does what is left to do, unheard: finish() is for who wants to know.
+    ~CallSequence() {
+        std::ignore = finish_work();
+        current_ = before_;
+    }
+
+    /// The innermost sequence that this thread is in; null in none.
+    static CallSequence* current() {
+        return current_;
+    }
+
+    /// `work` is called once. It must not throw.
+    void do_at_end(std::function<int()> work) {
+        work_ = std::move(work);
+    }
+
+    /// The status of the work that was left for the end.
+    [[nodiscard]] int finish_work() {
+        return work_ ? std::exchange(work_, nullptr)() : 0;
+    }
+
+private:
+    inline static thread_local CallSequence* current_ = nullptr;
+
+    CallSequence* before_;
+    std::function<int()> work_;
+};
+
+/// Runs `calls`, which returns a Result, as one sequence. When it succeeds, the work that was left for the end must
+/// succeed, too; when it fails, that of the calls before is done all the same.
+template <class Calls>
+Result<void> in_sequence(LoggerAt log, Calls&& calls) {
+    CallSequence sequence;
+    BOOST_OUTCOME_TRYV(std::invoke(std::forward<Calls>(calls)));
+    return call_c_api(log, [&] { return sequence.finish_work(); });
+}
+
+} // namespace xpon::core
