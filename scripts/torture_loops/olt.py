@@ -1,0 +1,166 @@
+"""One OLT of real processes, treated without mercy: what every loop of scripts/torture works with."""
+
+import json
+import os
+import pathlib
+import select
+import shutil
+import signal
+import socket
+import subprocess
+import tempfile
+
+CHECKOUT = pathlib.Path(__file__).resolve().parents[2]
+PORT = 9999
+PATIENCE = 30  # seconds, for what takes a second on a busy machine
+
+
+class Broken(Exception):
+    """What a loop is there to find."""
+
+
+def require(condition, text):
+    if not condition:
+        raise Broken(text)
+
+
+class Client:
+    """A session of the administrator. Answers are texts in JSON, each ended by a NUL."""
+
+    def __init__(self):
+        self.socket = socket.create_connection(("127.0.0.1", PORT), PATIENCE)
+        self.socket.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
+        self.received = b""
+        self.session = None
+        self.session = self.ask("auth", "auth", data={"user": "admin", "password": "admin"})["session_id"]
+
+    def send(self, path, method, **more):
+        request = {"path": path, "method": method, **more}
+        if self.session:
+            request["session_id"] = self.session
+        self.socket.sendall(json.dumps(request).encode() + b"\0")
+
+    def receive(self):
+        """The next answer; raises ConnectionError when the daemon is gone."""
+        while b"\0" not in self.received:
+            data = self.socket.recv(1 << 20)
+            if not data:
+                raise ConnectionError("the daemon closed the connection")
+            self.received += data
+        text, self.received = self.received.split(b"\0", 1)
+        return json.loads(text)
+
+    def ask(self, path, method, **more):
+        self.send(path, method, **more)
+        return self.receive()
+
+    def set(self, element, data, *indices):
+        return self.ask(f"configuration.{element}", "set", config_type="candidate", data=data,
+                        **({"indices": list(indices)} if indices else {}))
+
+    def get(self, element, *indices, config_type="running"):
+        answer = self.ask(f"configuration.{element}", "get", config_type=config_type,
+                          **({"indices": list(indices)} if indices else {}))
+        require(answer["success"], f"get {element}: {answer}")
+        return answer["data"]
+
+    def command(self, name):
+        return self.ask(f"command.{name}", "command")
+
+    def must(self, answer):
+        require(answer["success"] and "errors" not in answer, f"refused: {answer}")
+        return answer
+
+
+class Process:
+    """Killed with the object."""
+
+    def __init__(self, command, environment):
+        self.child = subprocess.Popen([str(word) for word in command], env={**os.environ, **environment},
+                                      stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        self.pidfd = os.pidfd_open(self.child.pid)
+
+    def send(self, number):
+        signal.pidfd_send_signal(self.pidfd, number)
+
+    def kill(self):
+        self.send(signal.SIGKILL)
+        self.child.wait(PATIENCE)
+        self.child.stdout.close()
+        os.close(self.pidfd)
+
+    def is_running(self, wait_s=0.0):
+        """Waits for its end for a while."""
+        return not select.select([self.pidfd], [], [], wait_s)[0]
+
+
+class Olt:
+    """A fresh OLT_ROOT below /tmp, gone with the object."""
+
+    def __init__(self, build):
+        self.build = pathlib.Path(build).resolve()
+        self.root = pathlib.Path(tempfile.mkdtemp(prefix="torture-", dir="/tmp"))
+        subprocess.run([CHECKOUT / "scripts/prepare-root", self.root, self.build], check=True)
+        self.notify = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
+        self.notify.bind(str(self.root / "run/notify"))
+        self.notify.settimeout(PATIENCE)
+        self.simulator = self.daemon = None
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        for process in (self.daemon, self.simulator):
+            if process:
+                process.kill()
+        self.notify.close()
+        shutil.rmtree(self.root, ignore_errors=True)
+
+    @property
+    def database(self):
+        return self.root / "run/cfgdb"
+
+    def start_simulator(self, *options):
+        self.simulator = Process([self.build / "simulator/olt_simulator", *options], {"OLT_ROOT": str(self.root)})
+        line = self.simulator.child.stdout.readline()
+        require(line == b"olt_simulator is ready\n", f"olt_simulator does not start: {line}")
+
+    def start_daemon(self):
+        lines = (self.root / "etc/api_service.env").read_text().splitlines()
+        self.daemon = Process([self.build / "api_service/api_service"], dict(line.split("=", 1) for line in lines))
+        text = ""
+        while "READY=1" not in text:
+            text = self.notify.recv(65536).decode()
+            require("failed" not in text and "Error" not in text, f"api_service does not start: {text}")
+
+    def log_in(self):
+        """The daemon says that it is ready just before it listens."""
+        while True:
+            try:
+                return Client()
+            except ConnectionRefusedError:
+                require(self.daemon.is_running(0.002), "api_service has ended")
+
+    def start(self, *simulator_options):
+        self.start_simulator(*simulator_options)
+        self.start_daemon()
+        return self.log_in()
+
+    def kill_daemon(self):
+        self.daemon.kill()
+        self.daemon = None
+
+    def kill_simulator(self):
+        self.simulator.kill()
+        self.simulator = None
+
+    def truth(self):
+        """What the simulator says of its plant."""
+        with socket.socket(socket.AF_UNIX, socket.SOCK_STREAM) as control:
+            control.settimeout(PATIENCE)
+            control.connect(str(self.root / "run/control.sock"))
+            control.sendall(b'{"state":"all"}\n')
+            text = b""
+            while not text.endswith(b"\n"):
+                text += control.recv(1 << 20)
+        return json.loads(text)

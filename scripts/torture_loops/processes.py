@@ -1,0 +1,154 @@
+"""Dead and stopped processes: readers, owners of locks, the daemon between a commit and its notices, peers."""
+
+import fcntl
+import os
+import random
+import select
+import signal
+import time
+
+from .lmdb import READ_ONLY, LmdbUser
+from .olt import Olt, require
+
+MIB = 1 << 20
+PON_PORT = "ZebGCfg.pon.port_state"
+HOSTNAME = "CommonGCfg.hostname"
+
+
+def pause(seconds):
+    """Any moment will do."""
+    select.select([], [], [], seconds)
+
+
+def rename(client, name):
+    client.must(client.set(HOSTNAME, {"hostname": name}))
+    client.must(client.command("commit"))
+
+
+def size_of(olt):
+    return os.path.getsize(olt.database / "data.mdb")
+
+
+def dead_reader(options, progress):
+    """Processes are killed while they read; writes go on, and the file stays small."""
+    with Olt(options.build) as olt:
+        client = olt.start("--plant", "empty")
+        for number in progress:
+            LmdbUser(olt.database, READ_ONLY).kill()
+            for commit in range(8):
+                rename(client, f"olt-{number}-{commit}")
+        size = size_of(olt)
+        require(size < 32 * MIB, f"the database has grown to {size / MIB:.1f} MiB")
+        return f"{8 * options.rounds} commits, database {size / MIB:.1f} MiB"
+
+
+def killed_simulator(options, progress):
+    """olt_simulator is killed just after commits that concern every ONT."""
+    chance = random.Random(options.seed)
+    with Olt(options.build) as olt:
+        client = olt.start("--onts", "512", "--configured", "512")
+        for number in progress:
+            client.must(client.set("CommonGCfg.profiles.profiles_ont.dba",
+                                   {"name": "x", "maximum_kbps": 64 * (number % 1000 + 1)}, "1"))
+            client.send("command.commit", "command")
+            client.must(client.receive())
+            pause(chance.uniform(0, 0.01))
+            olt.kill_simulator()
+            for commit in range(4):
+                rename(client, f"olt-{number}-{commit}")
+            olt.start_simulator()
+        size = size_of(olt)
+        require(size < 64 * MIB, f"the database has grown to {size / MIB:.1f} MiB")
+        return f"database {size / MIB:.1f} MiB"
+
+
+class FolderLock:
+    """A process that holds the lock of a folder."""
+
+    def __init__(self, folder):
+        here, there = os.pipe()
+        self.pid = os.fork()
+        if self.pid == 0:
+            descriptor = os.open(folder, os.O_RDONLY | os.O_DIRECTORY)
+            fcntl.flock(descriptor, fcntl.LOCK_EX)
+            os.write(there, b"x")
+            signal.pause()
+        os.read(here, 1)
+        os.close(here)
+        os.close(there)
+
+    stop = LmdbUser.stop
+    kill = LmdbUser.kill
+
+
+def stopped_owner(options, progress):
+    """A process is stopped, then killed, while it holds the database's write lock or that of the saved file."""
+    longest = 0.0
+    with Olt(options.build) as olt:
+        client = olt.start("--plant", "empty")
+        rename(client, "olt")
+        client.must(client.command("save"))
+        for number in progress:
+            is_save = number % 4 == 3
+            owner = FolderLock(olt.root / "configuration") if is_save else LmdbUser(olt.database, 0)
+            owner.stop()
+            begin = time.monotonic()
+            answer = [lambda: client.set(HOSTNAME, {"hostname": f"olt-{number}"}), lambda: client.command("commit"),
+                      lambda: client.command("rollback"), lambda: client.command("save")][number % 4]()
+            longest = max(longest, time.monotonic() - begin)
+            require(longest < 1, f"an answer took {longest:.2f} s")
+            require(is_save or not answer["success"] or "errors" in answer, f"success without the lock: {answer}")
+            require(client.get(HOSTNAME)["hostname"], "the daemon does not read")
+            owner.kill()
+            rename(client, f"olt-{number}")
+            client.must(client.command("save"))
+        return f"longest answer {longest:.2f} s"
+
+
+def follows(olt, client):
+    """The plant has the PON ports of the running configuration."""
+    enabled = [port["enabled"] for port in client.get(PON_PORT, "1-16")]
+    plant = [port["state"] != "DISABLED" for port in olt.truth()["pon_ports"]]
+    require(plant == enabled, f"running {enabled}, plant {plant}")
+
+
+def toggle(client, chance):
+    port = chance.randrange(16)
+    enabled = client.get(PON_PORT, str(port + 1))[0]["enabled"]
+    client.must(client.set(PON_PORT, {"enabled": not enabled}, str(port + 1)))
+
+
+def killed_daemon(options, progress):
+    """The daemon is killed around a commit, also between the database's commit and the notices of it."""
+    chance = random.Random(options.seed)
+    with Olt(options.build) as olt:
+        olt.start_simulator("--plant", "empty")
+        for _ in progress:
+            olt.start_daemon()
+            client = olt.log_in()
+            follows(olt, client)
+            client.must(client.command("rollback"))
+            toggle(client, chance)
+            client.send("command.commit", "command")
+            pause(chance.uniform(0, 0.0015))
+            olt.kill_daemon()
+        return ""
+
+
+def stopped_peer(options, progress):
+    """olt_simulator is stopped for some commits, the first time for 4000, and goes on."""
+    chance = random.Random(options.seed)
+    with Olt(options.build) as olt:
+        client = olt.start("--plant", "empty")
+        for number in progress:
+            olt.simulator.send(signal.SIGSTOP)
+            for _ in range(4000 if number == 0 else chance.randrange(1, 4)):
+                toggle(client, chance)
+                client.must(client.command("commit"))
+            olt.simulator.send(signal.SIGCONT)
+            follows(olt, client)
+        return f"database {size_of(olt) / MIB:.1f} MiB"
+
+
+LOOPS = {"dead-reader": dead_reader, "killed-simulator": killed_simulator, "stopped-owner": stopped_owner,
+         "killed-daemon": killed_daemon, "stopped-peer": stopped_peer}
