@@ -3,6 +3,7 @@
 #include "api_service/auth/pam_session.hpp"
 #include "api_service/poller.hpp"
 #include "api_service/protocol/route_table.hpp"
+#include "api_service/send_buffer.hpp"
 #include "xpon/core/guard.hpp"
 
 #include <chrono>
@@ -26,6 +27,7 @@ Result<void> ApiService::run(const service::ServiceCtx&) {
         log_error(*logger_, "{}", registered.error().to_string());
         return registered;
     }
+    try_send_buffer(*logger_);
     Poller poller(logger_, std::make_unique<ListenerSocket>(endpoint_));
     while (running_.load(std::memory_order_acquire)) {
         const auto clients = poller.poll(std::chrono::milliseconds(1000));
@@ -66,14 +68,14 @@ Result<void> ApiService::register_routes() {
 }
 
 void ApiService::serve_client(const std::shared_ptr<IClientSocket>& socket) {
-    if (core::guarded(*logger_, [&] { return process_socket(socket); })) {
+    if (core::guarded(*logger_, [&] { return process_socket(socket); }) || socket->is_shut_down()) {
         return;
     }
     const auto answered = core::guarded(*logger_, [&] {
         return answer_with_error(*socket, nullptr, Json_errors::request_not_processed, "api_service");
     });
     if (!answered) {
-        log_error(*logger_, "{}", answered.error().to_string());
+        socket->shut_down(); // the client would wait for an answer for ever
     }
 }
 

@@ -42,7 +42,8 @@ public:
 private:
     Result<void> dispatch(IClientSocket& socket, Request& request);
     Result<void> run_pre_hooks(const RouteHandler& route, const std::shared_ptr<Session>& session, Request& request);
-    Result<void> answer(IClientSocket& socket, const Response& response);
+    /// `path` is for the log.
+    Result<void> answer(IClientSocket& socket, const Response& response, const std::string& path);
     Result<void> answer_with_error(IClientSocket& socket, const std::shared_ptr<Session>& session, Json_errors index,
                                    const std::string& path);
     void give_back_memory();

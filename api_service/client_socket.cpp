@@ -1,11 +1,15 @@
 #include "api_service/client_socket.hpp"
 
+#include "api_service/send_buffer.hpp"
+
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <utility>
 
 #include <sys/socket.h>
 
+#include <fmt/format.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 
@@ -50,14 +54,43 @@ Result<std::string> ClientSocket::get_frame() {
 }
 
 Result<void> ClientSocket::send_frame(std::string_view payload) {
+    const auto wanted = payload.size() + 1;
+    errno = 0;
+    const auto sent = send_in_one_piece(payload);
+    const int cause = std::exchange(errno, 0);
+    has_unsent_ = unsent_bytes(get_fd()) > 0;
+    if (sent == wanted) {
+        return core::success();
+    }
+    // Whatever came behind half an answer would be taken for its rest.
+    if (sent > 0 || cause != EAGAIN) {
+        shut_down();
+    }
+    return ErrorPayload(Error::CommonError, fmt::format("{} of {} bytes were sent, errno={}", sent, wanted, cause));
+}
+
+std::size_t ClientSocket::send_in_one_piece(std::string_view payload) {
+    const SendBufferRoom room(get_fd(), payload.size() + 1);
     const Cork cork(get_fd());
-    if (do_send(payload.data(), payload.size()) != static_cast<ssize_t>(payload.size())) {
-        return ErrorPayload(Error::CommonError, "The answer was not sent whole");
-    }
-    if (do_send("", 1) != 1) {
-        return ErrorPayload(Error::CommonError, "The end of the answer was not sent");
-    }
-    return core::success();
+    const auto sent = static_cast<std::size_t>(std::max<ssize_t>(do_send(payload.data(), payload.size()), 0));
+    return sent == payload.size() && do_send("", 1) == 1 ? sent + 1 : sent;
+}
+
+bool ClientSocket::takes_requests() {
+    has_unsent_ = has_unsent_ && unsent_bytes(get_fd()) > 0;
+    return !has_unsent_;
+}
+
+void ClientSocket::shut_down() {
+    is_shut_down_ = true;
+    partial_.clear();
+    frames_ = {};
+    ::shutdown(get_fd(), SHUT_RDWR);
+    errno = 0;
+}
+
+bool ClientSocket::is_shut_down() const {
+    return is_shut_down_;
 }
 
 int ClientSocket::get_fd() const {
@@ -65,6 +98,9 @@ int ClientSocket::get_fd() const {
 }
 
 Result<void> ClientSocket::read_data() {
+    if (is_shut_down_) {
+        return ErrorPayload(Error::CommonError); // what has arrived meanwhile is of no more use
+    }
     std::array<char, get_buffer_size()> buffer; // NOLINT(*-member-init): filled by do_recv
     const ssize_t count = do_recv(buffer.data(), buffer.size());
     const int cause = std::exchange(errno, 0);

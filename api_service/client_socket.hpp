@@ -25,11 +25,22 @@ public:
     [[nodiscard]] virtual std::int64_t get_frames_left() const = 0;
     /// Takes the oldest frame, without its NUL. There must be one.
     virtual Result<std::string> get_frame() = 0;
-    /// Sends `payload` and a NUL. A payload that does not fit the send buffer is abandoned half-way, with an error.
+    /// Sends `payload` and a NUL. A payload that does not fit the send buffer is abandoned half-way, with an error that
+    /// tells how much was sent. After that nothing can be sent, and the connection is shut down.
     virtual Result<void> send_frame(std::string_view payload) = 0;
     [[nodiscard]] virtual int get_fd() const = 0;
     /// Receives once, without waiting. An error means that the connection is of no more use.
     virtual Result<void> read_data() = 0;
+
+    /// Whether the peer has taken the answers given so far; until then it is to be read no further.
+    [[nodiscard]] virtual bool takes_requests() {
+        return true;
+    }
+    /// Ends the connection in both directions and drops what waits. The descriptor is closed with the object.
+    virtual void shut_down() {}
+    [[nodiscard]] virtual bool is_shut_down() const {
+        return false;
+    }
 
 protected:
     virtual ssize_t do_send(const void* data, std::size_t size) = 0;
@@ -46,6 +57,9 @@ public:
     Result<void> send_frame(std::string_view payload) override;
     [[nodiscard]] int get_fd() const override;
     Result<void> read_data() override;
+    [[nodiscard]] bool takes_requests() override;
+    void shut_down() override;
+    [[nodiscard]] bool is_shut_down() const override;
 
     /// Bytes received at once at most, so that one busy client cannot hold the loop.
     static constexpr std::size_t get_buffer_size() {
@@ -58,10 +72,14 @@ protected:
 
 private:
     void cut_frames(std::string_view received);
+    /// How many bytes of `payload` and its NUL went out.
+    std::size_t send_in_one_piece(std::string_view payload);
 
     core::UniqueFd fd_;
     std::string partial_; ///< received since the last NUL
     std::queue<std::string> frames_;
+    bool has_unsent_ = false; ///< when last looked at
+    bool is_shut_down_ = false;
 };
 
 } // namespace xpon::api_service

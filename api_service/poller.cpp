@@ -2,6 +2,7 @@
 
 #include "xpon/core/guard.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -10,6 +11,9 @@ namespace {
 
 // Out of descriptors a listener stays readable for ever; leaving it alone for a while keeps the loop from spinning.
 constexpr std::chrono::seconds pause_after_failed_accept{1};
+
+// Nothing wakes poll() once a peer has taken an answer: "writable" says only that there is room for some more.
+constexpr std::chrono::milliseconds longest_wait_with_unsent_answers{20};
 
 } // namespace
 
@@ -21,7 +25,9 @@ Poller::~Poller() {
 }
 
 Result<std::vector<std::shared_ptr<IClientSocket>>> Poller::poll(std::chrono::milliseconds timeout) {
-    collect_descriptors();
+    if (!collect_descriptors()) {
+        timeout = std::min(timeout, longest_wait_with_unsent_answers);
+    }
     const int count = ::poll(fds_.data(), fds_.size(), static_cast<int>(timeout.count()));
     std::vector<std::shared_ptr<IClientSocket>> ready;
     if (count < 0) {
@@ -43,14 +49,19 @@ Result<std::vector<std::shared_ptr<IClientSocket>>> Poller::poll(std::chrono::mi
     return ready;
 }
 
-void Poller::collect_descriptors() {
+bool Poller::collect_descriptors() {
     const bool accepting = Clock::now() >= accept_again_;
+    bool all_take_requests = true;
     fds_.clear();
     // poll() passes over a negative descriptor.
     fds_.push_back({.fd = accepting ? listener_->get_fd() : -1, .events = POLLIN | POLLERR, .revents = 0});
     for (const auto& [fd, client] : clients_) {
-        fds_.push_back({.fd = fd, .events = POLLIN | POLLERR, .revents = 0});
+        const bool takes_requests = client->takes_requests();
+        all_take_requests = all_take_requests && takes_requests;
+        const auto awaited = takes_requests ? short{POLLIN | POLLERR} : short{POLLERR};
+        fds_.push_back({.fd = fd, .events = awaited, .revents = 0});
     }
+    return all_take_requests;
 }
 
 std::shared_ptr<IClientSocket> Poller::serve(const pollfd& entry) {

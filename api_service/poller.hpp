@@ -37,7 +37,8 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    void collect_descriptors();
+    /// False when a client is left alone until its peer has taken its answer.
+    bool collect_descriptors();
     /// The client when it received data and holds a frame.
     std::shared_ptr<IClientSocket> serve(const pollfd& entry);
     void close_client(int fd);
