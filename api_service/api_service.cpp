@@ -1,6 +1,7 @@
 #include "api_service/api_service.hpp"
 
 #include "api_service/auth/pam_session.hpp"
+#include "api_service/freed_memory.hpp"
 #include "api_service/poller.hpp"
 #include "api_service/protocol/route_table.hpp"
 #include "api_service/send_buffer.hpp"
@@ -8,8 +9,6 @@
 
 #include <chrono>
 #include <utility>
-
-#include <malloc.h>
 
 namespace xpon::api_service {
 
@@ -37,7 +36,7 @@ Result<void> ApiService::run(const service::ServiceCtx&) {
         }
         for (const auto& client : clients.value()) {
             serve_client(client);
-            give_back_memory();
+            give_back_freed_memory(std::exchange(memory_used_, 0));
         }
     }
     return core::success();
@@ -76,14 +75,6 @@ void ApiService::serve_client(const std::shared_ptr<IClientSocket>& socket) {
     });
     if (!answered) {
         socket->shut_down(); // the client would wait for an answer for ever
-    }
-}
-
-/// The tree and the text of a whole plant take tens of megabytes in small pieces, which the allocator would keep.
-void ApiService::give_back_memory() {
-    constexpr std::size_t worth_it = 1024 * 1024;
-    if (std::exchange(largest_answer_, 0) >= worth_it) {
-        ::malloc_trim(0);
     }
 }
 

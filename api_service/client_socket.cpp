@@ -39,6 +39,11 @@ private:
     int fd_;
 };
 
+/// Millions of frames of one byte take mostly what surrounds them.
+std::size_t memory_of(const std::string& frame) {
+    return sizeof(frame) + frame.size();
+}
+
 } // namespace
 
 ClientSocket::ClientSocket(core::UniqueFd fd) : fd_(std::move(fd)) {}
@@ -50,6 +55,7 @@ std::int64_t ClientSocket::get_frames_left() const {
 Result<std::string> ClientSocket::get_frame() {
     auto frame = std::move(frames_.front());
     frames_.pop();
+    frames_bytes_ -= memory_of(frame);
     return frame;
 }
 
@@ -85,8 +91,13 @@ void ClientSocket::shut_down() {
     is_shut_down_ = true;
     partial_.clear();
     frames_ = {};
+    frames_bytes_ = 0;
     ::shutdown(get_fd(), SHUT_RDWR);
     errno = 0;
+}
+
+std::size_t ClientSocket::get_bytes_waiting() const {
+    return partial_.capacity() + frames_bytes_;
 }
 
 bool ClientSocket::is_shut_down() const {
@@ -111,6 +122,9 @@ Result<void> ClientSocket::read_data() {
         return ErrorPayload(Error::CommonError);
     }
     cut_frames({buffer.data(), static_cast<std::size_t>(count)});
+    if (!frames_.empty() && frames_bytes_ - memory_of(frames_.front()) > waiting_frames_budget) {
+        return ErrorPayload(Error::Overflow, fmt::format("{} requests wait, {} bytes", frames_.size(), frames_bytes_));
+    }
     return core::success();
 }
 
@@ -118,6 +132,7 @@ void ClientSocket::cut_frames(std::string_view received) {
     for (auto end = received.find('\0'); end != std::string_view::npos; end = received.find('\0')) {
         partial_ += received.substr(0, end);
         if (!partial_.empty()) {
+            frames_bytes_ += memory_of(partial_);
             frames_.push(std::exchange(partial_, {}));
         }
         received.remove_prefix(end + 1);

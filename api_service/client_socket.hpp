@@ -29,7 +29,8 @@ public:
     /// tells how much was sent. After that nothing can be sent, and the connection is shut down.
     virtual Result<void> send_frame(std::string_view payload) = 0;
     [[nodiscard]] virtual int get_fd() const = 0;
-    /// Receives once, without waiting. An error means that the connection is of no more use.
+    /// Receives once, without waiting. An error means that the connection is of no more use; its code is Overflow when
+    /// too much waits to be served.
     virtual Result<void> read_data() = 0;
 
     /// Whether the peer has taken the answers given so far; until then it is to be read no further.
@@ -40,6 +41,10 @@ public:
     virtual void shut_down() {}
     [[nodiscard]] virtual bool is_shut_down() const {
         return false;
+    }
+    /// Memory that received bytes take, whether their frames are complete or not.
+    [[nodiscard]] virtual std::size_t get_bytes_waiting() const {
+        return 0;
     }
 
 protected:
@@ -60,6 +65,10 @@ public:
     [[nodiscard]] bool takes_requests() override;
     void shut_down() override;
     [[nodiscard]] bool is_shut_down() const override;
+    [[nodiscard]] std::size_t get_bytes_waiting() const override;
+
+    /// Memory that complete frames may take behind the oldest one. A single frame may be of any size.
+    static constexpr std::size_t waiting_frames_budget = 4 * 1024 * 1024; // bytes
 
     /// Bytes received at once at most, so that one busy client cannot hold the loop.
     static constexpr std::size_t get_buffer_size() {
@@ -78,7 +87,8 @@ private:
     core::UniqueFd fd_;
     std::string partial_; ///< received since the last NUL
     std::queue<std::string> frames_;
-    bool has_unsent_ = false; ///< when last looked at
+    std::size_t frames_bytes_ = 0; ///< memory that frames_ takes
+    bool has_unsent_ = false;      ///< when last looked at
     bool is_shut_down_ = false;
 };
 

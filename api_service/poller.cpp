@@ -1,5 +1,6 @@
 #include "api_service/poller.hpp"
 
+#include "api_service/freed_memory.hpp"
 #include "xpon/core/guard.hpp"
 
 #include <algorithm>
@@ -68,7 +69,10 @@ std::shared_ptr<IClientSocket> Poller::serve(const pollfd& entry) {
     std::shared_ptr<IClientSocket> ready;
     if ((entry.revents & POLLIN) != 0) {
         const auto& client = clients_.at(entry.fd);
-        if (!core::guarded(*logger_, [&] { return client->read_data(); })) {
+        if (const auto read = core::guarded(*logger_, [&] { return client->read_data(); }); !read) {
+            if (read.error().code == Error::Overflow) {
+                log_error(*logger_, "A client sends faster than it is served: {}", read.error().to_string());
+            }
             close_client(entry.fd);
             return nullptr;
         }
@@ -85,7 +89,10 @@ std::shared_ptr<IClientSocket> Poller::serve(const pollfd& entry) {
 
 void Poller::close_client(int fd) {
     core::log(*logger_, core::LogLevel::Debug, "Closing socket {}", fd);
-    clients_.erase(fd);
+    auto client = clients_.extract(fd);
+    const auto bytes = client.mapped()->get_bytes_waiting();
+    client.mapped().reset();
+    give_back_freed_memory(bytes);
 }
 
 void Poller::accept_client() {

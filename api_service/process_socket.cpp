@@ -2,6 +2,7 @@
 
 #include "api_service/api_service.hpp"
 #include "api_service/change_record.hpp"
+#include "api_service/freed_memory.hpp"
 #include "xpon/core/guard.hpp"
 
 #include <algorithm>
@@ -27,6 +28,7 @@ Result<void> ApiService::process_socket(const std::shared_ptr<IClientSocket>& so
         return core::success();
     }
     BOOST_OUTCOME_TRY(const auto frame, core::guarded(*logger_, [&] { return socket->get_frame(); }));
+    memory_used_ = std::max(memory_used_, frame.size() * tree_bytes_per_text_byte);
     BOOST_OUTCOME_TRY(auto request,
                       logged(*logger_, core::guarded(*logger_, [&] { return request_parser_.parse_request(frame); })));
     return dispatch(*socket, request);
@@ -73,7 +75,7 @@ Result<void> ApiService::answer(IClientSocket& socket, const Response& response,
     BOOST_OUTCOME_TRY(const auto text, logged(*logger_, core::guarded(*logger_, [&] {
                           return request_parser_.make_response(response);
                       })));
-    largest_answer_ = std::max(largest_answer_, text.size());
+    memory_used_ = std::max(memory_used_, text.size());
     auto sent = core::guarded(*logger_, [&] { return socket.send_frame(text); });
     if (!sent) {
         log_error(*logger_, "Answer of {}: {}", path, sent.error().to_string());

@@ -66,5 +66,29 @@ TEST(UnrulyClients, DoNotDisturbOthersAndLeaveNothingBehind) {
     EXPECT_EQ(olt.daemon().wait(), 0) << olt.daemon().output();
 }
 
+TEST(UnrulyClients, GetNoMemoryForGood) {
+    if (WITH_SANITIZERS) {
+        GTEST_SKIP() << "whose allocator keeps freed memory for a while";
+    }
+    Olt olt;
+    olt.start();
+    auto client = Olt::connect();
+    expect_served(client);
+    const auto idle = olt.daemon().resident_kib();
+    const auto is_idle_again = [&] { return olt.daemon().resident_kib() < idle + 4096; };
+    std::string numbers = R"({"path":"no.such.path","method":"get","data":[0)";
+    while (numbers.size() < 4U * 1024U * 1024U) {
+        numbers += ",1";
+    }
+    EXPECT_TRUE(ask(client, numbers + "]}").starts_with(R"({"success":false)"));
+    EXPECT_TRUE(eventually(is_idle_again)) << olt.daemon().resident_kib() << " KiB, before: " << idle;
+    {
+        auto half_a_request = Olt::connect();
+        ASSERT_TRUE(half_a_request.connection().send_bytes(numbers, soon()));
+    }
+    expect_served(client);
+    EXPECT_TRUE(eventually(is_idle_again)) << olt.daemon().resident_kib() << " KiB, before: " << idle;
+}
+
 } // namespace
 } // namespace xpon::test

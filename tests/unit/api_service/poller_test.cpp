@@ -64,6 +64,31 @@ TEST_F(PollerTest, LeavesAClientAloneUntilItHasTakenItsAnswer) {
     EXPECT_EQ(poller.poll(1000ms).value().size(), 1U);
 }
 
+TEST_F(PollerTest, TakesAFrameOfAnySizeButNotAnyNumberOfThem) {
+    const auto pieces = 2 * ClientSocket::waiting_frames_budget / ClientSocket::get_buffer_size();
+    const auto closed = testing::Contains(testing::HasSubstr("Error: Overflow."));
+    auto large = connect();
+    for (std::size_t piece = 0; piece < pieces; ++piece) {
+        send(large, std::string(ClientSocket::get_buffer_size(), 'a'));
+        EXPECT_TRUE(poller.poll(1000ms).value().empty());
+    }
+    send(large, "\0"s);
+    EXPECT_EQ(poller.poll(1000ms).value().at(0)->get_frame().value().size(), pieces * ClientSocket::get_buffer_size());
+    EXPECT_THAT(logger->texts(), testing::Not(closed));
+
+    auto many = connect();
+    std::string frames;
+    while (frames.size() < ClientSocket::get_buffer_size()) {
+        frames += "x\0"s;
+    }
+    std::size_t sent = 0;
+    for (; sent < pieces && !testing::Value(logger->texts(), closed); ++sent) {
+        send(many, frames);
+        EXPECT_TRUE(poller.poll(1000ms));
+    }
+    EXPECT_LT(sent, pieces) << "frames of one byte take more than they hold";
+}
+
 TEST_F(PollerTest, ClosesAClientOnceAlsoWhileSomebodyHoldsIt) {
     std::optional client = connect();
     send(*client, "frame\0"s);
