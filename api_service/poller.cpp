@@ -5,13 +5,27 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <limits>
 #include <utility>
+
+#include <sys/resource.h>
 
 namespace xpon::api_service {
 namespace {
 
 // Out of descriptors a listener stays readable for ever; leaving it alone for a while keeps the loop from spinning.
 constexpr std::chrono::seconds pause_after_failed_accept{1};
+
+constexpr std::chrono::seconds between_lines_of_refusals{1};
+
+/// The first descriptor that a client may not have. What serving takes (connections to peers, files, PAM's modules) is
+/// kept back.
+int end_of_client_descriptors() {
+    rlimit limit{};
+    ::getrlimit(RLIMIT_NOFILE, &limit);
+    const auto end = std::min<rlim_t>(limit.rlim_cur, std::numeric_limits<int>::max());
+    return static_cast<int>(end - std::min<rlim_t>(64, end / 4));
+}
 
 // Nothing wakes poll() once a peer has taken an answer: "writable" says only that there is room for some more.
 constexpr std::chrono::milliseconds longest_wait_with_unsent_answers{20};
@@ -100,12 +114,24 @@ void Poller::accept_client() {
     const auto accepted = core::guarded(*logger_, [this]() -> Result<void> {
         BOOST_OUTCOME_TRY(auto client, listener_->accept());
         const int fd = client->get_fd();
+        if (fd >= end_of_client_descriptors()) {
+            refuse_client();
+            return core::success(); // which closes it
+        }
         clients_.insert_or_assign(fd, std::move(client));
         return core::success();
     });
     if (!accepted) {
         log_error(*logger_, "{}", accepted.error().to_string());
         accept_again_ = Clock::now() + pause_after_failed_accept;
+    }
+}
+
+void Poller::refuse_client() {
+    ++refused_;
+    if (const auto now = Clock::now(); now >= tell_refused_again_) {
+        tell_refused_again_ = now + between_lines_of_refusals;
+        log_error(*logger_, "Too many connections, {} closed", std::exchange(refused_, 0));
     }
 }
 
