@@ -44,6 +44,14 @@ std::size_t memory_of(const std::string& frame) {
     return sizeof(frame) + frame.size();
 }
 
+/// A request line is METHOD TARGET HTTP/VERSION (RFC 9112, 3). No JSON text has a blank behind a word of that kind.
+bool begins_like_http(std::string_view frame) {
+    const auto line = frame.substr(0, frame.find_first_of("\r\n"));
+    const auto method = line.substr(0, line.find(' '));
+    return line.find(" HTTP/", method.size()) != std::string_view::npos &&
+           method.find_first_of("{[\"") == std::string_view::npos;
+}
+
 } // namespace
 
 ClientSocket::ClientSocket(core::UniqueFd fd) : fd_(std::move(fd)) {}
@@ -65,6 +73,9 @@ Result<void> ClientSocket::send_frame(std::string_view payload) {
     const auto sent = send_in_one_piece(payload);
     const int cause = std::exchange(errno, 0);
     has_unsent_ = unsent_bytes(get_fd()) > 0;
+    if (speaks_http_) {
+        shut_down();
+    }
     if (sent == wanted) {
         return core::success();
     }
@@ -129,9 +140,10 @@ Result<void> ClientSocket::read_data() {
 }
 
 void ClientSocket::cut_frames(std::string_view received) {
-    for (auto end = received.find('\0'); end != std::string_view::npos; end = received.find('\0')) {
+    for (auto end = received.find('\0'); end != std::string_view::npos && !speaks_http_; end = received.find('\0')) {
         partial_ += received.substr(0, end);
         if (!partial_.empty()) {
+            speaks_http_ = !std::exchange(has_had_a_frame_, true) && begins_like_http(partial_);
             frames_bytes_ += memory_of(partial_);
             frames_.push(std::exchange(partial_, {}));
         }

@@ -52,6 +52,8 @@ protected:
     virtual ssize_t do_recv(void* data, std::size_t size) = 0;
 };
 
+/// The first frame may be the beginning of an HTTP request: any web page can have a browser send one, with commands in
+/// its body. It is answered like every text that is no request, then the connection ends; what is behind it is dropped.
 class ClientSocket : public IClientSocket {
 public:
     /// Takes ownership of a connected, non-blocking socket.
@@ -90,6 +92,8 @@ private:
     std::size_t frames_bytes_ = 0; ///< memory that frames_ takes
     bool has_unsent_ = false;      ///< when last looked at
     bool is_shut_down_ = false;
+    bool has_had_a_frame_ = false;
+    bool speaks_http_ = false;
 };
 
 } // namespace xpon::api_service

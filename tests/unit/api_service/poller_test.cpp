@@ -64,6 +64,27 @@ TEST_F(PollerTest, LeavesAClientAloneUntilItHasTakenItsAnswer) {
     EXPECT_EQ(poller.poll(1000ms).value().size(), 1U);
 }
 
+TEST_F(PollerTest, AnswersABrowserOnceAndTakesNoCommandFromItsPage) {
+    auto browser = connect();
+    send(browser, "POST / HTTP/1.1\r\nHost: localhost:9999\r\n\r\n\0{\"path\":\"command.reboot\"}\0"s);
+    const auto client = poller.poll(1000ms).value().at(0);
+    EXPECT_EQ(client->get_frames_left(), 1);
+    EXPECT_TRUE(client->send_frame("refused"));
+    EXPECT_TRUE(poller.poll(1000ms).value().empty());
+    EXPECT_EQ(browser.receive_frame(std::chrono::steady_clock::now() + 10s).value(), "refused");
+    EXPECT_FALSE(browser.receive_frame(std::chrono::steady_clock::now() + 10s)) << "closed";
+
+    auto other = connect();
+    for (const auto* const frame : {R"({"data":"GET / HTTP/1.1"})", "GET / HTTP/1.1"}) { // a JSON text, a later frame
+        send(other, frame + "\0"s);
+        const auto ready = poller.poll(1000ms).value().at(0);
+        EXPECT_EQ(ready->get_frame().value(), frame);
+        EXPECT_TRUE(ready->send_frame("answer"));
+        EXPECT_FALSE(ready->is_shut_down()) << frame;
+        EXPECT_TRUE(other.receive_frame(std::chrono::steady_clock::now() + 10s));
+    }
+}
+
 TEST_F(PollerTest, TakesAFrameOfAnySizeButNotAnyNumberOfThem) {
     const auto pieces = 2 * ClientSocket::waiting_frames_budget / ClientSocket::get_buffer_size();
     const auto closed = testing::Contains(testing::HasSubstr("Error: Overflow."));
