@@ -126,7 +126,7 @@ Result<void> ClientSocket::read_data() {
     std::array<char, get_buffer_size()> buffer; // NOLINT(*-member-init): filled by do_recv
     const ssize_t count = do_recv(buffer.data(), buffer.size());
     const int cause = std::exchange(errno, 0);
-    if (count < 0 && cause == EAGAIN) {
+    if (count < 0 && (cause == EAGAIN || cause == EINTR)) {
         return core::success();
     }
     if (count <= 0) {

@@ -30,7 +30,7 @@ int main(int count, char** arguments) {
     if (count > 1) {
         return answer(arguments[1]);
     }
-    install_signal_handlers();
+    ignore_signals();
     for (;;) {
         switch (StartCycle().run()) {
         case CycleEnd::restart:
