@@ -1,5 +1,6 @@
 #include "api_service/client_socket.hpp"
 
+#include "api_service/auth/secret_wiping.hpp"
 #include "api_service/send_buffer.hpp"
 
 #include <algorithm>
@@ -44,6 +45,18 @@ std::size_t memory_of(const std::string& frame) {
     return sizeof(frame) + frame.size();
 }
 
+/// Appends, and leaves no copy behind in memory that is outgrown.
+void append(std::string& secret, std::string_view more) {
+    const auto size = secret.size() + more.size();
+    if (size > secret.capacity()) {
+        std::string outgrown = std::exchange(secret, {});
+        const WipeAtExit wipe(outgrown);
+        secret.reserve(std::max(size, 2 * outgrown.size()));
+        secret = outgrown;
+    }
+    secret += more;
+}
+
 /// A request line is METHOD TARGET HTTP/VERSION (RFC 9112, 3). No JSON text has a blank behind a word of that kind.
 bool begins_like_http(std::string_view frame) {
     const auto line = frame.substr(0, frame.find_first_of("\r\n"));
@@ -55,6 +68,10 @@ bool begins_like_http(std::string_view frame) {
 } // namespace
 
 ClientSocket::ClientSocket(core::UniqueFd fd) : fd_(std::move(fd)) {}
+
+ClientSocket::~ClientSocket() {
+    drop_received();
+}
 
 std::int64_t ClientSocket::get_frames_left() const {
     return static_cast<std::int64_t>(frames_.size());
@@ -98,11 +115,17 @@ bool ClientSocket::takes_requests() {
     return !has_unsent_;
 }
 
+void ClientSocket::drop_received() {
+    const WipeAtExit wipe(partial_);
+    for (; !frames_.empty(); frames_.pop()) {
+        const WipeAtExit wipe_frame(frames_.front());
+    }
+    frames_bytes_ = 0;
+}
+
 void ClientSocket::shut_down() {
     is_shut_down_ = true;
-    partial_.clear();
-    frames_ = {};
-    frames_bytes_ = 0;
+    drop_received();
     ::shutdown(get_fd(), SHUT_RDWR);
     errno = 0;
 }
@@ -133,6 +156,7 @@ Result<void> ClientSocket::read_data() {
         return ErrorPayload(Error::CommonError);
     }
     cut_frames({buffer.data(), static_cast<std::size_t>(count)});
+    explicit_bzero(buffer.data(), static_cast<std::size_t>(count));
     if (!frames_.empty() && frames_bytes_ - memory_of(frames_.front()) > waiting_frames_budget) {
         return ErrorPayload(Error::Overflow, fmt::format("{} requests wait, {} bytes", frames_.size(), frames_bytes_));
     }
@@ -141,7 +165,7 @@ Result<void> ClientSocket::read_data() {
 
 void ClientSocket::cut_frames(std::string_view received) {
     for (auto end = received.find('\0'); end != std::string_view::npos && !speaks_http_; end = received.find('\0')) {
-        partial_ += received.substr(0, end);
+        append(partial_, received.substr(0, end));
         if (!partial_.empty()) {
             speaks_http_ = !std::exchange(has_had_a_frame_, true) && begins_like_http(partial_);
             frames_bytes_ += memory_of(partial_);
@@ -149,7 +173,7 @@ void ClientSocket::cut_frames(std::string_view received) {
         }
         received.remove_prefix(end + 1);
     }
-    partial_ += received;
+    append(partial_, received);
 }
 
 ssize_t ClientSocket::do_send(const void* data, std::size_t size) {

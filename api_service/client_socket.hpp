@@ -54,10 +54,14 @@ protected:
 
 /// The first frame may be the beginning of an HTTP request: any web page can have a browser send one, with commands in
 /// its body. It is answered like every text that is no request, then the connection ends; what is behind it is dropped.
+/// Requests hold passwords: what was received is overwritten before its memory is freed.
 class ClientSocket : public IClientSocket {
 public:
     /// Takes ownership of a connected, non-blocking socket.
     explicit ClientSocket(core::UniqueFd fd);
+    ClientSocket(const ClientSocket&) = delete;
+    ClientSocket& operator=(const ClientSocket&) = delete;
+    ~ClientSocket() override;
 
     [[nodiscard]] std::int64_t get_frames_left() const override;
     Result<std::string> get_frame() override;
@@ -83,6 +87,7 @@ protected:
 
 private:
     void cut_frames(std::string_view received);
+    void drop_received();
     /// How many bytes of `payload` and its NUL went out.
     std::size_t send_in_one_piece(std::string_view payload);
 

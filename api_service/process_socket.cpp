@@ -1,6 +1,7 @@
 // The way of one request through the service: frame, request, session, route, privilege, pre-hooks, handler, answer.
 
 #include "api_service/api_service.hpp"
+#include "api_service/auth/secret_wiping.hpp"
 #include "api_service/change_record.hpp"
 #include "api_service/freed_memory.hpp"
 #include "xpon/core/guard.hpp"
@@ -27,7 +28,8 @@ Result<void> ApiService::process_socket(const std::shared_ptr<IClientSocket>& so
     if (socket->get_frames_left() == 0) {
         return core::success();
     }
-    BOOST_OUTCOME_TRY(const auto frame, core::guarded(*logger_, [&] { return socket->get_frame(); }));
+    BOOST_OUTCOME_TRY(auto frame, core::guarded(*logger_, [&] { return socket->get_frame(); }));
+    const WipeAtExit wipe(frame);
     memory_used_ = std::max(memory_used_, frame.size() * tree_bytes_per_text_byte);
     BOOST_OUTCOME_TRY(auto request,
                       logged(*logger_, core::guarded(*logger_, [&] { return request_parser_.parse_request(frame); })));
