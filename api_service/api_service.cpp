@@ -1,14 +1,14 @@
 #include "api_service/api_service.hpp"
 
 #include "api_service/auth/pam_session.hpp"
+#include "api_service/freed_memory.hpp"
 #include "api_service/poller.hpp"
 #include "api_service/protocol/route_table.hpp"
+#include "api_service/send_buffer.hpp"
 #include "xpon/core/guard.hpp"
 
 #include <chrono>
 #include <utility>
-
-#include <malloc.h>
 
 namespace xpon::api_service {
 
@@ -26,6 +26,7 @@ Result<void> ApiService::run(const service::ServiceCtx&) {
         log_error(*logger_, "{}", registered.error().to_string());
         return registered;
     }
+    try_send_buffer(*logger_);
     Poller poller(logger_, std::make_unique<ListenerSocket>(endpoint_));
     while (running_.load(std::memory_order_acquire)) {
         const auto clients = poller.poll(std::chrono::milliseconds(1000));
@@ -35,7 +36,7 @@ Result<void> ApiService::run(const service::ServiceCtx&) {
         }
         for (const auto& client : clients.value()) {
             serve_client(client);
-            give_back_memory();
+            give_back_freed_memory(std::exchange(memory_used_, 0));
         }
     }
     return core::success();
@@ -66,22 +67,14 @@ Result<void> ApiService::register_routes() {
 }
 
 void ApiService::serve_client(const std::shared_ptr<IClientSocket>& socket) {
-    if (core::guarded(*logger_, [&] { return process_socket(socket); })) {
+    if (core::guarded(*logger_, [&] { return process_socket(socket); }) || socket->is_shut_down()) {
         return;
     }
     const auto answered = core::guarded(*logger_, [&] {
         return answer_with_error(*socket, nullptr, Json_errors::request_not_processed, "api_service");
     });
     if (!answered) {
-        log_error(*logger_, "{}", answered.error().to_string());
-    }
-}
-
-/// The tree and the text of a whole plant take tens of megabytes in small pieces, which the allocator would keep.
-void ApiService::give_back_memory() {
-    constexpr std::size_t worth_it = 1024 * 1024;
-    if (std::exchange(largest_answer_, 0) >= worth_it) {
-        ::malloc_trim(0);
+        socket->shut_down(); // the client would wait for an answer for ever
     }
 }
 

@@ -42,10 +42,10 @@ public:
 private:
     Result<void> dispatch(IClientSocket& socket, Request& request);
     Result<void> run_pre_hooks(const RouteHandler& route, const std::shared_ptr<Session>& session, Request& request);
-    Result<void> answer(IClientSocket& socket, const Response& response);
+    /// `path` is for the log.
+    Result<void> answer(IClientSocket& socket, const Response& response, const std::string& path);
     Result<void> answer_with_error(IClientSocket& socket, const std::shared_ptr<Session>& session, Json_errors index,
                                    const std::string& path);
-    void give_back_memory();
     void serve_client(const std::shared_ptr<IClientSocket>& socket);
 
     std::shared_ptr<ipc::IIpc> ipc_;
@@ -56,7 +56,7 @@ private:
     std::shared_ptr<SessionManager> session_manager_;
     std::shared_ptr<IPamApi> pam_;
     Endpoint endpoint_;
-    std::size_t largest_answer_ = 0; ///< bytes, since memory was last given back
+    std::size_t memory_used_ = 0; ///< bytes, by one request or answer since memory was last given back
 };
 
 } // namespace xpon::api_service

@@ -1,11 +1,16 @@
 #include "api_service/client_socket.hpp"
 
+#include "api_service/auth/secret_wiping.hpp"
+#include "api_service/send_buffer.hpp"
+
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <utility>
 
 #include <sys/socket.h>
 
+#include <fmt/format.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 
@@ -35,9 +40,38 @@ private:
     int fd_;
 };
 
+/// Millions of frames of one byte take mostly what surrounds them.
+std::size_t memory_of(const std::string& frame) {
+    return sizeof(frame) + frame.size();
+}
+
+/// Appends, and leaves no copy behind in memory that is outgrown.
+void append(std::string& secret, std::string_view more) {
+    const auto size = secret.size() + more.size();
+    if (size > secret.capacity()) {
+        std::string outgrown = std::exchange(secret, {});
+        const WipeAtExit wipe(outgrown);
+        secret.reserve(std::max(size, 2 * outgrown.size()));
+        secret = outgrown;
+    }
+    secret += more;
+}
+
+/// A request line is METHOD TARGET HTTP/VERSION (RFC 9112, 3). No JSON text has a blank behind a word of that kind.
+bool begins_like_http(std::string_view frame) {
+    const auto line = frame.substr(0, frame.find_first_of("\r\n"));
+    const auto method = line.substr(0, line.find(' '));
+    return line.find(" HTTP/", method.size()) != std::string_view::npos &&
+           method.find_first_of("{[\"") == std::string_view::npos;
+}
+
 } // namespace
 
 ClientSocket::ClientSocket(core::UniqueFd fd) : fd_(std::move(fd)) {}
+
+ClientSocket::~ClientSocket() {
+    drop_received();
+}
 
 std::int64_t ClientSocket::get_frames_left() const {
     return static_cast<std::int64_t>(frames_.size());
@@ -46,18 +80,62 @@ std::int64_t ClientSocket::get_frames_left() const {
 Result<std::string> ClientSocket::get_frame() {
     auto frame = std::move(frames_.front());
     frames_.pop();
+    frames_bytes_ -= memory_of(frame);
     return frame;
 }
 
 Result<void> ClientSocket::send_frame(std::string_view payload) {
+    const auto wanted = payload.size() + 1;
+    errno = 0;
+    const auto sent = send_in_one_piece(payload);
+    const int cause = std::exchange(errno, 0);
+    has_unsent_ = unsent_bytes(get_fd()) > 0;
+    if (speaks_http_) {
+        shut_down();
+    }
+    if (sent == wanted) {
+        return core::success();
+    }
+    // Whatever came behind half an answer would be taken for its rest.
+    if (sent > 0 || cause != EAGAIN) {
+        shut_down();
+    }
+    return ErrorPayload(Error::CommonError, fmt::format("{} of {} bytes were sent, errno={}", sent, wanted, cause));
+}
+
+std::size_t ClientSocket::send_in_one_piece(std::string_view payload) {
+    const SendBufferRoom room(get_fd(), payload.size() + 1);
     const Cork cork(get_fd());
-    if (do_send(payload.data(), payload.size()) != static_cast<ssize_t>(payload.size())) {
-        return ErrorPayload(Error::CommonError, "The answer was not sent whole");
+    const auto sent = static_cast<std::size_t>(std::max<ssize_t>(do_send(payload.data(), payload.size()), 0));
+    return sent == payload.size() && do_send("", 1) == 1 ? sent + 1 : sent;
+}
+
+bool ClientSocket::takes_requests() {
+    has_unsent_ = has_unsent_ && unsent_bytes(get_fd()) > 0;
+    return !has_unsent_;
+}
+
+void ClientSocket::drop_received() {
+    const WipeAtExit wipe(partial_);
+    for (; !frames_.empty(); frames_.pop()) {
+        const WipeAtExit wipe_frame(frames_.front());
     }
-    if (do_send("", 1) != 1) {
-        return ErrorPayload(Error::CommonError, "The end of the answer was not sent");
-    }
-    return core::success();
+    frames_bytes_ = 0;
+}
+
+void ClientSocket::shut_down() {
+    is_shut_down_ = true;
+    drop_received();
+    ::shutdown(get_fd(), SHUT_RDWR);
+    errno = 0;
+}
+
+std::size_t ClientSocket::get_bytes_waiting() const {
+    return partial_.capacity() + frames_bytes_;
+}
+
+bool ClientSocket::is_shut_down() const {
+    return is_shut_down_;
 }
 
 int ClientSocket::get_fd() const {
@@ -65,28 +143,37 @@ int ClientSocket::get_fd() const {
 }
 
 Result<void> ClientSocket::read_data() {
+    if (is_shut_down_) {
+        return ErrorPayload(Error::CommonError); // what has arrived meanwhile is of no more use
+    }
     std::array<char, get_buffer_size()> buffer; // NOLINT(*-member-init): filled by do_recv
     const ssize_t count = do_recv(buffer.data(), buffer.size());
     const int cause = std::exchange(errno, 0);
-    if (count < 0 && cause == EAGAIN) {
+    if (count < 0 && (cause == EAGAIN || cause == EINTR)) {
         return core::success();
     }
     if (count <= 0) {
         return ErrorPayload(Error::CommonError);
     }
     cut_frames({buffer.data(), static_cast<std::size_t>(count)});
+    explicit_bzero(buffer.data(), static_cast<std::size_t>(count));
+    if (!frames_.empty() && frames_bytes_ - memory_of(frames_.front()) > waiting_frames_budget) {
+        return ErrorPayload(Error::Overflow, fmt::format("{} requests wait, {} bytes", frames_.size(), frames_bytes_));
+    }
     return core::success();
 }
 
 void ClientSocket::cut_frames(std::string_view received) {
-    for (auto end = received.find('\0'); end != std::string_view::npos; end = received.find('\0')) {
-        partial_ += received.substr(0, end);
+    for (auto end = received.find('\0'); end != std::string_view::npos && !speaks_http_; end = received.find('\0')) {
+        append(partial_, received.substr(0, end));
         if (!partial_.empty()) {
+            speaks_http_ = !std::exchange(has_had_a_frame_, true) && begins_like_http(partial_);
+            frames_bytes_ += memory_of(partial_);
             frames_.push(std::exchange(partial_, {}));
         }
         received.remove_prefix(end + 1);
     }
-    partial_ += received;
+    append(partial_, received);
 }
 
 ssize_t ClientSocket::do_send(const void* data, std::size_t size) {

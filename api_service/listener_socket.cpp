@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <cstring>
-#include <fstream>
 #include <stdexcept>
 #include <utility>
 
@@ -56,39 +55,6 @@ core::UniqueFd open_bound(const UnixEndpoint& endpoint) {
     return fd;
 }
 
-// The kernel doubles the number for its bookkeeping; one send then takes twice this size. Memory is used only while
-// an answer of that size is on its way.
-constexpr int wanted_bytes = 32 * 1024 * 1024;
-
-/// The greatest size that SO_SNDBUF may ask for.
-long plain_limit() {
-    long limit = 0;
-    std::ifstream("/proc/sys/net/core/wmem_max") >> limit;
-    return limit;
-}
-
-/// The size up to which the kernel tunes a TCP send buffer by itself.
-long tuning_limit() {
-    long least = 0;
-    long usual = 0;
-    long most = 0;
-    std::ifstream("/proc/sys/net/ipv4/tcp_wmem") >> least >> usual >> most;
-    return most;
-}
-
-/// Lets one send() on the connected socket `fd` take the largest answer of a full plant, tens of megabytes, whatever
-/// the peer does. Without the right to force the size it is raised only where that beats the kernel's own tuning.
-void enlarge_send_buffer(int fd) {
-    if (::setsockopt(fd, SOL_SOCKET, SO_SNDBUFFORCE, &wanted_bytes, sizeof(wanted_bytes)) == 0) {
-        return;
-    }
-    // A size set by hand switches the tuning off, so it must be worth it.
-    static const bool worth_it = 2 * plain_limit() > tuning_limit();
-    if (worth_it) {
-        ::setsockopt(fd, SOL_SOCKET, SO_SNDBUF, &wanted_bytes, sizeof(wanted_bytes));
-    }
-}
-
 } // namespace
 
 ListenerSocket::ListenerSocket(const Endpoint& endpoint)
@@ -105,7 +71,6 @@ Result<std::shared_ptr<IClientSocket>> ListenerSocket::accept() {
     // An answer must not wait for the acknowledgement of the one before.
     const int on = 1;
     ::setsockopt(fd.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof(on));
-    enlarge_send_buffer(fd.get());
     errno = 0;
     return std::make_shared<ClientSocket>(std::move(fd));
 }

@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <string_view>
 
+#include <sys/prctl.h>
+
 namespace {
 
 constexpr auto usage = R"(usage: api_service [--help | --version]
@@ -30,7 +32,8 @@ int main(int count, char** arguments) {
     if (count > 1) {
         return answer(arguments[1]);
     }
-    install_signal_handlers();
+    ::prctl(PR_SET_DUMPABLE, 0); // passwords pass through its memory: neither core files nor tracers may see it
+    ignore_signals();
     for (;;) {
         switch (StartCycle().run()) {
         case CycleEnd::restart:

@@ -1,15 +1,34 @@
 #include "api_service/poller.hpp"
 
+#include "api_service/freed_memory.hpp"
 #include "xpon/core/guard.hpp"
 
+#include <algorithm>
 #include <cerrno>
+#include <limits>
 #include <utility>
+
+#include <sys/resource.h>
 
 namespace xpon::api_service {
 namespace {
 
 // Out of descriptors a listener stays readable for ever; leaving it alone for a while keeps the loop from spinning.
 constexpr std::chrono::seconds pause_after_failed_accept{1};
+
+constexpr std::chrono::seconds between_lines_of_refusals{1};
+
+/// The first descriptor that a client may not have. What serving takes (connections to peers, files, PAM's modules) is
+/// kept back.
+int end_of_client_descriptors() {
+    rlimit limit{};
+    ::getrlimit(RLIMIT_NOFILE, &limit);
+    const auto end = std::min<rlim_t>(limit.rlim_cur, std::numeric_limits<int>::max());
+    return static_cast<int>(end - std::min<rlim_t>(64, end / 4));
+}
+
+// Nothing wakes poll() once a peer has taken an answer: "writable" says only that there is room for some more.
+constexpr std::chrono::milliseconds longest_wait_with_unsent_answers{20};
 
 } // namespace
 
@@ -21,7 +40,9 @@ Poller::~Poller() {
 }
 
 Result<std::vector<std::shared_ptr<IClientSocket>>> Poller::poll(std::chrono::milliseconds timeout) {
-    collect_descriptors();
+    if (!collect_descriptors()) {
+        timeout = std::min(timeout, longest_wait_with_unsent_answers);
+    }
     const int count = ::poll(fds_.data(), fds_.size(), static_cast<int>(timeout.count()));
     std::vector<std::shared_ptr<IClientSocket>> ready;
     if (count < 0) {
@@ -43,21 +64,29 @@ Result<std::vector<std::shared_ptr<IClientSocket>>> Poller::poll(std::chrono::mi
     return ready;
 }
 
-void Poller::collect_descriptors() {
+bool Poller::collect_descriptors() {
     const bool accepting = Clock::now() >= accept_again_;
+    bool all_take_requests = true;
     fds_.clear();
     // poll() passes over a negative descriptor.
     fds_.push_back({.fd = accepting ? listener_->get_fd() : -1, .events = POLLIN | POLLERR, .revents = 0});
     for (const auto& [fd, client] : clients_) {
-        fds_.push_back({.fd = fd, .events = POLLIN | POLLERR, .revents = 0});
+        const bool takes_requests = client->takes_requests();
+        all_take_requests = all_take_requests && takes_requests;
+        const auto awaited = takes_requests ? short{POLLIN | POLLERR} : short{POLLERR};
+        fds_.push_back({.fd = fd, .events = awaited, .revents = 0});
     }
+    return all_take_requests;
 }
 
 std::shared_ptr<IClientSocket> Poller::serve(const pollfd& entry) {
     std::shared_ptr<IClientSocket> ready;
     if ((entry.revents & POLLIN) != 0) {
         const auto& client = clients_.at(entry.fd);
-        if (!core::guarded(*logger_, [&] { return client->read_data(); })) {
+        if (const auto read = core::guarded(*logger_, [&] { return client->read_data(); }); !read) {
+            if (read.error().code == Error::Overflow) {
+                log_error(*logger_, "A client sends faster than it is served: {}", read.error().to_string());
+            }
             close_client(entry.fd);
             return nullptr;
         }
@@ -74,7 +103,10 @@ std::shared_ptr<IClientSocket> Poller::serve(const pollfd& entry) {
 
 void Poller::close_client(int fd) {
     core::log(*logger_, core::LogLevel::Debug, "Closing socket {}", fd);
-    clients_.erase(fd);
+    auto client = clients_.extract(fd);
+    const auto bytes = client.mapped()->get_bytes_waiting();
+    client.mapped().reset();
+    give_back_freed_memory(bytes);
 }
 
 void Poller::accept_client() {
@@ -82,12 +114,24 @@ void Poller::accept_client() {
     const auto accepted = core::guarded(*logger_, [this]() -> Result<void> {
         BOOST_OUTCOME_TRY(auto client, listener_->accept());
         const int fd = client->get_fd();
+        if (fd >= end_of_client_descriptors()) {
+            refuse_client();
+            return core::success(); // which closes it
+        }
         clients_.insert_or_assign(fd, std::move(client));
         return core::success();
     });
     if (!accepted) {
         log_error(*logger_, "{}", accepted.error().to_string());
         accept_again_ = Clock::now() + pause_after_failed_accept;
+    }
+}
+
+void Poller::refuse_client() {
+    ++refused_;
+    if (const auto now = Clock::now(); now >= tell_refused_again_) {
+        tell_refused_again_ = now + between_lines_of_refusals;
+        log_error(*logger_, "Too many connections, {} closed", std::exchange(refused_, 0));
     }
 }
 

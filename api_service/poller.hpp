@@ -37,11 +37,13 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    void collect_descriptors();
+    /// False when a client is left alone until its peer has taken its answer.
+    bool collect_descriptors();
     /// The client when it received data and holds a frame.
     std::shared_ptr<IClientSocket> serve(const pollfd& entry);
     void close_client(int fd);
     void accept_client();
+    void refuse_client();
 
     std::shared_ptr<ILogger> logger_;
     std::unique_ptr<IListenerSocket> listener_;
@@ -50,6 +52,8 @@ private:
     std::map<int, std::shared_ptr<IClientSocket>> clients_;
     std::vector<pollfd> fds_;
     Clock::time_point accept_again_; ///< the listener is left alone until then
+    int refused_ = 0;                ///< connections closed at once, not logged yet
+    Clock::time_point tell_refused_again_;
 };
 
 } // namespace xpon::api_service

@@ -1,7 +1,9 @@
 // The way of one request through the service: frame, request, session, route, privilege, pre-hooks, handler, answer.
 
 #include "api_service/api_service.hpp"
+#include "api_service/auth/secret_wiping.hpp"
 #include "api_service/change_record.hpp"
+#include "api_service/freed_memory.hpp"
 #include "xpon/core/guard.hpp"
 
 #include <algorithm>
@@ -26,7 +28,9 @@ Result<void> ApiService::process_socket(const std::shared_ptr<IClientSocket>& so
     if (socket->get_frames_left() == 0) {
         return core::success();
     }
-    BOOST_OUTCOME_TRY(const auto frame, core::guarded(*logger_, [&] { return socket->get_frame(); }));
+    BOOST_OUTCOME_TRY(auto frame, core::guarded(*logger_, [&] { return socket->get_frame(); }));
+    const WipeAtExit wipe(frame);
+    memory_used_ = std::max(memory_used_, frame.size() * tree_bytes_per_text_byte);
     BOOST_OUTCOME_TRY(auto request,
                       logged(*logger_, core::guarded(*logger_, [&] { return request_parser_.parse_request(frame); })));
     return dispatch(*socket, request);
@@ -58,7 +62,7 @@ Result<void> ApiService::dispatch(IClientSocket& socket, Request& request) {
         log_error(*logger_, "{} {}: {}", request.method, request.path, response.error().to_string());
         return answer_with_error(socket, session, Json_errors::request_not_processed, request.path);
     }
-    return answer(socket, response.value());
+    return answer(socket, response.value(), request.path);
 }
 
 Result<void> ApiService::run_pre_hooks(const RouteHandler& route, const std::shared_ptr<Session>& session,
@@ -69,17 +73,21 @@ Result<void> ApiService::run_pre_hooks(const RouteHandler& route, const std::sha
     return core::success();
 }
 
-Result<void> ApiService::answer(IClientSocket& socket, const Response& response) {
+Result<void> ApiService::answer(IClientSocket& socket, const Response& response, const std::string& path) {
     BOOST_OUTCOME_TRY(const auto text, logged(*logger_, core::guarded(*logger_, [&] {
                           return request_parser_.make_response(response);
                       })));
-    largest_answer_ = std::max(largest_answer_, text.size());
-    return logged(*logger_, core::guarded(*logger_, [&] { return socket.send_frame(text); }));
+    memory_used_ = std::max(memory_used_, text.size());
+    auto sent = core::guarded(*logger_, [&] { return socket.send_frame(text); });
+    if (!sent) {
+        log_error(*logger_, "Answer of {}: {}", path, sent.error().to_string());
+    }
+    return sent;
 }
 
 Result<void> ApiService::answer_with_error(IClientSocket& socket, const std::shared_ptr<Session>& session,
                                            Json_errors index, const std::string& path) {
-    return answer(socket, Response::make_error_response(session, JsonError(index, path, logger_), logger_));
+    return answer(socket, Response::make_error_response(session, JsonError(index, path, logger_), logger_), path);
 }
 
 } // namespace xpon::api_service

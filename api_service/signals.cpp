@@ -9,13 +9,15 @@ namespace {
 std::function<void()> stop_action;    // NOLINT(*-avoid-non-const-global-variables): all a signal handler can reach
 std::function<void()> restart_action; // NOLINT(*-avoid-non-const-global-variables)
 
+constexpr int numbers[] = {SIGTERM, SIGINT, SIGHUP};
+
 /// Keeps the three signals waiting, so that no handler meets a callable that is being exchanged.
 class SignalsHeld {
 public:
     SignalsHeld() {
         sigset_t held;
         sigemptyset(&held);
-        for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+        for (const int number : numbers) {
             sigaddset(&held, number);
         }
         sigprocmask(SIG_BLOCK, &held, &before_);
@@ -30,38 +32,36 @@ private:
     sigset_t before_{};
 };
 
-void exchange_actions(std::function<void()> stop, std::function<void()> restart) {
-    const SignalsHeld held;
-    stop_action = std::move(stop);
-    restart_action = std::move(restart);
-}
-
 void handle_stop(int) {
-    if (stop_action) {
-        stop_action();
-    }
+    stop_action();
 }
 
 void handle_restart(int) {
-    if (restart_action) {
-        restart_action();
-    }
+    restart_action();
 }
 
 } // namespace
 
-void install_signal_handlers() {
+void ignore_signals() {
+    for (const int number : numbers) {
+        std::signal(number, SIG_IGN);
+    }
+}
+
+SignalActions::SignalActions(std::function<void()> stop, std::function<void()> restart) {
+    const SignalsHeld held;
+    stop_action = std::move(stop);
+    restart_action = std::move(restart);
     std::signal(SIGTERM, handle_stop);
     std::signal(SIGINT, handle_stop);
     std::signal(SIGHUP, handle_restart);
 }
 
-SignalActions::SignalActions(std::function<void()> stop, std::function<void()> restart) {
-    exchange_actions(std::move(stop), std::move(restart));
-}
-
 SignalActions::~SignalActions() {
-    exchange_actions({}, {});
+    const SignalsHeld held;
+    ignore_signals();
+    stop_action = {};
+    restart_action = {};
 }
 
 } // namespace xpon::api_service

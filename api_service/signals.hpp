@@ -4,10 +4,12 @@
 
 namespace xpon::api_service {
 
-/// SIGTERM and SIGINT call the stop callable, SIGHUP the restart callable; without one they do nothing.
-void install_signal_handlers();
+/// Has SIGTERM, SIGINT and SIGHUP do nothing at all while there are no SignalActions: a signal with a handler, even one
+/// that does nothing, makes the system calls of a start fail with EINTR.
+void ignore_signals();
 
-/// Sets what the signals do, for the life of this object. The callables run inside a signal handler. One at a time.
+/// SIGTERM and SIGINT call the stop callable, SIGHUP the restart callable, for the life of this object. The callables
+/// run inside a signal handler. One object at a time.
 class SignalActions {
 public:
     SignalActions(std::function<void()> stop, std::function<void()> restart);

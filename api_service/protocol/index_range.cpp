@@ -27,9 +27,7 @@ Result<void> add_item(IndexSet& set, std::string_view item) {
     if (first > last) {
         return ErrorPayload(Error::InvalidInputArg);
     }
-    for (auto index = first; index <= last; ++index) {
-        set.set(index - 1);
-    }
+    set |= ~IndexSet() >> (max_index - 1 - (last - first)) << (first - 1);
     return core::success();
 }
 
@@ -53,6 +51,9 @@ Result<unsigned long> get_index_from_string(std::string_view text) {
 }
 
 Result<IndexSet> get_bitset_from_string_range(std::string_view text) {
+    if (text.size() > longest_index_text) {
+        return ErrorPayload(Error::InvalidInputArg, fmt::format("An index of {} bytes is too long", text.size()));
+    }
     IndexSet set;
     for (const auto& item : split_string(text, ',')) {
         BOOST_OUTCOME_TRY(add_item(set, item));

@@ -15,13 +15,16 @@ namespace xpon::api_service {
 /// The greatest index on the wire, and so the number of positions of one level.
 inline constexpr std::size_t max_index = 4096;
 
+/// No list of that many numbers of four digits is longer, in bytes.
+inline constexpr std::size_t longest_index_text = max_index * std::string_view("4096,").size() - 1;
+
 /// One level of an index range: position i stands for index i + 1 on the wire.
 using IndexSet = std::bitset<max_index>;
 
 /// One decimal number; the whole text must be used.
 Result<unsigned long> get_index_from_string(std::string_view text);
 
-/// One level, such as "1-4,7": numbers and ranges from 1 to 4096 joined by ",".
+/// One level, such as "1-4,7": numbers and ranges from 1 to 4096 joined by ",", `longest_index_text` at most.
 Result<IndexSet> get_bitset_from_string_range(std::string_view text);
 
 /// The reverse: ascending, a run of two or more as "first-last".

@@ -3,7 +3,9 @@
 #include "api_service/protocol/index_range.hpp"
 #include "xpon/core/guard.hpp"
 
+#include <set>
 #include <span>
+#include <string_view>
 #include <utility>
 
 namespace xpon::api_service {
@@ -12,18 +14,21 @@ namespace {
 constexpr std::uint8_t usual_pon_port_count = 16;
 constexpr std::size_t onts_per_pon_port = 256;
 
-Result<void> add_flat_positions(IndexSet& flat, const IndexRange<2>& pair, std::size_t pon_ports) {
-    return pair.for_each([&](const IndexRange<2>::Element& element) -> Result<void> {
-        const auto [port, ont] = element;
+Result<void> add_flat_positions(IndexSet& flat, const IndexSet& ports, const IndexSet& onts, std::size_t pon_ports) {
+    const auto first_ont = onts._Find_first();
+    for (auto port = ports._Find_first(); port < ports.size(); port = ports._Find_next(port)) {
         if (port >= pon_ports) {
             return ErrorPayload(Error::OutOfRange, "Pon-port index is out of range");
         }
-        if (ont >= onts_per_pon_port) {
+        if (first_ont < onts_per_pon_port) {
+            flat.set(port * onts_per_pon_port + first_ont); // throws beyond the last position
+        }
+        if ((onts >> onts_per_pon_port).any()) {
             return ErrorPayload(Error::OutOfRange, "ONT index is out of range");
         }
-        flat.set(port * onts_per_pon_port + ont); // throws beyond the last position
-        return core::success();
-    });
+        flat |= onts << (port * onts_per_pon_port);
+    }
+    return core::success();
 }
 
 } // namespace
@@ -52,9 +57,12 @@ Result<std::vector<std::string>> OntIndicesPreHook::flat_indices(const std::vect
 
     std::span<const std::string> pairs(indices);
     IndexSet flat;
+    std::set<std::pair<std::string_view, std::string_view>> added;
     for (; pairs.size() >= 2; pairs = pairs.subspan(2)) {
-        BOOST_OUTCOME_TRY(const auto pair, IndexRange<2>::from_strings(pairs.first(2)));
-        BOOST_OUTCOME_TRY(add_flat_positions(flat, pair, pon_ports));
+        if (added.emplace(pairs[0], pairs[1]).second) {
+            BOOST_OUTCOME_TRY(const auto pair, IndexRange<2>::from_strings(pairs.first(2)));
+            BOOST_OUTCOME_TRY(add_flat_positions(flat, pair.level(0), pair.level(1), pon_ports));
+        }
     }
     std::vector<std::string> result{get_string_range_from_bitset(flat)};
     result.insert(result.end(), pairs.begin(), pairs.end());

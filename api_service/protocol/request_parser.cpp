@@ -6,7 +6,20 @@
 namespace xpon::api_service {
 namespace {
 
+/// The library's texts end with a NUL: behind an escaped one they would be cut in silence.
+bool has_escaped_nul(std::string_view json) {
+    for (auto at = json.find('\\'); at != std::string_view::npos; at = json.find('\\', at + 2)) {
+        if (json.substr(at + 1, 5) == "u0000") {
+            return true;
+        }
+    }
+    return false;
+}
+
 Result<JsonTree> parse_json(const std::string& text) {
+    if (has_escaped_nul(text)) {
+        return ErrorPayload(Error::InvalidInputArg, "The request holds an escaped NUL");
+    }
     JsonTree tree(cJSON_Parse(text.c_str()));
     if (tree == nullptr) {
         // cJSON remembers where it stopped, inside a text that is about to be freed. Parsing something that

@@ -45,6 +45,7 @@ int custom_layer__init(zlog_category_s* category) {
         const auto logger = std::make_shared<logger::CategoryLogger>(category);
         cfgdb::set_database_log(logger);
         custom_layer::renew_own_connection(logger);
+        custom_layer::own_connection();
         if (!core::guarded(*logger, open_database)) {
             core::fail_with(EIO);
         }

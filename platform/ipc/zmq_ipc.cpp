@@ -17,7 +17,11 @@ class PeerConnections : public Ipc {
 public:
     PeerConnections(Address own, const std::shared_ptr<core::ILogger>& logger, const Timing& timing,
                     Connecting connecting)
-        : own_(own), logger_(logger), timing_(timing), connecting_(connecting) {}
+        : own_(own), logger_(logger), timing_(timing), connecting_(connecting) {
+        // A context takes its descriptors with its first socket, and ends the process when there are none left. At this
+        // time there are.
+        const zmq::socket_t first(context_, zmq::socket_type::dealer);
+    }
 
     core::Result<void> connect(Address peer) {
         return core::guarded(*logger_, [&]() -> core::Result<void> {

@@ -51,6 +51,21 @@ TEST(StartAndStop, HangupBuildsEverythingAgain) {
     EXPECT_EQ(Olt::log_in("admin").session_id(), "1");
 }
 
+TEST(StartAndStop, SignalsDoNotDisturbAStart) {
+    Olt olt;
+    olt.start_simulator();
+    olt.start_daemon();
+    ASSERT_EQ(olt.next_notification(), starting_up);
+    for (int number = 0; number < 3000; ++number) {
+        olt.daemon().send_signal(SIGHUP);
+    }
+    EXPECT_TRUE(eventually([&] {
+        olt.daemon().send_signal(SIGTERM);
+        return olt.daemon().wait(20ms).has_value();
+    }));
+    EXPECT_EQ(olt.daemon().wait(), 0) << olt.daemon().output();
+}
+
 /// What the daemon says when it cannot start.
 std::vector<std::string> last_words(Olt& olt) {
     olt.start_daemon();

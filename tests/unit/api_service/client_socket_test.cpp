@@ -48,12 +48,13 @@ TEST(ClientSocket, TellsAnIdleConnectionFromABrokenOne) {
     EXPECT_EQ(client.read_data().error().code, core::Error::CommonError) << "closed by the peer";
 }
 
-TEST(ClientSocket, EndsEveryFrameWithANulAndNeverContinuesAShortOne) {
-    for (const std::size_t room : {6U, 5U, 3U}) {
+TEST(ClientSocket, EndsEveryFrameWithANulAndSendsNothingBehindACutOne) {
+    for (const std::size_t room : {6U, 5U, 3U, 0U}) {
         ScriptedClient client;
         client.room = room;
         EXPECT_EQ(static_cast<bool>(client.send_frame("12345")), room == 6U);
         EXPECT_EQ(client.sent, "12345\0"s.substr(0, room));
+        EXPECT_EQ(client.is_shut_down(), room == 5U || room == 3U) << room;
     }
 }
 

@@ -40,6 +40,12 @@ TEST(IndexRange, RefusesBadTextsWithTheirReasons) {
         EXPECT_EQ(set.error().code, code) << text;
         EXPECT_EQ(set.error().info->message, message) << text;
     }
+    std::string repeated = "1";
+    while (repeated.size() < longest_index_text) {
+        repeated += ",1";
+    }
+    EXPECT_TRUE(get_bitset_from_string_range(repeated.substr(0, longest_index_text)));
+    EXPECT_FALSE(get_bitset_from_string_range(repeated + ",1"));
 }
 
 template <std::size_t N>

@@ -52,6 +52,64 @@ TEST_F(PollerTest, ReportsClientsThatReceivedAFrame) {
     EXPECT_EQ(poller.poll(1000ms).value().at(0)->get_frame().value(), "two");
 }
 
+TEST_F(PollerTest, LeavesAClientAloneUntilItHasTakenItsAnswer) {
+    auto peer = connect();
+    send(peer, "one\0"s);
+    const auto client = poller.poll(1000ms).value().at(0);
+    const std::string answer(100'000, 'a');
+    ASSERT_TRUE(client->send_frame(answer));
+    send(peer, "two\0"s);
+    EXPECT_TRUE(poller.poll(1000ms).value().empty());
+    EXPECT_EQ(peer.receive_frame(std::chrono::steady_clock::now() + 10s).value(), answer);
+    EXPECT_EQ(poller.poll(1000ms).value().size(), 1U);
+}
+
+TEST_F(PollerTest, AnswersABrowserOnceAndTakesNoCommandFromItsPage) {
+    auto browser = connect();
+    send(browser, "POST / HTTP/1.1\r\nHost: localhost:9999\r\n\r\n\0{\"path\":\"command.reboot\"}\0"s);
+    const auto client = poller.poll(1000ms).value().at(0);
+    EXPECT_EQ(client->get_frames_left(), 1);
+    EXPECT_TRUE(client->send_frame("refused"));
+    EXPECT_TRUE(poller.poll(1000ms).value().empty());
+    EXPECT_EQ(browser.receive_frame(std::chrono::steady_clock::now() + 10s).value(), "refused");
+    EXPECT_FALSE(browser.receive_frame(std::chrono::steady_clock::now() + 10s)) << "closed";
+
+    auto other = connect();
+    for (const auto* const frame : {R"({"data":"GET / HTTP/1.1"})", "GET / HTTP/1.1"}) { // a JSON text, a later frame
+        send(other, frame + "\0"s);
+        const auto ready = poller.poll(1000ms).value().at(0);
+        EXPECT_EQ(ready->get_frame().value(), frame);
+        EXPECT_TRUE(ready->send_frame("answer"));
+        EXPECT_FALSE(ready->is_shut_down()) << frame;
+        EXPECT_TRUE(other.receive_frame(std::chrono::steady_clock::now() + 10s));
+    }
+}
+
+TEST_F(PollerTest, TakesAFrameOfAnySizeButNotAnyNumberOfThem) {
+    const auto pieces = 2 * ClientSocket::waiting_frames_budget / ClientSocket::get_buffer_size();
+    const auto closed = testing::Contains(testing::HasSubstr("Error: Overflow."));
+    auto large = connect();
+    for (std::size_t piece = 0; piece < pieces; ++piece) {
+        send(large, std::string(ClientSocket::get_buffer_size(), 'a'));
+        EXPECT_TRUE(poller.poll(1000ms).value().empty());
+    }
+    send(large, "\0"s);
+    EXPECT_EQ(poller.poll(1000ms).value().at(0)->get_frame().value().size(), pieces * ClientSocket::get_buffer_size());
+    EXPECT_THAT(logger->texts(), testing::Not(closed));
+
+    auto many = connect();
+    std::string frames;
+    while (frames.size() < ClientSocket::get_buffer_size()) {
+        frames += "x\0"s;
+    }
+    std::size_t sent = 0;
+    for (; sent < pieces && !testing::Value(logger->texts(), closed); ++sent) {
+        send(many, frames);
+        EXPECT_TRUE(poller.poll(1000ms));
+    }
+    EXPECT_LT(sent, pieces) << "frames of one byte take more than they hold";
+}
+
 TEST_F(PollerTest, ClosesAClientOnceAlsoWhileSomebodyHoldsIt) {
     std::optional client = connect();
     send(*client, "frame\0"s);

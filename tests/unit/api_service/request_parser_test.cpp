@@ -15,7 +15,8 @@ protected:
 
 TEST_F(RequestParserTest, TakesOptionalMembersAsAbsent) {
     for (const char* text : {R"({"path":"p","method":"m"})", R"({"path":"p","method":"m","indices":"1"})",
-                             R"({"path":"p","method":"m","session_id":7,"config_type":null})"}) {
+                             R"({"path":"p","method":"m","session_id":7,"config_type":null})",
+                             R"({"path":"p","method":"m","other":"\\u0000"})"}) {
         const auto request = parser.parse_request(text).value();
         EXPECT_FALSE(request.session_id) << text;
         EXPECT_FALSE(request.config_type) << text;
@@ -31,6 +32,7 @@ TEST_F(RequestParserTest, RefusesWithTheReason) {
         {R"([])", "cJSON_GetObjectItemCaseSensitive() failed"},
         {R"({"path":1,"method":"m"})", "failed for path (cJSON_IsString failed)"},
         {R"({"path":"p","method":"m","indices":["1",2]})", "failed for 1 (cJSON_IsString failed)"},
+        {R"({"path":"p","method":"m","data":["\\\u0000"]})", "The request holds an escaped NUL"},
         {R"({"path":"p","method":"m","config_type":"Running"})", "Invalid config type: Running"},
     };
     for (const auto& [text, message] : cases) {
