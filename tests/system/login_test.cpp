@@ -71,6 +71,24 @@ TEST(Login, LeavesNoPasswordInAnyLog) {
     EXPECT_EQ(everything.find("-pass-"), std::string::npos);
 }
 
+TEST(Login, LeavesALineWithUserAndProcessInTheFileOfChanges) {
+    Olt olt;
+    olt.start();
+    auto client = Olt::connect();
+    EXPECT_FALSE(logs_in(client, "admin", "wrong"));
+    EXPECT_TRUE(logs_in(client, "admin", "admin"));
+    ask(client, R"({"session_id":"77","path":"configuration.CommonGCfg.hostname","method":"set"})");
+    const auto lines = read_file(olt.root() / "var/log/api-service-changes.log");
+    const auto who = fmt::format("(uid {}, pid {})\n", getuid(), getpid());
+    EXPECT_THAT(lines,
+                testing::HasSubstr(R"([API-SERV_CHANGES] Session none: auth auth user "admin": refused )" + who));
+    EXPECT_THAT(lines, testing::HasSubstr(R"( Session 1: auth auth user "admin": done )" + who));
+    EXPECT_THAT(lines, testing::HasSubstr(
+                           R"( Session "77" is unknown: "set" "configuration.CommonGCfg.hostname": refused )" + who));
+    EXPECT_THAT(read_file(olt.root() / "var/log/api-service.log"),
+                testing::HasSubstr(lines.substr(0, lines.find('\n'))));
+}
+
 /// "secret" as Debian stores it.
 constexpr auto yescrypt_of_secret = "$y$j9T$F5Jx5fExrKuPp53xLKQ..1$GmcwIgvdUC9qLWcKCi6gklUa1dM3ziD43YxYNURLKy0";
 
