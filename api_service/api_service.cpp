@@ -17,7 +17,7 @@ ApiService::ApiService(const std::shared_ptr<ipc::IIpc>& ipc, const std::shared_
 
 ApiService::ApiService(const std::shared_ptr<ipc::IIpc>& ipc, const std::shared_ptr<ILogger>& logger, Endpoint endpoint,
                        const std::shared_ptr<IPamApi>& pam)
-    : ipc_(ipc), logger_(logger), route_manager_(logger), request_parser_(logger),
+    : ipc_(ipc), logger_(logger), changes_(logger), route_manager_(logger), request_parser_(logger),
       session_manager_(std::make_shared<SessionManager>(logger)), pam_(pam), endpoint_(std::move(endpoint)) {}
 
 Result<void> ApiService::run(const service::ServiceCtx&) {
@@ -29,6 +29,7 @@ Result<void> ApiService::run(const service::ServiceCtx&) {
     try_send_buffer(*logger_);
     Poller poller(logger_, std::make_unique<ListenerSocket>(endpoint_));
     while (running_.load(std::memory_order_acquire)) {
+        changes_.tell_held_back();
         const auto clients = poller.poll(std::chrono::milliseconds(1000));
         if (!clients) {
             log_error(*logger_, "{}", clients.error().to_string());

@@ -2,6 +2,7 @@
 
 #include "api_service/auth/pam_interfaces.hpp"
 #include "api_service/auth/session_manager.hpp"
+#include "api_service/change_log.hpp"
 #include "api_service/client_socket.hpp"
 #include "api_service/core_names.hpp"
 #include "api_service/listener_socket.hpp"
@@ -35,6 +36,11 @@ public:
 
     Result<void> register_routes();
 
+    /// The lines about who changed what go to this logger, if it writes any; else to that of the service.
+    void log_changes_to(const std::shared_ptr<ILogger>& logger) {
+        changes_.write_to(logger);
+    }
+
     /// Answers the oldest frame of a client. Refusals that have an answer of their own are successes; after an error
     /// the client still waits for an answer.
     Result<void> process_socket(const std::shared_ptr<IClientSocket>& socket);
@@ -50,6 +56,7 @@ private:
 
     std::shared_ptr<ipc::IIpc> ipc_;
     std::shared_ptr<ILogger> logger_;
+    ChangeLog changes_;
     std::atomic<bool> running_{false};
     RouteManager route_manager_;
     RequestParser request_parser_;

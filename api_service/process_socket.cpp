@@ -2,7 +2,6 @@
 
 #include "api_service/api_service.hpp"
 #include "api_service/auth/secret_wiping.hpp"
-#include "api_service/change_record.hpp"
 #include "api_service/freed_memory.hpp"
 #include "xpon/core/guard.hpp"
 
@@ -41,6 +40,7 @@ Result<void> ApiService::dispatch(IClientSocket& socket, Request& request) {
     if (request.session_id) {
         session = session_manager_->lookup_session(*request.session_id);
         if (session == nullptr) {
+            changes_.unknown_session(request, socket.get_fd());
             return answer_with_error(socket, nullptr, Json_errors::access_denied, own_path);
         }
     }
@@ -48,18 +48,20 @@ Result<void> ApiService::dispatch(IClientSocket& socket, Request& request) {
     const ChangeRecord change(request);
     const auto privilege = session == nullptr ? PrivilegeLevel::Nothing : session->privilege;
     if (privilege < route.privilege) {
-        change.report(*logger_, "access denied");
+        changes_.refused(change, socket.get_fd());
         return answer_with_error(socket, session, Json_errors::access_denied, own_path);
     }
     if (auto hooked = run_pre_hooks(route, session, request); !hooked) {
-        change.report(*logger_, "refused");
+        changes_.failed(change, socket.get_fd()); // the answer does not say why, the lines before do
         return hooked;
     }
     const auto response = core::guarded(*logger_, [&] { return route.handler(request, session); });
-    change.report(*logger_, response);
     if (!response) {
-        // The client learns no cause: the log names the request and its cause.
+        // The client learns no cause: the log names the request and its cause, before the outcome.
         log_error(*logger_, "{} {}: {}", request.method, request.path, response.error().to_string());
+    }
+    changes_.answered(change, socket.get_fd(), response);
+    if (!response) {
         return answer_with_error(socket, session, Json_errors::request_not_processed, request.path);
     }
     return answer(socket, response.value(), request.path);

@@ -16,6 +16,7 @@ namespace {
 
 constexpr const char* log_configuration = "/etc/zlog_modules_config/API-SERVICE.conf";
 constexpr const char* log_category = "API-SERV";
+constexpr const char* change_log_category = "API-SERV_CHANGES";
 constexpr const char* ipc_log_category = "API-SERV_IPC";
 constexpr IpEndpoint api_endpoint{.port = 9999};
 
@@ -84,7 +85,9 @@ StartCycle::Failure StartCycle::start_ipc() {
 }
 
 StartCycle::Failure StartCycle::start_service() {
-    service_ = std::make_unique<ApiService>(ipc_, logger_, api_endpoint);
+    auto service = std::make_unique<ApiService>(ipc_, logger_, api_endpoint);
+    service->log_changes_to(std::make_shared<logger::Logger>(change_log_category));
+    service_ = std::move(service);
     return std::nullopt;
 }
 

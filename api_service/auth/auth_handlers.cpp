@@ -52,21 +52,21 @@ Result<std::shared_ptr<Session>> AuthHandler::open_session(const Request& reques
     return session;
 }
 
-Response AuthHandler::refuse(const std::shared_ptr<Session>& session, const char* reason) const {
+Response AuthHandler::refuse(const char* reason) const {
     JsonError error(Json_errors::access_denied, "auth", logger_);
     error.add_param(reason);
-    return Response::make_error_response(session, error, logger_);
+    return Response::make_error_response(nullptr, error, logger_);
 }
 
-Result<Response> AuthHandler::operator()(const Request& request, const std::shared_ptr<Session>& session) const {
+Result<Response> AuthHandler::operator()(const Request& request, const std::shared_ptr<Session>&) const {
     const auto created = create_session(request);
     if (!created && created.error().code == Error::NoAccess) {
         log_error(*logger_, "Invalid credentials");
-        return refuse(session, "InvalidCredentials");
+        return refuse("InvalidCredentials");
     }
     if (!created && created.error().code == Error::InvalidInputArg) {
         log_error(*logger_, "Unable to parse payload");
-        return Response::make_error_response(session, JsonError(Json_errors::cannot_parse, "auth", logger_), logger_);
+        return Response::make_error_response(nullptr, JsonError(Json_errors::cannot_parse, "auth", logger_), logger_);
     }
     if (!created) {
         log_error(*logger_, "Unable to create session: {}", created.error().to_string());
@@ -80,7 +80,7 @@ Result<Response> AuthHandler::operator()(const Request& request, const std::shar
     if (opened->privilege == PrivilegeLevel::Nothing) {
         log_error(*logger_, "Web privilege not set");
         BOOST_OUTCOME_TRY(session_manager_->close_session(opened->id));
-        return refuse(opened, "PrivilegeNotSet");
+        return refuse("PrivilegeNotSet");
     }
     auto payload = core::guarded(*logger_, [&] {
         return AuthResponsePayload{.session_id = opened->id, .privilege = opened->privilege}.make_payload();

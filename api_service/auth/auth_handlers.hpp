@@ -26,7 +26,8 @@ struct AuthResponsePayload {
     PrivilegeLevel privilege = PrivilegeLevel::Nothing;
 };
 
-/// Login: checks a name and password and opens a session. Leaves no session behind unless it succeeds.
+/// Login: checks a name and password and opens a session. Leaves no session behind unless it succeeds, and a refusal
+/// names none: neither one that is closed again nor the one in which the request came.
 class AuthHandler {
 public:
     AuthHandler(const std::shared_ptr<ILogger>& logger, const std::shared_ptr<SessionManager>& session_manager,
@@ -40,7 +41,7 @@ public:
 
 private:
     [[nodiscard]] Result<std::shared_ptr<Session>> open_session(const Request& request) const;
-    [[nodiscard]] Response refuse(const std::shared_ptr<Session>& session, const char* reason) const;
+    [[nodiscard]] Response refuse(const char* reason) const;
 
     std::shared_ptr<ILogger> logger_;
     std::shared_ptr<SessionManager> session_manager_;

@@ -1,15 +1,13 @@
 #include "api_service/handlers/record_fields.hpp"
 
+#include "xpon/core/printable_text.hpp"
+
 #include <algorithm>
 
 namespace xpon::api_service {
 
-Result<std::string> bounded_text(std::span<const char> buffer) {
-    const auto end = std::find(buffer.begin(), buffer.end(), '\0');
-    if (end == buffer.end()) {
-        return ErrorPayload(Error::InvalidInputArg, fmt::format("no end within {} bytes", buffer.size()));
-    }
-    return std::string(buffer.begin(), end);
+std::string device_text(std::span<const char> buffer) {
+    return core::printable_text({buffer.begin(), std::ranges::find(buffer, '\0')});
 }
 
 Result<std::size_t> bounded_count(std::size_t count, std::size_t limit, const char* name) {

@@ -25,8 +25,9 @@ struct JsonField {
     Result<JsonTree> (*make)(const Record& record);
 };
 
-/// The text in a buffer, up to its NUL. A buffer without one is an error.
-Result<std::string> bounded_text(std::span<const char> buffer);
+/// The text in a buffer of the device, up to its NUL or its end, made printable: never an error, for one ONT that names
+/// itself oddly must not make all others unreadable.
+std::string device_text(std::span<const char> buffer);
 
 /// The count. More than there is place for is an error, which names it.
 Result<std::size_t> bounded_count(std::size_t count, std::size_t limit, const char* name);
@@ -60,8 +61,7 @@ Result<JsonTree> create_field_value(const T& value) {
     } else if constexpr (std::is_floating_point_v<T>) {
         return create_cjson_from_value(static_cast<double>(value));
     } else if constexpr (std::is_bounded_array_v<T> && std::is_same_v<std::remove_extent_t<T>, char>) {
-        BOOST_OUTCOME_TRY(const auto text, bounded_text(value));
-        return create_cjson_from_value(text);
+        return create_cjson_from_value(device_text(value));
     } else if constexpr (std::is_bounded_array_v<T>) {
         return create_number_array(std::span<const std::remove_extent_t<T>>(value));
     } else {

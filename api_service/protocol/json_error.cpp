@@ -9,15 +9,35 @@
 namespace xpon::api_service {
 namespace {
 
-Result<void> set_param(cJSON* params, const char* key, const JsonError::Param& param) {
+/// What a step made; its failure is told by the name of the library's function, whatever the step consists of here.
+template <class T>
+Result<T> made_by(const char* function, Result<T> made) {
+    if (!made) {
+        return ErrorPayload(Error::CommonError, fmt::format("{}() failed {}", function, cjson_error_position()));
+    }
+    return made;
+}
+
+Result<void> add_string(cJSON* object, const char* key, const std::string& value) {
+    return made_by("cJSON_AddStringToObject", set_object_item(object, key, value));
+}
+
+Result<cJSON*> add_object(cJSON* object, const char* key) {
+    BOOST_OUTCOME_TRY(auto added, made_by("cJSON_CreateObject", create_object()));
+    cJSON* const borrowed = added.get();
+    BOOST_OUTCOME_TRY(made_by("cJSON_AddItemToObject", add_to_object(object, key, std::move(added))));
+    return borrowed;
+}
+
+Result<void> add_param_of(cJSON* params, const char* key, const JsonError::Param& param) {
     return std::visit(
         [&]<class T>(const T& value) -> Result<void> {
             if constexpr (std::is_same_v<T, std::string>) {
-                return set_object_item(params, key, value);
+                return add_string(params, key, value);
             } else if constexpr (sizeof(T) == sizeof(std::int64_t) && std::is_integral_v<T>) {
-                return set_object_item(params, key, std::to_string(value));
+                return add_string(params, key, std::to_string(value));
             } else {
-                return set_object_item(params, key, static_cast<double>(value));
+                return made_by("cJSON_AddItemToObject", set_object_item(params, key, static_cast<double>(value)));
             }
         },
         param);
@@ -44,21 +64,21 @@ Result<std::string> JsonError::json_error_index_to_str() const {
 
 Result<cJSON*> JsonError::get_cjson() const {
     return core::guarded(*logger_, [this]() -> Result<cJSON*> {
-        const auto build = [this]() -> Result<JsonTree> {
-            BOOST_OUTCOME_TRY(const auto text, json_error_index_to_str());
-            BOOST_OUTCOME_TRY(auto error, create_object());
-            BOOST_OUTCOME_TRY(auto* message, add_subobject(error.get(), "message"));
-            BOOST_OUTCOME_TRY(set_object_item(message, "key", text));
-            BOOST_OUTCOME_TRY(auto* params, add_subobject(message, "params"));
+        BOOST_OUTCOME_TRY(const auto text, json_error_index_to_str());
+        const auto build = [&]() -> Result<JsonTree> {
+            BOOST_OUTCOME_TRY(auto error, made_by("cJSON_CreateObject", create_object()));
+            BOOST_OUTCOME_TRY(auto* message, add_object(error.get(), "message"));
+            BOOST_OUTCOME_TRY(add_string(message, "key", text));
+            BOOST_OUTCOME_TRY(auto* params, add_object(message, "params"));
             for (std::size_t i = 0; i < params_.size(); ++i) {
-                BOOST_OUTCOME_TRY(set_param(params, fmt::format("p{}", i).c_str(), params_[i]));
+                BOOST_OUTCOME_TRY(add_param_of(params, fmt::format("p{}", i).c_str(), params_[i]));
             }
-            BOOST_OUTCOME_TRY(set_object_item(error.get(), "path", path_));
+            BOOST_OUTCOME_TRY(add_string(error.get(), "path", path_));
             return error;
         };
         auto error = build();
         if (!error) {
-            log_error(*logger_, "{} {}", error.error().info->message, cjson_error_position());
+            log_error(*logger_, "{}", error.error().info->message);
             return error.error();
         }
         return error.value().release();

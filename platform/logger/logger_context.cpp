@@ -1,3 +1,4 @@
+#include "logger/line_writer.hpp"
 #include "xpon/logger/logger.hpp"
 #include "xpon/peer_side/olt_root.hpp"
 
@@ -71,6 +72,7 @@ bool has_rule(const std::string& category) {
 LoggerContext::LoggerContext(core::UniqueFd configuration) : configuration_(std::move(configuration)) {}
 
 LoggerContext::~LoggerContext() {
+    LineWriter::instance().give_back_descriptors();
     zlog_fini();
     context_exists = false;
 }
@@ -91,6 +93,7 @@ core::Result<std::unique_ptr<LoggerContext>> Logger::create_context(const std::s
                               "(zlog writes the reason to the file named by ZLOG_PROFILE_ERROR)");
     }
     context_exists = true;
+    LineWriter::instance().keep_descriptors();
     auto context = std::make_unique<LoggerContext>(std::move(file));
     if (!has_rule(category)) {
         return fault_of(path, fmt::format("no rule for category {}", category));

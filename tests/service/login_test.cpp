@@ -14,10 +14,10 @@ protected:
         return ask(R"({"path":"auth","method":"auth","data":)" + data + "}");
     }
 
-    static std::string refusal(const std::string& id, const std::string& reason) {
-        return fmt::format(R"({{"success":false,"session_id":"{}","errors":[{{"message":{{"key":"Access denied",)"
+    static std::string refusal(const std::string& reason) {
+        return fmt::format(R"({{"success":false,"session_id":"","errors":[{{"message":{{"key":"Access denied",)"
                            R"("params":{{"p0":"{}"}}}},"path":"auth"}}]}})",
-                           id, reason);
+                           reason);
     }
 };
 
@@ -34,10 +34,10 @@ TEST_F(Login, GivesASessionWithTheUsersPrivilege) {
 }
 
 TEST_F(Login, RefusesAndLeavesNoSessionBehind) {
-    EXPECT_EQ(auth(R"({"user":"admin","password":"wrong"})"), refusal("", "InvalidCredentials"));
+    EXPECT_EQ(auth(R"({"user":"admin","password":"wrong"})"), refusal("InvalidCredentials"));
     EXPECT_THAT(take_log(), Contains("Invalid credentials"));
 
-    EXPECT_EQ(auth(R"({"user":"guest","password":"guest"})"), refusal("1", "PrivilegeNotSet"));
+    EXPECT_EQ(auth(R"({"user":"guest","password":"guest"})"), refusal("PrivilegeNotSet"));
     EXPECT_THAT(take_log(), Contains("Web privilege not set"));
 
     EXPECT_EQ(auth(R"({"user":"stranger","password":"stranger"})"), not_processed("auth"));
@@ -48,6 +48,11 @@ TEST_F(Login, RefusesAndLeavesNoSessionBehind) {
     EXPECT_THAT(take_log(), Contains("An std::exception was thrown: PAM is away"));
 
     EXPECT_EQ(pam->sessions_open, 0);
+    const auto id = log_in("viewer");
+    EXPECT_EQ(ask(R"({"path":"auth","method":"auth","session_id":")" + id +
+                  R"(","data":{"user":"operator","password":"wrong"}})"),
+              refusal("InvalidCredentials"))
+        << "also inside a session";
     EXPECT_EQ(ask(R"({"session_id":"1","path":"test.echo","method":"echo"})"), access_denied(""));
 }
 

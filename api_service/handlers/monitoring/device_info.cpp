@@ -38,19 +38,19 @@ constexpr JsonField<Factory_info> factory_info_fields[] = {
 Result<std::string> get_hostname(ILogger& logger) {
     utsname names{};
     BOOST_OUTCOME_TRY(core::call_c_api(logger, ::uname, &names));
-    return bounded_text(names.nodename);
+    return device_text(names.nodename);
 }
 
 Result<std::string> get_uptime(ILogger& logger) {
     std::array<char, formatted_uptime_size> text{};
     BOOST_OUTCOME_TRY(core::call_c_api(logger, custom_layer__get_formatted_uptime_str, text.data()));
-    return bounded_text(text);
+    return device_text(text);
 }
 
 Result<std::string> get_firmware_version(ILogger& logger, std::uint8_t slot) {
     Firmware_version_info info{};
     BOOST_OUTCOME_TRY(core::call_c_api(logger, custom_layer__get_firmware_version_info, slot, &info));
-    return bounded_text(info.version);
+    return device_text(info.version);
 }
 
 Result<std::uint8_t> get_slot(ILogger& logger, int (*ask)(std::uint8_t* index)) {
@@ -73,11 +73,11 @@ Result<void> fill_firmware(ILogger& logger, DeviceInfo& info) {
 
 Result<std::string> ask_short_device_name(ILogger& logger) {
     BOOST_OUTCOME_TRY(const auto factory, get_factory_info(logger));
-    BOOST_OUTCOME_TRY(const auto factory_name, bounded_text(factory.device_name));
+    const auto factory_name = device_text(factory.device_name);
     std::array<char, short_device_name_size> name{};
     BOOST_OUTCOME_TRY(
         core::call_c_api(logger, convert_factory_device_name_to_short_device_name, factory_name.c_str(), name.data()));
-    return bounded_text(name);
+    return device_text(name);
 }
 
 } // namespace

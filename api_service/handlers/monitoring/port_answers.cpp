@@ -16,7 +16,7 @@ Result<std::string> text_of_condition(const Sfp_identification& sfp) {
     case sfp_absent:
         return std::string("Absent");
     case sfp_present:
-        return bounded_text(sfp.condition_text);
+        return device_text(sfp.condition_text);
     case sfp_excluded_from_polling:
         return std::string("ExcludePolling");
     }

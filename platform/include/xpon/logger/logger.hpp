@@ -38,6 +38,8 @@ public:
                                                                        const std::string& category, int flags);
 
     [[nodiscard]] bool is_enabled(core::LogLevel level) const override;
+    /// Writes the text as one printable line of bounded length. A line that cannot be written is counted, and the
+    /// number is told behind the next one that can.
     void write(core::LogLevel level, std::string_view text, const std::source_location& where) override;
 
 protected:

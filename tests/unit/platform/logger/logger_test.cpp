@@ -5,6 +5,10 @@
 #include <fstream>
 #include <iterator>
 #include <utility>
+#include <vector>
+
+#include <sys/eventfd.h>
+#include <sys/resource.h>
 
 #include <gmock/gmock.h>
 
@@ -110,7 +114,72 @@ TEST_F(LoggerTest, TextsCannotForgeLinesOrSteerTerminals) {
     log_error(logger, "{}", "user \"a\r\n2026-01-01 forged\0\x1b[2J\x7f\xc2\x9b-\xc2\xb5\xff\""s);
     const auto text = root.read(log_file);
     EXPECT_EQ(std::ranges::count(text, '\n'), 1);
-    EXPECT_THAT(text, HasSubstr("user \"a\\x0D\\x0A2026-01-01 forged\\x00\\x1B[2J\\x7F\\xC2\\x9B-\xc2\xb5\xff\"\n"));
+    EXPECT_THAT(text, HasSubstr("user \"a\\x0D\\x0A2026-01-01 forged\\x00\\x1B[2J\\x7F\\xC2\\x9B-\xc2\xb5\\xFF\"\n"));
+}
+
+TEST_F(LoggerTest, NoTextIsTooLongToBeLogged) {
+    const auto context = create_context(shipped_configuration());
+    ASSERT_TRUE(context);
+    Logger logger("API-SERV");
+    log_error(logger, "Path {} not found", std::string(3'000'000, 'a'));
+    const auto text = root.read(log_file);
+    EXPECT_THAT(text, AllOf(HasSubstr(" Path aaa"), HasSubstr("aaa..(3000015 bytes)\n")));
+    EXPECT_LT(text.size(), 2200U);
+}
+
+/// Takes every descriptor that this process may have, as far as a small limit goes.
+class NoDescriptorsLeft {
+public:
+    NoDescriptorsLeft() {
+        getrlimit(RLIMIT_NOFILE, &before_);
+        const rlimit few{.rlim_cur = 64, .rlim_max = before_.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &few);
+        for (int fd = eventfd(0, 0); fd >= 0; fd = eventfd(0, 0)) {
+            taken_.emplace_back(fd);
+        }
+    }
+    NoDescriptorsLeft(const NoDescriptorsLeft&) = delete;
+    NoDescriptorsLeft& operator=(const NoDescriptorsLeft&) = delete;
+    ~NoDescriptorsLeft() {
+        setrlimit(RLIMIT_NOFILE, &before_);
+    }
+
+private:
+    rlimit before_{};
+    std::vector<core::UniqueFd> taken_;
+};
+
+TEST_F(LoggerTest, WritesAndRotatesWithoutADescriptorLeft) {
+    auto configuration = shipped_configuration();
+    const auto context = create_context(configuration.replace(configuration.find("1MB"), 3, "4KB"));
+    ASSERT_TRUE(context);
+    Logger logger("API-SERV");
+    {
+        const NoDescriptorsLeft nothing_left;
+        for (int line = 0; line < 100; ++line) {
+            log_error(logger, "line {} of many, long enough to fill a file of 4 KB within a hundred of them", line);
+        }
+    }
+    EXPECT_THAT(root.read("var/log/api-service.log.0"), HasSubstr("line 9"));
+    EXPECT_THAT(root.read(log_file) + root.read("var/log/api-service.log.0"), Not(HasSubstr("could not be written")));
+}
+
+TEST_F(LoggerTest, LinesThatCannotBeWrittenAreCountedAndToldLater) {
+    const auto context = create_context(shipped_configuration());
+    ASSERT_TRUE(context);
+    Logger logger("API-SERV");
+    const auto folder = root.path() / "var/log";
+    const auto away = root.path() / "var/away";
+    std::filesystem::rename(folder, away);
+    log_error(logger, "lost");
+    log_error(logger, "lost, too");
+    std::filesystem::rename(away, folder);
+    log_error(logger, "written");
+    log_error(logger, "the next");
+    const auto text = root.read(log_file);
+    EXPECT_THAT(text, testing::ContainsRegex("written\n.*WARN .* 2 log lines could not be written: "
+                                             "No such file or directory\n.*the next\n"));
+    EXPECT_EQ(std::ranges::count(text, '\n'), 3);
 }
 
 TEST_F(LoggerTest, ALongLogIsRotatedAndBounded) {
