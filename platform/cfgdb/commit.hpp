@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cfgdb/checks/faults.hpp"
 #include "cfgdb/records.hpp"
 #include "xpon/core/result.hpp"
 
@@ -7,12 +8,17 @@
 
 namespace xpon::cfgdb {
 
-/// Moves the candidate into running inside the transaction, with the indexes, and checks the outcome. Returns what
-/// changed. Errors: Empty when nothing is pending; InvalidState, "PATH: TEXT", when a check refuses: then the
-/// transaction must not be committed.
-core::Result<std::vector<RecordId>> apply_candidate(WriteTransaction& transaction);
+/// What became of a candidate.
+struct Applied {
+    std::vector<RecordId> changes;
+    Faults faults; ///< when there are any, the transaction must not be committed
+};
 
-/// Builds the indexes anew from the running records.
-void rebuild_ont_index(WriteTransaction& transaction);
+/// Moves the candidate into running inside the transaction, with the indexes, and checks the outcome.
+Applied apply_and_check(WriteTransaction& transaction);
+
+/// The same for a commit: returns what changed. Errors: Empty when nothing is pending; InvalidState, "PATH: TEXT", when
+/// a check refuses.
+core::Result<std::vector<RecordId>> apply_candidate(WriteTransaction& transaction);
 
 } // namespace xpon::cfgdb

@@ -1,9 +1,10 @@
 #include "cfgdb/environment.hpp"
 
 #include "cfgdb/file_descriptor.hpp"
-#include "xpon/peer_side/database_log.hpp"
+#include "cfgdb/soundness.hpp"
 
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
 #include <stdexcept>
 #include <system_error>
@@ -20,7 +21,10 @@ namespace {
 /// Room for several times the largest configuration, candidate and indexes included. Unused room costs nothing.
 constexpr std::size_t map_size = std::size_t{128} << 20U;
 constexpr mode_t folder_mode = 0700;
-constexpr mdb_mode_t file_mode = 0600;
+/// Others look through the database and read saved files meanwhile.
+constexpr std::chrono::seconds longest_wait_for_opening{10};
+/// Room for LMDB's table of readers.
+constexpr off_t lock_file_size = off_t{16} << 10U;
 
 int errno_of(int status) {
     if (status == MDB_MAP_FULL || status == MDB_TXN_FULL) {
@@ -38,13 +42,17 @@ void make_folder(const std::filesystem::path& folder) {
     }
 }
 
-bool is_no_database(int status) {
-    return status == MDB_INVALID || status == MDB_CORRUPTED || status == MDB_VERSION_MISMATCH;
-}
-
 void remove_files(const std::filesystem::path& folder) {
     std::filesystem::remove(folder / "data.mdb");
     std::filesystem::remove(folder / "lock.mdb");
+}
+
+/// LMDB maps this file before anything is in it: on a file system that is full by then, the first use of a page would
+/// be a signal. One that others have mapped keeps its size.
+void reserve_lock_file(const std::filesystem::path& folder) {
+    const FileDescriptor file(folder / "lock.mdb", O_RDWR | O_CREAT);
+    file.require_regular();
+    file.reserve(file.size() > 0 ? file.size() : lock_file_size);
 }
 
 } // namespace
@@ -70,34 +78,30 @@ Environment::~Environment() {
     }
 }
 
-int Environment::try_to_open(const std::string& folder) {
+void Environment::open_files(const std::string& folder) {
     MDB_env* created = nullptr;
     check_lmdb(mdb_env_create(&created), "mdb_env_create");
     environment_.reset(created);
     check_lmdb(mdb_env_set_mapsize(created, map_size), "mdb_env_set_mapsize");
-    return mdb_env_open(created, folder.c_str(), MDB_NOSYNC | MDB_NOTLS, file_mode);
+    check_lmdb(mdb_env_open(created, folder.c_str(), open_flags, file_mode), "mdb_env_open");
 }
 
 void Environment::open(const std::string& folder) {
     make_folder(folder);
     // Nobody opens the files while somebody else finds that they must go.
-    const FileDescriptor folder_descriptor(folder, O_RDONLY | O_DIRECTORY);
-    folder_descriptor.lock();
-    int status = try_to_open(folder);
-    if (is_no_database(status)) {
-        // A file system that was full when the database was made leaves such a file. It holds nothing, and a start
-        // finds its configuration elsewhere.
-        core::log(database_log(), core::LogLevel::Warning, "Configuration database {} is damaged and made anew: {}",
-                  folder, mdb_strerror(status));
+    const FolderLock lock(folder, longest_wait_for_opening);
+    reserve_lock_file(folder);
+    if (const auto damage = find_damage(folder)) {
+        damage_ = *damage;
         remove_files(folder);
-        status = try_to_open(folder);
+        reserve_lock_file(folder);
     }
-    check_lmdb(status, "mdb_env_open");
+    open_files(folder);
     // A process that was killed while it read leaves its reader slot, and the slot keeps old pages from reuse.
     int cleared = 0;
     check_lmdb(mdb_reader_check(environment_.get(), &cleared), "mdb_reader_check");
     auto* const reader = acquire_reader();
-    status = mdb_dbi_open(reader, nullptr, 0, &database_);
+    const int status = mdb_dbi_open(reader, nullptr, 0, &database_);
     // The handle stays valid only when the transaction that opened it commits.
     check_lmdb(status == MDB_SUCCESS ? mdb_txn_commit(reader) : (mdb_txn_abort(reader), status), "mdb_dbi_open");
 }

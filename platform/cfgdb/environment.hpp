@@ -30,6 +30,14 @@ public:
         return database_;
     }
 
+    static constexpr unsigned open_flags = MDB_NOSYNC | MDB_NOTLS;
+    static constexpr mdb_mode_t file_mode = 0600;
+
+    /// Why the database was made anew at this opening; "" when it was not.
+    [[nodiscard]] const std::string& damage() const {
+        return damage_;
+    }
+
     /// A reading transaction that sees the present state. It is kept between uses: renewing one is far cheaper than
     /// making one, and the process takes one reader slot whatever the number of its clients.
     /// @{
@@ -45,10 +53,11 @@ private:
     };
 
     void open(const std::string& folder);
-    int try_to_open(const std::string& folder);
+    void open_files(const std::string& folder);
 
     std::unique_ptr<MDB_env, Closer> environment_;
     MDB_dbi database_ = 0;
+    std::string damage_;
     mutable MDB_txn* idle_reader_ = nullptr;
 };
 

@@ -236,16 +236,4 @@ void replace_entries(WriteTransaction& transaction, std::uint16_t ont, const Ont
     }
 }
 
-void clear_ont_index(WriteTransaction& transaction) {
-    std::vector<std::vector<std::byte>> keys;
-    const Key prefix(Store::index);
-    transaction.visit(prefix, prefix, [&](Bytes key, Bytes) {
-        keys.emplace_back(key.begin(), key.end());
-        return true;
-    });
-    for (const auto& key : keys) {
-        transaction.erase(key);
-    }
-}
-
 } // namespace xpon::cfgdb

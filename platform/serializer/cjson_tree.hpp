@@ -2,9 +2,7 @@
 
 #include "xpon/core/json_tree.hpp"
 
-#include <memory>
 #include <new>
-#include <string>
 
 namespace xpon::serializer {
 
@@ -31,20 +29,6 @@ inline void append(cJSON& array, Tree value) {
         throw std::bad_alloc();
     }
     static_cast<void>(value.release());
-}
-
-/// The text of the tree, without layout.
-inline std::string print(const cJSON& tree) {
-    struct Deleter {
-        void operator()(char* text) const {
-            cJSON_free(text);
-        }
-    };
-    const std::unique_ptr<char, Deleter> text(cJSON_PrintUnformatted(&tree));
-    if (!text) {
-        throw std::bad_alloc();
-    }
-    return text.get();
 }
 
 } // namespace xpon::serializer

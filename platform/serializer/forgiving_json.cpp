@@ -85,7 +85,7 @@ bool take_out(cJSON& tree, std::string_view path) {
 }
 
 std::string text_of(const cJSON& value) {
-    return cJSON_IsString(&value) != 0 ? value.valuestring : print(value);
+    return cJSON_IsString(&value) != 0 ? value.valuestring : core::print_line(&value).get();
 }
 
 /// "PATH: TEXT" with the parameters in their places.

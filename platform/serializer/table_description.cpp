@@ -183,7 +183,7 @@ struct DescribedTable::Contents {
 };
 
 std::string describe(const Table& table) {
-    return print(*describe_table(table));
+    return core::print_line(describe_table(table).get()).get();
 }
 
 std::optional<DescribedTable> DescribedTable::parse(std::string_view text) {

@@ -1,0 +1,211 @@
+#include "cfgdb/page_survey.hpp"
+
+#include "cfgdb/checksum.hpp"
+#include "cfgdb/environment.hpp"
+#include "cfgdb/file_descriptor.hpp"
+
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <set>
+#include <system_error>
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <unistd.h>
+
+namespace xpon::cfgdb {
+namespace {
+
+using PageNumber = std::uint64_t;
+
+/// Why the file is damaged.
+struct Damage {
+    std::string text;
+};
+
+void require_sound(bool is_sound, std::string text) {
+    if (!is_sound) {
+        throw Damage{std::move(text)};
+    }
+}
+
+/// A status of LMDB that has an errno value has its cause outside of the file.
+void require_sound(int status) {
+    if (status > 0) {
+        throw std::system_error(status, std::generic_category());
+    }
+    require_sound(status == MDB_SUCCESS, mdb_strerror(status));
+}
+
+/// The layout of a file's head, of which there are two: in pages 0 and 1, written in turns (LMDB's format 1).
+struct Head {
+    static constexpr std::size_t offset_of_last_page = 136;
+    static constexpr std::size_t offset_of_transaction = 144;
+
+    PageNumber last_page;
+    std::uint64_t transaction;
+};
+
+Head read_head(std::string_view page) {
+    Head head{};
+    std::memcpy(&head.last_page, page.data() + Head::offset_of_last_page, sizeof(head.last_page));
+    std::memcpy(&head.transaction, page.data() + Head::offset_of_transaction, sizeof(head.transaction));
+    return head;
+}
+
+/// LMDB takes the head of the later transaction, so one that looks older than it is would undo what came after.
+void check_heads(const std::string& folder) {
+    const auto page_size = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    const FileDescriptor file(folder + "/data.mdb", O_RDONLY);
+    file.require_regular();
+    std::string pages(2 * page_size, '\0');
+    file.read_all(pages);
+    require_sound(pages.size() == 2 * page_size, "it is too short");
+    const auto first = read_head(pages);
+    const auto second = read_head(std::string_view(pages).substr(page_size));
+    const auto later = std::max(first.transaction, second.transaction);
+    require_sound(later - std::min(first.transaction, second.transaction) <= 1, "its heads do not fit");
+    // Pages at the end may be free and never written, but not that many.
+    const auto pages_in_file = static_cast<PageNumber>(file.size()) / page_size;
+    constexpr PageNumber most_unwritten = 1024;
+    require_sound(std::max(first.last_page, second.last_page) < pages_in_file + most_unwritten, "it is too short");
+}
+
+struct Closer {
+    void operator()(MDB_env* environment) const {
+        mdb_env_close(environment);
+    }
+    void operator()(MDB_txn* transaction) const {
+        mdb_txn_abort(transaction);
+    }
+    void operator()(MDB_cursor* cursor) const {
+        mdb_cursor_close(cursor);
+    }
+};
+
+class Survey {
+public:
+    explicit Survey(const std::string& folder) {
+        MDB_env* environment = nullptr;
+        require_sound(mdb_env_create(&environment));
+        environment_.reset(environment);
+        require_sound(mdb_env_open(environment, folder.c_str(), Environment::open_flags, Environment::file_mode));
+        writer_ = begin(0);
+        reader_ = begin(MDB_RDONLY);
+        require_sound(mdb_dbi_open(reader_.get(), nullptr, 0, &database_));
+        MDB_stat statistics{};
+        require_sound(mdb_stat(reader_.get(), database_, &statistics));
+        page_size_ = statistics.ms_psize;
+        MDB_envinfo info{};
+        require_sound(mdb_env_info(environment, &info));
+        last_page_ = info.me_last_pgno;
+    }
+
+    void check_entries() {
+        std::uint64_t sum = 0;
+        std::optional<Seal> seal;
+        walk(database_, [&](Bytes key, Bytes stored) {
+            const auto value = unseal(key, stored);
+            require_sound(value.has_value(), "a checksum is wrong");
+            if (std::ranges::equal(key, seal_key())) {
+                seal = read_seal(*value);
+            } else {
+                sum += share_of(stored);
+            }
+        });
+        require_sound(seal.has_value() ? seal->sum == sum && seal->transaction == mdb_txn_id(reader_.get())
+                                       : used_pages_.empty(),
+                      "entries are missing");
+    }
+
+    void check_free_pages() {
+        constexpr MDB_dbi free_list = 0;
+        std::set<PageNumber> free_pages;
+        walk(free_list, [&](Bytes key, Bytes value) {
+            std::vector<PageNumber> numbers(value.size() / sizeof(PageNumber));
+            std::memcpy(numbers.data(), value.data(), numbers.size() * sizeof(PageNumber));
+            require_sound(key.size() == sizeof(std::uint64_t) && !numbers.empty() && numbers[0] < numbers.size(),
+                          "its list of free pages is damaged");
+            for (std::size_t i = 1; i <= numbers[0]; ++i) {
+                require_sound(numbers[i] > 1 && numbers[i] <= last_page_ && !used_pages_.contains(numbers[i]) &&
+                                  free_pages.insert(numbers[i]).second,
+                              "its list of free pages is damaged");
+            }
+        });
+        const auto used = pages_of(database_) + pages_of(free_list);
+        constexpr PageNumber heads = 2;
+        require_sound(heads + used + free_pages.size() == last_page_ + 1, "pages are missing");
+    }
+
+private:
+    using Transaction = std::unique_ptr<MDB_txn, Closer>;
+
+    Transaction begin(unsigned flags) {
+        MDB_txn* transaction = nullptr;
+        require_sound(mdb_txn_begin(environment_.get(), nullptr, flags, &transaction));
+        return Transaction(transaction);
+    }
+
+    template <class Visit>
+    void walk(MDB_dbi database, const Visit& visit) {
+        MDB_stat statistics{};
+        require_sound(mdb_stat(reader_.get(), database, &statistics));
+        MDB_cursor* opened = nullptr;
+        require_sound(mdb_cursor_open(reader_.get(), database, &opened));
+        const std::unique_ptr<MDB_cursor, Closer> cursor(opened);
+        MDB_val key{};
+        MDB_val value{};
+        std::size_t count = 0;
+        int status = MDB_SUCCESS;
+        while ((status = mdb_cursor_get(opened, &key, &value, MDB_NEXT)) == MDB_SUCCESS) {
+            note_page_of(key);
+            note_page_of(value);
+            require_sound(count++ < statistics.ms_entries, "it has too many entries");
+            visit({static_cast<const std::byte*>(key.mv_data), key.mv_size},
+                  {static_cast<const std::byte*>(value.mv_data), value.mv_size});
+        }
+        if (status != MDB_NOTFOUND) {
+            require_sound(status);
+        }
+        require_sound(count == statistics.ms_entries, "entries are missing");
+    }
+
+    /// A page begins with its number.
+    void note_page_of(const MDB_val& data) {
+        const auto address = reinterpret_cast<std::uintptr_t>(data.mv_data) / page_size_ * page_size_;
+        PageNumber number = 0;
+        std::memcpy(&number, reinterpret_cast<const void*>(address), sizeof(number));
+        used_pages_.insert(number);
+    }
+
+    PageNumber pages_of(MDB_dbi database) {
+        MDB_stat statistics{};
+        require_sound(mdb_stat(reader_.get(), database, &statistics));
+        return statistics.ms_branch_pages + statistics.ms_leaf_pages + statistics.ms_overflow_pages;
+    }
+
+    std::unique_ptr<MDB_env, Closer> environment_;
+    Transaction writer_; ///< never writes: it keeps others from doing so meanwhile
+    Transaction reader_; ///< which alone may look at the list of free pages
+    MDB_dbi database_ = 0;
+    std::size_t page_size_ = 0;
+    PageNumber last_page_ = 0;
+    std::set<PageNumber> used_pages_; ///< the leaves, which hold nearly all of the file
+};
+
+} // namespace
+
+std::string survey_database(const std::string& folder) {
+    try {
+        Survey survey(folder);
+        check_heads(folder);
+        survey.check_entries();
+        survey.check_free_pages();
+        return {};
+    } catch (const Damage& damage) {
+        return damage.text;
+    }
+}
+
+} // namespace xpon::cfgdb
