@@ -18,8 +18,6 @@
 namespace xpon::cfgdb {
 namespace {
 
-/// Room for several times the largest configuration, candidate and indexes included. Unused room costs nothing.
-constexpr std::size_t map_size = std::size_t{128} << 20U;
 constexpr mode_t folder_mode = 0700;
 /// Others look through the database and read saved files meanwhile.
 constexpr std::chrono::seconds longest_wait_for_opening{10};

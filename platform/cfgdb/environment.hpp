@@ -30,6 +30,8 @@ public:
         return database_;
     }
 
+    /// Room for several times the largest configuration, candidate and indexes included. Unused room costs nothing.
+    static constexpr std::size_t map_size = std::size_t{128} << 20U;
     static constexpr unsigned open_flags = MDB_NOSYNC | MDB_NOTLS;
     static constexpr mdb_mode_t file_mode = 0600;
 

@@ -4,6 +4,8 @@
 #include "cfgdb/environment.hpp"
 #include "cfgdb/file_descriptor.hpp"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <memory>
@@ -38,38 +40,54 @@ void require_sound(int status) {
     require_sound(status == MDB_SUCCESS, mdb_strerror(status));
 }
 
-/// The layout of a file's head, of which there are two: in pages 0 and 1, written in turns (LMDB's format 1).
+/// What a file's head says, of which there are two: in pages 0 and 1, written in turns (LMDB's format 1).
 struct Head {
-    static constexpr std::size_t offset_of_last_page = 136;
-    static constexpr std::size_t offset_of_transaction = 144;
-
+    std::uint32_t page_size;
     PageNumber last_page;
     std::uint64_t transaction;
 };
 
 Head read_head(std::string_view page) {
+    constexpr std::size_t offset_of_page_size = 40;
+    constexpr std::size_t offset_of_last_page = 136;
+    constexpr std::size_t offset_of_transaction = 144;
     Head head{};
-    std::memcpy(&head.last_page, page.data() + Head::offset_of_last_page, sizeof(head.last_page));
-    std::memcpy(&head.transaction, page.data() + Head::offset_of_transaction, sizeof(head.transaction));
+    std::memcpy(&head.page_size, page.data() + offset_of_page_size, sizeof(head.page_size));
+    std::memcpy(&head.last_page, page.data() + offset_of_last_page, sizeof(head.last_page));
+    std::memcpy(&head.transaction, page.data() + offset_of_transaction, sizeof(head.transaction));
     return head;
 }
 
-/// LMDB takes the head of the later transaction, so one that looks older than it is would undo what came after.
-void check_heads(const std::string& folder) {
-    const auto page_size = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+std::size_t page_size() {
+    constexpr long largest = 0x8000;
+    return static_cast<std::size_t>(std::min(sysconf(_SC_PAGESIZE), largest));
+}
+
+std::array<Head, 2> read_heads(const FileDescriptor& file) {
+    std::string pages(2 * page_size(), '\0');
+    file.read_all(pages);
+    require_sound(pages.size() == 2 * page_size(), "it is too short");
+    return {read_head(pages), read_head(std::string_view(pages).substr(page_size()))};
+}
+
+/// Before LMDB opens the file: it maps as much as the heads say.
+void check_size(const std::string& folder) {
     const FileDescriptor file(folder + "/data.mdb", O_RDONLY);
     file.require_regular();
-    std::string pages(2 * page_size, '\0');
-    file.read_all(pages);
-    require_sound(pages.size() == 2 * page_size, "it is too short");
-    const auto first = read_head(pages);
-    const auto second = read_head(std::string_view(pages).substr(page_size));
+    for (const auto& head : read_heads(file)) {
+        // Pages at the end may be free and never written, but not that many.
+        constexpr PageNumber most_unwritten = 1024;
+        const auto pages = static_cast<PageNumber>(file.size()) / page_size() + most_unwritten;
+        require_sound(head.page_size == page_size() && head.last_page < pages, "its heads do not fit");
+    }
+}
+
+/// When nobody writes. LMDB takes the head of the later transaction, so one that looks older than it is would undo what
+/// came after.
+void check_transactions(const std::string& folder) {
+    const auto [first, second] = read_heads(FileDescriptor(folder + "/data.mdb", O_RDONLY));
     const auto later = std::max(first.transaction, second.transaction);
     require_sound(later - std::min(first.transaction, second.transaction) <= 1, "its heads do not fit");
-    // Pages at the end may be free and never written, but not that many.
-    const auto pages_in_file = static_cast<PageNumber>(file.size()) / page_size;
-    constexpr PageNumber most_unwritten = 1024;
-    require_sound(std::max(first.last_page, second.last_page) < pages_in_file + most_unwritten, "it is too short");
 }
 
 struct Closer {
@@ -90,13 +108,11 @@ public:
         MDB_env* environment = nullptr;
         require_sound(mdb_env_create(&environment));
         environment_.reset(environment);
+        require_sound(mdb_env_set_mapsize(environment, Environment::map_size));
         require_sound(mdb_env_open(environment, folder.c_str(), Environment::open_flags, Environment::file_mode));
         writer_ = begin(0);
         reader_ = begin(MDB_RDONLY);
         require_sound(mdb_dbi_open(reader_.get(), nullptr, 0, &database_));
-        MDB_stat statistics{};
-        require_sound(mdb_stat(reader_.get(), database_, &statistics));
-        page_size_ = statistics.ms_psize;
         MDB_envinfo info{};
         require_sound(mdb_env_info(environment, &info));
         last_page_ = info.me_last_pgno;
@@ -173,7 +189,7 @@ private:
 
     /// A page begins with its number.
     void note_page_of(const MDB_val& data) {
-        const auto address = reinterpret_cast<std::uintptr_t>(data.mv_data) / page_size_ * page_size_;
+        const auto address = reinterpret_cast<std::uintptr_t>(data.mv_data) / page_size() * page_size();
         PageNumber number = 0;
         std::memcpy(&number, reinterpret_cast<const void*>(address), sizeof(number));
         used_pages_.insert(number);
@@ -189,7 +205,6 @@ private:
     Transaction writer_; ///< never writes: it keeps others from doing so meanwhile
     Transaction reader_; ///< which alone may look at the list of free pages
     MDB_dbi database_ = 0;
-    std::size_t page_size_ = 0;
     PageNumber last_page_ = 0;
     std::set<PageNumber> used_pages_; ///< the leaves, which hold nearly all of the file
 };
@@ -198,8 +213,9 @@ private:
 
 std::string survey_database(const std::string& folder) {
     try {
+        check_size(folder);
         Survey survey(folder);
-        check_heads(folder);
+        check_transactions(folder);
         survey.check_entries();
         survey.check_free_pages();
         return {};

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 
@@ -36,6 +37,7 @@ void die_quietly_of_faults() {
     const core::UniqueFd nowhere(open("/dev/null", O_WRONLY | O_CLOEXEC)); // LMDB prints what it stumbles over
     dup2(nowhere.get(), STDERR_FILENO);
     alarm(longest_look_s);
+    prctl(PR_SET_PDEATHSIG, SIGKILL); // nobody waits for the outcome then
 }
 
 [[noreturn]] void look(const std::string& folder, int report) {

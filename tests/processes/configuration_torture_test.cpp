@@ -2,6 +2,7 @@
 
 #include "cfgdb/checksum.hpp"
 #include "cfgdb/durable_file.hpp"
+#include "tests/support/eventually.hpp"
 #include "tests/support/recording_logger.hpp"
 #include "tests/support/temporary_olt_root.hpp"
 #include "tests/processes/child.hpp"
@@ -75,6 +76,12 @@ protected:
 
     [[nodiscard]] std::filesystem::path database_folder() const {
         return root_.path() / "run/cfgdb";
+    }
+
+    /// A killed program's child may make a last file meanwhile.
+    void remove_database() const {
+        std::error_code fault;
+        ASSERT_TRUE(test::eventually([&] { return std::filesystem::remove_all(database_folder(), fault), !fault; }));
     }
 
     /// Ends what `work` does in a process of its own after a time, up to so many microseconds.
@@ -151,7 +158,7 @@ TEST_F(Torture, DamageOfTheDatabase) {
     test::repeat([&](int) {
         auto file = whole;
         damage(file, random_);
-        std::filesystem::remove_all(database_folder());
+        remove_database();
         root_.write("run/cfgdb/data.mdb", file);
         open();
         const bool is_new = testing::Matches(Contains(HasSubstr("was damaged and is made anew")))(logger_->texts());
@@ -175,7 +182,7 @@ TEST_F(Torture, KillsWhileADatabaseIsCarriedOver) {
     const auto before = read_file(database_folder() / "data.mdb");
     int done = 0;
     test::repeat([&](int) {
-        std::filesystem::remove_all(database_folder());
+        remove_database();
         root_.write("run/cfgdb/data.mdb", before);
         kill_within(60'000, [] { const CfgDbWrapper client("CHILD"); });
         open();
@@ -220,7 +227,7 @@ std::string random_file(std::mt19937& random) {
 TEST_F(Torture, KillsWhileAForeignFileIsLoaded) {
     test::repeat([&](int) {
         client_.reset();
-        std::filesystem::remove_all(root_.path() / "run");
+        remove_database();
         std::filesystem::remove_all(root_.path() / "configuration");
         const auto records = random_file(random_);
         root_.write(save_path + 1, fmt::format(R"({{"format":"olt-config","version":1,"crc32":{},"records":{}}})",
@@ -231,7 +238,7 @@ TEST_F(Torture, KillsWhileAForeignFileIsLoaded) {
         const auto lines = logger_->texts();
         ASSERT_EQ(save_running_configuration(client_->handle(), save_path), 0);
         client_.reset();
-        std::filesystem::remove_all(root_.path() / "run");
+        remove_database();
         open();
         ASSERT_THAT(logger_->texts(), testing::ElementsAre(testing::StartsWith("Started with the saved")));
         unsigned left = 0;
@@ -255,7 +262,7 @@ TEST_F(Torture, KillsWhileAFileIsSaved) {
                 save_running_configuration(client.handle(), save_path);
             }
         });
-        std::filesystem::remove_all(root_.path() / "run");
+        remove_database();
         open();
         ASSERT_THAT(logger_->texts(), testing::ElementsAre(testing::EndsWith(save_path)));
         ASSERT_EQ(description(), "saved");
