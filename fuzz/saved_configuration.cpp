@@ -1,6 +1,7 @@
 // The text of a saved configuration. What is accepted consists of records that a client could have set. The checksum is
 // put in, since no fuzzer guesses one.
 #include "cfgdb/saved_configuration.hpp"
+
 #include "serializer/table_description.hpp"
 
 #include <cstdint>

@@ -3,6 +3,7 @@
 #include "cfgdb/checksum.hpp"
 #include "cfgdb/environment.hpp"
 #include "cfgdb/file_descriptor.hpp"
+#include "cfgdb/page_check.hpp"
 
 #include <algorithm>
 #include <array>
@@ -131,27 +132,36 @@ public:
             }
         });
         require_sound(seal.has_value() ? seal->sum == sum && seal->transaction == mdb_txn_id(reader_.get())
-                                       : used_pages_.empty(),
+                                       : first_page_ == 0,
                       "entries are missing");
     }
 
-    void check_free_pages() {
-        constexpr MDB_dbi free_list = 0;
-        std::set<PageNumber> free_pages;
-        walk(free_list, [&](Bytes key, Bytes value) {
-            std::vector<PageNumber> numbers(value.size() / sizeof(PageNumber));
-            std::memcpy(numbers.data(), value.data(), numbers.size() * sizeof(PageNumber));
-            require_sound(key.size() == sizeof(std::uint64_t) && !numbers.empty() && numbers[0] < numbers.size(),
-                          "its list of free pages is damaged");
-            for (std::size_t i = 1; i <= numbers[0]; ++i) {
-                require_sound(numbers[i] > 1 && numbers[i] <= last_page_ && !used_pages_.contains(numbers[i]) &&
-                                  free_pages.insert(numbers[i]).second,
-                              "its list of free pages is damaged");
+    /// Those that are free must be used by nobody, and all others must be what they are used for.
+    void check_pages() {
+        const auto free_pages = read_free_list();
+        constexpr PageNumber first_page = 2; // behind the heads
+        std::size_t branches = 0;
+        std::size_t leaves = 0;
+        std::size_t overflows = 0;
+        for (auto number = first_page; number <= last_page_;) {
+            if (free_pages.contains(number)) {
+                ++number;
+                continue;
             }
-        });
-        const auto used = pages_of(database_) + pages_of(free_list);
-        constexpr PageNumber heads = 2;
-        require_sound(heads + used + free_pages.size() == last_page_ + 1, "pages are missing");
+            const auto facts = check_page(page(number), number);
+            require_sound(facts.kind != PageKind::damaged && facts.pages > 0 && number + facts.pages <= last_page_ + 1,
+                          "a page is damaged");
+            branches += facts.kind == PageKind::branch ? 1 : 0;
+            leaves += facts.kind == PageKind::leaf ? 1 : 0;
+            overflows += facts.kind == PageKind::overflow ? facts.pages : 0;
+            number += facts.pages;
+        }
+        const auto entries = statistics_of(database_);
+        const auto free_list = statistics_of(free_list_database);
+        require_sound(branches == entries.ms_branch_pages + free_list.ms_branch_pages &&
+                          leaves == entries.ms_leaf_pages + free_list.ms_leaf_pages &&
+                          overflows == entries.ms_overflow_pages + free_list.ms_overflow_pages,
+                      "pages are missing");
     }
 
 private:
@@ -163,10 +173,32 @@ private:
         return Transaction(transaction);
     }
 
-    template <class Visit>
-    void walk(MDB_dbi database, const Visit& visit) {
+    static constexpr MDB_dbi free_list_database = 0;
+
+    [[nodiscard]] MDB_stat statistics_of(MDB_dbi database) const {
         MDB_stat statistics{};
         require_sound(mdb_stat(reader_.get(), database, &statistics));
+        return statistics;
+    }
+
+    std::set<PageNumber> read_free_list() {
+        std::set<PageNumber> free_pages;
+        walk(free_list_database, [&](Bytes key, Bytes value) {
+            std::vector<PageNumber> numbers(value.size() / sizeof(PageNumber));
+            std::memcpy(numbers.data(), value.data(), numbers.size() * sizeof(PageNumber));
+            require_sound(key.size() == sizeof(std::uint64_t) && !numbers.empty() && numbers[0] < numbers.size(),
+                          "its list of free pages is damaged");
+            for (std::size_t i = 1; i <= numbers[0]; ++i) {
+                require_sound(numbers[i] > 1 && numbers[i] <= last_page_ && free_pages.insert(numbers[i]).second,
+                              "its list of free pages is damaged");
+            }
+        });
+        return free_pages;
+    }
+
+    template <class Visit>
+    void walk(MDB_dbi database, const Visit& visit) {
+        const auto entries = statistics_of(database).ms_entries;
         MDB_cursor* opened = nullptr;
         require_sound(mdb_cursor_open(reader_.get(), database, &opened));
         const std::unique_ptr<MDB_cursor, Closer> cursor(opened);
@@ -175,30 +207,33 @@ private:
         std::size_t count = 0;
         int status = MDB_SUCCESS;
         while ((status = mdb_cursor_get(opened, &key, &value, MDB_NEXT)) == MDB_SUCCESS) {
-            note_page_of(key);
-            note_page_of(value);
-            require_sound(count++ < statistics.ms_entries, "it has too many entries");
+            note_place_of(key);
+            require_sound(count++ < entries, "it has too many entries");
+            MDB_val found{};
+            require_sound(database == free_list_database ||
+                              (mdb_get(reader_.get(), database, &key, &found) == 0 && found.mv_data == value.mv_data),
+                          "an entry cannot be found");
             visit({static_cast<const std::byte*>(key.mv_data), key.mv_size},
                   {static_cast<const std::byte*>(value.mv_data), value.mv_size});
         }
         if (status != MDB_NOTFOUND) {
             require_sound(status);
         }
-        require_sound(count == statistics.ms_entries, "entries are missing");
+        require_sound(count == entries, "entries are missing");
     }
 
-    /// A page begins with its number.
-    void note_page_of(const MDB_val& data) {
+    /// A page begins with its number, which tells where all others are.
+    void note_place_of(const MDB_val& data) {
         const auto address = reinterpret_cast<std::uintptr_t>(data.mv_data) / page_size() * page_size();
         PageNumber number = 0;
         std::memcpy(&number, reinterpret_cast<const void*>(address), sizeof(number));
-        used_pages_.insert(number);
+        const auto first = address - number * page_size();
+        require_sound(first_page_ == 0 || first_page_ == first, "a page is damaged");
+        first_page_ = first;
     }
 
-    PageNumber pages_of(MDB_dbi database) {
-        MDB_stat statistics{};
-        require_sound(mdb_stat(reader_.get(), database, &statistics));
-        return statistics.ms_branch_pages + statistics.ms_leaf_pages + statistics.ms_overflow_pages;
+    [[nodiscard]] Bytes page(PageNumber number) const {
+        return {reinterpret_cast<const std::byte*>(first_page_ + number * page_size()), page_size()};
     }
 
     std::unique_ptr<MDB_env, Closer> environment_;
@@ -206,7 +241,7 @@ private:
     Transaction reader_; ///< which alone may look at the list of free pages
     MDB_dbi database_ = 0;
     PageNumber last_page_ = 0;
-    std::set<PageNumber> used_pages_; ///< the leaves, which hold nearly all of the file
+    std::uintptr_t first_page_ = 0; ///< where LMDB maps it
 };
 
 } // namespace
@@ -217,7 +252,7 @@ std::string survey_database(const std::string& folder) {
         Survey survey(folder);
         check_transactions(folder);
         survey.check_entries();
-        survey.check_free_pages();
+        survey.check_pages();
         return {};
     } catch (const Damage& damage) {
         return damage.text;

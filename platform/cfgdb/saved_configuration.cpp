@@ -39,8 +39,9 @@ std::string print_record(const RecordId& id, Bytes stored) {
     }
     const Tree owner(errors);
     if (owner) { // no reader would take it: better no file than this one
-        throw std::system_error(EIO, std::generic_category(),
-                                fmt::format("{} cannot be written: {}", name_of(id), core::print_line(owner->child).get()));
+        throw std::system_error(
+            EIO, std::generic_category(),
+            fmt::format("{} cannot be written: {}", name_of(id), core::print_line(owner->child).get()));
     }
     return core::print_line(target.get()).get();
 }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <deque>
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -51,9 +52,7 @@ Tree describe_field(const Field& field) {
     add_member(*object, "kind", owned(cJSON_CreateStringReference(row->name)));
     add_number(*object, "offset", field.offset);
     add_number(*object, "size", field.size);
-    if (field.kind == Kind::array || field.kind == Kind::list) {
-        add_number(*object, "max", field.max);
-    }
+    add_number(*object, "max", field.max);
     if (field.kind == Kind::list) {
         add_number(*object, "count_offset", field.count_offset);
     }
@@ -92,7 +91,7 @@ const char* text_of(const cJSON& object, const char* key) {
 
 /// 0 for a number that is missing or that no layout has.
 std::uint32_t number_of(const cJSON& object, const char* key) {
-    constexpr double largest = 1U << 24U;
+    constexpr double largest = std::numeric_limits<std::uint32_t>::max();
     const auto* value = cJSON_GetObjectItemCaseSensitive(&object, key);
     return cJSON_IsNumber(value) != 0 && value->valuedouble >= 0 && value->valuedouble <= largest
                ? static_cast<std::uint32_t>(value->valuedouble)
@@ -137,6 +136,8 @@ struct DescribedTable::Contents {
             return {};
         }
         switch (field.kind) {
+        case Kind::vlan_set:
+            return field.max < 4096 ? std::optional(field) : std::nullopt;
         case Kind::enumeration:
             return read_names(object, field) ? std::optional(field) : std::nullopt;
         case Kind::object:

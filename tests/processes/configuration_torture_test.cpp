@@ -2,13 +2,13 @@
 
 #include "cfgdb/checksum.hpp"
 #include "cfgdb/durable_file.hpp"
+#include "tests/processes/child.hpp"
+#include "tests/processes/rounds.hpp"
 #include "tests/support/eventually.hpp"
 #include "tests/support/recording_logger.hpp"
 #include "tests/support/temporary_olt_root.hpp"
-#include "tests/processes/child.hpp"
 #include "tests/unit/platform/cfgdb/edits.hpp"
 #include "tests/unit/platform/cfgdb/other_release.hpp"
-#include "tests/processes/rounds.hpp"
 #include "xpon/peer_side/configuration_file.hpp"
 #include "xpon/peer_side/database_log.hpp"
 
@@ -253,6 +253,7 @@ TEST_F(Torture, KillsWhileAForeignFileIsLoaded) {
 // The file is the old one or the new one, and nothing else lies about after the next start.
 TEST_F(Torture, KillsWhileAFileIsSaved) {
     client_.reset();
+    remove_database();
     test::repeat([&](int number) {
         kill_within(20'000, [&] {
             CfgDbWrapper client("CHILD");
