@@ -2,6 +2,8 @@
 // put in, since no fuzzer guesses one.
 #include "cfgdb/saved_configuration.hpp"
 
+#include "serializer/table_description.hpp"
+
 #include <cstdint>
 #include <cstdlib>
 
@@ -12,7 +14,9 @@
 // NOLINTNEXTLINE(readability-identifier-naming): the name is libFuzzer's
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(input), size);
-    static_cast<void>(xpon::cfgdb::parse_saved_configuration(text));
+    xpon::cfgdb::StartReport report;
+    static_cast<void>(xpon::cfgdb::parse_saved_configuration(text, report));
+    static_cast<void>(xpon::serializer::DescribedTable::parse(text));
 
     const xpon::core::JsonTree tree(cJSON_ParseWithLength(text.data(), text.size()));
     if (!tree) {
@@ -23,7 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t siz
     crc.process_bytes(printed.get(), std::string_view(printed.get()).size());
     const auto file =
         fmt::format(R"({{"format":"olt-config","version":1,"crc32":{},"records":{}}})", crc.checksum(), printed.get());
-    const auto records = xpon::cfgdb::parse_saved_configuration(file);
+    const auto records = xpon::cfgdb::parse_saved_configuration(file, report);
     if (records.has_value()) {
         for (const auto& [id, record] : records.value()) {
             const auto& row = xpon::cfgdb::element(id.element);

@@ -69,40 +69,33 @@ Touched replace_all_entries(WriteTransaction& transaction, const std::set<std::u
 
 } // namespace
 
-core::Result<Applied> apply_candidate(WriteTransaction& transaction) {
+Applied apply_and_check(WriteTransaction& transaction) {
+    Applied applied;
     RecordWriter writer(transaction);
-    auto changes = writer.list(Store::candidate);
-    if (changes.empty()) {
-        return core::ErrorPayload(core::Error::Empty, "Nothing to commit");
-    }
+    applied.changes = writer.list(Store::candidate);
     const OntIndex index(transaction);
-    const auto content = with_new_content(writer, changes);
-    auto reached = reached_onts(index, content);
+    const auto content = with_new_content(writer, applied.changes);
+    applied.onts = reached_onts(index, content);
+    const auto& reached = applied.onts;
     auto before = collect_entries(evaluate(writer, reached));
-    for (const auto& id : changes) {
+    for (const auto& id : applied.changes) {
         writer.accept(id);
     }
     const auto onts = evaluate(writer, reached);
     const auto touched = replace_all_entries(transaction, reached, std::move(before), collect_entries(onts));
-
-    Faults faults;
-    run_checks({writer, index, content, onts, touched, faults});
-    if (!faults.empty()) {
-        return core::ErrorPayload(core::Error::InvalidState, faults.report());
-    }
-    return Applied{std::move(changes), std::move(reached)};
+    run_checks({writer, index, content, onts, touched, applied.faults});
+    return applied;
 }
 
-void rebuild_ont_index(WriteTransaction& transaction) {
-    clear_ont_index(transaction);
-    const Records records(transaction);
-    std::set<std::uint16_t> onts;
-    for (const auto& id : records.list(Store::running)) {
-        if (id.element == element_of<PonOnt>) {
-            onts.insert(id.indices[0]);
-        }
+core::Result<Applied> apply_candidate(WriteTransaction& transaction) {
+    auto applied = apply_and_check(transaction);
+    if (applied.changes.empty()) {
+        return core::ErrorPayload(core::Error::Empty, "Nothing to commit");
     }
-    replace_all_entries(transaction, onts, {}, collect_entries(evaluate(records, onts)));
+    if (!applied.faults.empty()) {
+        return core::ErrorPayload(core::Error::InvalidState, applied.faults.report());
+    }
+    return applied;
 }
 
 } // namespace xpon::cfgdb

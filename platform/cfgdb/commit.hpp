@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cfgdb/checks/faults.hpp"
 #include "cfgdb/records.hpp"
 #include "xpon/core/result.hpp"
 
@@ -9,18 +10,18 @@
 
 namespace xpon::cfgdb {
 
-/// What a commit did.
+/// What became of a candidate.
 struct Applied {
     std::vector<RecordId> changes; ///< in order
     std::set<std::uint16_t> onts;  ///< flat indices of those that it reaches, configured or not
+    Faults faults;                 ///< when there are any, the transaction must not be committed
 };
 
-/// Moves the candidate into running inside the transaction, with the indexes, and checks the outcome. Errors: Empty
-/// when nothing is pending; InvalidState, "PATH: TEXT", when a check refuses: then the transaction must not be
-/// committed.
-core::Result<Applied> apply_candidate(WriteTransaction& transaction);
+/// Moves the candidate into running inside the transaction, with the indexes, and checks the outcome.
+Applied apply_and_check(WriteTransaction& transaction);
 
-/// Builds the indexes anew from the running records.
-void rebuild_ont_index(WriteTransaction& transaction);
+/// The same for a commit. Errors: Empty when nothing is pending; InvalidState, "PATH: TEXT", when a check refuses: then
+/// the transaction must not be committed.
+core::Result<Applied> apply_candidate(WriteTransaction& transaction);
 
 } // namespace xpon::cfgdb

@@ -3,9 +3,9 @@
 #include "cfgdb/change_notice.hpp"
 #include "cfgdb/commit.hpp"
 #include "cfgdb/commit_log.hpp"
-#include "cfgdb/durable_file.hpp"
 #include "cfgdb/factory.hpp"
 #include "cfgdb/saved_configuration.hpp"
+#include "cfgdb/saved_file.hpp"
 #include "cfgdb/startup.hpp"
 #include "cfgdb/users.hpp"
 #include "serializer/object_json.hpp"
@@ -110,7 +110,7 @@ std::shared_ptr<Database> Database::shared() {
 
 bool Database::is_configured() {
     std::error_code ignored;
-    return saved_configuration_exists() || std::filesystem::exists(database_folder() + "/data.mdb", ignored);
+    return saved_file_exists() || std::filesystem::exists(database_folder() + "/data.mdb", ignored);
 }
 
 Database::Database(const std::string& folder) : environment_(folder) {
@@ -242,7 +242,7 @@ void Database::save(const std::string& path) const {
         const ReadTransaction transaction(environment_);
         text = print_saved_configuration(Records(transaction));
     }
-    write_durably(path, text);
+    replace_saved_file(path, text);
 }
 
 void Database::set_candidate_to_factory() const {

@@ -1,9 +1,10 @@
 #include "cfgdb/environment.hpp"
 
 #include "cfgdb/file_descriptor.hpp"
-#include "xpon/peer_side/database_log.hpp"
+#include "cfgdb/soundness.hpp"
 
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
 #include <map>
 #include <stdexcept>
@@ -19,13 +20,13 @@
 namespace xpon::cfgdb {
 namespace {
 
-/// Costs address space alone: the file has the pages that were ever in use at a time. What a stopped reader keeps from
-/// reuse is the only thing that makes it large, and thousands of commits fit in beside that.
-constexpr std::size_t map_size = std::size_t{sizeof(void*) > 4 ? 1024U : 128U} << 20U;
 /// So often is looked for what dead readers keep, also while there is room.
 constexpr unsigned writes_between_checks = 256;
 constexpr mode_t folder_mode = 0700;
-constexpr mdb_mode_t file_mode = 0600;
+/// Others look through the database and read saved files meanwhile.
+constexpr std::chrono::seconds longest_wait_for_opening{4};
+/// Room for LMDB's table of readers.
+constexpr off_t lock_file_size = off_t{16} << 10U;
 
 int errno_of(int status) {
     if (status == MDB_MAP_FULL || status == MDB_TXN_FULL) {
@@ -43,13 +44,17 @@ void make_folder(const std::filesystem::path& folder) {
     }
 }
 
-bool is_no_database(int status) {
-    return status == MDB_INVALID || status == MDB_CORRUPTED || status == MDB_VERSION_MISMATCH;
-}
-
 void remove_files(const std::filesystem::path& folder) {
     std::filesystem::remove(folder / "data.mdb");
     std::filesystem::remove(folder / "lock.mdb");
+}
+
+/// LMDB maps this file before anything is in it: on a file system that is full by then, the first use of a page would
+/// be a signal. One that others have mapped keeps its size.
+void reserve_lock_file(const std::filesystem::path& folder) {
+    const FileDescriptor file(folder / "lock.mdb", O_RDWR | O_CREAT);
+    file.require_regular();
+    file.reserve(file.size() > 0 ? file.size() : lock_file_size);
 }
 
 /// By folder. A process may open a file once only, also while a wait that was given up keeps it open.
@@ -65,30 +70,21 @@ void throw_when_late(bool in_time, const char* step) {
     }
 }
 
-int try_to_open(const std::string& folder, std::shared_ptr<MDB_env>& environment) {
-    MDB_env* created = nullptr;
-    check_lmdb(mdb_env_create(&created), "mdb_env_create");
-    environment.reset(created, mdb_env_close);
-    check_lmdb(mdb_env_set_mapsize(created, map_size), "mdb_env_set_mapsize");
-    return mdb_env_open(created, folder.c_str(), MDB_NOSYNC | MDB_NOTLS, file_mode);
-}
-
-std::shared_ptr<MDB_env> open_files(const std::string& folder) {
+std::shared_ptr<MDB_env> open_files(const std::string& folder, std::string& damage) {
     make_folder(folder);
     // Nobody opens the files while somebody else finds that they must go.
-    const FileDescriptor folder_descriptor(folder, O_RDONLY | O_DIRECTORY);
-    folder_descriptor.lock();
-    std::shared_ptr<MDB_env> environment;
-    int status = try_to_open(folder, environment);
-    if (is_no_database(status)) {
-        // A file system that was full when the database was made leaves such a file. It holds nothing, and a start
-        // finds its configuration elsewhere.
-        core::log(database_log(), core::LogLevel::Warning, "Configuration database {} is damaged and made anew: {}",
-                  folder, mdb_strerror(status));
+    const FolderLock lock(folder, longest_wait_for_opening);
+    reserve_lock_file(folder);
+    if (const auto found = find_damage(folder)) {
+        damage = *found;
         remove_files(folder);
-        status = try_to_open(folder, environment);
+        reserve_lock_file(folder);
     }
-    check_lmdb(status, "mdb_env_open");
+    MDB_env* created = nullptr;
+    check_lmdb(mdb_env_create(&created), "mdb_env_create");
+    std::shared_ptr<MDB_env> environment(created, mdb_env_close);
+    check_lmdb(mdb_env_set_mapsize(created, Environment::map_size), "mdb_env_set_mapsize");
+    check_lmdb(mdb_env_open(created, folder.c_str(), Environment::open_flags, Environment::file_mode), "mdb_env_open");
     return environment;
 }
 
@@ -118,9 +114,15 @@ Environment::~Environment() {
 void Environment::open(const std::string& folder) {
     environment_ = opened_in(folder).lock();
     if (!environment_) {
-        const auto opened = std::make_shared<Handle>();
-        throw_when_late(attendant_.run([=] { *opened = open_files(folder); }, [] {}, patience_), "mdb_env_open");
-        environment_ = *opened;
+        struct Opened {
+            Handle handle;
+            std::string damage;
+        };
+        const auto opened = std::make_shared<Opened>();
+        const auto step = [=] { opened->handle = open_files(folder, opened->damage); };
+        throw_when_late(attendant_.run(step, [] {}, patience_), "mdb_env_open");
+        environment_ = opened->handle;
+        damage_ = opened->damage;
         opened_in(folder) = environment_;
     }
     clear_dead_readers();

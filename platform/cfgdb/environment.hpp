@@ -33,10 +33,21 @@ public:
         return database_;
     }
 
+    /// Costs address space alone: the file has the pages that were ever in use at a time. What a stopped reader keeps
+    /// from reuse is the only thing that makes it large, and thousands of commits fit in beside that.
+    static constexpr std::size_t map_size = std::size_t{sizeof(void*) > 4 ? 1024U : 128U} << 20U;
+    static constexpr unsigned open_flags = MDB_NOSYNC | MDB_NOTLS;
+    static constexpr mdb_mode_t file_mode = 0600;
+
     /// From now on somebody waits for every call. Whoever opens a database waits longer than that: another process may
     /// be filling it.
     void serve_clients() {
         patience_ = patience_with_others;
+    }
+
+    /// Why the database was made anew at this opening; "" when it was not.
+    [[nodiscard]] const std::string& damage() const {
+        return damage_;
     }
 
     /// A reading transaction that sees the present state. It is kept between uses: renewing one is far cheaper than
@@ -66,7 +77,8 @@ private:
 
     Handle environment_;
     MDB_dbi database_ = 0;
-    std::chrono::milliseconds patience_{3000};
+    std::chrono::milliseconds patience_{5000};
+    std::string damage_;
     mutable MDB_txn* idle_reader_ = nullptr;
     mutable unsigned writes_ = 0;
     mutable Attendant attendant_;

@@ -3,7 +3,7 @@
 #include "cfgdb/attendant.hpp"
 
 #include <cerrno>
-#include <memory>
+#include <chrono>
 #include <system_error>
 
 #include <sys/file.h>
@@ -11,6 +11,7 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <poll.h>
 #include <unistd.h>
 
 namespace xpon::cfgdb {
@@ -27,24 +28,17 @@ void require_file_step(bool succeeded, const char* step, const std::string& path
 }
 
 FileDescriptor::FileDescriptor(const std::string& path, int flags)
-    : path_(path), fd_(open(path.c_str(), flags | O_CLOEXEC, file_mode)) {
+    : path_(path), fd_(open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, file_mode)) {
     require_file_step(fd_.get() >= 0, "open", path);
 }
 
-void FileDescriptor::lock() const {
-    if (flock(fd_.get(), LOCK_EX | LOCK_NB) == 0) {
-        return;
+void FileDescriptor::require_regular() const {
+    struct stat status{};
+    require_file_step(fstat(fd_.get(), &status) == 0, "stat", path_);
+    if (!S_ISREG(status.st_mode)) {
+        errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
+        require_file_step(false, "This is no regular file:", path_);
     }
-    require_file_step(errno == EWOULDBLOCK, "flock", path_);
-    // The wait may outlive this object, and so has a descriptor of its own.
-    const auto copy = std::make_shared<core::UniqueFd>(fcntl(fd_.get(), F_DUPFD_CLOEXEC, 0));
-    require_file_step(copy->get() >= 0, "dup", path_);
-    const auto fault = std::make_shared<int>(0);
-    Attendant attendant;
-    const bool in_time =
-        attendant.run([=] { *fault = flock(copy->get(), LOCK_EX) == 0 ? 0 : errno; }, [] {}, patience_with_others);
-    errno = in_time ? *fault : ETIMEDOUT;
-    require_file_step(errno == 0, "flock", path_);
 }
 
 void FileDescriptor::sync() const {
@@ -82,6 +76,29 @@ void FileDescriptor::read_all(std::string& text) const {
         done += static_cast<std::size_t>(count);
     }
     text.resize(done);
+}
+
+void FileDescriptor::reserve(off_t bytes) const {
+    errno = posix_fallocate(fd_.get(), 0, bytes);
+    require_file_step(errno == 0, "posix_fallocate", path_);
+}
+
+void FileDescriptor::link_as(const std::string& name) const {
+    const auto unnamed = fmt::format("/proc/self/fd/{}", fd_.get());
+    require_file_step(linkat(AT_FDCWD, unnamed.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0, "link", name);
+}
+
+FolderLock::FolderLock(const std::string& folder, std::chrono::milliseconds limit)
+    : FileDescriptor(folder + "/.lock", O_RDWR | O_CREAT) {
+    const auto deadline = std::chrono::steady_clock::now() + limit;
+    while (flock(fd(), LOCK_EX | LOCK_NB) != 0) {
+        require_file_step(errno == EWOULDBLOCK || errno == EINTR, "flock", folder);
+        if (std::chrono::steady_clock::now() > deadline) {
+            errno = ETIMEDOUT;
+            require_file_step(false, "Another process works in", folder);
+        }
+        poll(nullptr, 0, 5); // nothing tells that a lock is free but the lock
+    }
 }
 
 } // namespace xpon::cfgdb

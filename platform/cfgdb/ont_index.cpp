@@ -236,8 +236,4 @@ void replace_entries(WriteTransaction& transaction, std::uint16_t ont, const Ont
     }
 }
 
-void clear_ont_index(WriteTransaction& transaction) {
-    transaction.erase_all(Key(Store::index));
-}
-
 } // namespace xpon::cfgdb

@@ -23,6 +23,8 @@ struct VlanUse {
 using VlanPair = std::pair<std::uint16_t, std::uint16_t>; ///< S-VID, C-VID
 using ServiceId = std::pair<std::uint16_t, std::uint8_t>; ///< flat ONT index, position of the service
 
+inline constexpr std::uint64_t upstream_kbps = 1244160; ///< of a PON port [G.984.2]
+
 /// The enabled ONTs of one PON port.
 struct PonLoad {
     std::uint64_t onts = 0;
@@ -70,8 +72,5 @@ private:
 /// Replaces what an ONT adds to the indexes and notes what that touches. Empty entries stand for no ONT.
 void replace_entries(WriteTransaction& transaction, std::uint16_t ont, const OntEntries& before,
                      const OntEntries& after, Touched& touched);
-
-/// Empties the indexes.
-void clear_ont_index(WriteTransaction& transaction);
 
 } // namespace xpon::cfgdb

@@ -1,45 +1,37 @@
 #include "cfgdb/records.hpp"
 
 #include "cfgdb/factory.hpp"
-#include "xpon/peer_side/database_log.hpp"
 
 #include <algorithm>
-#include <set>
+#include <cerrno>
+#include <system_error>
+
+#include <fmt/format.h>
 
 namespace xpon::cfgdb {
-namespace {
-
-using Stamp = std::uint64_t;
-
-void report_foreign_record(ElementId id) {
-    static std::set<ElementId> reported;
-    if (reported.insert(id).second) {
-        core::log(database_log(), core::LogLevel::Warning,
-                  "Records of {} were stored by another version and read as factory state", element(id).suffix);
+std::optional<StoredRecord> split_record(Bytes value) {
+    RecordStamp stamp = 0;
+    if (value.size() < sizeof(stamp)) {
+        return {};
     }
+    std::memcpy(&stamp, value.data(), sizeof(stamp));
+    return StoredRecord{stamp, value.subspan(sizeof(stamp))};
 }
-
-/// Whether the value was stored by a version with another description of the record.
-bool is_foreign(const Element& row, Bytes value) {
-    Stamp stamp = 0;
-    if (value.size() == sizeof(Stamp) + row.table.size) {
-        std::memcpy(&stamp, value.data(), sizeof(Stamp));
-    }
-    return stamp != row.table.stamp;
-}
-
-} // namespace
 
 std::optional<Bytes> Records::find(Store store, const RecordId& id) const {
     const auto value = transaction_.get(record_key(store, id));
     if (!value) {
         return {};
     }
-    if (is_foreign(element(id.element), *value)) {
-        report_foreign_record(id.element);
-        return factory_record(id);
+    const auto& row = element(id.element);
+    const auto stored = split_record(*value);
+    if (!stored || stored->stamp != row.table.stamp || stored->record.size() != row.table.size) {
+        throw std::system_error(ESTALE, std::generic_category(),
+                                fmt::format("Another version of this program took over the records of {}; this one "
+                                            "reads them after a restart",
+                                            row.suffix));
     }
-    return value->subspan(sizeof(Stamp));
+    return stored->record;
 }
 
 Bytes Records::running(const RecordId& id) const {
@@ -85,28 +77,10 @@ void RecordWriter::reject(const RecordId& id) {
     transaction_.erase(record_key(Store::candidate, id));
 }
 
-void RecordWriter::drop_foreign(Store store) {
-    std::vector<std::vector<std::byte>> keys;
-    const Key prefix(store);
-    transaction_.visit(prefix, prefix, [&](Bytes key, Bytes value) {
-        const auto id = record_of(key);
-        if (!id || is_foreign(element(id->element), value)) {
-            keys.emplace_back(key.begin(), key.end());
-            if (id) {
-                report_foreign_record(id->element);
-            }
-        }
-        return true;
-    });
-    for (const auto& key : keys) {
-        transaction_.erase(key);
-    }
-}
-
 void RecordWriter::put(Store store, const RecordId& id, Bytes record) {
-    std::vector<std::byte> value(sizeof(Stamp) + record.size());
-    std::memcpy(value.data(), &element(id.element).table.stamp, sizeof(Stamp));
-    std::ranges::copy(record, value.begin() + sizeof(Stamp));
+    std::vector<std::byte> value(sizeof(RecordStamp) + record.size());
+    std::memcpy(value.data(), &element(id.element).table.stamp, sizeof(RecordStamp));
+    std::ranges::copy(record, value.begin() + sizeof(RecordStamp));
     transaction_.put(record_key(store, id), value);
 }
 

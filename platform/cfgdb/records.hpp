@@ -9,14 +9,26 @@
 
 namespace xpon::cfgdb {
 
+/// Says which layout a stored record has; see serializer/stamp.hpp.
+using RecordStamp = std::uint64_t;
+
+/// The value of a record's entry.
+struct StoredRecord {
+    RecordStamp stamp;
+    Bytes record;
+};
+
+/// Empty for a value that is too short to be one.
+std::optional<StoredRecord> split_record(Bytes value);
+
 /// The records of the configuration as one transaction sees them. Running keeps only what differs from the factory
 /// state, the candidate only what differs from running.
 class Records {
 public:
     explicit Records(const Transaction& transaction) : transaction_(transaction) {}
 
-    /// The record of a store, or empty when the store has none. A record of another version of its type counts as its
-    /// factory state; that is reported once per element.
+    /// The record of a store, or empty when the store has none. A record of another version of its type is a
+    /// std::system_error ESTALE: that version has taken the database over.
     [[nodiscard]] std::optional<Bytes> find(Store store, const RecordId& id) const;
 
     [[nodiscard]] Bytes running(const RecordId& id) const;
@@ -48,9 +60,6 @@ public:
     void accept(const RecordId& id);
     /// Drops one record from the candidate.
     void reject(const RecordId& id);
-
-    /// Removes the records of a store that another version stored.
-    void drop_foreign(Store store);
 
 private:
     void put(Store store, const RecordId& id, Bytes record);

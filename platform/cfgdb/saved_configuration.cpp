@@ -1,14 +1,17 @@
 #include "cfgdb/saved_configuration.hpp"
 
+#include "cfgdb/checksum.hpp"
 #include "serializer/cjson_tree.hpp"
+#include "serializer/forgiving_json.hpp"
 #include "serializer/record_json.hpp"
 #include "xpon/core/json_tree.hpp"
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <optional>
+#include <system_error>
 
-#include <boost/crc.hpp>
 #include <fmt/format.h>
 
 namespace xpon::cfgdb {
@@ -19,11 +22,10 @@ using serializer::Tree;
 
 constexpr const char* format_name = "olt-config";
 constexpr int format_version = 1;
+constexpr std::string_view records_key = R"("records":)";
 
-std::uint32_t checksum(std::string_view text) {
-    boost::crc_32_type crc;
-    crc.process_bytes(text.data(), text.size());
-    return crc.checksum();
+std::string print_beginning(std::uint32_t sum) {
+    return fmt::format(R"({{"format":"{}","version":{},"crc32":{},{})", format_name, format_version, sum, records_key);
 }
 
 std::string print_record(const RecordId& id, Bytes stored) {
@@ -36,16 +38,12 @@ std::string print_record(const RecordId& id, Bytes stored) {
         throw std::bad_alloc();
     }
     const Tree owner(errors);
-    return core::print_line(target.get()).get();
-}
-
-/// The key of a record within its element; empty for an element of depth 0.
-std::string key_of(const RecordId& id) {
-    std::string key;
-    for (unsigned level = 0; level < element(id.element).depth; ++level) {
-        key += fmt::format("{}{}", level == 0 ? "" : ".", id.indices[level] + 1);
+    if (owner) { // no reader would take it: better no file than this one
+        throw std::system_error(
+            EIO, std::generic_category(),
+            fmt::format("{} cannot be written: {}", name_of(id), core::print_line(owner->child).get()));
     }
-    return key;
+    return core::print_line(target.get()).get();
 }
 
 /// The reverse of key_of.
@@ -72,44 +70,56 @@ core::ErrorPayload refuse(std::string reason) {
     return {core::Error::InvalidInputArg, std::move(reason)};
 }
 
-core::Result<void> read_record(const RecordId& id, const cJSON& data, SavedRecords& records) {
-    std::vector<std::byte> record(element(id.element).table.size);
-    cJSON* errors = nullptr;
-    if (serializer::deserialize_record(element(id.element).table, &data, record.data(), &errors) != 0) {
-        throw std::bad_alloc();
-    }
-    const Tree owner(errors);
-    if (errors != nullptr) {
-        return refuse(fmt::format("record {} {} is refused: {}", element(id.element).suffix, key_of(id),
-                                  core::print_line(errors->child).get()));
-    }
-    records.emplace_back(id, std::move(record));
-    return core::success();
-}
+/// What one saved file holds, as it is read.
+class Reader {
+public:
+    explicit Reader(StartReport& report) : report_(report) {}
 
-core::Result<void> read_element(const cJSON& member, SavedRecords& records) {
-    const auto rows = all_elements();
-    const auto row = std::ranges::find(rows, std::string_view(member.string),
-                                       [](const Element& entry) { return std::string_view(entry.suffix); });
-    if (row == rows.end()) {
-        return refuse(fmt::format("element {} is unknown", member.string));
-    }
-    const auto id = static_cast<ElementId>(row - rows.begin());
-    if (row->depth == 0) {
-        return read_record({id, {}}, member, records);
-    }
-    if (cJSON_IsObject(&member) == 0) {
-        return refuse(fmt::format("element {} is no object", member.string));
-    }
-    for (const cJSON* item = member.child; item != nullptr; item = item->next) {
-        const auto record_id = parse_key(id, item->string);
-        if (!record_id) {
-            return refuse(fmt::format("element {} has no record {}", member.string, item->string));
+    void read_element(cJSON& member) {
+        const auto rows = all_elements();
+        const auto row = std::ranges::find(rows, std::string_view(member.string),
+                                           [](const Element& entry) { return std::string_view(entry.suffix); });
+        if (row == rows.end()) {
+            return report_.add(fmt::format("Element {} is unknown and skipped", shortened(member.string)));
         }
-        BOOST_OUTCOME_TRYV(read_record(*record_id, *item, records));
+        const auto id = static_cast<ElementId>(row - rows.begin());
+        if (row->depth == 0) {
+            return read_record({id, {}}, member);
+        }
+        if (cJSON_IsObject(&member) == 0) {
+            return report_.add(fmt::format("Element {} is no object and skipped", member.string));
+        }
+        for (cJSON* item = member.child; item != nullptr; item = item->next) {
+            if (const auto record_id = parse_key(id, item->string)) {
+                read_record(*record_id, *item);
+            } else {
+                report_.add(fmt::format("Element {} has no record {}, which is skipped", member.string,
+                                        shortened(item->string)));
+            }
+        }
     }
-    return core::success();
-}
+
+    RecordList take_records() {
+        return std::move(records_);
+    }
+
+private:
+    static std::string_view shortened(std::string_view name) {
+        return name.substr(0, 64);
+    }
+
+    void read_record(const RecordId& id, cJSON& data) {
+        const auto& table = element(id.element).table;
+        std::vector<std::byte> record(table.size);
+        for (const auto& line : serializer::read_what_fits(table, data, record.data())) {
+            report_.add(id, line);
+        }
+        records_.emplace_back(id, std::move(record));
+    }
+
+    StartReport& report_;
+    RecordList records_;
+};
 
 bool has_number(const cJSON& object, const char* key, double number) {
     const auto* value = cJSON_GetObjectItemCaseSensitive(&object, key);
@@ -150,23 +160,35 @@ std::string print_saved_configuration(const Records& records) {
         text += print_record(id, records.running(id));
     }
     text += open && element(*open).depth > 0 ? "}}" : "}";
-    return fmt::format(R"({{"format":"{}","version":{},"crc32":{},"records":{}}})"
-                       "\n",
-                       format_name, format_version, checksum(text), text);
+    return print_beginning(checksum(text)) + text + "}\n";
 }
 
-core::Result<SavedRecords> parse_saved_configuration(std::string_view text) {
+core::Result<RecordList> parse_saved_configuration(std::string_view text, StartReport& report) {
     const Tree file(cJSON_ParseWithLength(text.data(), text.size()));
     if (!file) {
         return refuse("it is no JSON text");
     }
     const auto* contents = cJSON_GetObjectItemCaseSensitive(file.get(), "records");
     BOOST_OUTCOME_TRYV(check_frame(*file, contents));
-    SavedRecords records;
-    for (const cJSON* member = contents->child; member != nullptr; member = member->next) {
-        BOOST_OUTCOME_TRYV(read_element(*member, records));
+    Reader reader(report);
+    for (cJSON* member = contents->child; member != nullptr; member = member->next) {
+        reader.read_element(*member);
     }
-    return records;
+    return reader.take_records();
+}
+
+bool is_intact(std::string_view text) {
+    // As this program prints it; another layout of the same takes the long way.
+    const auto beginning = text.substr(0, text.find(records_key) + records_key.size());
+    const auto end = text.rfind('}');
+    if (end != std::string_view::npos && beginning.size() < end) {
+        const auto records = text.substr(beginning.size(), end - beginning.size());
+        if (beginning == print_beginning(checksum(records))) {
+            return true;
+        }
+    }
+    const Tree file(cJSON_ParseWithLength(text.data(), text.size()));
+    return file && check_frame(*file, cJSON_GetObjectItemCaseSensitive(file.get(), "records")).has_value();
 }
 
 } // namespace xpon::cfgdb

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cfgdb/records.hpp"
+#include "cfgdb/start_report.hpp"
 #include "xpon/core/result.hpp"
 
 #include <cstddef>
@@ -11,8 +12,8 @@
 
 namespace xpon::cfgdb {
 
-/// The records of a saved file.
-using SavedRecords = std::vector<std::pair<RecordId, std::vector<std::byte>>>;
+/// Records of a configuration that does not run yet.
+using RecordList = std::vector<std::pair<RecordId, std::vector<std::byte>>>;
 
 /// The running configuration as the text of a saved file:
 /// {"format":"olt-config","version":1,"crc32":N,"records":{...}}. Records are keyed by the suffix of their element,
@@ -20,7 +21,11 @@ using SavedRecords = std::vector<std::pair<RecordId, std::vector<std::byte>>>;
 /// The checksum is that of the unformatted print of "records".
 std::string print_saved_configuration(const Records& records);
 
-/// The reverse. The message of an error says what is wrong; every record is checked as if a client had set it.
-core::Result<SavedRecords> parse_saved_configuration(std::string_view text);
+/// The reverse. Each record is one that a client could have set: what another release wrote and does not fit is left
+/// out or takes its default, and the report says so. The message of an error says why the file is none or damaged.
+core::Result<RecordList> parse_saved_configuration(std::string_view text, StartReport& report);
+
+/// Whether the text is a saved file as it was written, whatever release wrote it.
+bool is_intact(std::string_view text);
 
 } // namespace xpon::cfgdb

@@ -1,21 +1,19 @@
 #include "cfgdb/startup.hpp"
 
-#include "cfgdb/commit.hpp"
+#include "cfgdb/carry_over.hpp"
 #include "cfgdb/commit_log.hpp"
 #include "cfgdb/durable_file.hpp"
-#include "cfgdb/ont_index.hpp"
-#include "cfgdb/saved_configuration.hpp"
+#include "cfgdb/running_start.hpp"
+#include "cfgdb/saved_file.hpp"
 #include "cfgdb/users.hpp"
 #include "serializer/stamp.hpp"
 #include "xpon/peer_side/database_log.hpp"
-#include "xpon/peer_side/olt_root.hpp"
 
 #include <cerrno>
-#include <filesystem>
 #include <functional>
-#include <optional>
 #include <system_error>
 
+#include <fmt/format.h>
 #include <malloc.h>
 
 namespace xpon::cfgdb {
@@ -26,8 +24,10 @@ Key fill_mark() {
     return Key(Store::meta).add("filled");
 }
 
+/// Another release may check more, also where its records look the same.
 std::uint64_t schema_stamp() {
     serializer::Stamp stamp;
+    stamp.add(std::string_view(XPON_VERSION));
     for (const auto& row : all_elements()) {
         stamp.add(std::string_view(row.suffix));
         stamp.add(static_cast<std::int64_t>(row.table.stamp));
@@ -35,46 +35,28 @@ std::uint64_t schema_stamp() {
     return stamp.value();
 }
 
-void put_fill_mark(WriteTransaction& transaction) {
+enum class FilledBy { nobody, another_version, this_version };
+
+FilledBy who_filled(const Transaction& transaction) {
+    const auto stamp = schema_stamp();
+    const auto mark = transaction.get(fill_mark());
+    if (!mark) {
+        return FilledBy::nobody;
+    }
+    const bool is_ours = std::ranges::equal(*mark, std::as_bytes(std::span(&stamp, 1)));
+    return is_ours ? FilledBy::this_version : FilledBy::another_version;
+}
+
+void mark_as_filled(WriteTransaction& transaction) {
     const auto stamp = schema_stamp();
     transaction.put(fill_mark(), std::as_bytes(std::span(&stamp, 1)));
+    put_layouts(transaction);
 }
 
-bool is_of_this_version(Bytes mark) {
-    const auto stamp = schema_stamp();
-    return std::ranges::equal(mark, std::as_bytes(std::span(&stamp, 1)));
-}
-
-/// Empty, with a line in the log, when the file cannot be used; without one when there is none.
-std::optional<SavedRecords> load(const std::string& path) {
-    try {
-        auto records = parse_saved_configuration(read_file(path));
-        if (records.has_value()) {
-            return std::move(records).value();
-        }
-        core::log_error(database_log(), "Saved configuration {} cannot be used: {}", path,
-                        records.error().info->message);
-    } catch (const std::system_error& fault) {
-        if (fault.code().value() != ENOENT) {
-            core::log_error(database_log(), "Saved configuration cannot be read: {}", fault.what());
-        }
+void erase_records(WriteTransaction& transaction) {
+    for (const auto store : {Store::running, Store::candidate, Store::index}) {
+        transaction.erase_all(Key(store));
     }
-    return {};
-}
-
-/// Lets the records run, if the checks let them.
-bool apply(WriteTransaction& transaction, const SavedRecords& records, const std::string& path) {
-    RecordWriter writer(transaction);
-    for (const auto& [id, record] : records) {
-        writer.set_candidate(id, record);
-    }
-    const auto applied = apply_candidate(transaction);
-    if (applied.has_error() && applied.error().code != core::Error::Empty) {
-        core::log_error(database_log(), "Saved configuration {} cannot be used: {}", path,
-                        applied.error().info->message);
-        return false;
-    }
-    return true;
 }
 
 /// The tree of a large saved file takes ten times the memory that the process needs from then on.
@@ -88,98 +70,136 @@ public:
     }
 };
 
-/// Runs `prepare` in a writing transaction, which says whether to go on; then the best saved configuration is applied
-/// and the transaction committed. Every file is tried in a transaction of its own, so nothing of a bad one stays.
-void start(const Environment& environment, const std::function<bool(WriteTransaction&)>& prepare) {
-    const MemoryGivenBack memory;
-    const auto saved = below_olt_root(saved_configuration_path);
+/// The records that a start begins with, the outcome in the report, and the file that they are from.
+struct Choice {
+    RecordList records;
+    std::string path; ///< "" for the factory state
+    std::string text; ///< of the file
+};
+
+Choice choose_configuration(StartReport& report) {
+    const auto saved = saved_file();
+    std::string because;
     for (const auto& path : {saved, previous_file(saved)}) {
-        const auto records = load(path);
-        if (!records) {
-            continue;
+        StartReport departures;
+        auto loaded = load_saved_file(path, departures);
+        if (loaded.records) {
+            report.append(departures);
+            report.set_outcome(fmt::format("Started with the saved configuration {}{}", path, because));
+            return {std::move(*loaded.records), path, std::move(loaded.text)};
         }
-        WriteTransaction transaction(environment);
-        if (!prepare(transaction)) {
-            return;
+        if (!loaded.fault.empty()) {
+            because += fmt::format("{} {} cannot be used: {}", because.empty() ? ", because" : ";", path, loaded.fault);
+            report.add(fmt::format("Saved configuration {} cannot be used: {}", path, loaded.fault));
         }
-        if (apply(transaction, *records, path)) {
-            log_replacement(transaction);
-            transaction.commit();
-            core::log(database_log(), core::LogLevel::Info, "Started with the saved configuration {}", path);
-            return;
+        if (!loaded.text.empty()) {
+            keep_original(path, loaded.text, report);
         }
     }
-    WriteTransaction transaction(environment);
-    if (prepare(transaction)) {
+    report.set_outcome("Started with the factory configuration" +
+                       (because.empty() ? ", because there is no saved one" : because));
+    return {};
+}
+
+/// Runs `prepare` in a writing transaction, which says whether to go on; then the best saved configuration is made to
+/// run. False when `prepare` said no.
+bool start(const Environment& environment, StartReport& report, const std::function<bool(WriteTransaction&)>& prepare) {
+    const MemoryGivenBack memory;
+    auto choice = choose_configuration(report);
+    const auto complete = [&](WriteTransaction& transaction) {
+        if (!choice.path.empty() && !report.empty()) {
+            keep_original(choice.path, choice.text, report);
+        }
         log_replacement(transaction);
-        transaction.commit();
-        core::log(database_log(), core::LogLevel::Info, "Started with the factory configuration");
-    }
+        report.store(transaction);
+    };
+    return run_what_fits(environment, std::move(choice.records), {prepare, complete}, report);
 }
 
-void erase_all(WriteTransaction& transaction) {
-    const Records records(transaction);
-    for (const auto store : {Store::running, Store::candidate}) {
-        for (const auto& id : records.list(store)) {
-            transaction.erase(record_key(store, id));
+/// False when another process was faster.
+bool fill_new(const Environment& environment, StartReport& report) {
+    if (!environment.damage().empty()) {
+        report.add(fmt::format("The configuration database was damaged and is made anew: {}", environment.damage()));
+    }
+    return start(environment, report, [](WriteTransaction& transaction) {
+        if (who_filled(transaction) != FilledBy::nobody) {
+            return false;
+        }
+        put_default_users(transaction);
+        mark_as_filled(transaction);
+        return true;
+    });
+}
+
+/// The same.
+bool carry_over(const Environment& environment, StartReport& report) {
+    const MemoryGivenBack memory;
+    RecordList running;
+    RecordList candidate;
+    {
+        const ReadTransaction transaction(environment);
+        running = read_foreign_records(transaction, Store::running, report);
+        candidate = read_foreign_records(transaction, Store::candidate, report);
+    }
+    report.set_outcome(
+        fmt::format("Started with the {} running records of another version of this program", running.size()));
+    const auto prepare = [](WriteTransaction& transaction) {
+        if (who_filled(transaction) != FilledBy::another_version) {
+            return false;
+        }
+        erase_records(transaction);
+        return true;
+    };
+    const auto complete = [&](WriteTransaction& transaction) {
+        RecordWriter writer(transaction);
+        for (const auto& [id, record] : candidate) {
+            writer.set_candidate(id, record);
+        }
+        mark_as_filled(transaction);
+        log_replacement(transaction);
+        report.store(transaction);
+    };
+    return run_what_fits(environment, std::move(running), {prepare, complete}, report);
+}
+
+void remove_leftovers_of_saves() {
+    try {
+        remove_leftovers(saved_file());
+    } catch (const std::system_error& fault) {
+        if (fault.code().value() != ENOENT) {
+            core::log(database_log(), core::LogLevel::Warning, "Leftovers of a save stay: {}", fault.what());
         }
     }
-    clear_ont_index(transaction);
 }
 
-// Another version ran here before. Its records that are the same stay, the others are factory state from now on.
-void bring_up_to_date(const Environment& environment) {
-    WriteTransaction transaction(environment);
-    const auto mark = transaction.get(fill_mark());
-    if (mark && is_of_this_version(*mark)) {
-        return;
-    }
-    RecordWriter writer(transaction);
-    for (const auto store : {Store::running, Store::candidate}) {
-        writer.drop_foreign(store);
-    }
-    rebuild_ont_index(transaction);
-    put_fill_mark(transaction);
-    log_replacement(transaction);
-    transaction.commit();
+FilledBy who_filled(const Environment& environment) {
+    const ReadTransaction transaction(environment);
+    return who_filled(transaction);
 }
 
 } // namespace
 
-bool saved_configuration_exists() {
-    const auto saved = below_olt_root(saved_configuration_path);
-    std::error_code ignored;
-    return std::filesystem::exists(saved, ignored) || std::filesystem::exists(previous_file(saved), ignored);
-}
-
 void fill_when_new(const Environment& environment) {
-    bool is_filled = false;
-    {
-        const ReadTransaction transaction(environment);
-        const auto mark = transaction.get(fill_mark());
-        if (mark && is_of_this_version(*mark)) {
-            return;
-        }
-        is_filled = mark.has_value();
+    remove_leftovers_of_saves();
+    StartReport report;
+    const auto filled_by = who_filled(environment);
+    const bool is_done = filled_by == FilledBy::nobody            ? fill_new(environment, report)
+                         : filled_by == FilledBy::another_version ? carry_over(environment, report)
+                                                                  : false;
+    if (is_done) {
+        return report.tell();
     }
-    if (is_filled) {
-        return bring_up_to_date(environment);
-    }
-    start(environment, [](WriteTransaction& transaction) {
-        if (transaction.get(fill_mark())) {
-            return false; // another process was faster
-        }
-        put_default_users(transaction);
-        put_fill_mark(transaction);
-        return true;
-    });
+    const ReadTransaction transaction(environment);
+    tell_stored_report(transaction);
 }
 
 void restart_from_saved(const Environment& environment) {
-    start(environment, [](WriteTransaction& transaction) {
-        erase_all(transaction);
+    StartReport report;
+    start(environment, report, [](WriteTransaction& transaction) {
+        erase_records(transaction);
         return true;
     });
+    report.tell();
 }
 
 } // namespace xpon::cfgdb

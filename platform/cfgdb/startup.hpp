@@ -4,15 +4,9 @@
 
 namespace xpon::cfgdb {
 
-/// The saved configuration that a start begins with.
-inline constexpr const char* saved_configuration_path = "/configuration/save-config";
-
-/// Whether there is a saved file, or the one before it.
-bool saved_configuration_exists();
-
 /// Fills a new database: the users, and the saved configuration; when that cannot be used the one before it, else the
-/// factory state. What could not be used is logged. Of several processes that come at once, one fills the database.
-/// One that another version of this program filled is brought up to date.
+/// factory state. One that another version of this program filled is carried over. Of several processes that come at
+/// once, one does it. What runs, why, and what of it was left out is logged, by those too that find the work done.
 void fill_when_new(const Environment& environment);
 
 /// Makes running what a start would make it, in one step, and drops the candidate. Users stay.

@@ -1,7 +1,11 @@
 #include "cfgdb/transaction.hpp"
 
+#include "cfgdb/checksum.hpp"
+
 #include <algorithm>
+#include <cerrno>
 #include <memory>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -16,6 +20,13 @@ Bytes to_bytes(const MDB_val& value) {
     return {static_cast<const std::byte*>(value.mv_data), value.mv_size};
 }
 
+Bytes require_sealed(Bytes key, Bytes sealed) {
+    if (const auto value = unseal(key, sealed)) {
+        return *value;
+    }
+    throw std::system_error(EIO, std::generic_category(), "The configuration database is damaged");
+}
+
 struct CursorCloser {
     void operator()(MDB_cursor* cursor) const {
         mdb_cursor_close(cursor);
@@ -24,7 +35,7 @@ struct CursorCloser {
 
 } // namespace
 
-std::optional<Bytes> Transaction::get(Bytes key) const {
+std::optional<Bytes> Transaction::find_sealed(Bytes key) const {
     auto key_value = to_value(key);
     MDB_val found{};
     const int status = mdb_get(transaction_, environment_.database(), &key_value, &found);
@@ -33,6 +44,11 @@ std::optional<Bytes> Transaction::get(Bytes key) const {
     }
     check_lmdb(status, "mdb_get");
     return to_bytes(found);
+}
+
+std::optional<Bytes> Transaction::get(Bytes key) const {
+    const auto sealed = find_sealed(key);
+    return sealed ? std::optional(require_sealed(key, *sealed)) : std::nullopt;
 }
 
 void Transaction::visit(Bytes prefix, Bytes from, const std::function<bool(Bytes key, Bytes value)>& visit) const {
@@ -45,7 +61,7 @@ void Transaction::visit(Bytes prefix, Bytes from, const std::function<bool(Bytes
     while (status == MDB_SUCCESS) {
         const auto key_bytes = to_bytes(key);
         if (key_bytes.size() < prefix.size() || !std::ranges::equal(key_bytes.first(prefix.size()), prefix) ||
-            !visit(key_bytes, to_bytes(value))) {
+            !visit(key_bytes, require_sealed(key_bytes, to_bytes(value)))) {
             return;
         }
         status = mdb_cursor_get(opened, &key, &value, MDB_NEXT);
@@ -72,17 +88,24 @@ WriteTransaction::~WriteTransaction() {
 }
 
 void WriteTransaction::put(Bytes key, Bytes value) {
-    auto key_value = to_value(key);
-    auto data = to_value(value);
-    check_lmdb(mdb_put(transaction_, environment_.database(), &key_value, &data, 0), "mdb_put");
+    if (const auto old = find_sealed(key)) {
+        sum_change_ -= share_of(*old);
+    }
+    const auto sealed = seal(key, value);
+    sum_change_ += share_of(sealed);
+    has_changed_ = true;
+    write(key, sealed);
 }
 
 void WriteTransaction::erase(Bytes key) {
-    auto key_value = to_value(key);
-    const int status = mdb_del(transaction_, environment_.database(), &key_value, nullptr);
-    if (status != MDB_NOTFOUND) {
-        check_lmdb(status, "mdb_del");
+    const auto old = find_sealed(key);
+    if (!old) {
+        return;
     }
+    sum_change_ -= share_of(*old);
+    has_changed_ = true;
+    auto key_value = to_value(key);
+    check_lmdb(mdb_del(transaction_, environment_.database(), &key_value, nullptr), "mdb_del");
 }
 
 void WriteTransaction::erase_all(Bytes prefix) {
@@ -96,7 +119,24 @@ void WriteTransaction::erase_all(Bytes prefix) {
     }
 }
 
+void WriteTransaction::write(Bytes key, Bytes sealed) {
+    auto key_value = to_value(key);
+    auto data = to_value(sealed);
+    check_lmdb(mdb_put(transaction_, environment_.database(), &key_value, &data, 0), "mdb_put");
+}
+
+void WriteTransaction::write_seal() {
+    const auto key = seal_key();
+    const auto value = get(key);
+    auto present = value ? read_seal(*value) : std::nullopt;
+    const Seal next{.sum = (present ? present->sum : 0) + sum_change_, .transaction = mdb_txn_id(transaction_)};
+    write(key, seal(key, std::as_bytes(std::span(&next, 1))));
+}
+
 void WriteTransaction::commit() {
+    if (has_changed_) {
+        write_seal();
+    }
     environment_.commit(std::exchange(transaction_, nullptr));
 }
 

@@ -3,6 +3,7 @@
 #include "cfgdb/environment.hpp"
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <span>
@@ -11,7 +12,8 @@ namespace xpon::cfgdb {
 
 using Bytes = std::span<const std::byte>;
 
-/// One consistent view of the database. Spans that it gives out are valid until its next write and its end.
+/// One consistent view of the database. Spans that it gives out are valid until its next write and its end. A value
+/// whose checksum is wrong is a std::system_error EIO.
 class Transaction {
 public:
     Transaction(const Transaction&) = delete;
@@ -24,6 +26,9 @@ public:
     void visit(Bytes prefix, Bytes from, const std::function<bool(Bytes key, Bytes value)>& visit) const;
 
 protected:
+    /// The value as it is stored, with its checksum.
+    [[nodiscard]] std::optional<Bytes> find_sealed(Bytes key) const;
+
     Transaction(const Environment& environment, MDB_txn* transaction)
         : environment_(environment), transaction_(transaction) {}
     ~Transaction() = default;
@@ -48,9 +53,16 @@ public:
     void put(Bytes key, Bytes value);
     /// Nothing happens when there is no such entry.
     void erase(Bytes key);
-    /// Erases the entries whose keys start with `prefix`.
+    /// Erases every entry whose key starts with `prefix`.
     void erase_all(Bytes prefix);
     void commit();
+
+private:
+    void write(Bytes key, Bytes sealed);
+    void write_seal();
+
+    std::uint64_t sum_change_ = 0; ///< of the shares of all entries, modulo 2^64
+    bool has_changed_ = false;
 };
 
 } // namespace xpon::cfgdb

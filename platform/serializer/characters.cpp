@@ -1,7 +1,7 @@
 #include "serializer/characters.hpp"
 
 #include "serializer/ipv4_text.hpp"
-#include "serializer/utf8.hpp"
+#include "xpon/core/utf8.hpp"
 
 #include <algorithm>
 
@@ -80,7 +80,7 @@ std::optional<std::size_t> find_wrong_character(Characters characters, std::stri
     }
     switch (characters) {
     case Characters::text:
-        return find_invalid_utf8(text);
+        return core::find_invalid_utf8(text);
     case Characters::ascii:
         return find_not(text, [](char c) { return c >= 0x20 && c <= 0x7E; });
     case Characters::name:

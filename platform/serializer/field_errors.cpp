@@ -1,6 +1,6 @@
 #include "serializer/field_errors.hpp"
 
-#include "serializer/utf8.hpp"
+#include "xpon/core/utf8.hpp"
 
 #include <array>
 #include <string>
@@ -10,9 +10,23 @@ namespace {
 
 constexpr std::array parameter_keys{"p0", "p1", "p2"};
 
-// What a client sent may hold any bytes; what goes back must be valid JSON.
+/// The beginning of a text that is too long to be sent back, cut between two characters.
+std::string cut(std::string_view text) {
+    constexpr std::size_t longest = 256;
+    if (text.size() <= longest) {
+        return std::string(text);
+    }
+    auto length = longest;
+    const auto continues = [&](std::size_t at) { return (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80U; };
+    while (length > longest - 4 && continues(length)) {
+        --length;
+    }
+    return std::string(text.substr(0, length)) + "...";
+}
+
+// What a client sent may hold any bytes, and megabytes of them; what goes back must be valid JSON.
 Tree make_text(std::string_view text) {
-    return owned(cJSON_CreateString(replace_invalid_utf8(text).c_str()));
+    return owned(cJSON_CreateString(core::replace_invalid_utf8(cut(text)).c_str()));
 }
 
 Tree make_parameter(const FieldErrors::Parameter& parameter) {

@@ -27,7 +27,8 @@ Found sort_members(const Table& table, const cJSON& data) {
     for (const cJSON* member = data.child; member != nullptr; member = member->next) {
         const auto* const field = find_field(table, key_of(*member));
         if (field == nullptr) {
-            if (found.unknown.size() < most_unknown) {
+            const auto is_same = [&](const cJSON* other) { return key_of(*other) == key_of(*member); };
+            if (found.unknown.size() < most_unknown && std::ranges::none_of(found.unknown, is_same)) {
                 found.unknown.push_back(member);
             }
             continue;

@@ -1,6 +1,3 @@
-#include "cfgdb/environment.hpp"
-#include "cfgdb/keys.hpp"
-#include "cfgdb/transaction.hpp"
 #include "tests/support/recording_logger.hpp"
 #include "tests/support/temporary_olt_root.hpp"
 #include "tests/unit/platform/cfgdb/edits.hpp"
@@ -162,34 +159,6 @@ TEST_F(Processes, NameOneCauseOfAFaultAtACommit) {
     ASSERT_TRUE(failed.has_error());
     EXPECT_EQ(failed.error().info->message, "configuration: File too large");
     EXPECT_EQ(test::commit(client), "");
-}
-
-// Another version may run beside this one, or may have run before it.
-TEST_F(Processes, ReadRecordsOfAnotherVersionAsFactoryState) {
-    const test::TemporaryOltRoot root;
-    for (const bool has_other_mark : {false, true}) {
-        const auto ont = R"({"serial":[1,1,1,1,1,1,1,1,0,0]})";
-        {
-            CfgDbWrapper client("TEST");
-            test::apply(client, {test::edit_ont(1, 5, ont)});
-            EXPECT_EQ(test::commit(client), has_other_mark ? test::nothing_to_commit : "");
-            WriteTransaction transaction(test::database_of(client).environment());
-            const std::vector<std::byte> foreign(72, std::byte{0x41});
-            transaction.put(record_key(Store::running, {element_of<GSystemHostname>, {}}), foreign);
-            if (has_other_mark) {
-                transaction.put(Key(Store::meta).add("filled"), foreign);
-            }
-            transaction.commit();
-        }
-        CfgDbWrapper client("TEST");
-        EXPECT_EQ(test::hostname(client), "olt");
-        // The index of serials knows the ONT that was there before.
-        test::apply(client, {test::edit_ont(1, 4, ont)});
-        EXPECT_THAT(test::commit(client), testing::HasSubstr("already used"));
-        ASSERT_TRUE(client.rollback().has_value());
-    }
-    EXPECT_THAT(logger_->texts(),
-                testing::Contains(testing::HasSubstr("Records of CommonGCfg_hostname were stored by another")));
 }
 
 } // namespace

@@ -85,6 +85,7 @@ TEST_F(Commands, TextsThatAreNone) {
         {back, R"("data":{"text":"plain secret"})", "C API function returned -1, errno=22"},
         {back, R"("data":{"text":"$ob2$AAAAAA"})", "C API function returned -1, errno=95"},
         {back, R"("data":{"text":"$ob1$AAAAAQ"})", "C API function returned -1, errno=74"},
+        {back, R"("data":{"text":"$ob1$iPgwloih"})", "Text is not valid UTF-8"}, // of the bytes FF FE
         {there, R"("data":{"text":"plain secret)" + std::string(1013, 'x') + R"("})", ""},
     };
     for (const auto& [path, members, cause] : cases) {

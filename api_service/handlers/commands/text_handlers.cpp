@@ -2,6 +2,7 @@
 
 #include "api_service/handlers/handler_frame.hpp"
 #include "api_service/protocol/json_building.hpp"
+#include "xpon/core/utf8.hpp"
 #include "xpon/obfuscation/obfuscation.h"
 
 #include <cstddef>
@@ -30,6 +31,9 @@ Result<Response> answer_with_text(const std::shared_ptr<ILogger>& logger, const 
         std::string output(size_for(text), '\0');
         BOOST_OUTCOME_TRY(core::call_c_api(*logger, convert, text, output.data()));
         output.resize(std::strlen(output.c_str()));
+        if (!core::is_valid_utf8(output)) {
+            return ErrorPayload(Error::InvalidInputArg, "Text is not valid UTF-8");
+        }
         BOOST_OUTCOME_TRY(auto root, create_object());
         BOOST_OUTCOME_TRY(set_object_item(root.get(), "text", output));
         return root;

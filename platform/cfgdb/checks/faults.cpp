@@ -24,10 +24,11 @@ std::string path_of(const RecordId& id) {
 
 std::string Faults::report() const {
     constexpr std::size_t most_logged = 100;
-    for (std::size_t i = 1; i < std::min(texts_.size(), most_logged); ++i) {
-        core::log(database_log(), core::LogLevel::Warning, "Commit refused: {}", texts_[i]);
+    const auto line = [&](std::size_t i) { return fmt::format("{}: {}", path_of(faults_[i].where), faults_[i].text); };
+    for (std::size_t i = 1; i < std::min(faults_.size(), most_logged); ++i) {
+        core::log(database_log(), core::LogLevel::Warning, "Commit refused: {}", line(i));
     }
-    return texts_.size() == 1 ? texts_[0] : fmt::format("{} (and {} more)", texts_[0], texts_.size() - 1);
+    return faults_.size() == 1 ? line(0) : fmt::format("{} (and {} more)", line(0), faults_.size() - 1);
 }
 
 } // namespace xpon::cfgdb

@@ -258,7 +258,7 @@ TEST(Database, IsMadeAnewWhenItsFileIsNone) {
         root.write("run/cfgdb/data.mdb", std::string(size, 'x'));
         logger->clear();
         EXPECT_TRUE(CfgDbWrapper("TEST").find_user_by_username("admin").has_value());
-        EXPECT_THAT(logger->texts(), testing::Contains(HasSubstr("is damaged and made anew")));
+        EXPECT_THAT(logger->texts(), testing::Contains(HasSubstr("was damaged and is made anew")));
     }
     set_database_log(nullptr);
 }

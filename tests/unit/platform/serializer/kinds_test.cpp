@@ -113,6 +113,7 @@ const Case cases[] = {
      R"(21 enabled {"p0":"boolean"}; 21 max_poll {"p0":"number"}; 20 Enabled {"p0":"Enabled"}; 20  {"p0":""})"},
     {ntp, R"({"enabled":true})", R"(32 servers {"p0":"enabled needs a server"})"},
     {ntp, R"({"min_poll":5,"enabled":false,"min_poll":5})", R"(35 min_poll {"p0":"min_poll"})"},
+    {ntp, R"({"x":1,"x":2})", R"(20 x {"p0":"x"})"},
     {ntp, "{\"\xFF\":1}", "20 \uFFFD {\"p0\":\"\uFFFD\"}"},
 };
 
@@ -128,6 +129,12 @@ TEST(FieldErrors, AreThirtyTwoAtMost) {
         json += ",\"k" + std::to_string(i) + "\":1";
     }
     EXPECT_TRUE(outcome(ntp, json + "}").ends_with(R"(; 20 k30 {"p0":"k30"})"));
+}
+
+TEST(FieldErrors, RepeatNoMoreThanTheBeginningOfALongText) {
+    const std::string cut = std::string(255, 'k') + "...";
+    const std::string text = std::string(255, 'k') + "\u00FC" + std::string(1'000'000, 'k');
+    EXPECT_EQ(outcome(ntp, "{\"" + text + "\":1}"), "20 " + cut + " {\"p0\":\"" + cut + "\"}");
 }
 
 TEST(HostileData, CostsTimeInProportionToItsSize) {

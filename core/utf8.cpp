@@ -1,8 +1,8 @@
-#include "serializer/utf8.hpp"
+#include "xpon/core/utf8.hpp"
 
 #include <boost/locale/utf.hpp>
 
-namespace xpon::serializer {
+namespace xpon::core {
 namespace {
 
 namespace utf = boost::locale::utf;
@@ -24,6 +24,15 @@ std::optional<std::size_t> find_invalid_utf8(std::string_view text) {
     return {};
 }
 
+bool is_valid_utf8(std::string_view text) {
+    for (const char* at = text.data(); at != text.data() + text.size();) {
+        if (!utf::is_valid_codepoint(utf::utf_traits<char>::decode(at, text.data() + text.size()))) {
+            return false;
+        }
+    }
+    return true;
+}
+
 std::string replace_invalid_utf8(std::string_view text) {
     std::string result;
     for (const char* at = text.data(); at != text.data() + text.size();) {
@@ -38,4 +47,4 @@ std::string replace_invalid_utf8(std::string_view text) {
     return result;
 }
 
-} // namespace xpon::serializer
+} // namespace xpon::core
