@@ -9,13 +9,11 @@
 
 #include <sys/socket.h>
 
-#include <arpa/inet.h>
 #include <fmt/format.h>
 #include <linux/inet_diag.h>
 #include <linux/netlink.h>
 #include <linux/sock_diag.h>
 #include <netinet/in.h>
-#include <netinet/tcp.h>
 
 namespace xpon::api_service {
 namespace {
