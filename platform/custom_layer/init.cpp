@@ -1,9 +1,9 @@
 #include "custom_layer/own_connection.hpp"
-#include "logger/category_logger.hpp"
 #include "xpon/cfgdb/cfgdb_wrapper.hpp"
 #include "xpon/core/c_function.hpp"
 #include "xpon/core/guard.hpp"
 #include "xpon/custom_layer/custom_layer.h"
+#include "xpon/logger/logger.hpp"
 #include "xpon/peer_side/database_log.hpp"
 
 #include <cerrno>
@@ -13,6 +13,12 @@
 namespace {
 
 using xpon::cfgdb::CfgDbWrapper;
+
+/// Writes to a category that zlog gave out.
+class CategoryLogger : public xpon::logger::Logger {
+public:
+    explicit CategoryLogger(zlog_category_s* category) : Logger(category) {}
+};
 
 /// The layer's own client of the configuration database, from one initialisation to the next. Its place is made
 /// after the first client, and so is gone before what the database keeps for the process.
@@ -42,7 +48,7 @@ int custom_layer__init(zlog_category_s* category) {
         if (category == nullptr) {
             core::fail_with(EINVAL);
         }
-        const auto logger = std::make_shared<logger::CategoryLogger>(category);
+        const auto logger = std::make_shared<CategoryLogger>(category);
         cfgdb::set_database_log(logger);
         custom_layer::renew_own_connection(logger);
         custom_layer::own_connection();
