@@ -22,6 +22,8 @@ namespace {
 
 /// So often is looked for what dead readers keep, also while there is room.
 constexpr unsigned writes_between_checks = 256;
+/// Looking costs as much as reading a few records.
+constexpr std::chrono::milliseconds between_looks_at_files{20};
 constexpr mode_t folder_mode = 0700;
 /// Others look through the database and read saved files meanwhile.
 constexpr std::chrono::seconds longest_wait_for_opening{4};
@@ -97,9 +99,9 @@ void check_lmdb(int status, const char* step) {
     }
 }
 
-Environment::Environment(const std::string& folder) {
+Environment::Environment(const std::string& folder) : folder_(folder) {
     try {
-        open(folder);
+        open();
     } catch (const std::exception& error) {
         throw std::runtime_error(fmt::format("Configuration database {} cannot be opened: {}", folder, error.what()));
     }
@@ -111,28 +113,68 @@ Environment::~Environment() {
     }
 }
 
-void Environment::open(const std::string& folder) {
-    environment_ = opened_in(folder).lock();
+void Environment::open() const {
+    environment_ = opened_in(folder_).lock();
     if (!environment_) {
-        struct Opened {
-            Handle handle;
-            std::string damage;
-        };
-        const auto opened = std::make_shared<Opened>();
-        const auto step = [=] { opened->handle = open_files(folder, opened->damage); };
-        throw_when_late(attendant_.run(step, [] {}, patience_), "mdb_env_open");
-        environment_ = opened->handle;
-        damage_ = opened->damage;
-        opened_in(folder) = environment_;
+        open_files_anew();
     }
+    open_database();
+}
+
+void Environment::open_database() const {
     clear_dead_readers();
-    auto* const reader = acquire_reader();
+    auto* const reader = begin_reading();
     const int status = mdb_dbi_open(reader, nullptr, 0, &database_);
     // The handle stays valid only when the transaction that opened it commits.
     check_lmdb(status == MDB_SUCCESS ? mdb_txn_commit(reader) : (mdb_txn_abort(reader), status), "mdb_dbi_open");
 }
 
+void Environment::open_files_anew() const {
+    struct Opened {
+        Handle handle;
+        std::string damage;
+    };
+    const auto opened = std::make_shared<Opened>();
+    const auto step = [opened, folder = folder_] { opened->handle = open_files(folder, opened->damage); };
+    throw_when_late(attendant_.run(step, [] {}, patience_), "mdb_env_open");
+    environment_ = opened->handle;
+    damage_ = opened->damage;
+    opened_in(folder_) = environment_;
+}
+
+bool Environment::is_replaced() const {
+    int fd = -1;
+    check_lmdb(mdb_env_get_fd(environment_.get(), &fd), "mdb_env_get_fd");
+    struct stat opened{};
+    struct stat present{};
+    // Without a file somebody is about to make one.
+    return fstat(fd, &opened) == 0 && stat((folder_ + "/data.mdb").c_str(), &present) == 0 &&
+           (opened.st_ino != present.st_ino || opened.st_dev != present.st_dev);
+}
+
+void Environment::follow_new_files() const {
+    const auto now = Clock::now();
+    if (transactions_ > 0 || now < next_look_at_files_) {
+        return;
+    }
+    next_look_at_files_ = now + between_looks_at_files;
+    if (is_replaced()) {
+        if (auto* const reader = std::exchange(idle_reader_, nullptr)) {
+            mdb_txn_abort(reader);
+        }
+        open_files_anew();
+        open_database();
+    }
+}
+
 MDB_txn* Environment::acquire_reader() const {
+    follow_new_files();
+    auto* const reader = begin_reading();
+    ++transactions_;
+    return reader;
+}
+
+MDB_txn* Environment::begin_reading() const {
     if (auto* const reader = std::exchange(idle_reader_, nullptr)) {
         if (mdb_txn_renew(reader) == MDB_SUCCESS) {
             return reader;
@@ -149,6 +191,7 @@ MDB_txn* Environment::acquire_reader() const {
 }
 
 void Environment::release_reader(MDB_txn* reader) const {
+    --transactions_;
     if (idle_reader_ != nullptr) {
         return mdb_txn_abort(reader);
     }
@@ -180,18 +223,22 @@ MDB_txn* Environment::begin_writing() const {
     if (++writes_ % writes_between_checks == 0) {
         clear_dead_readers();
     }
+    follow_new_files();
     MDB_txn* writer = nullptr;
     check_lmdb(begin(0, writer), "mdb_txn_begin");
+    ++transactions_;
     return writer;
 }
 
 void Environment::commit(MDB_txn* writer) const {
+    --transactions_;
     int status = 0;
     std::ignore = attendant_.run([&] { status = mdb_txn_commit(writer); }, [] {}, std::nullopt);
     check_lmdb(status, "mdb_txn_commit");
 }
 
 void Environment::abort(MDB_txn* writer) const {
+    --transactions_;
     std::ignore = attendant_.run([=] { mdb_txn_abort(writer); }, [] {}, std::nullopt);
 }
 

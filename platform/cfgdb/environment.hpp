@@ -19,7 +19,8 @@ void check_lmdb(int status, const char* step);
 /// the system's cache and the last page written is the one that makes a transaction count.
 ///
 /// Other processes cannot hold this one up: a process that is stopped while it has a lock of the database costs those
-/// who want it ETIMEDOUT, and pages that only a dead reader keeps from reuse are freed.
+/// who want it ETIMEDOUT, and pages that only a dead reader keeps from reuse are freed. Who finds the files damaged
+/// makes them anew, and those who have the old ones open follow.
 class Environment {
 public:
     /// Opens or creates the database in `folder`, which is made when it is missing, for the owner alone. Throws
@@ -72,14 +73,24 @@ public:
 private:
     using Handle = std::shared_ptr<MDB_env>;
 
-    void open(const std::string& folder);
+    using Clock = std::chrono::steady_clock;
+
+    void open() const;
+    void open_files_anew() const;
+    void open_database() const;
+    void follow_new_files() const;
+    [[nodiscard]] bool is_replaced() const;
+    [[nodiscard]] MDB_txn* begin_reading() const;
     [[nodiscard]] int begin(unsigned flags, MDB_txn*& transaction) const;
 
-    Handle environment_;
-    MDB_dbi database_ = 0;
+    std::string folder_;
+    mutable Handle environment_;
+    mutable MDB_dbi database_ = 0;
     std::chrono::milliseconds patience_{5000};
-    std::string damage_;
+    mutable std::string damage_;
     mutable MDB_txn* idle_reader_ = nullptr;
+    mutable unsigned transactions_ = 0; ///< in use
+    mutable Clock::time_point next_look_at_files_;
     mutable unsigned writes_ = 0;
     mutable Attendant attendant_;
 };

@@ -118,8 +118,12 @@ struct DescribedTable::Contents {
                 own_fields.push_back(*field);
             }
         }
-        return &tables.emplace_back(
-            Table{.name = text_of(*object, "name"), .fields = own_fields, .size = size, .rules = nullptr, .stamp = 0});
+        return &tables.emplace_back(Table{.name = text_of(*object, "name"),
+                                          .fields = own_fields,
+                                          .size = size,
+                                          .rules = nullptr,
+                                          .stamp = 0,
+                                          .profile_kind = ""});
     }
 
     /// Empty for a field that cannot be written.

@@ -1,3 +1,4 @@
+#include "tests/support/eventually.hpp"
 #include "tests/support/recording_logger.hpp"
 #include "tests/support/temporary_olt_root.hpp"
 #include "tests/unit/platform/cfgdb/edits.hpp"
@@ -143,6 +144,25 @@ TEST_F(Processes, DoNotKeepPagesForADeadReader) {
         test::apply(*client, {test::edit_hostname(fmt::format("olt-{}", round))});
     }
     EXPECT_LT(std::filesystem::file_size(root.path() / "run/cfgdb/data.mdb"), std::uintmax_t{10} << 20U);
+}
+
+// A process that finds the files damaged makes them anew; who has the old ones open must not live on in the past.
+TEST_F(Processes, FollowFilesThatAreMadeAnew) {
+    const test::TemporaryOltRoot root;
+    const auto file = root.path() / "run/cfgdb/data.mdb";
+    CfgDbWrapper client("TEST");
+    const auto run = [&](const char* name) {
+        test::apply(client, {test::edit_hostname(name)});
+        EXPECT_EQ(test::commit(client), "");
+    };
+    run("olt-1");
+    std::filesystem::copy_file(file, file.string() + ".other");
+    run("olt-2");
+    std::filesystem::remove(root.path() / "run/cfgdb/lock.mdb");
+    std::filesystem::rename(file.string() + ".other", file);
+    EXPECT_TRUE(test::eventually([&] { return test::hostname(client) == "olt-1"; }));
+    run("olt-3");
+    EXPECT_EQ(test::hostname(client), "olt-3");
 }
 
 TEST_F(Processes, NameOneCauseOfAFaultAtACommit) {

@@ -113,7 +113,7 @@ TEST_F(Configuration, EveryChangeLeavesOneLineWithoutItsData) {
     auto lines = take_log();
     std::erase_if(lines, [](const auto& line) { return !line.starts_with("Session "); });
     EXPECT_THAT(lines, testing::ElementsAre(EndsWith(": set configuration.ZebGCfg.pon.ont [2 5-6]: done"),
-                                            EndsWith(": delete configuration.ZebGCfg.pon.ont [2]: refused"),
+                                            EndsWith(": delete configuration.ZebGCfg.pon.ont [2]: failed"),
                                             EndsWith(": set configuration.CommonGCfg.hostname: refused"),
                                             EndsWith(": set configuration.CommonGCfg.hostname: failed"),
                                             EndsWith(": command command.commit: done")));
