@@ -112,7 +112,7 @@ std::size_t ClientSocket::send_in_one_piece(std::string_view payload) {
 
 bool ClientSocket::takes_requests() {
     has_unsent_ = has_unsent_ && unsent_bytes(get_fd()) > 0;
-    return !has_unsent_;
+    return !has_unsent_ || is_shut_down_; // reading is what shows that it is to be closed
 }
 
 void ClientSocket::drop_received() {

@@ -40,7 +40,8 @@ Poller::~Poller() {
 }
 
 Result<std::vector<std::shared_ptr<IClientSocket>>> Poller::poll(std::chrono::milliseconds timeout) {
-    if (!collect_descriptors()) {
+    collect_descriptors();
+    if (!held_back_.empty()) {
         timeout = std::min(timeout, longest_wait_with_unsent_answers);
     }
     const int count = ::poll(fds_.data(), fds_.size(), static_cast<int>(timeout.count()));
@@ -64,25 +65,28 @@ Result<std::vector<std::shared_ptr<IClientSocket>>> Poller::poll(std::chrono::mi
     return ready;
 }
 
-bool Poller::collect_descriptors() {
+void Poller::collect_descriptors() {
     const bool accepting = Clock::now() >= accept_again_;
-    bool all_take_requests = true;
+    std::erase_if(held_back_, [this](int fd) {
+        const auto client = clients_.find(fd);
+        return client == clients_.end() || client->second->takes_requests();
+    });
     fds_.clear();
     // poll() passes over a negative descriptor.
     fds_.push_back({.fd = accepting ? listener_->get_fd() : -1, .events = POLLIN | POLLERR, .revents = 0});
     for (const auto& [fd, client] : clients_) {
-        const bool takes_requests = client->takes_requests();
-        all_take_requests = all_take_requests && takes_requests;
-        const auto awaited = takes_requests ? short{POLLIN | POLLERR} : short{POLLERR};
+        const auto awaited = held_back_.contains(fd) ? short{POLLERR} : short{POLLIN | POLLERR};
         fds_.push_back({.fd = fd, .events = awaited, .revents = 0});
     }
-    return all_take_requests;
 }
 
 std::shared_ptr<IClientSocket> Poller::serve(const pollfd& entry) {
     std::shared_ptr<IClientSocket> ready;
-    if ((entry.revents & POLLIN) != 0) {
-        const auto& client = clients_.at(entry.fd);
+    const auto& client = clients_.at(entry.fd);
+    const bool has_sent = (entry.revents & POLLIN) != 0;
+    if (has_sent && !client->takes_requests()) {
+        held_back_.insert(entry.fd);
+    } else if (has_sent) {
         if (const auto read = core::guarded(*logger_, [&] { return client->read_data(); }); !read) {
             if (read.error().code == Error::Overflow) {
                 log_error(*logger_, "A client sends faster than it is served: {}", read.error().to_string());

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <map>
 #include <memory>
+#include <set>
 #include <vector>
 
 #include <poll.h>
@@ -37,8 +38,7 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    /// False when a client is left alone until its peer has taken its answer.
-    bool collect_descriptors();
+    void collect_descriptors();
     /// The client when it received data and holds a frame.
     std::shared_ptr<IClientSocket> serve(const pollfd& entry);
     void close_client(int fd);
@@ -51,6 +51,8 @@ private:
     /// descriptor: whoever lets go last closes it, once.
     std::map<int, std::shared_ptr<IClientSocket>> clients_;
     std::vector<pollfd> fds_;
+    /// Clients that have sent more without having taken their answer; they are left alone until they have.
+    std::set<int> held_back_;
     Clock::time_point accept_again_; ///< the listener is left alone until then
     int refused_ = 0;                ///< connections closed at once, not logged yet
     Clock::time_point tell_refused_again_;
