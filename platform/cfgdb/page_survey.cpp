@@ -105,13 +105,14 @@ struct Closer {
 
 class Survey {
 public:
-    explicit Survey(const std::string& folder) {
+    Survey(const std::string& folder, const std::function<void()>& begins) {
         MDB_env* environment = nullptr;
         require_sound(mdb_env_create(&environment));
         environment_.reset(environment);
         require_sound(mdb_env_set_mapsize(environment, Environment::map_size));
         require_sound(mdb_env_open(environment, folder.c_str(), Environment::open_flags, Environment::file_mode));
         writer_ = begin(0);
+        begins();
         reader_ = begin(MDB_RDONLY);
         require_sound(mdb_dbi_open(reader_.get(), nullptr, 0, &database_));
         MDB_envinfo info{};
@@ -209,10 +210,9 @@ private:
         while ((status = mdb_cursor_get(opened, &key, &value, MDB_NEXT)) == MDB_SUCCESS) {
             note_place_of(key);
             require_sound(count++ < entries, "it has too many entries");
-            MDB_val found{};
-            require_sound(database == free_list_database ||
-                              (mdb_get(reader_.get(), database, &key, &found) == 0 && found.mv_data == value.mv_data),
-                          "an entry cannot be found");
+            if (database != free_list_database) {
+                require_found(database, key, value);
+            }
             visit({static_cast<const std::byte*>(key.mv_data), key.mv_size},
                   {static_cast<const std::byte*>(value.mv_data), value.mv_size});
         }
@@ -220,6 +220,15 @@ private:
             require_sound(status);
         }
         require_sound(count == entries, "entries are missing");
+    }
+
+    void require_found(MDB_dbi database, MDB_val key, const MDB_val& value) const {
+        MDB_val found{};
+        const int status = mdb_get(reader_.get(), database, &key, &found);
+        if (status != MDB_NOTFOUND) {
+            require_sound(status);
+        }
+        require_sound(status == MDB_SUCCESS && found.mv_data == value.mv_data, "an entry cannot be found");
     }
 
     /// A page begins with its number, which tells where all others are.
@@ -246,10 +255,10 @@ private:
 
 } // namespace
 
-std::string survey_database(const std::string& folder) {
+std::string survey_database(const std::string& folder, const std::function<void()>& begins) {
     try {
         check_size(folder);
-        Survey survey(folder);
+        Survey survey(folder, begins);
         check_transactions(folder);
         survey.check_entries();
         survey.check_pages();
