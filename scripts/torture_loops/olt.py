@@ -122,8 +122,12 @@ class Olt:
 
     def start_simulator(self, *options):
         self.simulator = Process([self.build / "simulator/olt_simulator", *options], {"OLT_ROOT": str(self.root)})
-        line = self.simulator.child.stdout.readline()
-        require(line == b"olt_simulator is ready\n", f"olt_simulator does not start: {line}")
+        said = []
+        for line in self.simulator.child.stdout:
+            if line == b"olt_simulator is ready\n":
+                return
+            said.append(line)
+        require(False, f"olt_simulator does not start: {said}")
 
     def start_daemon(self):
         lines = (self.root / "etc/api_service.env").read_text().splitlines()

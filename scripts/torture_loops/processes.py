@@ -63,13 +63,13 @@ def killed_simulator(options, progress):
 
 
 class FolderLock:
-    """A process that holds the lock of a folder."""
+    """A process that holds the lock of a folder's files."""
 
     def __init__(self, folder):
         here, there = os.pipe()
         self.pid = os.fork()
         if self.pid == 0:
-            descriptor = os.open(folder, os.O_RDONLY | os.O_DIRECTORY)
+            descriptor = os.open(folder / ".lock", os.O_RDWR | os.O_CREAT, 0o600)
             fcntl.flock(descriptor, fcntl.LOCK_EX)
             os.write(there, b"x")
             signal.pause()

@@ -80,8 +80,7 @@ TEST(Login, LeavesALineWithUserAndProcessInTheFileOfChanges) {
     ask(client, R"({"session_id":"77","path":"configuration.CommonGCfg.hostname","method":"set"})");
     const auto lines = read_file(olt.root() / "var/log/api-service-changes.log");
     const auto who = fmt::format("(uid {}, pid {})\n", getuid(), getpid());
-    EXPECT_THAT(lines,
-                testing::HasSubstr(R"( Session none: auth auth user "admin": refused )" + who));
+    EXPECT_THAT(lines, testing::HasSubstr(R"( Session none: auth auth user "admin": refused )" + who));
     EXPECT_THAT(lines, testing::HasSubstr(R"( Session 1: auth auth user "admin": done )" + who));
     EXPECT_THAT(lines, testing::HasSubstr(
                            R"( Session "77" is unknown: "set" "configuration.CommonGCfg.hostname": refused )" + who));
