@@ -88,7 +88,10 @@ void check_size(const std::string& folder) {
 void check_transactions(const std::string& folder) {
     const auto [first, second] = read_heads(FileDescriptor(folder + "/data.mdb", O_RDONLY));
     const auto later = std::max(first.transaction, second.transaction);
-    require_sound(later - std::min(first.transaction, second.transaction) <= 1, "its heads do not fit");
+    const bool is_new = later == 0; // both are written when the file is made
+    require_sound(is_new || (later - std::min(first.transaction, second.transaction) == 1 &&
+                             first.transaction % 2 == 0 && second.transaction % 2 == 1),
+                  "its heads do not fit");
 }
 
 struct Closer {
@@ -211,7 +214,9 @@ private:
             note_place_of(key);
             require_sound(count++ < entries, "it has too many entries");
             if (database != free_list_database) {
-                require_found(database, key, value);
+                MDB_val found{};
+                require_sound(mdb_get(reader_.get(), database, &key, &found));
+                require_sound(found.mv_data == value.mv_data, "an entry is not found where it is");
             }
             visit({static_cast<const std::byte*>(key.mv_data), key.mv_size},
                   {static_cast<const std::byte*>(value.mv_data), value.mv_size});
@@ -220,15 +225,6 @@ private:
             require_sound(status);
         }
         require_sound(count == entries, "entries are missing");
-    }
-
-    void require_found(MDB_dbi database, MDB_val key, const MDB_val& value) const {
-        MDB_val found{};
-        const int status = mdb_get(reader_.get(), database, &key, &found);
-        if (status != MDB_NOTFOUND) {
-            require_sound(status);
-        }
-        require_sound(status == MDB_SUCCESS && found.mv_data == value.mv_data, "an entry cannot be found");
     }
 
     /// A page begins with its number, which tells where all others are.

@@ -97,7 +97,7 @@ protected:
         ppoll(nullptr, 0, &time, nullptr); // any moment will do
     }
 
-    std::mt19937 random_{1};
+    std::mt19937 random_{static_cast<unsigned>(test::number_from_environment("TORTURE_SEED", 1))};
     std::shared_ptr<test::RecordingLogger> logger_ = std::make_shared<test::RecordingLogger>();
     test::TemporaryOltRoot root_;
     std::optional<CfgDbWrapper> client_;
@@ -113,36 +113,40 @@ std::string random_bytes(std::mt19937& random, std::size_t size) {
     return bytes;
 }
 
-/// One of the ways to spoil a file.
-void damage(std::string& file, std::mt19937& random) {
+/// Spoils the file in one of several ways, and says how.
+std::string damage(std::string& file, std::mt19937& random) {
     const auto at = random() % file.size();
     const auto page_at = at / page * page;
-    const auto head_at = random() % (2 * 160); // of the two heads and what is behind them
+    const auto flip = [&](std::size_t byte) {
+        const auto bit = random() % 8;
+        file[byte] ^= static_cast<char>(1U << bit);
+        return fmt::format("bit {} of byte {} of page {} is flipped", bit, byte % page, byte / page);
+    };
     switch (random() % 8) {
     case 0:
         file.resize(at);
-        break;
+        return fmt::format("{} bytes are left", at);
     case 1:
         std::fill_n(file.begin() + static_cast<long>(page_at), page, '\0');
-        break;
+        return fmt::format("page {} is zero", at / page);
     case 2:
         file.replace(page_at, page, random_bytes(random, page));
-        break;
-    case 3: // another page in its place
-        file.replace(page_at, page, file.substr(random() % (file.size() / page) * page, page));
-        break;
-    case 4:
-        file[head_at / 160 * page + head_at % 160] ^= static_cast<char>(1U << random() % 8);
-        break;
-    case 5: // its header and its directory of entries
-        file[page_at + random() % 64] ^= static_cast<char>(1U << random() % 8);
-        break;
+        return fmt::format("page {} is random", at / page);
+    case 3: {
+        const auto other = random() % (file.size() / page);
+        file.replace(page_at, page, file.substr(other * page, page));
+        return fmt::format("page {} stands in place of page {}", other, at / page);
+    }
+    case 4: // the heads and what is behind them
+        return flip(random() % 2 * page + random() % 160);
+    case 5: // the header of a page and its directory of entries
+        return flip(page_at + random() % 64);
     case 6:
-        file[at] ^= static_cast<char>(1U << random() % 8);
-        break;
+        return flip(at);
     default: {
         const auto size = std::min<std::size_t>(1 + random() % 64, file.size() - at);
         file.replace(at, size, random_bytes(random, size));
+        return fmt::format("{} bytes at {} of page {} are random", size, at % page, at / page);
     }
     }
 }
@@ -157,7 +161,7 @@ TEST_F(Torture, DamageOfTheDatabase) {
     int made_anew = 0;
     test::repeat([&](int) {
         auto file = whole;
-        damage(file, random_);
+        SCOPED_TRACE(damage(file, random_));
         remove_database();
         root_.write("run/cfgdb/data.mdb", file);
         open();
