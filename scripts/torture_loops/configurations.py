@@ -7,7 +7,7 @@ import re
 import shutil
 import zlib
 
-from .olt import Olt, require
+from .olt import Olt, Process, require
 from .processes import pause, rename
 
 ONT = "ZebGCfg.pon.ont"
@@ -121,7 +121,7 @@ def foreign_records(chance):
 
 
 def foreign_file(options, progress):
-    """The saved file is of another release: what fits runs, and what is saved then is taken as it is."""
+    """The saved file is of another release, and the first start is killed: what fits runs, and once saved is taken as is."""
     chance = random.Random(options.seed)
     with Olt(options.build) as olt:
         folder = olt.root / "configuration"
@@ -132,6 +132,9 @@ def foreign_file(options, progress):
             records = foreign_records(chance)
             text = '{"format":"olt-config","version":1,"crc32":%d,"records":%s}' % (zlib.crc32(records.encode()), records)
             (folder / "save-config").write_text(text)
+            loading = Process([olt.build / "simulator/olt_simulator", "--plant", "empty"], {"OLT_ROOT": str(olt.root)})
+            pause(chance.uniform(0, 0.06))
+            loading.kill()
             client = start(olt)
             serials = json.dumps(client.get(ONT, *ALL_ONTS)).count('"serial": [1, 1, 1, 1, ')
             require(serials > 256, f"round {number}: {serials} of 512 ONTs are left")

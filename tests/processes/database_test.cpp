@@ -1,7 +1,9 @@
+#include "cfgdb/durable_file.hpp"
 #include "tests/support/eventually.hpp"
 #include "tests/support/recording_logger.hpp"
 #include "tests/support/temporary_olt_root.hpp"
 #include "tests/unit/platform/cfgdb/edits.hpp"
+#include "tests/unit/platform/cfgdb/other_release.hpp"
 #include "xpon/cfgdb/element_functions.hpp"
 #include "xpon/peer_side/database_log.hpp"
 
@@ -10,6 +12,7 @@
 #include <csignal>
 #include <filesystem>
 #include <optional>
+#include <random>
 #include <vector>
 
 #include <sys/resource.h>
@@ -17,6 +20,7 @@
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
+#include <poll.h>
 #include <unistd.h>
 
 namespace xpon::cfgdb {
@@ -163,6 +167,47 @@ TEST_F(Processes, FollowFilesThatAreMadeAnew) {
     EXPECT_TRUE(test::eventually([&] { return test::hostname(client) == "olt-1"; }));
     run("olt-3");
     EXPECT_EQ(test::hostname(client), "olt-3");
+}
+
+// Wherever it is killed, the next start finds every record, those of the candidate too.
+TEST_F(Processes, MayBeKilledWhileADatabaseIsCarriedOver) {
+    constexpr std::uint16_t onts = 512;
+    const test::TemporaryOltRoot root;
+    const auto folder = root.path() / "run/cfgdb";
+    {
+        CfgDbWrapper client("TEST");
+        std::vector<test::Edit> edits;
+        for (unsigned nth = 0; nth < onts; ++nth) {
+            edits.push_back(test::edit_ont(nth / 256 + 1, nth % 256 + 1, R"({"description":"runs"})"));
+        }
+        test::apply(client, edits);
+        ASSERT_EQ(test::commit(client), "");
+        test::apply(client, {test::edit_ont(1, 1, R"({"description":"pending"})")});
+        test::OtherRelease(test::add_colour).take_over(test::database_of(client), [](cJSON& record) {
+            cJSON_AddTrueToObject(&record, "colour");
+        });
+    }
+    const auto before = read_file(folder / "data.mdb");
+    std::mt19937 random(1);
+    for (int round = 0; round < 20; ++round) {
+        std::error_code fault; // a killed program's child may make a last file meanwhile
+        ASSERT_TRUE(test::eventually([&] { return std::filesystem::remove_all(folder, fault), !fault; }));
+        root.write("run/cfgdb/data.mdb", before);
+        {
+            const KilledAtEnd start([](const auto& report) {
+                report();
+                const CfgDbWrapper client("CHILD");
+            });
+            start.wait_for_report();
+            const timespec moment{.tv_sec = 0, .tv_nsec = static_cast<long>(random() % 60'000'000)};
+            ppoll(nullptr, 0, &moment, nullptr); // any moment will do
+        }
+        const CfgDbWrapper client("TEST");
+        for (std::uint16_t index = 0; index < onts; ++index) {
+            ASSERT_STREQ(test::stored<PonOnt>(client, Store::running, {index}).description, "runs") << index;
+        }
+        ASSERT_STREQ(test::stored<PonOnt>(client, Store::candidate).description, "pending");
+    }
 }
 
 TEST_F(Processes, NameOneCauseOfAFaultAtACommit) {
