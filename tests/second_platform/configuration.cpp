@@ -1,46 +1,27 @@
-// The configuration database, the serialiser and the error texts of the second platform: records are bytes in memory,
-// and their JSON is the first of them.
+// The configuration database, the serialiser and the error texts of the second platform: every record is zero, whatever
+// it is set to, and its JSON is its first byte.
 
 #include "api_service/handlers/configuration/elements.hpp"
 #include "xpon/cfgdb/cfgdb_wrapper.hpp"
 #include "xpon/custom_layer/custom_layer.h"
 #include "xpon/error_texts/json_errors.hpp"
 
-#include <algorithm>
 #include <array>
 #include <cstring>
-#include <map>
-#include <span>
-#include <vector>
 
 namespace xpon::cfgdb {
 
-/// What is not there reads as zero.
-class Database {
-public:
-    /// Bytes by name of the element and indices.
-    using Store = std::map<std::pair<std::string, std::array<unsigned short, 2>>, std::vector<std::byte>>;
-    Store candidate;
-    Store running;
-};
+class Database {};
 
-CfgDbWrapper::CfgDbWrapper(const std::string& client_name) : client_name_(client_name), context_(1) {
-    static const auto database = std::make_shared<Database>();
-    database_ = database;
-}
+CfgDbWrapper::CfgDbWrapper(const std::string& client_name) : client_name_(client_name), context_(1) {}
 CfgDbWrapper::~CfgDbWrapper() = default;
 core::Result<User_record> CfgDbWrapper::find_user_by_username(const std::string&) const {
     return User_record{.name = {}, .web_privilege = 3};
 }
 core::Result<void> CfgDbWrapper::commit(const std::shared_ptr<ipc::IIpc>&) {
-    if (database_->candidate == database_->running) {
-        return core::Error::Empty;
-    }
-    database_->running = database_->candidate;
-    return core::success();
+    return core::Error::Empty;
 }
 core::Result<void> CfgDbWrapper::rollback() {
-    database_->candidate = database_->running;
     return core::success();
 }
 const void* CfgDbWrapper::handle() const {
@@ -52,29 +33,9 @@ int CfgDbWrapper::context() const {
 
 namespace {
 
-Database& database_of(const void* handle) {
-    return **static_cast<const std::shared_ptr<Database>*>(handle);
-}
-
-Database::Store::key_type key_of(const char* element, std::size_t levels, const unsigned short* indices) {
-    Database::Store::key_type key{element, {}};
-    std::copy_n(indices, levels, key.second.begin());
-    return key;
-}
-
 template <class Record>
-int read(const Database::Store& store, const Database::Store::key_type& key, Record* out) {
+int read(Record* out) {
     std::memset(out, 0, sizeof *out);
-    if (const auto found = store.find(key); found != store.end()) {
-        std::memcpy(out, found->second.data(), sizeof *out);
-    }
-    return 0;
-}
-
-template <class Record>
-int write(Database::Store& store, const Database::Store::key_type& key, const Record* record) {
-    const auto bytes = std::as_bytes(std::span(record, 1));
-    store[key].assign(bytes.begin(), bytes.end());
     return 0;
 }
 
@@ -104,27 +65,26 @@ int deserialize(const cJSON* data, Record* out, cJSON** errors) {
 using namespace xpon::cfgdb;
 
 #define XPON_DEFINE_XPON_READ_ONLY(suffix, record, levels)                                                             \
-    int getDb_##suffix(const void* db, int, record* out, const unsigned short* indices) {                              \
-        return read(database_of(db).candidate, key_of(#suffix, levels, indices), out);                                 \
+    int getDb_##suffix(const void*, int, record* out, const unsigned short*) {                                         \
+        return read(out);                                                                                              \
     }                                                                                                                  \
-    int getRunDb_##suffix(const void* db, record* out, const unsigned short* indices) {                                \
-        return read(database_of(db).running, key_of(#suffix, levels, indices), out);                                   \
+    int getRunDb_##suffix(const void*, record* out, const unsigned short*) {                                           \
+        return read(out);                                                                                              \
     }                                                                                                                  \
     int serialize_##record##_to_json(const record* record_in, cJSON* target, cJSON**) {                                \
         return serialize(record_in, target);                                                                           \
     }
 #define XPON_DEFINE_XPON_READ_WRITE(suffix, record, levels)                                                            \
     XPON_DEFINE_XPON_READ_ONLY(suffix, record, levels)                                                                 \
-    int setDb_##suffix(const void* db, int, const record* record_in, const unsigned short* indices) {                  \
-        return write(database_of(db).candidate, key_of(#suffix, levels, indices), record_in);                          \
+    int setDb_##suffix(const void*, int, const record*, const unsigned short*) {                                       \
+        return 0;                                                                                                      \
     }                                                                                                                  \
     int deserialize_##record##_from_json(const cJSON* data, record* out, cJSON** errors) {                             \
         return deserialize(data, out, errors);                                                                         \
     }
 #define XPON_DEFINE_XPON_RESETTABLE(suffix, record, levels)                                                            \
     XPON_DEFINE_XPON_READ_WRITE(suffix, record, levels)                                                                \
-    int setDb_init_##suffix(const void* db, int, unsigned short* indices) {                                            \
-        database_of(db).candidate.erase(key_of(#suffix, levels, indices));                                             \
+    int setDb_init_##suffix(const void*, int, unsigned short*) {                                                       \
         return 0;                                                                                                      \
     }
 #define XPON_DEFINE_ELEMENT(access, suffix, record, levels) XPON_DEFINE_##access(suffix, record, levels)
@@ -139,8 +99,7 @@ int getRunDbArray_ZebGCfg_switch_config_front_port(const void*, FrontPort* out) 
 int custom_layer__configuration_save(Ipc*, const void*, int, const char*) {
     return 0;
 }
-int custom_layer__configuration_set_default(const void* db, int) {
-    database_of(db).candidate.clear();
+int custom_layer__configuration_set_default(const void*, int) {
     return 0;
 }
 
