@@ -1,11 +1,9 @@
 #include "ipc/ipc_handle.hpp"
-#include "tests/support/recording_logger.hpp"
 #include "tests/support/temporary_olt_root.hpp"
 #include "tests/unit/platform/cfgdb/edits.hpp"
 #include "xpon/cfgdb/element_functions.hpp"
 #include "xpon/core/call_sequence.hpp"
 #include "xpon/peer_side/configuration_file.hpp"
-#include "xpon/peer_side/database_log.hpp"
 #include "xpon/peer_side/operations.hpp"
 #include "xpon/peer_side/running_commits.hpp"
 
@@ -23,7 +21,6 @@ namespace xpon::cfgdb {
 namespace {
 
 using test::nothing_to_commit;
-using testing::HasSubstr;
 
 /// Keeps the notices that a commit sends, and may refuse one.
 class RecordingIpc : public ipc::IIpc {
@@ -135,33 +132,6 @@ TEST_F(Candidate, IsWhatThePeersAccepted) {
     EXPECT_EQ(test::hostname(client_), "changed");
 }
 
-TEST_F(Candidate, ReachesOntsByContentAlone) {
-    test::apply(client_, {test::edit_ont(1, 7, R"({"serial":[1,2,3,4,5,6,7,8,0,0],"ont_template":1})")});
-    ASSERT_EQ(test::commit(client_), "");
-    const auto reached = [&](const test::Edit& change) {
-        const auto before = running_number(client_.handle());
-        test::apply(client_, {change});
-        EXPECT_EQ(test::commit(client_), "") << change.json;
-        return running_commits_since(client_.handle(), before).commits.at(0).onts.size();
-    };
-    const std::string services = R"(,"services":[{"cross_connect":1,"dba":1}])";
-    const std::pair<test::Edit, std::size_t> cases[] = {
-        {test::edit<ProfileOntDba>(R"({"name":"renamed"})", 1), 0},
-        {test::edit<ProfileOntDba>(R"({"name":"renamed","weight":2})", 1), 1},
-        {test::edit<ProfileOntDba>(R"({"name":"of nobody","weight":2})", 9), 0},
-        {test::edit<OntTemplate>(R"({"name":"bridged","description":"x")" + services + "}", 1), 1},
-        {test::edit<OntTemplate>(R"({"name":"b","description":"y")" + services + "}", 1), 0},
-        {test::edit_ont(1, 7, R"({"serial":[1,2,3,4,5,6,7,8,0,0],"ont_template":1,"description":"Flat 7"})"), 0},
-        {test::edit_ont(1, 7, R"({"serial":[1,2,3,4,5,6,7,8,0,0],"ont_template":1,"shaping_profile":1})"), 1},
-    };
-    for (const auto& [change, count] : cases) {
-        EXPECT_EQ(reached(change), count) << change.json;
-    }
-    // A name is more than a label to those who refer to it.
-    test::apply(client_, {test::edit<ProfileOntDba>("{}", 1)});
-    EXPECT_THAT(test::commit(client_), HasSubstr("ont_template.1: Undefined dba profile 1"));
-}
-
 TEST_F(Candidate, IsSetByASequenceAsFarAsItGoes) {
     const auto set = [&](unsigned short index, const char* description) {
         PonOnt ont{};
@@ -226,13 +196,6 @@ TEST_F(Candidate, RefusesIndicesBeyondTheTable) {
     EXPECT_EQ(test::commit(client_), nothing_to_commit);
 }
 
-TEST_F(Candidate, KnowsItsUsers) {
-    EXPECT_EQ(client_.find_user_by_username("admin").value().web_privilege, 3);
-    for (const std::string name : {"", "adm", "admin ", "Admin", "a name that no record has the room for"}) {
-        EXPECT_EQ(client_.find_user_by_username(name).error().info->message, "User not found") << name;
-    }
-}
-
 TEST(Database, IsForItsOwnerAndGoesWithTheLastClient) {
     const test::TemporaryOltRoot root;
     EXPECT_FALSE(configuration_exists());
@@ -248,25 +211,6 @@ TEST(Database, IsForItsOwnerAndGoesWithTheLastClient) {
         EXPECT_EQ(status.st_mode & 0777U, mode);
     }
     EXPECT_TRUE(configuration_exists());
-}
-
-TEST(Database, IsMadeAnewWhenItsFileIsNone) {
-    const test::TemporaryOltRoot root;
-    const auto logger = std::make_shared<test::RecordingLogger>();
-    set_database_log(logger);
-    for (const std::size_t size : {1U, 200U, 5000U}) {
-        root.write("run/cfgdb/data.mdb", std::string(size, 'x'));
-        logger->clear();
-        EXPECT_TRUE(CfgDbWrapper("TEST").find_user_by_username("admin").has_value());
-        EXPECT_THAT(logger->texts(), testing::Contains(HasSubstr("was damaged and is made anew")));
-    }
-    set_database_log(nullptr);
-}
-
-TEST(Database, SaysWhyItCannotBeOpened) {
-    const test::TemporaryOltRoot root;
-    root.write("run", "no folder");
-    EXPECT_THAT([] { CfgDbWrapper("TEST"); }, testing::ThrowsMessage<std::runtime_error>(HasSubstr("/run/cfgdb")));
 }
 
 } // namespace

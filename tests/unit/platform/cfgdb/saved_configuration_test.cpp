@@ -69,30 +69,6 @@ protected:
     std::optional<CfgDbWrapper> client_;
 };
 
-TEST_F(SavedConfiguration, RunsAfterAPowerCut) {
-    const std::vector<test::Edit> edits{
-        test::edit_hostname("olt-7"),
-        test::edit<FrontPort>(R"({"description":"\u00fcplink \"1\"","tagged_vlans":"100-102"})", 3),
-        test::edit<OntTemplate>("{}", 1), // the factory has one
-        test::edit_ont(16, 256, R"({"serial":[1,2,3,4,5,6,7,255,0,0],"ont_template":2})"),
-        test::edit_service(16, 256, 8, R"({"mode":"off","static_ip":"192.0.2.1"})")};
-    test::apply(*client_, edits);
-    ASSERT_EQ(test::commit(*client_), "");
-    save();
-    EXPECT_THAT(read_file(file_),
-                testing::AllOf(testing::StartsWith(R"({"format":"olt-config","version":1,"crc32":)"),
-                               HasSubstr(R"("ZebGCfg_pon_ont":{"4096":{"serial":[1,2,3)"),
-                               HasSubstr(R"("ZebGCfg_pon_ont_ont_common_service":{"4096.8":{"mode":"off")")));
-    lose_power();
-    // Each of the edits runs, so setting it again is no change.
-    test::apply(*client_, edits);
-    EXPECT_EQ(test::commit(*client_), test::nothing_to_commit);
-    EXPECT_THAT(logger_->texts(), Contains(HasSubstr("Started with the saved configuration")));
-    // The indexes know the ONT.
-    test::apply(*client_, {test::edit_ont(1, 1, R"({"serial":[1,2,3,4,5,6,7,255,0,0]})")});
-    EXPECT_THAT(test::commit(*client_), HasSubstr("ONT serial is already used by ONT 1/1"));
-}
-
 TEST_F(SavedConfiguration, IsWhatWasSavedLast) {
     run_hostname("a");
     save();

@@ -9,26 +9,7 @@ namespace xpon::ipc {
 namespace {
 
 using namespace std::chrono_literals;
-using core::Error;
 using testing::ElementsAre;
-
-TEST_F(IpcTest, ARequestReachesThePeerAndItsAnswerComesBack) {
-    ServerRequest seen;
-    const PeerThread server(peer, [&seen](const ServerRequest& request) {
-        seen = request;
-        return PeerThread::echo_answer(request);
-    });
-    ASSERT_TRUE(endpoint->connect(peer));
-    const std::string large(1'000'000, 'x');
-    for (const auto& text : {std::string("hello"), std::string(), large}) {
-        const auto reply = ask(text);
-        EXPECT_EQ(reply.status, 0);
-        EXPECT_EQ(text_of(reply.payload), text);
-    }
-    EXPECT_EQ(seen.peer, peer);
-    EXPECT_EQ(seen.client, own);
-    EXPECT_EQ(seen.operation, 100);
-}
 
 TEST_F(IpcTest, APeersFailureIsItsAnswerNotItsDeath) {
     const PeerThread server(peer, [](const ServerRequest& request) -> ServerAnswer {
@@ -70,17 +51,6 @@ TEST_F(IpcTest, AllPeersAreAskedAtOnceAndOnlyANoCounts) {
     EXPECT_THAT(willing_server.requests(), testing::Contains("all"));
     EXPECT_THAT(silent_server.requests(), ElementsAre("all"));
     released.count_down();
-}
-
-TEST_F(IpcTest, AMissingPeerFailsTheConnection) {
-    const auto impatient = make_endpoint({.handshake = 30ms});
-    const auto result = impatient->connect(peer);
-    ASSERT_FALSE(result);
-    EXPECT_EQ(result.error().to_string(), "Error: CommonError. Message: Peer 0x0019fffe: no daemon serves " +
-                                              root.path().string() + "/run/ipc/0019fffe.");
-    EXPECT_EQ(impatient->raw()->request(peer, echo, {}, 1s).status, ENOTCONN);
-    const PeerThread server;
-    EXPECT_TRUE(endpoint->connect(peer));
 }
 
 TEST_F(IpcTest, AnAddressIsServedOnceAndALeftOverSocketIsReplaced) {

@@ -1,11 +1,8 @@
 #include "tests/unit/platform/ipc/peer_thread.hpp"
 
-#include <atomic>
 #include <cerrno>
-#include <csignal>
 #include <latch>
 
-#include <sys/time.h>
 namespace xpon::ipc {
 namespace {
 
@@ -48,25 +45,6 @@ TEST_F(IpcTest, APeerThatIsGoneFailsAtOnceAndARestartedOneSeesNothingOfThePast) 
     EXPECT_THAT(server->requests(), ElementsAre("second life"));
     EXPECT_TRUE(server->notices().empty());
     EXPECT_EQ(logger->lines.size(), 2U) << "down and up";
-}
-
-std::atomic<int> signals = 0;
-
-TEST_F(IpcTest, SignalsDoNotDisturbARequest) {
-    const PeerThread server(peer, [](const ServerRequest& request) {
-        eventually([] { return signals > 20; });
-        return PeerThread::echo_answer(request);
-    });
-    ASSERT_TRUE(endpoint->connect(peer));
-    struct sigaction action{};
-    action.sa_handler = [](int) { ++signals; };
-    ASSERT_EQ(sigaction(SIGALRM, &action, nullptr), 0);
-    const itimerval every_millisecond{.it_interval = {0, 1000}, .it_value = {0, 1000}};
-    setitimer(ITIMER_REAL, &every_millisecond, nullptr);
-    EXPECT_EQ(ask("a").status, 0);
-    const itimerval never{};
-    setitimer(ITIMER_REAL, &never, nullptr);
-    EXPECT_GT(signals, 20);
 }
 
 } // namespace
