@@ -108,37 +108,5 @@ TEST_F(OntState, FindRefusesWhatIsNoSerial) {
     }
 }
 
-/// 4096 configured ONTs, every other one activated, the rest unactivated, and 4096 more that nobody configured.
-TEST_F(OntState, AFullOltWithAsManyStrangers) {
-    cfgdb::CfgDbWrapper db("test");
-    const auto known = device.activated[0];
-    device.activated.clear();
-    device.unactivated.clear();
-    const auto see = [&](std::uint8_t port, std::uint64_t serial) {
-        device.unactivated.push_back({port, {}, "p"});
-        unsigned_long_serial_to_bin(serial, device.unactivated.back().serial);
-    };
-    for (unsigned short i = 0; i < max_configured_onts; ++i) {
-        const std::uint64_t serial = (std::uint64_t{'S'} << 56) + i + 1;
-        cfgdb::PonOnt ont{};
-        ont.serial = serial;
-        ASSERT_EQ(setDb_ZebGCfg_pon_ont(db.handle(), db.context(), &ont, &i), 0);
-        if (i % 2 == 0) {
-            device.activated.push_back(known);
-            unsigned_long_serial_to_bin(serial, device.activated.back().serial);
-        } else {
-            see(1, serial);
-        }
-        see(2, ~serial);
-    }
-    ASSERT_TRUE(db.commit(nullptr));
-    const auto whole = get(state_route);
-    EXPECT_EQ(occurrences(whole, R"("cfg_port":)"), 4096U);
-    EXPECT_EQ(occurrences(whole, R"("state":"OPERATIONAL")"), 2048U);
-    EXPECT_EQ(occurrences(whole, R"("description":"","port":1,"state":"UNACTIVATED")"), 2048U);
-    EXPECT_EQ(occurrences(whole, R"("password":"p","port":2,"state":"UNACTIVATED")"), 4096U);
-    EXPECT_THAT(find("[83,0,0,0,0,0,16,0,0,0]"), HasSubstr(R"("cfg_port":16,"cfg_ont_id":256,)"));
-}
-
 } // namespace
 } // namespace xpon::test

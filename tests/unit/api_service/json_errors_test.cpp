@@ -1,7 +1,6 @@
 #include "api_service/protocol/json_errors.hpp"
 #include "tests/support/recording_logger.hpp"
 
-#include <cstdlib>
 #include <limits>
 
 #include <gmock/gmock.h>
@@ -46,38 +45,6 @@ TEST_F(JsonErrorsTest, RefusesWhatIsNoErrorList) {
         EXPECT_FALSE(errors.add_errors_from_cjson(tree.get())) << text;
     }
     EXPECT_TRUE(errors.empty());
-}
-
-long allocations_left = 0;
-
-TEST_F(JsonErrorsTest, TellEachFailedAllocationByTheFunctionThatNeededIt) {
-    cJSON_Hooks hooks{
-        .malloc_fn = [](std::size_t size) { return allocations_left-- > 0 ? std::malloc(size) : nullptr; },
-        .free_fn = std::free};
-    JsonError error(Json_errors::out_of_range, "servers.1.version", logger);
-    error.add_param(std::int8_t{-5});
-    error.add_param(std::numeric_limits<std::uint64_t>::max());
-    for (long n = 0;; ++n) {
-        allocations_left = n;
-        cJSON_InitHooks(&hooks);
-        const auto made = error.get_cjson();
-        cJSON_InitHooks(nullptr);
-        if (made) {
-            cJSON_Delete(made.value());
-            break;
-        }
-    }
-    // Allocations in the order of the members: nodes of objects, keys, nodes and texts of strings.
-    const std::string object = "cJSON_CreateObject() failed ";
-    const std::string item = "cJSON_AddItemToObject() failed ";
-    const std::string text = "cJSON_AddStringToObject() failed ";
-    EXPECT_THAT(logger->texts(), testing::ElementsAre(object,             // the error
-                                                      object, item,       // "message"
-                                                      text, text, text,   // "key"
-                                                      object, item,       // "params"
-                                                      item, item,         // "p0", a number
-                                                      text, text, text,   // "p1", a text
-                                                      text, text, text)); // "path"
 }
 
 } // namespace

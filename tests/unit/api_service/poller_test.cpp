@@ -52,18 +52,6 @@ TEST_F(PollerTest, ReportsClientsThatReceivedAFrame) {
     EXPECT_EQ(poller.poll(1000ms).value().at(0)->get_frame().value(), "two");
 }
 
-TEST_F(PollerTest, LeavesAClientAloneUntilItHasTakenItsAnswer) {
-    auto peer = connect();
-    send(peer, "one\0"s);
-    const auto client = poller.poll(1000ms).value().at(0);
-    const std::string answer(100'000, 'a');
-    ASSERT_TRUE(client->send_frame(answer));
-    send(peer, "two\0"s);
-    EXPECT_TRUE(poller.poll(1000ms).value().empty());
-    EXPECT_EQ(peer.receive_frame(std::chrono::steady_clock::now() + 10s).value(), answer);
-    EXPECT_EQ(poller.poll(1000ms).value().size(), 1U);
-}
-
 TEST_F(PollerTest, AnswersABrowserOnceAndTakesNoCommandFromItsPage) {
     auto browser = connect();
     send(browser, "POST / HTTP/1.1\r\nHost: localhost:9999\r\n\r\n\0{\"path\":\"command.reboot\"}\0"s);
