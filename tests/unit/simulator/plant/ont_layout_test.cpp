@@ -27,12 +27,5 @@ TEST(OntLayoutTest, SpreadsAnyNumberEvenlyAndUsesEveryPlaceOnce) {
     EXPECT_EQ(*records.rbegin(), max_onts - 1);
 }
 
-TEST(OntLayoutTest, NamesAnOnt) {
-    EXPECT_EQ(serial_of({3, 17}), 0x53494d55'a0030011U);
-    EXPECT_EQ(serial_of({16, 256}), 0x53494d55'a0100100U);
-    EXPECT_EQ(record_index_of({3, 17}), 2 * 256 + 16);
-    EXPECT_EQ(description_of({3, 17}), "ONT 3/17");
-}
-
 } // namespace
 } // namespace xpon::simulator

@@ -15,22 +15,12 @@ namespace {
 using namespace std::chrono_literals;
 using testing::AllOf;
 using testing::AnyOf;
-using testing::ElementsAre;
 using testing::Ge;
-using testing::IsEmpty;
 using testing::Le;
-using testing::SizeIs;
 
 Bitmap_ont_range all_onts() {
     Bitmap_ont_range range{};
     range.size = max_onts;
-    std::fill(std::begin(range.bits), std::end(range.bits), std::uint8_t{0xff});
-    return range;
-}
-
-Bitmap_pon_port_range all_ports() {
-    Bitmap_pon_port_range range{};
-    range.size = pon_ports + 1;
     std::fill(std::begin(range.bits), std::end(range.bits), std::uint8_t{0xff});
     return range;
 }
@@ -53,37 +43,6 @@ protected:
         return states;
     }
 };
-
-TEST_F(OntLifeTest, AnUnknownOntIsFoundAndGoesIntoServiceOnceConfigured) {
-    plant = Plant(parameters(1), {});
-    EXPECT_THAT(states_ahead(), ElementsAre("GONE", "INITIAL", "STANDBY", "SERIAL_NUMBER"));
-    const auto unknown = [&] { return report_unactivated(plant, all_ports()); };
-    ASSERT_THAT(unknown(), SizeIs(1));
-    EXPECT_EQ(unknown()[0].port, 1);
-    EXPECT_STREQ(unknown()[0].password, "PW01001");
-
-    plant.configure(configured(parameters(1), 1));
-    EXPECT_THAT(unknown(), IsEmpty());
-    EXPECT_THAT(states_ahead(), ElementsAre("RANGING", "AUTHENTICATION", "MIB_UPLOAD", "CONFIGURING", "OPERATIONAL"));
-    configure([](auto& configuration) { configuration.onts.clear(); });
-    EXPECT_THAT(unknown(), SizeIs(1));
-    EXPECT_THAT(report_ont_states(plant, all_onts()), IsEmpty());
-}
-
-TEST_F(OntLifeTest, TimesAreThoseOfTheStandards) {
-    plant = Plant(parameters(1), configured(parameters(1), 1));
-    await("INITIAL");
-    EXPECT_EQ(plant.now(), 3s); // the port's start
-    await("STANDBY");
-    EXPECT_THAT((plant.now() - 3s).count(), AllOf(Ge(30'000), Le(60'050)));
-    await("RANGING");
-    // A discovery window, counted from the port's start.
-    EXPECT_EQ((plant.now() - 3s) % 10s, 0s);
-    const auto ranging = plant.now();
-    await("OPERATIONAL");
-    // Ranging 1 to 2 s, authentication 0.5, MIB upload 3 to 6, four services 1 + 4 * 0.5.
-    EXPECT_THAT((plant.now() - ranging).count(), AllOf(Ge(7'500), Le(11'600)));
-}
 
 TEST_F(OntLifeTest, AnOntInServiceGoesItsWay) {
     using Way = std::vector<std::string>;
@@ -151,19 +110,6 @@ TEST_F(OntLifeTest, RepeatsWhatFailsWithoutEnd) {
     EXPECT_THAT(state(), AnyOf("RANGING", "STANDBY", "SERIAL_NUMBER"));
 }
 
-TEST_F(OntLifeTest, ARogueIsStoppedHoweverItComesBack) {
-    set_fault("ont_rogue", "1/1");
-    pass(5min);
-    EXPECT_EQ(state(), "EMERGENCY_STOP");
-    configure([](auto& configuration) { configuration.pon[0].enabled = false; });
-    configure([](auto& configuration) { configuration.pon[0].enabled = true; });
-    pass(5min);
-    EXPECT_EQ(state(), "EMERGENCY_STOP");
-    plant.clear_all_faults();
-    pass(5min);
-    EXPECT_EQ(state(), "OPERATIONAL");
-}
-
 TEST_F(OntLifeTest, AnEventDuringAStartDoesNotLoseTheOnt) {
     configure([](auto& configuration) { configuration.pon[0].enabled = false; });
     configure([](auto& configuration) { configuration.pon[0].enabled = true; });
@@ -172,21 +118,6 @@ TEST_F(OntLifeTest, AnEventDuringAStartDoesNotLoseTheOnt) {
     configure([](auto& configuration) { configuration.onts[0].provision = 3; });
     pass(5min);
     EXPECT_EQ(state(), "OPERATIONAL");
-}
-
-TEST_F(OntLifeTest, FrontPortsFollowTheirConfiguration) {
-    ASSERT_TRUE(plant.front_link_is_up(1));
-    configure([](auto& configuration) { configuration.front[0].enabled = false; });
-    EXPECT_FALSE(plant.front_link_is_up(1));
-    EXPECT_STREQ(report_front_port(plant, 1).speed, "none");
-    configure([](auto& configuration) { configuration.front[0] = {.enabled = true, .speed_mbps = 1000}; });
-    pass(1s);
-    EXPECT_FALSE(plant.front_link_is_up(1));
-    pass(1s);
-    EXPECT_TRUE(plant.front_link_is_up(1));
-    EXPECT_STREQ(report_front_port(plant, 1).speed, "1G");
-    configure([](auto& configuration) { configuration.front[2].speed_mbps = 10000; });
-    EXPECT_FALSE(plant.front_link_is_up(3)); // its module has no 10G
 }
 
 TEST(FullPlant, HasNoOnuIdForTheLastTwoOntsOfAPort) {

@@ -72,36 +72,5 @@ TEST_F(RestartTest, WhereAnOntGoesDependsOnWhereItIs) {
     EXPECT_EQ(state(), "GONE");
 }
 
-TEST_F(RestartTest, NothingHappensWhileTheOltBoots) {
-    tell(OntCommand::reconfigure);
-    const auto begin = plant.now();
-    configure([](auto& configuration) { configuration.pon[1].enabled = false; });
-    plant.boot(20s);
-    EXPECT_EQ(plant.booted_at(), begin);
-    // Of what was before the boot nothing is known.
-    EXPECT_FALSE(ont().last_service);
-    EXPECT_EQ(state(), "GONE");
-    EXPECT_FALSE(plant.front_link_is_up(1));
-    pass(19s);
-    // A port that is enabled meanwhile waits for the end as well.
-    configure([](auto& configuration) { configuration.pon[1].enabled = true; });
-    EXPECT_TRUE(plant.is_booting());
-    for (unsigned port = 1; port <= pon_ports; ++port) {
-        EXPECT_EQ(plant.channel_state(port), pon_channel_starting) << port;
-    }
-    pass(1s);
-    EXPECT_FALSE(plant.is_booting());
-    pass(2s);
-    EXPECT_TRUE(plant.front_link_is_up(1));
-    EXPECT_EQ(plant.channel_state(2), pon_channel_starting);
-    pass(1s);
-    EXPECT_EQ(plant.channel_state(1), pon_channel_active);
-    EXPECT_EQ(plant.channel_state(2), pon_channel_active);
-    EXPECT_EQ(state(), "INITIAL");
-    EXPECT_FALSE(ont().point.from_power_on); // it had power all the time
-    pass(10min);
-    EXPECT_EQ(state(), "OPERATIONAL");
-}
-
 } // namespace
 } // namespace xpon::simulator

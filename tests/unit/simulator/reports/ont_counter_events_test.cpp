@@ -85,35 +85,6 @@ TEST_F(OntCountersTest, GoOnOverConfiguringAndBeginAnewWithTheOnt) {
     }
 }
 
-TEST_F(OntCountersTest, ErrorsFollowTheLight) {
-    struct Errors {
-        std::uint64_t bip;
-        std::uint64_t corrected; ///< at the ONT
-        std::uint64_t lost;
-    };
-    const auto over_two_intervals = [&] {
-        finish_interval();
-        const auto before = pon();
-        finish_interval();
-        return Errors{pon().bip_errors - before.bip_errors, report_fec_pm(plant, watched).corrected_code_words[0],
-                      report_gem_port_pm(plant, watched).lost_packets[0]};
-    };
-    const auto clean = over_two_intervals();
-    const auto bad = barely_lit(plant);
-    const auto just_before = counters_of(plant, watched);
-    plant.set_fault(bad);
-    EXPECT_EQ(counters_of(plant, watched), just_before); // what was counted does not change
-    ASSERT_EQ(plant.ont_configured_as(watched)->point.state, ont_operational);
-    const auto weak = over_two_intervals();
-    EXPECT_GT(weak.bip, clean.bip + 100);
-    EXPECT_GT(weak.corrected, clean.corrected + 1000);
-    EXPECT_GE(weak.lost, clean.lost);
-    plant.clear_fault(bad.kind, bad.target);
-    const auto cured = over_two_intervals();
-    EXPECT_LT(cured.bip, weak.bip / 10);
-    EXPECT_LT(cured.corrected, weak.corrected / 10);
-}
-
 TEST_F(OntCountersTest, OfNobodyAreZero) {
     const auto all_zero = [&](std::uint16_t index) {
         return std::ranges::count(all_counters(plant, index), std::byte{}) == std::ssize(all_counters(plant, index));
