@@ -53,16 +53,19 @@ def stop(olt):
 def damage(data, chance):
     at = chance.randrange(len(data))
     page = at // PAGE * PAGE
-    kind = chance.randrange(6)
+    kind = chance.randrange(7)
     if kind == 0:
         del data[at:]
     elif kind == 1:
         data[page:page + PAGE] = bytes(PAGE)
     elif kind == 2:
         data[page:page + PAGE] = chance.randbytes(PAGE)
-    elif kind == 3:  # one of the two heads
+    elif kind == 3:  # another page in its place
+        other = chance.randrange(len(data) // PAGE) * PAGE
+        data[page:page + PAGE] = data[other:other + PAGE]
+    elif kind == 4:  # one of the two heads
         data[chance.randrange(2) * PAGE + chance.randrange(160)] ^= 1 << chance.randrange(8)
-    elif kind == 4:  # the header of a page
+    elif kind == 5:  # the header of a page
         data[page + chance.randrange(64)] ^= 1 << chance.randrange(8)
     else:
         for position in range(at, min(at + chance.randrange(1, 64), len(data))):
