@@ -42,7 +42,7 @@ private:
 
 /// Millions of frames of one byte take mostly what surrounds them.
 std::size_t memory_of(const std::string& frame) {
-    return sizeof(frame) + frame.size();
+    return sizeof(std::string) + frame.size();
 }
 
 /// Appends, and leaves no copy behind in memory that is outgrown.

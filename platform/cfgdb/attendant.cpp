@@ -4,7 +4,6 @@
 #include <csignal>
 #include <future>
 #include <mutex>
-#include <utility>
 
 namespace xpon::cfgdb {
 namespace {

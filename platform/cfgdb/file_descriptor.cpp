@@ -1,7 +1,5 @@
 #include "cfgdb/file_descriptor.hpp"
 
-#include "cfgdb/attendant.hpp"
-
 #include <cerrno>
 #include <chrono>
 #include <system_error>

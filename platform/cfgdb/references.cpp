@@ -1,7 +1,6 @@
 #include "cfgdb/references.hpp"
 
 #include <algorithm>
-#include <array>
 #include <functional>
 
 namespace xpon::cfgdb {

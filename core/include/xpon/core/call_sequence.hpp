@@ -13,18 +13,18 @@ namespace xpon::core {
 /// returns a C status like the calls themselves. Where no library does so, the calls are what they are without it.
 class CallSequence {
 public:
-    CallSequence() : before_(std::exchange(current_, this)) {}
+    CallSequence() : before_(std::exchange(innermost(), this)) {}
     CallSequence(const CallSequence&) = delete;
     CallSequence& operator=(const CallSequence&) = delete;
     /// Does what is left to do, unheard: finish() is for who wants to know.
     ~CallSequence() {
         std::ignore = finish_work();
-        current_ = before_;
+        innermost() = before_;
     }
 
     /// The innermost sequence that this thread is in; null in none.
     static CallSequence* current() {
-        return current_;
+        return innermost();
     }
 
     /// `work` is called once. It must not throw.
@@ -38,7 +38,10 @@ public:
     }
 
 private:
-    inline static thread_local CallSequence* current_ = nullptr;
+    static CallSequence*& innermost() {
+        static thread_local CallSequence* sequence = nullptr;
+        return sequence;
+    }
 
     CallSequence* before_;
     std::function<int()> work_;
