@@ -3,6 +3,7 @@
 #include "cfgdb/saved_configuration.hpp"
 
 #include "serializer/table_description.hpp"
+#include "xpon/core/json_tree.hpp"
 
 #include <cstdint>
 #include <cstdlib>
