@@ -28,9 +28,13 @@ void limit_descriptors(const Process& process, rlim_t limit) {
 constexpr rlim_t plenty = 1024;
 
 TEST(Descriptors, EveryRouteAnswersWithFewLeft) {
+    const bool sanitized = WITH_SANITIZERS;
+    if (sanitized) {
+        GTEST_SKIP() << "the sanitizers look at objects through pipes, and take one that they cannot see for a fault";
+    }
     Olt olt;
     olt.start({"--boot-s", "0"});
-    for (rlim_t left = 1; left <= 40; left += WITH_SANITIZERS ? 13 : 3) {
+    for (rlim_t left = 1; left <= 40; left += 3) {
         limit_descriptors(olt.daemon(), plenty);
         auto client = Olt::log_in("admin");
         limit_descriptors(olt.daemon(), olt.daemon().descriptors() + left);
@@ -39,7 +43,8 @@ TEST(Descriptors, EveryRouteAnswersWithFewLeft) {
                 fmt::format(R"({{"session_id":"{}","path":"{}","method":"{}","indices":["1"],"data":{}}})",
                             row.path == std::string_view("unauth") ? "0" : client.session_id(), row.path, row.method,
                             row.path == std::string_view("auth") ? R"({"user":"admin","password":"admin"})" : "{}");
-            ASSERT_TRUE(ask(client, request).starts_with(R"({"success":)")) << request << " with " << left << " left";
+            ASSERT_TRUE(ask(client, request).starts_with(R"({"success":)")) << request << " with " << left << " left\n"
+                                                                            << olt.daemon().output();
         }
     }
     limit_descriptors(olt.daemon(), plenty);
