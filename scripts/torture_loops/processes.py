@@ -1,13 +1,12 @@
 """Dead and stopped processes: readers, owners of locks, the daemon between a commit and its notices, peers."""
 
-import fcntl
 import os
 import random
 import select
 import signal
 import time
 
-from .lmdb import READ_ONLY, LmdbUser
+from .holders import READ_ONLY, FolderLock, LmdbUser
 from .olt import Olt, require
 
 MIB = 1 << 20
@@ -60,25 +59,6 @@ def killed_simulator(options, progress):
         size = size_of(olt)
         require(size < 64 * MIB, f"the database has grown to {size / MIB:.1f} MiB")
         return f"database {size / MIB:.1f} MiB"
-
-
-class FolderLock:
-    """A process that holds the lock of a folder's files."""
-
-    def __init__(self, folder):
-        here, there = os.pipe()
-        self.pid = os.fork()
-        if self.pid == 0:
-            descriptor = os.open(folder / ".lock", os.O_RDWR | os.O_CREAT, 0o600)
-            fcntl.flock(descriptor, fcntl.LOCK_EX)
-            os.write(there, b"x")
-            signal.pause()
-        os.read(here, 1)
-        os.close(here)
-        os.close(there)
-
-    stop = LmdbUser.stop
-    kill = LmdbUser.kill
 
 
 def stopped_owner(options, progress):

@@ -1,5 +1,6 @@
 #include "cfgdb/durable_file.hpp"
 #include "tests/support/eventually.hpp"
+#include "tests/support/process.hpp"
 #include "tests/support/recording_logger.hpp"
 #include "tests/support/temporary_olt_root.hpp"
 #include "tests/unit/platform/cfgdb/edits.hpp"
@@ -11,59 +12,29 @@
 #include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <list>
 #include <optional>
 #include <random>
 #include <vector>
 
 #include <sys/resource.h>
-#include <sys/wait.h>
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <poll.h>
-#include <unistd.h>
 
 namespace xpon::cfgdb {
 namespace {
 
-/// A child process that runs `work` and ends with status 0 when it gives true.
-template <class Work>
-pid_t start_child(const Work& work) {
-    const auto process = fork();
-    if (process == 0) {
-        _exit(work() && !testing::Test::HasFailure() ? 0 : 1);
-    }
-    return process;
-}
-
-/// A child process that runs `work`, which reports when it has what it is to hold; killed with the object.
-class KilledAtEnd {
+/// Another process that has what `role` says; killed with the object.
+class Holder {
 public:
-    template <class Work>
-    explicit KilledAtEnd(const Work& work) {
-        EXPECT_EQ(pipe(ends_), 0);
-        process_ = start_child([&] {
-            work([this] { EXPECT_EQ(write(ends_[1], "x", 1), 1); });
-            return true;
-        });
-        close(ends_[1]);
-    }
-    KilledAtEnd(const KilledAtEnd&) = delete;
-    KilledAtEnd& operator=(const KilledAtEnd&) = delete;
-    ~KilledAtEnd() {
-        kill(process_, SIGKILL);
-        waitpid(process_, nullptr, 0);
-        close(ends_[0]);
-    }
-
-    void wait_for_report() const {
-        char byte = 0;
-        EXPECT_EQ(read(ends_[0], &byte, 1), 1);
+    explicit Holder(const std::string& role) : process_({OTHER_PROCESS, role}, {}) {
+        EXPECT_TRUE(process_.wait_for_line("ready")) << process_.output();
     }
 
 private:
-    int ends_[2]{};
-    pid_t process_ = -1;
+    test::Process process_;
 };
 
 class Processes : public testing::Test {
@@ -82,18 +53,12 @@ protected:
 TEST_F(Processes, FillANewDatabaseOnceAndShareTheCandidate) {
     for (int round = 0; round < 20; ++round) {
         const test::TemporaryOltRoot root;
-        std::vector<pid_t> children;
-        for (unsigned number = 1; number <= 4; ++number) {
-            children.push_back(start_child([number] {
-                const CfgDbWrapper client("CHILD");
-                test::apply(client, {test::edit_ont(1, number, fmt::format(R"({{"description":"{}"}})", number))});
-                return client.find_user_by_username("viewer").has_value();
-            }));
+        std::list<test::Process> others;
+        for (const auto* ont : {"1", "2", "3", "4"}) {
+            others.emplace_back(std::vector<std::string>{OTHER_PROCESS, "describe-ont", ont}, test::Environment{});
         }
-        for (const auto child : children) {
-            int status = -1;
-            EXPECT_EQ(waitpid(child, &status, 0), child);
-            EXPECT_EQ(status, 0);
+        for (auto& other : others) {
+            EXPECT_EQ(other.wait(), 0) << other.output();
         }
         const CfgDbWrapper client("PARENT");
         for (std::uint16_t index = 0; index < 4; ++index) {
@@ -107,14 +72,7 @@ TEST_F(Processes, DoNotWaitForAStoppedOne) {
     const test::TemporaryOltRoot root;
     std::optional<CfgDbWrapper> opened;
     {
-        const KilledAtEnd owner([](const auto& report) {
-            const CfgDbWrapper own("CHILD");
-            test::apply(own, {test::edit_hostname("olt-7")});
-            const WriteTransaction transaction(test::database_of(own).environment());
-            report();
-            pause();
-        });
-        owner.wait_for_report();
+        const Holder owner("hold-writing");
         auto& client = opened.emplace("TEST");
         const auto begin = std::chrono::steady_clock::now();
         const auto refused = client.commit(nullptr);
@@ -135,13 +93,7 @@ TEST_F(Processes, DoNotKeepPagesForADeadReader) {
     const test::TemporaryOltRoot root;
     std::optional<CfgDbWrapper> client;
     {
-        const KilledAtEnd reader([](const auto& report) {
-            const CfgDbWrapper own("CHILD");
-            const ReadTransaction transaction(test::database_of(own).environment());
-            report();
-            pause();
-        });
-        reader.wait_for_report();
+        const Holder reader("hold-reading");
         client.emplace("TEST");
     }
     for (int round = 0; round < 3000; ++round) {
@@ -194,11 +146,7 @@ TEST_F(Processes, MayBeKilledWhileADatabaseIsCarriedOver) {
         ASSERT_TRUE(test::eventually([&] { return std::filesystem::remove_all(folder, fault), !fault; }));
         root.write("run/cfgdb/data.mdb", before);
         {
-            const KilledAtEnd start([](const auto& report) {
-                report();
-                const CfgDbWrapper client("CHILD");
-            });
-            start.wait_for_report();
+            const Holder start("open-database");
             const timespec moment{.tv_sec = 0, .tv_nsec = static_cast<long>(random() % 60'000'000)};
             ppoll(nullptr, 0, &moment, nullptr); // any moment will do
         }

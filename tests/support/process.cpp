@@ -7,7 +7,10 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
+#include <ranges>
 #include <stdexcept>
+#include <string_view>
 
 #include <sys/prctl.h>
 #include <sys/syscall.h>
@@ -25,33 +28,59 @@ bool readable(int descriptor, std::chrono::milliseconds limit) {
     return poll(&entry, 1, static_cast<int>(limit.count())) > 0;
 }
 
-[[noreturn]] void become(std::vector<char*>& arguments, const Environment& environment, int output) {
+/// Pointers into `texts`, with the null that ends them.
+std::vector<char*> pointers_to(std::vector<std::string>& texts) {
+    std::vector<char*> pointers;
+    std::ranges::transform(texts, std::back_inserter(pointers), [](std::string& text) { return text.data(); });
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+/// "NAME=value" of this process's environment, with `changes`.
+std::vector<std::string> environment_with(const Environment& changes) {
+    std::map<std::string, std::string> all;
+    for (char** entry = environ; *entry != nullptr; ++entry) {
+        const std::string_view text(*entry);
+        const auto name = text.substr(0, text.find('='));
+        all.insert_or_assign(std::string(name), std::string(text));
+    }
+    for (const auto& [name, value] : changes) {
+        all.insert_or_assign(name, name + "=" + value);
+    }
+    std::vector<std::string> texts;
+    std::ranges::copy(all | std::views::values, std::back_inserter(texts));
+    return texts;
+}
+
+/// Calls only what may be called between fork and exec when the parent has threads: no memory, no locks.
+[[noreturn]] void become(char** arguments, char** environment, int output, pid_t parent) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != parent) {
+        _exit(127); // it died before the line above
+    }
     dup2(output, STDOUT_FILENO);
     dup2(output, STDERR_FILENO);
     close(STDIN_FILENO);
     open("/dev/null", O_RDONLY);
-    for (const auto& [name, value] : environment) {
-        setenv(name.c_str(), value.c_str(), 1);
-    }
-    execv(arguments.front(), arguments.data());
+    execve(arguments[0], arguments, environment);
     _exit(127);
 }
 
 } // namespace
 
 Process::Process(const std::vector<std::string>& command, const Environment& environment) {
-    std::vector<char*> arguments;
-    std::ranges::transform(command, std::back_inserter(arguments),
-                           [](const std::string& text) { return const_cast<char*>(text.c_str()); });
-    arguments.push_back(nullptr);
+    auto words = command;
+    auto variables = environment_with(environment);
+    auto arguments = pointers_to(words);
+    auto entries = pointers_to(variables);
     std::array<int, 2> pipe_ends{};
     if (pipe2(pipe_ends.data(), O_CLOEXEC) != 0) {
         throw std::runtime_error("pipe2 failed");
     }
+    const auto own_pid = getpid();
     pid_ = fork();
     if (pid_ == 0) {
-        become(arguments, environment, pipe_ends[1]);
+        become(arguments.data(), entries.data(), pipe_ends[1], own_pid);
     }
     close(pipe_ends[1]);
     output_fd_ = pipe_ends[0];
