@@ -2,11 +2,15 @@
 
 #include "simulator/plant/ont_layout.hpp"
 #include "simulator/plant/plant_clock.hpp"
+#include "simulator/plants/named_plants.hpp"
+#include "simulator/plants/plant_reader.hpp"
 
 #include <iostream>
+#include <memory>
 #include <optional>
+#include <ranges>
+#include <stdexcept>
 #include <string>
-#include <vector>
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -14,18 +18,26 @@
 namespace xpon::simulator {
 namespace {
 
-PlantSize size_of(const NamedPlant& plant, std::optional<unsigned> onts, std::optional<unsigned> configured) {
-    const PlantSize size = onts ? PlantSize{.onts = *onts, .configured = 0} : plant.size;
+/// The plant of that name, else the one that the file describes.
+std::shared_ptr<const PlantDescription> plant_of(const std::string& name) {
+    if (const auto* const named = find_plant(name)) {
+        return {std::shared_ptr<const PlantDescription>{}, named}; // lives as long as the program
+    }
+    try {
+        return std::make_shared<const PlantDescription>(read_plant_file(name));
+    } catch (const std::runtime_error& error) {
+        throw CLI::ValidationError("--plant", error.what());
+    }
+}
+
+PlantSize size_of(const PlantDescription& plant, std::optional<unsigned> onts, std::optional<unsigned> configured) {
+    const auto size = onts ? PlantSize{.onts = *onts, .configured = 0} : plant.size();
     return {.onts = size.onts, .configured = configured.value_or(size.configured)};
 }
 
 } // namespace
 
 std::variant<Options, int> parse_options(int count, const char* const* arguments) {
-    std::vector<std::string> names;
-    for (const auto& plant : named_plants()) {
-        names.emplace_back(plant.name);
-    }
     std::string plant(default_plant);
     std::optional<unsigned> onts;
     std::optional<unsigned> configured;
@@ -39,8 +51,10 @@ std::variant<Options, int> parse_options(int count, const char* const* arguments
 
     CLI::App app("Plays the peer daemons of an OLT whose files are below the folder OLT_ROOT.", "olt_simulator");
     app.set_version_flag("--version", "olt_simulator " XPON_VERSION);
-    app.add_option("--plant", plant, fmt::format("the plant to simulate (default: {})", default_plant))
-        ->check(CLI::IsMember(names));
+    const auto names = named_plants() | std::views::transform(&PlantDescription::name);
+    app.add_option("--plant", plant,
+                   fmt::format("the plant to simulate: {}, or a file that describes one (default: {})",
+                               fmt::join(names, ", "), default_plant));
     app.add_option("--onts", onts, "physical ONTs, spread over the PON ports; instead of the plant's number")
         ->check(CLI::Range(0U, max_onts));
     app.add_option("--configured", configured, "how many of them a fresh OLT_ROOT already has configured")
@@ -58,16 +72,16 @@ std::variant<Options, int> parse_options(int count, const char* const* arguments
         ->check(CLI::Range(0U, longest_s));
     try {
         app.parse(count, arguments);
-        const auto* const named = find_plant(plant);
-        const auto size = size_of(*named, onts, configured);
+        const auto described = plant_of(plant);
+        const auto size = size_of(*described, onts, configured);
         if (size.configured > size.onts) {
             throw CLI::ValidationError(
                 "--configured", fmt::format("{} is more than the {} ONTs of the plant", size.configured, size.onts));
         }
-        return Options{.plant = named,
+        return Options{.plant = described,
                        .size = size,
                        .seed = seed,
-                       .uptime = uptime_s ? std::chrono::seconds(*uptime_s) : named->uptime,
+                       .uptime = uptime_s ? std::chrono::seconds(*uptime_s) : described->uptime,
                        .clock_rate = rate,
                        .boot_time = std::chrono::seconds(boot_s),
                        .firmware_write_time = std::chrono::seconds(firmware_write_s),

@@ -17,7 +17,7 @@ namespace {
 Snmp_environment_data report_engine_id(const Plant& plant) {
     constexpr std::uint32_t enterprise = 32473;
     constexpr unsigned format_mac = 3;
-    std::string mac(plant.parameters().plant->board->mac_address);
+    std::string mac(plant.parameters().plant->board.mac_address);
     std::erase(mac, ':');
     std::ranges::transform(mac, mac.begin(),
                            [](unsigned char digit) { return static_cast<char>(std::tolower(digit)); });

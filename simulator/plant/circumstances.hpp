@@ -1,7 +1,7 @@
 #pragma once
 
 #include "simulator/plant/active_faults.hpp"
-#include "simulator/plant/named_plants.hpp"
+#include "simulator/plant/plant_description.hpp"
 #include "simulator/plant/running_configuration.hpp"
 
 #include <cstdint>

@@ -51,22 +51,12 @@ std::optional<std::uint16_t> parse_number(std::string_view text, unsigned least,
     return is_number && number >= least && number <= most ? std::optional(number) : std::nullopt;
 }
 
-std::optional<FaultTarget> parse_ont(std::string_view text) {
-    const auto slash = text.find('/');
-    if (slash == std::string_view::npos) {
-        return std::nullopt;
-    }
-    const auto port = parse_number(text.substr(0, slash), 1, pon_ports);
-    const auto ont = parse_number(text.substr(slash + 1), 1, max_onts_per_port);
-    return port && ont ? std::optional(FaultTarget{.where = Where::ont, .port = *port, .ont = *ont}) : std::nullopt;
-}
-
 std::optional<FaultTarget> parse_service(std::string_view text) {
     const auto slash = text.rfind('/');
     if (slash == std::string_view::npos) {
         return std::nullopt;
     }
-    auto target = parse_ont(text.substr(0, slash));
+    auto target = parse_ont_target(text.substr(0, slash));
     const auto service = parse_number(text.substr(slash + 1), 1, max_services);
     if (!target || !service) {
         return std::nullopt;
@@ -109,11 +99,11 @@ std::optional<FaultTarget> try_target(const FaultRule& rule, std::string_view te
         }
         return std::nullopt;
     case Target::ont:
-        return parse_ont(text);
+        return parse_ont_target(text);
     case Target::ont_or_pon_port:
         return text.find('/') == std::string_view::npos || text.starts_with("pon/")
                    ? parse_port(text.starts_with("pon/") ? text.substr(4) : text, Where::pon_port, pon_ports)
-                   : parse_ont(text);
+                   : parse_ont_target(text);
     case Target::module:
         return parse_module(text);
     case Target::peer:
@@ -145,6 +135,16 @@ std::optional<FaultTarget> parse_target(const FaultRule& rule, std::string_view 
         complaint = fmt::format("{} takes {}, not '{}'", rule.name, expected_target(rule), text);
     }
     return target;
+}
+
+std::optional<FaultTarget> parse_ont_target(std::string_view text) {
+    const auto slash = text.find('/');
+    if (slash == std::string_view::npos) {
+        return std::nullopt;
+    }
+    const auto port = parse_number(text.substr(0, slash), 1, pon_ports);
+    const auto ont = parse_number(text.substr(slash + 1), 1, max_onts_per_port);
+    return port && ont ? std::optional(FaultTarget{.where = Where::ont, .port = *port, .ont = *ont}) : std::nullopt;
 }
 
 std::string to_text(const FaultTarget& target) {

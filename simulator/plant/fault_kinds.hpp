@@ -89,6 +89,8 @@ const FaultRule* find_fault(std::string_view name);
 
 /// The target that the text names; empty, with a complaint that says what is expected, when it is none of the rule's.
 std::optional<FaultTarget> parse_target(const FaultRule& rule, std::string_view text, std::string& complaint);
+/// "3/17"; empty for any other text.
+std::optional<FaultTarget> parse_ont_target(std::string_view text);
 std::string to_text(const FaultTarget& target);
 /// What parse_target takes, for people.
 std::string expected_target(const FaultRule& rule);

@@ -1,27 +1,44 @@
 #include "simulator/plant/ont_population.hpp"
 
-#include "simulator/plant/named_plants.hpp"
+#include "simulator/plant/plant_description.hpp"
+
+#include <algorithm>
 
 #include <fmt/format.h>
 
 namespace xpon::simulator {
 
 PhysicalOnt make_ont(const PlantParameters& parameters, unsigned nth) {
+    const auto& planned = parameters.plant->onts;
+    return make_ont(parameters, parameters.size.onts <= planned.size() ? planned[nth] : position_of(nth));
+}
+
+PhysicalOnt make_ont(const PlantParameters& parameters, const OntPosition& position) {
     const Random random(parameters.seed);
-    const auto position = position_of(nth);
-    const auto choose = [&](const auto& choices, Purpose purpose) -> const auto& {
-        return choices[random.number(purpose, {position.port, position.ont}) % choices.size()];
-    };
     const auto& plant = *parameters.plant;
-    return {.position = position,
-            .serial = serial_of(position, choose(plant.ont_vendors, Purpose::ont_vendor)),
-            .model = &choose(plant.ont_models, Purpose::ont_model),
-            .path = path_of(random, position),
-            .is_switched_on = random.share(Purpose::ont_power, {position.port, position.ont}) >= plant.offline_share};
+    const auto& port = plant.pon.at(position.port - 1);
+    const auto found = plant.single_onts.find(position);
+    const auto plan = found == plant.single_onts.end() ? OntPlan{} : found->second;
+    const auto chosen = random.number(Purpose::ont_model, {position.port, position.ont}) % plant.ont_models.size();
+    const auto& model = plant.ont_models.at(plan.model.value_or(chosen));
+    const bool has_power = random.share(Purpose::ont_power, {position.port, position.ont}) >= plant.offline_share;
+    PhysicalOnt ont{.position = position,
+                    .serial = plan.serial.value_or(serial_of(position, model.vendor)),
+                    .model = &model,
+                    .path = path_of(random, position, port.least_km, port.most_km),
+                    .is_switched_on = plan.is_switched_on.value_or(has_power)};
+    ont.path.distance_km = plan.distance_km.value_or(ont.path.distance_km);
+    return ont;
 }
 
 std::string password_of(const OntPosition& position) {
     return fmt::format("PW{:02}{:03}", position.port, position.ont);
+}
+
+std::uint8_t PlantDescription::template_of(const OntPosition& ont) const {
+    const auto row = std::ranges::find_if(
+        services, [&](const ServicePlan& plan) { return plan.first_ont <= ont.ont && ont.ont <= plan.last_ont; });
+    return row == services.end() ? std::uint8_t{1} : row->ont_template;
 }
 
 } // namespace xpon::simulator

@@ -8,7 +8,7 @@
 
 namespace xpon::simulator {
 
-struct NamedPlant;
+struct PlantDescription;
 struct OntModel;
 
 /// How many physical ONTs there are, and how many of them the configuration of a fresh OLT knows.
@@ -19,7 +19,7 @@ struct PlantSize {
 
 /// A plant as it is asked for.
 struct PlantParameters {
-    const NamedPlant* plant = nullptr;
+    const PlantDescription* plant = nullptr;
     PlantSize size;
     std::uint64_t seed = 1;
 };
@@ -33,8 +33,10 @@ struct PhysicalOnt {
     bool is_switched_on;
 };
 
-/// The `nth` ONT of the plant, from 0.
+/// The `nth` ONT of the plant, from 0. More than the plant has by itself are spread over the PON ports.
 PhysicalOnt make_ont(const PlantParameters& parameters, unsigned nth);
+/// The ONT at a place of the plant.
+PhysicalOnt make_ont(const PlantParameters& parameters, const OntPosition& position);
 
 /// The PLOAM password that the ONT sends: "PW" and its place, "PW03017".
 std::string password_of(const OntPosition& position);

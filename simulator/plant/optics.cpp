@@ -46,8 +46,8 @@ ModuleReadings rounded(const ModuleReadings& readings) {
 
 } // namespace
 
-OntPath path_of(const Random& random, const OntPosition& ont) {
-    return {.distance_km = random.between(0.3, 18, Purpose::ont_distance, {ont.port, ont.ont}),
+OntPath path_of(const Random& random, const OntPosition& ont, double least_km, double most_km) {
+    return {.distance_km = random.between(least_km, most_km, Purpose::ont_distance, {ont.port, ont.ont}),
             .response_us = random.between(34, 36, Purpose::ont_response_time, {ont.port, ont.ont}),
             .launch_dbm = random.between(1.5, 4, Purpose::ont_launch_power, {ont.port, ont.ont}),
             .connectors_db = random.between(0.6, 1.5, Purpose::ont_connectors, {ont.port, ont.ont}),

@@ -17,7 +17,8 @@ struct OntPath {
     double day_phase; ///< radians
 };
 
-OntPath path_of(const Random& random, const OntPosition& ont);
+/// Of an ONT between `least_km` and `most_km` away.
+OntPath path_of(const Random& random, const OntPosition& ont, double least_km, double most_km);
 
 /// Bit times of the upstream rate [G.984.3].
 std::uint32_t equalization_delay(const OntPath& path, unsigned reach_max_km);

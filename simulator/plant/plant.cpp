@@ -8,11 +8,8 @@ Plant::Plant(const PlantParameters& parameters, RunningConfiguration configurati
     : given_(parameters), onts_(parameters) {
     change(configuration, [&] {
         given_.configure(configuration);
-        for (const auto& [kind, target_text, value] : parameters.plant->faults) {
-            std::string complaint;
-            if (const auto target = parse_target(rule_of(kind), target_text, complaint)) {
-                given_.faults.set({.kind = kind, .target = *target, .value = value});
-            }
+        for (const auto& [kind, target, value] : parameters.plant->faults) {
+            given_.faults.set({.kind = kind, .target = target, .value = value});
         }
     });
 }
@@ -74,13 +71,13 @@ MeteredOnt Plant::metered(const Ont& ont) const {
     return {.random = given_.random,
             .hardware = *ont.hardware,
             .settings = *ont.settings,
-            .split = given_.parameters.plant->split,
+            .split = given_.parameters.plant->split_of(ont.situation->seen_port),
             .line = *ont.line,
             .since = ont.point.since};
 }
 
 double Plant::received_power_of(const Ont& ont) const {
-    return received_power(ont.hardware->path, given_.parameters.plant->split,
+    return received_power(ont.hardware->path, given_.parameters.plant->split_of(ont.situation->seen_port),
                           given_.attenuation_of(ont.hardware->position), given_.now);
 }
 

@@ -3,6 +3,7 @@
 #include "simulator/plant/circumstances.hpp"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace xpon::simulator {
@@ -24,6 +25,10 @@ bool has_rogue(const ActiveFaults& faults, unsigned pon_port) {
     return std::ranges::any_of(faults.all(), [&](const Fault& fault) {
         return fault.kind == FaultKind::ont_rogue && fault.target.port == pon_port;
     });
+}
+
+const ModuleModel* pointer_to(const std::optional<ModuleModel>& module) {
+    return module ? &*module : nullptr;
 }
 
 } // namespace
@@ -87,19 +92,19 @@ PlantTime Ports::front_link_since(const Circumstances& given, unsigned front_por
     const auto& run = front(front_port);
     const auto* const module = front_module(given, front_port);
     const auto forced = given.configuration.front.at(front_port - 1).speed_mbps;
-    const bool has_partner = (given.parameters.plant->front_links >> (front_port - 1) & 1U) != 0;
+    const bool has_partner = given.parameters.plant->front.at(front_port - 1).has_partner;
     const bool is_possible = has_partner && module != nullptr && forced <= module->speed_mbps && run.is_enabled;
     return is_possible ? run.up_since : never;
 }
 
 const ModuleModel* Ports::pon_module(const Circumstances& given, unsigned port) {
     const bool is_absent = given.faults.has(FaultKind::module_absent, port_target(Where::pon_port, port));
-    return is_absent ? nullptr : given.parameters.plant->pon_modules.at(port - 1);
+    return is_absent ? nullptr : pointer_to(given.parameters.plant->pon.at(port - 1).module);
 }
 
 const ModuleModel* Ports::front_module(const Circumstances& given, unsigned port) {
     const bool is_absent = given.faults.has(FaultKind::module_absent, port_target(Where::front_port, port));
-    return is_absent ? nullptr : given.parameters.plant->front_modules.at(port - 1);
+    return is_absent ? nullptr : pointer_to(given.parameters.plant->front.at(port - 1).module);
 }
 
 } // namespace xpon::simulator

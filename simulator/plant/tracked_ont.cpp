@@ -90,8 +90,8 @@ OntSituation TrackedOnt::situation_in(const Circumstances& given, const Ports& p
     situation.channel_is_up = run.has_module && run.is_enabled;
     situation.channel_since = run.up_since;
     // Whether its signal is strong enough is judged when something happens; the day's wandering does not cut it.
-    const double power =
-        received_power(hardware_.path, given.parameters.plant->split, given.attenuation_of(position()), PlantTime{});
+    const double power = received_power(hardware_.path, given.parameters.plant->split_of(port),
+                                        given.attenuation_of(position()), PlantTime{});
     situation.is_cut = given.faults.has(FaultKind::ont_los, target) ||
                        given.faults.has(FaultKind::ont_los, port_target(Where::pon_port, port)) ||
                        power < loss_of_signal_dbm(settings.odn_class);
@@ -129,7 +129,7 @@ void TrackedOnt::update_meter(const Circumstances& given, const OntPoint& was, c
         const MeteredOnt metered{.random = given.random,
                                  .hardware = hardware_,
                                  .settings = before.onts.at(*situation_.configured),
-                                 .split = given.parameters.plant->split,
+                                 .split = given.parameters.plant->split_of(situation_.seen_port),
                                  .line = line_,
                                  .since = was.since};
         ends ? meter_.service_ends(metered, given.now) : meter_.line_changes(metered, given.now);

@@ -101,7 +101,7 @@ void put_fans(System_environment_data& data, const Plant& plant) {
 }
 
 void put_supplies(System_environment_data& data, const Plant& plant) {
-    const auto& board = *plant.parameters().plant->board;
+    const auto& board = plant.parameters().plant->board;
     for (unsigned number = 1; number <= std::size(data.power_sources); ++number) {
         if (number == 2 && !plant.faults().has(FaultKind::psu2_present, {})) {
             continue;
@@ -129,7 +129,7 @@ void put_supplies(System_environment_data& data, const Plant& plant) {
 System_environment_data report_environment(const Plant& plant) {
     constexpr float base_ram_mib = 900;
     constexpr float ram_per_ont_mib = 0.2F;
-    const auto& board = *plant.parameters().plant->board;
+    const auto& board = plant.parameters().plant->board;
     const Activity activity(plant);
     System_environment_data data{};
     data.ram_total = board.ram_mib;
@@ -150,7 +150,7 @@ System_environment_data report_environment(const Plant& plant) {
 }
 
 Device_facts report_device_facts(const Plant& plant, const FirmwareSlots& firmware, double clock_rate) {
-    const auto& board = *plant.parameters().plant->board;
+    const auto& board = plant.parameters().plant->board;
     Device_facts facts{};
     std::memcpy(facts.magic, device_facts_magic.data(), sizeof facts.magic);
     put_text(facts.factory.device_type, board.device_type);

@@ -60,7 +60,7 @@ public:
 
     void add_own() {
         if (const auto vid = plant_.configuration().management_vlan; vid != 0) {
-            auto& entry = add(vid, parse_mac(plant_.parameters().plant->board->mac_address));
+            auto& entry = add(vid, parse_mac(plant_.parameters().plant->board.mac_address));
             entry.kind = switch_port_cpu;
             entry.number = 1;
             entry.type = mac_entry_static;

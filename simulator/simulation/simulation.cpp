@@ -26,7 +26,7 @@ Simulation::Simulation(const Options& options)
 }
 
 Firmware Simulation::make_firmware(const Options& options) const {
-    const auto& board = *options.plant->board;
+    const auto& board = options.plant->board;
     const auto facts = read_device_facts();
     const bool ran_before = facts && facts->factory.serial_number == std::string_view(board.serial_number);
     return {{.board = &board,

@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -16,7 +17,7 @@ namespace xpon::simulator {
 
 /// What is asked for.
 struct Options {
-    const NamedPlant* plant = nullptr;
+    std::shared_ptr<const PlantDescription> plant;
     PlantSize size;
     std::uint64_t seed = 1;
     PlantTime uptime{};                              ///< of the OLT when the simulation begins
@@ -26,7 +27,7 @@ struct Options {
     bool applies_hostname = false;                   ///< the configured host name becomes that of the UTS namespace
 
     [[nodiscard]] PlantParameters parameters() const {
-        return {.plant = plant, .size = size, .seed = seed};
+        return {.plant = plant.get(), .size = size, .seed = seed};
     }
 };
 

@@ -13,8 +13,7 @@ PlantTime last_talk(const Plant& plant, const SubscriberLine& line, unsigned hos
     const auto& service = *line.service;
     // Sessions and memberships are kept up by messages every minute or two.
     const bool is_kept_up = host == 0 && (service.pppoe_agent || service.multicast_vid != 0);
-    constexpr double silent_hosts = 0.6;
-    if (is_kept_up || share(0) >= silent_hosts) {
+    if (is_kept_up || share(0) >= plant.parameters().plant->subscribers.silent_hosts) {
         return plant.now();
     }
     const auto part_of = [](PlantTime time, double part) {

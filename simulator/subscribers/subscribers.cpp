@@ -7,9 +7,9 @@ namespace {
 
 using Termination = cfgdb::ProfileOntCrossConnect::Termination;
 
-/// A home has up to three hosts on its Ethernet ports. A router, or the ONT's own host, is one.
+/// A home has some hosts on its Ethernet ports. A router, or the ONT's own host, is one.
 unsigned count_hosts(const Plant& plant, const PhysicalOnt& ont, const ServiceSettings& service) {
-    constexpr unsigned most_hosts = 3;
+    const auto most_hosts = plant.parameters().plant->subscribers.most_hosts;
     const auto key =
         plant.random().number(Purpose::subscriber_hosts, {ont.position.port, ont.position.ont, service.number});
     const auto hosts = service.termination == Termination::bridge ? 1 + static_cast<unsigned>(key % most_hosts) : 1;

@@ -33,6 +33,7 @@ TEST(OptionsTest, NumbersOverrideThePlant) {
         EXPECT_EQ(options.size.configured, configured);
         EXPECT_EQ(options.boot_time, std::chrono::seconds(20));
     }
+    EXPECT_EQ(std::get<int>(parse({"--plant", "/there/is/none.json"})), 2);
     const auto slow = std::get<Options>(parse({"--boot-s", "0", "--firmware-write-s", "30"}));
     EXPECT_EQ(slow.boot_time, std::chrono::seconds(0));
     EXPECT_EQ(slow.firmware_write_time, std::chrono::seconds(30));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "simulator/plant/plant.hpp"
+#include "simulator/plants/named_plants.hpp"
 
 #include <chrono>
 #include <functional>

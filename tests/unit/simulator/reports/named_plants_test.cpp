@@ -1,4 +1,4 @@
-#include "simulator/plant/named_plants.hpp"
+#include "simulator/plants/named_plants.hpp"
 #include "simulator/reports/counter_report.hpp"
 #include "tests/unit/simulator/plant/plant_fixture.hpp"
 
@@ -82,8 +82,8 @@ void see_counters(SeenValues& seen, const Plant& plant) {
 TEST(NamedPlants, LeaveNoCounterAtOneValue) {
     SeenValues seen;
     for (const auto& named : named_plants()) {
-        const PlantParameters parameters{.plant = &named, .size = named.size};
-        auto configuration = configured(parameters, named.size.configured, subscriber_services);
+        const PlantParameters parameters{.plant = &named, .size = named.size()};
+        auto configuration = configured(parameters, named.size().configured, subscriber_services);
         for (auto& [index, settings] : configuration.onts) {
             if (index % 5 == 0) {
                 settings.services = {{.number = 3, .broadcast_downstream = false}};
@@ -99,13 +99,6 @@ TEST(NamedPlants, LeaveNoCounterAtOneValue) {
     }
     for (const auto& [counter, values] : seen) {
         EXPECT_GT(values.size(), 1U) << counter << " = " << *values.begin();
-    }
-}
-
-TEST(NamedPlants, HaveFaultsThatExist) {
-    for (const auto& named : named_plants()) {
-        const PlantParameters parameters{.plant = &named, .size = named.size};
-        EXPECT_EQ(Plant(parameters, {}).faults().all().size(), named.faults.size()) << named.name;
     }
 }
 
