@@ -187,13 +187,19 @@ class Olt:
         self.simulator.kill()
         self.simulator = None
 
-    def truth(self):
-        """What the simulator says of its plant."""
+    def tell(self, command):
+        """The simulator's answer to a command."""
         with socket.socket(socket.AF_UNIX, socket.SOCK_STREAM) as control:
             control.settimeout(PATIENCE)
             control.connect(str(self.root / "run/control.sock"))
-            control.sendall(b'{"state":"all"}\n')
+            control.sendall(json.dumps(command).encode() + b"\n")
             text = b""
             while not text.endswith(b"\n"):
                 text += control.recv(1 << 20)
-        return json.loads(text)
+        answer = json.loads(text)
+        require(answer["ok"], f"{command}: {answer}")
+        return answer
+
+    def truth(self):
+        """What the simulator says of its plant."""
+        return self.tell({"state": "all"})

@@ -115,6 +115,21 @@ def killed_daemon(options, progress):
         return ""
 
 
+def commit_then_step(options, progress):
+    """The plant's clock is stepped right after a commit: the whole step passes under the new configuration."""
+    with Olt(options.build) as olt:
+        client = olt.start("--onts", "16", "--clock-rate", "0")
+        for number in progress:
+            on, off = number % 2, (number + 1) % 2
+            client.must(client.set(PON_PORT, {"enabled": True}, str(on + 1)))
+            client.must(client.set(PON_PORT, {"enabled": False}, str(off + 1)))
+            client.must(client.command("commit"))
+            olt.tell({"step_s": 3})  # a port that is switched on works after so long, and not a moment earlier
+            states = [port["state"] for port in olt.truth()["pon_ports"][:2]]
+            require((states[on], states[off]) == ("ACTIVE", "DISABLED"), f"pair {number} is late: {states}")
+        return ""
+
+
 def stopped_peer(options, progress):
     """olt_simulator is stopped for some commits, the first time for 4000, and goes on."""
     chance = random.Random(options.seed)
@@ -131,4 +146,4 @@ def stopped_peer(options, progress):
 
 
 LOOPS = {"dead-reader": dead_reader, "killed-simulator": killed_simulator, "stopped-owner": stopped_owner,
-         "killed-daemon": killed_daemon, "stopped-peer": stopped_peer}
+         "killed-daemon": killed_daemon, "commit-then-step": commit_then_step, "stopped-peer": stopped_peer}

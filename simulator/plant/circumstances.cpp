@@ -1,12 +1,57 @@
 #include "simulator/plant/circumstances.hpp"
 
-namespace xpon::simulator {
+#include <algorithm>
+#include <utility>
 
-void Circumstances::configure(RunningConfiguration& next) {
+namespace xpon::simulator {
+namespace {
+
+constexpr unsigned onu_ids = 254; // of a PON port, 0 to 253 [G.984.3]
+
+std::pair<unsigned, std::uint64_t> place_of(std::uint16_t index, const OntSettings& settings) {
+    return {index / max_onts_per_port + 1, settings.serial};
+}
+
+} // namespace
+
+ReplacedSettings Circumstances::configure(RunningConfiguration next) {
     std::swap(configuration, next);
     configured.clear();
     for (const auto& [index, settings] : configuration.onts) {
-        configured.emplace(std::pair(index / max_onts_per_port + 1, settings.serial), index);
+        configured.emplace(place_of(index, settings), index);
+    }
+    return {next.pon, std::move(next.onts)};
+}
+
+ReplacedSettings Circumstances::change_configuration(const RunningConfiguration& next, const ChangedOnts& onts) {
+    ReplacedSettings replaced{std::exchange(configuration.pon, next.pon), {}};
+    configuration.front = next.front;
+    configuration.channels = next.channels;
+    configuration.management_vlan = next.management_vlan;
+    configuration.fans = next.fans;
+    configuration.hostname = next.hostname;
+    std::ranges::for_each(onts, [this](auto index) { forget_serial_of(index); });
+    for (const auto index : onts) {
+        if (auto before = configuration.onts.extract(index)) {
+            replaced.onts.insert(std::move(before));
+        }
+        if (const auto after = next.onts.find(index); after != next.onts.end()) {
+            configuration.onts.insert(*after);
+        }
+    }
+    std::ranges::for_each(onts, [this](auto index) { note_serial_of(index); });
+    return replaced;
+}
+
+void Circumstances::forget_serial_of(std::uint16_t index) {
+    if (const auto found = configuration.onts.find(index); found != configuration.onts.end()) {
+        configured.erase(place_of(index, found->second));
+    }
+}
+
+void Circumstances::note_serial_of(std::uint16_t index) {
+    if (const auto found = configuration.onts.find(index); found != configuration.onts.end()) {
+        configured.emplace(place_of(index, found->second), index);
     }
 }
 
@@ -15,8 +60,12 @@ double Circumstances::attenuation_of(const OntPosition& ont) const {
     return fault == nullptr ? 0 : fault->value;
 }
 
+std::array<std::uint16_t, 2> sharers_of_onu_ids(std::uint16_t index) {
+    const auto first = index - index % max_onts_per_port + onu_ids;
+    return {static_cast<std::uint16_t>(first), static_cast<std::uint16_t>(first + 1)};
+}
+
 std::optional<std::uint8_t> onu_id_of(const RunningConfiguration& configuration, std::uint16_t index) {
-    constexpr unsigned onu_ids = 254; // 0 to 253 [G.984.3]
     const auto ont = index % max_onts_per_port;
     if (ont < onu_ids) {
         return static_cast<std::uint8_t>(ont);

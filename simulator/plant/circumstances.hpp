@@ -4,6 +4,7 @@
 #include "simulator/plant/plant_description.hpp"
 #include "simulator/plant/running_configuration.hpp"
 
+#include <array>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -15,8 +16,10 @@ namespace xpon::simulator {
 struct Circumstances {
     explicit Circumstances(const PlantParameters& asked_for) : parameters(asked_for), random(asked_for.seed) {}
 
-    /// Puts a configuration into force; `next` becomes the one before.
-    void configure(RunningConfiguration& next);
+    /// Puts a configuration into force.
+    ReplacedSettings configure(RunningConfiguration next);
+    /// The same for one that differs in these ONTs at most, at the cost of them.
+    ReplacedSettings change_configuration(const RunningConfiguration& next, const ChangedOnts& onts);
     /// What a fault takes from the light of a physical ONT, in dB.
     [[nodiscard]] double attenuation_of(const OntPosition& ont) const;
 
@@ -29,9 +32,15 @@ struct Circumstances {
     /// (PON port, serial) to the flat index of the ONT's configuration.
     std::map<std::pair<unsigned, std::uint64_t>, std::uint16_t> configured;
     ActiveFaults faults;
+
+private:
+    void forget_serial_of(std::uint16_t index);
+    void note_serial_of(std::uint16_t index);
 };
 
 /// The ONU-ID that is left for a configured ONT by its flat index; empty when the port has none left.
 std::optional<std::uint8_t> onu_id_of(const RunningConfiguration& configuration, std::uint16_t index);
+/// Flat indices of the places on the port of this one whose ONU-IDs depend on which others are configured.
+std::array<std::uint16_t, 2> sharers_of_onu_ids(std::uint16_t index);
 
 } // namespace xpon::simulator

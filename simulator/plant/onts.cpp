@@ -3,66 +3,114 @@
 #include "simulator/plant/circumstances.hpp"
 
 #include <algorithm>
-#include <array>
+#include <iterator>
+#include <numeric>
+#include <ranges>
+#include <set>
 
 namespace xpon::simulator {
 
 Onts::Onts(const PlantParameters& parameters) {
     onts_.reserve(parameters.size.onts);
     for (unsigned nth = 0; nth < parameters.size.onts; ++nth) {
-        onts_.emplace_back(make_ont(parameters, nth));
+        const auto hardware = make_ont(parameters, nth);
+        onts_.emplace_back(hardware);
+        by_serial_.emplace(hardware.serial, nth);
     }
 }
 
-std::vector<OntPoint> Onts::points(const Circumstances& given) const {
-    std::vector<OntPoint> points;
-    points.reserve(onts_.size());
-    for (const auto& ont : onts_) {
-        points.push_back(ont.next_point(given));
+void Onts::follow(const Circumstances& given, const Ports& ports, const ReplacedSettings& replaced) {
+    Places all(onts_.size());
+    std::iota(all.begin(), all.end(), std::size_t{0});
+    have_follow(all, given, ports, replaced);
+    // Only what is not configured moves an ONT to another port.
+    std::ranges::for_each(seen_on_, &Places::clear);
+    for (const auto place : all) {
+        seen_on_.at(onts_[place].situation().seen_port - 1U).push_back(place);
     }
-    return points;
 }
 
-void Onts::follow(const Circumstances& given, const Ports& ports, const std::vector<OntPoint>& points,
-                  const RunningConfiguration& before) {
-    std::vector<bool> starts(onts_.size());
-    by_configuration_.clear();
-    for (std::size_t nth = 0; nth < onts_.size(); ++nth) {
-        starts[nth] = onts_[nth].follow(given, ports, points[nth], before);
-        if (const auto& configured = onts_[nth].situation().configured) {
-            by_configuration_.emplace(*configured, nth);
+void Onts::follow_configuration(const Circumstances& given, const Ports& ports, const ReplacedSettings& replaced,
+                                const ChangedOnts& onts) {
+    have_follow(reached_by(given, replaced, onts), given, ports, replaced);
+}
+
+Onts::Places Onts::reached_by(const Circumstances& given, const ReplacedSettings& replaced,
+                              const ChangedOnts& changed) const {
+    std::set<std::size_t> reached;
+    const auto add = [&](const std::map<std::uint16_t, OntSettings>& settings, std::uint16_t index) {
+        if (const auto found = settings.find(index); found != settings.end()) {
+            const auto [first, last] = by_serial_.equal_range(found->second.serial);
+            std::ranges::copy(std::ranges::subrange(first, last) | std::views::values,
+                              std::inserter(reached, reached.end()));
+        }
+    };
+    const auto& settings = given.configuration.onts;
+    for (const auto index : changed) {
+        add(replaced.onts, index);
+        add(settings, index);
+        if (replaced.onts.contains(index) != settings.contains(index)) {
+            for (const auto sharer : sharers_of_onu_ids(index)) {
+                add(settings, sharer);
+            }
         }
     }
-    share_discovery(given.random, starts);
+    for (std::size_t port = 0; port < pon_ports; ++port) {
+        if (replaced.pon.at(port) != given.configuration.pon.at(port)) {
+            reached.insert(seen_on_.at(port).begin(), seen_on_.at(port).end());
+        }
+    }
+    return {reached.begin(), reached.end()};
+}
+
+void Onts::have_follow(const Places& places, const Circumstances& given, const Ports& ports,
+                       const ReplacedSettings& replaced) {
+    for (const auto place : places) {
+        if (const auto& configured = onts_[place].situation().configured) {
+            by_configuration_.erase(*configured);
+        }
+    }
+    Places starters;
+    for (const auto place : places) {
+        if (onts_[place].follow(given, ports, replaced)) {
+            starters.push_back(place);
+        }
+    }
+    for (const auto place : places) {
+        if (const auto& configured = onts_[place].situation().configured) {
+            by_configuration_.emplace(*configured, place);
+        }
+    }
+    share_discovery(given.random, starters);
 }
 
 std::vector<std::uint16_t> Onts::command(const Circumstances& given, OntCommand command,
                                          const std::function<bool(std::uint16_t index)>& is_meant) {
     std::vector<std::uint16_t> commanded;
-    std::vector<bool> starts(onts_.size());
-    for (std::size_t nth = 0; nth < onts_.size(); ++nth) {
-        auto& ont = onts_[nth];
-        const auto& place = ont.situation().configured;
-        if (place && is_listed(ont.point(given).state) && is_meant(*place)) {
-            starts[nth] = ont.carry_out(given, command);
-            commanded.push_back(*place);
+    Places starters;
+    for (std::size_t place = 0; place < onts_.size(); ++place) {
+        auto& ont = onts_[place];
+        const auto& configured = ont.situation().configured;
+        if (configured && is_listed(ont.point(given).state) && is_meant(*configured)) {
+            if (ont.carry_out(given, command)) {
+                starters.push_back(place);
+            }
+            commanded.push_back(*configured);
         }
     }
-    share_discovery(given.random, starts);
+    share_discovery(given.random, starters);
     std::ranges::sort(commanded);
     return commanded;
 }
 
 /// ONTs that start together on one port answer in the same discovery windows, and some lose theirs.
-void Onts::share_discovery(const Random& random, const std::vector<bool>& starts) {
-    std::array<std::vector<TrackedOnt*>, pon_ports> starters;
-    for (std::size_t nth = 0; nth < onts_.size(); ++nth) {
-        if (starts[nth]) {
-            starters.at(onts_[nth].situation().seen_port - 1U).push_back(&onts_[nth]);
-        }
+void Onts::share_discovery(const Random& random, const Places& starters) {
+    std::array<std::vector<TrackedOnt*>, pon_ports> by_port;
+    for (const auto place : starters) {
+        by_port.at(onts_[place].situation().seen_port - 1U).push_back(&onts_[place]);
     }
     constexpr double loses_window = 0.25;
-    for (const auto& rivals : starters) {
+    for (const auto& rivals : by_port) {
         for (auto* const ont : rivals) {
             const auto& at = ont->position();
             const auto waits = std::ranges::count_if(rivals, [&](const TrackedOnt* rival) {

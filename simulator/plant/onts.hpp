@@ -2,6 +2,7 @@
 
 #include "simulator/plant/tracked_ont.hpp"
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -15,11 +16,11 @@ class Onts {
 public:
     explicit Onts(const PlantParameters& parameters);
 
-    /// Where each of them is; asked before something happens, and handed to follow() after it.
-    [[nodiscard]] std::vector<OntPoint> points(const Circumstances& given) const;
-    /// Something happened. `before`: the configuration until now.
-    void follow(const Circumstances& given, const Ports& ports, const std::vector<OntPoint>& points,
-                const RunningConfiguration& before);
+    /// Something happened.
+    void follow(const Circumstances& given, const Ports& ports, const ReplacedSettings& replaced);
+    /// The configuration of these ONTs, of ports, or of both changed, and nothing else happened.
+    void follow_configuration(const Circumstances& given, const Ports& ports, const ReplacedSettings& replaced,
+                              const ChangedOnts& onts);
     /// Tells the activated ones that `is_meant`, asked with flat indices of configurations, to do something. Returns
     /// the indices of those, ascending.
     std::vector<std::uint16_t> command(const Circumstances& given, OntCommand command,
@@ -32,9 +33,17 @@ public:
     [[nodiscard]] std::optional<OntNow> configured_as(const Circumstances& given, std::uint16_t index) const;
 
 private:
-    void share_discovery(const Random& random, const std::vector<bool>& starts);
+    using Places = std::vector<std::size_t>; ///< in `onts_`, ascending
+
+    [[nodiscard]] Places reached_by(const Circumstances& given, const ReplacedSettings& replaced,
+                                    const ChangedOnts& changed) const;
+    void have_follow(const Places& places, const Circumstances& given, const Ports& ports,
+                     const ReplacedSettings& replaced);
+    void share_discovery(const Random& random, const Places& starters);
 
     std::vector<TrackedOnt> onts_;
+    std::multimap<std::uint64_t, std::size_t> by_serial_;   ///< to place in `onts_`
+    std::array<Places, pon_ports> seen_on_;                 ///< port 1 first
     std::map<std::uint16_t, std::size_t> by_configuration_; ///< flat index to place in `onts_`
 };
 

@@ -1,48 +1,54 @@
 #include "simulator/plant/plant.hpp"
 
 #include <algorithm>
+#include <utility>
 
 namespace xpon::simulator {
 
 Plant::Plant(const PlantParameters& parameters, RunningConfiguration configuration)
     : given_(parameters), onts_(parameters) {
-    change(configuration, [&] {
-        given_.configure(configuration);
-        for (const auto& [kind, target, value] : parameters.plant->faults) {
-            given_.faults.set({.kind = kind, .target = target, .value = value});
-        }
-    });
+    const auto replaced = given_.configure(std::move(configuration));
+    for (const auto& [kind, target, value] : parameters.plant->faults) {
+        given_.faults.set({.kind = kind, .target = target, .value = value});
+    }
+    follow(replaced);
 }
 
 void Plant::advance(PlantTime now) {
     auto& faults = given_.faults;
     while (faults.next_end() <= now) {
         given_.now = std::max(given_.now, faults.next_end());
-        change(given_.configuration, [&] { faults.take_ended(given_.now); });
+        change([&] { faults.take_ended(given_.now); });
     }
     given_.now = std::max(given_.now, now);
 }
 
 void Plant::configure(RunningConfiguration configuration) {
-    change(configuration, [&] { given_.configure(configuration); });
+    follow(given_.configure(std::move(configuration)));
+}
+
+void Plant::change_configuration(const RunningConfiguration& configuration, const ChangedOnts& onts) {
+    const auto replaced = given_.change_configuration(configuration, onts);
+    ports_.follow(given_, replaced.pon);
+    onts_.follow_configuration(given_, ports_, replaced, onts);
 }
 
 void Plant::set_fault(const Fault& fault) {
-    change(given_.configuration, [&] { given_.faults.set(fault); });
+    change([&] { given_.faults.set(fault); });
 }
 
 bool Plant::clear_fault(FaultKind kind, const FaultTarget& target) {
     bool was_there = false;
-    change(given_.configuration, [&] { was_there = given_.faults.clear(kind, target); });
+    change([&] { was_there = given_.faults.clear(kind, target); });
     return was_there;
 }
 
 void Plant::clear_all_faults() {
-    change(given_.configuration, [&] { given_.faults.clear_all(); });
+    change([&] { given_.faults.clear_all(); });
 }
 
 void Plant::boot(PlantTime takes) {
-    change(given_.configuration, [&] {
+    change([&] {
         given_.booted_at = given_.now;
         given_.boot_ends = given_.now + takes;
         ports_.boot(given_);
@@ -51,7 +57,7 @@ void Plant::boot(PlantTime takes) {
 }
 
 void Plant::restart_pon_ports(const std::function<bool(unsigned port)>& is_meant) {
-    change(given_.configuration, [&] {
+    change([&] {
         for (unsigned port = 1; port <= pon_ports; ++port) {
             if (is_meant(port)) {
                 ports_.restart_pon(given_, port);
@@ -60,11 +66,14 @@ void Plant::restart_pon_ports(const std::function<bool(unsigned port)>& is_meant
     });
 }
 
-void Plant::change(const RunningConfiguration& before, const std::function<void()>& mutate) {
-    const auto points = onts_.points(given_);
+void Plant::change(const std::function<void()>& mutate) {
     mutate();
-    ports_.follow(given_, before.pon);
-    onts_.follow(given_, ports_, points, before);
+    follow({given_.configuration.pon, {}});
+}
+
+void Plant::follow(const ReplacedSettings& replaced) {
+    ports_.follow(given_, replaced.pon);
+    onts_.follow(given_, ports_, replaced);
 }
 
 MeteredOnt Plant::metered(const Ont& ont) const {

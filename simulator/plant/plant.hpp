@@ -29,6 +29,8 @@ public:
 
     /// A committed configuration takes effect.
     void configure(RunningConfiguration configuration);
+    /// The same for one that differs from that of before in these ONTs at most: costs what it reaches.
+    void change_configuration(const RunningConfiguration& configuration, const ChangedOnts& onts);
     void set_fault(const Fault& fault);
     /// False when there is no such fault.
     bool clear_fault(FaultKind kind, const FaultTarget& target);
@@ -111,9 +113,9 @@ public:
     /// @}
 
 private:
-    /// Every event: what `mutate` changes takes effect now. `before` is the configuration until now, once `mutate` has
-    /// run.
-    void change(const RunningConfiguration& before, const std::function<void()>& mutate);
+    /// What `mutate` changes, which is no configuration, takes effect now.
+    void change(const std::function<void()>& mutate);
+    void follow(const ReplacedSettings& replaced);
 
     Circumstances given_;
     Ports ports_;

@@ -8,6 +8,7 @@
 #include <bitset>
 #include <cstdint>
 #include <map>
+#include <set>
 #include <string>
 
 namespace xpon::simulator {
@@ -67,6 +68,18 @@ struct RunningConfiguration {
     std::map<std::uint16_t, OntSettings> onts;                 ///< configured ones by flat index from 0
     FanSettings fans;
     std::string hostname;
+
+    bool operator==(const RunningConfiguration&) const = default;
+};
+
+/// Flat indices from 0 of the ONTs whose settings may differ from those of before, configured or not. All else of a
+/// configuration is small, and taken whole.
+using ChangedOnts = std::set<std::uint16_t>;
+
+/// What a configuration took out of force.
+struct ReplacedSettings {
+    std::array<PonPortSettings, pon_ports> pon{}; ///< of all ports
+    std::map<std::uint16_t, OntSettings> onts;    ///< of those that may have changed and were configured
 };
 
 } // namespace xpon::simulator

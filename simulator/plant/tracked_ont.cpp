@@ -53,12 +53,12 @@ OntPoint TrackedOnt::next_point(const Circumstances& given) const {
     return given.now < anchor_.since ? anchor_ : point(given);
 }
 
-bool TrackedOnt::follow(const Circumstances& given, const Ports& ports, const OntPoint& at,
-                        const RunningConfiguration& before) {
+bool TrackedOnt::follow(const Circumstances& given, const Ports& ports, const ReplacedSettings& replaced) {
+    const auto at = next_point(given);
     auto after = situation_in(given, ports);
     const bool changes = after != situation_;
     const auto next = changes ? react(at, situation_, after, given.now) : at;
-    update_meter(given, at, next, line_in(given, ports, after.seen_port), before);
+    update_meter(given, at, next, line_in(given, ports, after.seen_port), replaced);
     if (!changes) {
         return false;
     }
@@ -70,7 +70,7 @@ bool TrackedOnt::follow(const Circumstances& given, const Ports& ports, const On
 bool TrackedOnt::carry_out(const Circumstances& given, OntCommand command) {
     const auto at = point(given);
     const auto next = obey(at, situation_, command, given.now);
-    update_meter(given, at, next, line_, given.configuration);
+    update_meter(given, at, next, line_, {});
     redirect(at, next, given.now);
     const bool starts = next.state == ont_initial;
     has_local_data_ = has_local_data_ && !(starts && command == OntCommand::reset);
@@ -120,15 +120,18 @@ LineConditions TrackedOnt::line_in(const Circumstances& given, const Ports& port
 }
 
 void TrackedOnt::update_meter(const Circumstances& given, const OntPoint& was, const OntPoint& is,
-                              const LineConditions& line, const RunningConfiguration& before) {
+                              const LineConditions& line, const ReplacedSettings& replaced) {
     const bool was_in_service = was.state == ont_operational;
     const bool ends = was_in_service && is.state != ont_operational;
     if (!keeps_activation(is.state)) {
         meter_.reset();
     } else if (ends || (was_in_service && line != line_)) {
+        const auto was_configured = replaced.onts.find(*situation_.configured);
         const MeteredOnt metered{.random = given.random,
                                  .hardware = hardware_,
-                                 .settings = before.onts.at(*situation_.configured),
+                                 .settings = was_configured != replaced.onts.end()
+                                                 ? was_configured->second
+                                                 : given.configuration.onts.at(*situation_.configured),
                                  .split = given.parameters.plant->split_of(situation_.seen_port),
                                  .line = line_,
                                  .since = was.since};

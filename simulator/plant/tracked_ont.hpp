@@ -37,11 +37,9 @@ public:
         return situation_;
     }
     [[nodiscard]] OntPoint point(const Circumstances& given) const;
-    /// The same; for one whose start lies ahead, that start.
-    [[nodiscard]] OntPoint next_point(const Circumstances& given) const;
 
-    /// Something happened while it was at `at`. `before`: the configuration until now. True when it starts anew.
-    bool follow(const Circumstances& given, const Ports& ports, const OntPoint& at, const RunningConfiguration& before);
+    /// Something happened. True when it starts anew.
+    bool follow(const Circumstances& given, const Ports& ports, const ReplacedSettings& replaced);
     /// It is told to do something, in a state in which it is listed. True when it starts anew.
     bool carry_out(const Circumstances& given, OntCommand command);
     void wait_in_discovery(std::uint16_t windows) {
@@ -53,12 +51,14 @@ public:
     }
 
 private:
+    /// Where it is; for one whose start lies ahead, that start.
+    [[nodiscard]] OntPoint next_point(const Circumstances& given) const;
     [[nodiscard]] OntSituation situation_in(const Circumstances& given, const Ports& ports) const;
     [[nodiscard]] LineConditions line_in(const Circumstances& given, const Ports& ports, unsigned seen_port) const;
     /// `was` and `is`: where it is until now and from now on.
     /// @{
     void update_meter(const Circumstances& given, const OntPoint& was, const OntPoint& is, const LineConditions& line,
-                      const RunningConfiguration& before);
+                      const ReplacedSettings& replaced);
     void redirect(const OntPoint& was, const OntPoint& is, PlantTime now);
     /// @}
 

@@ -126,7 +126,23 @@ std::optional<ConfigurationFollower::Followed> ConfigurationFollower::follow(ipc
     }
     // Only now: after a fault of the database it is tried again.
     followed = since.number;
-    return Followed{std::move(since), concerns_plant};
+    auto onts = onts_of(peer, since);
+    return Followed{std::move(since), concerns_plant, std::move(onts)};
+}
+
+ChangedOnts ConfigurationFollower::onts_of(ipc::Address peer, const cfgdb::RunningCommits& since) {
+    ChangedOnts onts;
+    if (peer != peers::pon_state_machine) {
+        return onts;
+    }
+    if (!since.is_complete) {
+        const auto all = counted(max_onts);
+        return {all.begin(), all.end()};
+    }
+    for (const auto& commit : since.commits) {
+        onts.insert(commit.onts.begin(), commit.onts.end());
+    }
+    return onts;
 }
 
 void ConfigurationFollower::read_all_of(ipc::Address peer) {

@@ -32,6 +32,7 @@ public:
     struct Followed {
         cfgdb::RunningCommits commits;
         bool concerns_plant; ///< a part that the plant obeys was read anew
+        ChangedOnts onts;    ///< whose settings were
     };
     /// Has one daemon follow the commits up to the one with this number at least. Empty when it had missed none, and
     /// for a daemon without a part.
@@ -43,6 +44,7 @@ public:
 private:
     void read_all();
     void read_all_of(ipc::Address peer);
+    static ChangedOnts onts_of(ipc::Address peer, const cfgdb::RunningCommits& since);
     bool read_changed(ipc::Address peer, const cfgdb::RunningCommit& commit);
     void read_fans();
     void read_hostname();

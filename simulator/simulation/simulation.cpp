@@ -84,8 +84,9 @@ void Simulation::follow_commits() {
         for (int round = 0; round < most_rounds && follow_last_commit(); ++round) {
         }
         if (plant_is_behind_) {
-            network_.happen(&Plant::configure, follower_.configuration());
+            network_.change_configuration(follower_.configuration(), onts_behind_);
             plant_is_behind_ = false;
+            onts_behind_.clear();
         }
         configuration_is_unreadable_ = false;
     } catch (const std::system_error& fault) {
@@ -101,9 +102,12 @@ bool Simulation::follow_last_commit() {
     const auto number = follower_.running_number();
     bool had_missed = false;
     for (const auto& [peer, name] : peer_side::peer_names) {
-        const auto followed = runs(peer) ? follower_.follow(peer, number) : std::nullopt;
+        auto followed = runs(peer) ? follower_.follow(peer, number) : std::nullopt;
         had_missed = had_missed || followed;
-        plant_is_behind_ = plant_is_behind_ || (followed && followed->concerns_plant);
+        if (followed) {
+            plant_is_behind_ = plant_is_behind_ || followed->concerns_plant;
+            onts_behind_.merge(followed->onts);
+        }
         if (followed && peer == peer_side::peers::system_manager) {
             note_commits(followed->commits);
         }
@@ -205,6 +209,8 @@ void Simulation::set_rate(double rate) {
 }
 
 void Simulation::step(PlantTime by) {
+    // What was committed before the step is in force for all of it.
+    advance();
     clock_.step(by);
     advance();
     write_facts();

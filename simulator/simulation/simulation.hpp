@@ -123,7 +123,8 @@ private:
     std::map<std::string, Snapshot> snapshots_;
     bool is_advancing_ = false;
     bool facts_are_old_ = false;
-    bool plant_is_behind_ = false; ///< of what the follower has read
+    bool plant_is_behind_ = false; ///< of what the follower has read,
+    ChangedOnts onts_behind_;      ///< with these ONTs
     bool configuration_is_unreadable_ = false;
 };
 

@@ -16,6 +16,12 @@ void AccessNetwork::advance(PlantTime now) {
     plant_.advance(now);
 }
 
+void AccessNetwork::change_configuration(const RunningConfiguration& configuration, const ChangedOnts& onts) {
+    plant_.change_configuration(configuration, onts);
+    uplinks_.follow(plant_);
+    services_.follow(plant_.configuration().onts, onts, plant_.now());
+}
+
 void AccessNetwork::remember() {
     uplinks_.follow(plant_);
     services_.follow(plant_.configuration().onts, plant_.now());

@@ -47,6 +47,9 @@ public:
         }
     }
 
+    /// Plant::change_configuration happens, at the cost of what it reaches.
+    void change_configuration(const RunningConfiguration& configuration, const ChangedOnts& onts);
+
 private:
     void remember();
 

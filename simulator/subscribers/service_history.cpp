@@ -7,25 +7,39 @@ ServiceHistory::Form::Form(const ServiceSettings& service)
       c_vid(service.c_vid), multicast_vid(service.multicast_vid), dhcp_agent(service.dhcp_agent),
       pppoe_agent(service.pppoe_agent), static_ip(service.static_ip) {}
 
-void ServiceHistory::follow(const std::map<std::uint16_t, OntSettings>& onts, PlantTime now) {
+void ServiceHistory::follow(const ConfiguredOnts& onts, PlantTime now) {
     std::erase_if(onts_, [&](const auto& known) { return !onts.contains(known.first); });
     for (const auto& [index, ont] : onts) {
-        auto& known = onts_[index];
-        if (known.serial != ont.serial) {
-            known = {.serial = ont.serial, .services = {}};
+        follow(index, ont, now);
+    }
+}
+
+void ServiceHistory::follow(const ConfiguredOnts& onts, const ChangedOnts& changed, PlantTime now) {
+    for (const auto index : changed) {
+        if (const auto configured = onts.find(index); configured != onts.end()) {
+            follow(index, configured->second, now);
+        } else {
+            onts_.erase(index);
         }
-        std::array<std::optional<Form>, max_services> forms;
-        for (const auto& service : ont.services) {
-            if (service.number >= 1 && service.number <= max_services) {
-                forms.at(service.number - 1U).emplace(service);
-            }
+    }
+}
+
+void ServiceHistory::follow(std::uint16_t index, const OntSettings& ont, PlantTime now) {
+    auto& known = onts_[index];
+    if (known.serial != ont.serial) {
+        known = {.serial = ont.serial, .services = {}};
+    }
+    std::array<std::optional<Form>, max_services> forms;
+    for (const auto& service : ont.services) {
+        if (service.number >= 1 && service.number <= max_services) {
+            forms.at(service.number - 1U).emplace(service);
         }
-        for (unsigned nth = 0; nth < max_services; ++nth) {
-            auto& [form, since] = known.services.at(nth);
-            if (form != forms.at(nth)) {
-                form = forms.at(nth);
-                since = form ? now : never;
-            }
+    }
+    for (unsigned nth = 0; nth < max_services; ++nth) {
+        auto& [form, since] = known.services.at(nth);
+        if (form != forms.at(nth)) {
+            form = forms.at(nth);
+            since = form ? now : never;
         }
     }
 }

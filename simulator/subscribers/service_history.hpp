@@ -14,8 +14,12 @@ namespace xpon::simulator {
 /// that is deleted and configured anew, or whose service moves to another VLAN, begins without leases and groups.
 class ServiceHistory {
 public:
+    using ConfiguredOnts = std::map<std::uint16_t, OntSettings>; ///< by flat index
+
     /// These ONTs are configured from now on.
-    void follow(const std::map<std::uint16_t, OntSettings>& onts, PlantTime now);
+    void follow(const ConfiguredOnts& onts, PlantTime now);
+    /// The same, when they differ in these from those of before at most.
+    void follow(const ConfiguredOnts& onts, const ChangedOnts& changed, PlantTime now);
 
     /// `index` is an ONT's flat one, `service` counts from 1. `never` for a service that there is not.
     [[nodiscard]] PlantTime since(std::uint16_t index, unsigned service) const;
@@ -40,6 +44,8 @@ private:
         std::uint64_t serial = 0;
         std::array<KnownService, max_services> services;
     };
+
+    void follow(std::uint16_t index, const OntSettings& ont, PlantTime now);
 
     std::map<std::uint16_t, KnownOnt> onts_;
 };
