@@ -1,5 +1,7 @@
 #include "api_service/protocol/json_building.hpp"
 
+#include "api_service/protocol/json_writer.hpp"
+
 #include <array>
 #include <charconv>
 #include <limits>
@@ -125,23 +127,12 @@ Result<cJSON*> create_object_in_array(cJSON* array, unsigned number) {
     return made_for(create_object_in_array(array), "{}", number);
 }
 
-Result<JsonTree> borrow_tree(const cJSON* tree) {
-    BOOST_OUTCOME_TRY(check_parent(tree));
-    if (cJSON_IsObject(tree) != 0) {
-        return made(cJSON_CreateObjectReference(tree->child), "cJSON_CreateObjectReference() failed");
-    }
-    if (cJSON_IsArray(tree) != 0) {
-        return made(cJSON_CreateArrayReference(tree->child), "cJSON_CreateArrayReference() failed");
-    }
-    return made(cJSON_Duplicate(tree, 0), "cJSON_Duplicate() failed");
-}
-
-Result<JsonText> print_tree(const cJSON* tree) {
-    JsonText text(cJSON_Print(tree));
-    if (text == nullptr) {
+Result<std::string> print_tree(const cJSON* tree) {
+    JsonWriter writer;
+    if (!writer.tree(tree)) {
         return ErrorPayload(Error::CommonError, "cJSON_Print() failed");
     }
-    return text;
+    return std::move(writer).take();
 }
 
 std::string cjson_error_position() {

@@ -70,11 +70,8 @@ Result<T> made_for(Result<T> made, fmt::format_string<Args...> what, Args&&... a
     return made;
 }
 
-/// A node that prints like `tree` and borrows its members: it must be deleted before `tree` is.
-Result<JsonTree> borrow_tree(const cJSON* tree);
-
-/// The indented print form of `tree`, which is what goes on the wire.
-Result<JsonText> print_tree(const cJSON* tree);
+/// The indented print form of `tree`.
+Result<std::string> print_tree(const cJSON* tree);
 
 /// The text behind the place where cJSON last stopped to parse, for messages; empty when it did not fail.
 std::string cjson_error_position();

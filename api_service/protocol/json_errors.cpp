@@ -106,11 +106,7 @@ Result<void> JsonErrors::copy_errors_to_cjson_array(cJSON* array) const {
 Result<std::string> JsonErrors::get_json_string() const {
     BOOST_OUTCOME_TRY(const auto array, create_array());
     BOOST_OUTCOME_TRY(copy_errors_to_cjson_array(array.get()));
-    const auto text = print_tree(array.get());
-    if (!text) {
-        return ErrorPayload(Error::CommonError, fmt::format("cJSON_Print() failed {}", cjson_error_position()));
-    }
-    return std::string(text.value().get());
+    return print_tree(array.get());
 }
 
 bool JsonErrors::empty() const {

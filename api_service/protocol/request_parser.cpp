@@ -1,6 +1,7 @@
 #include "api_service/protocol/request_parser.hpp"
 
 #include "api_service/protocol/json_building.hpp"
+#include "api_service/protocol/json_writer.hpp"
 #include "xpon/core/guard.hpp"
 
 namespace xpon::api_service {
@@ -54,18 +55,29 @@ Result<std::optional<ConfigurationType>> read_config_type(cJSON* object) {
     return ErrorPayload(Error::CommonError, fmt::format("Invalid config type: {}", *text));
 }
 
-Result<void> fill_answer(cJSON* answer, const Response& response) {
-    BOOST_OUTCOME_TRY(set_object_item(answer, "success", response.success));
-    BOOST_OUTCOME_TRY(set_object_item(answer, "session_id", response.session_id));
+Result<void> write_answer(JsonWriter& answer, const Response& response) {
+    answer.begin_object();
+    answer.key("success");
+    answer.boolean(response.success);
+    answer.key("session_id");
+    answer.text(response.session_id);
     if (!response.payload.empty()) {
-        // The largest answers hold megabytes: the tree is borrowed for printing, not copied.
-        BOOST_OUTCOME_TRY(auto data, borrow_tree(response.payload.get()));
-        BOOST_OUTCOME_TRY(add_to_object(answer, "data", std::move(data)));
+        answer.key("data");
+        if (!answer.tree(response.payload.get())) {
+            return ErrorPayload(Error::CommonError, "cJSON_Print() failed");
+        }
     }
     if (!response.errors.empty()) {
-        BOOST_OUTCOME_TRY(auto* errors, add_array_subobject(answer, "errors"));
-        BOOST_OUTCOME_TRY(response.errors.copy_errors_to_cjson_array(errors));
+        BOOST_OUTCOME_TRY(const auto errors, create_array());
+        if (!response.errors.copy_errors_to_cjson_array(errors.get())) {
+            return ErrorPayload(Error::CommonError, "cJSON API failed");
+        }
+        answer.key("errors");
+        if (!answer.tree(errors.get())) {
+            return ErrorPayload(Error::CommonError, "cJSON_Print() failed");
+        }
     }
+    answer.end_object();
     return core::success();
 }
 
@@ -123,12 +135,9 @@ Result<Request> RequestParser::parse_request(const std::string& frame) const {
 
 Result<std::string> RequestParser::make_response(const Response& response) const {
     return core::guarded(*logger_, [&]() -> Result<std::string> {
-        BOOST_OUTCOME_TRY(const auto answer, create_object());
-        if (!fill_answer(answer.get(), response)) {
-            return ErrorPayload(Error::CommonError, "cJSON API failed");
-        }
-        BOOST_OUTCOME_TRY(const auto text, print_tree(answer.get()));
-        return std::string(text.get());
+        JsonWriter answer;
+        BOOST_OUTCOME_TRY(write_answer(answer, response));
+        return std::move(answer).take();
     });
 }
 
