@@ -1,6 +1,9 @@
 #include "simulator/control/control_commands.hpp"
 
 #include "simulator/control/command_fields.hpp"
+#include "simulator/control/ont_truth.hpp"
+#include "simulator/control/presence_commands.hpp"
+#include "simulator/control/subscriber_truth.hpp"
 #include "simulator/control/truth.hpp"
 #include "xpon/core/json_tree.hpp"
 
@@ -8,6 +11,7 @@
 #include <array>
 #include <cmath>
 #include <memory>
+#include <ranges>
 
 #include <fmt/format.h>
 
@@ -43,9 +47,26 @@ FaultTarget known_target(const FaultRule& rule, const std::string& text) {
     return *target;
 }
 
+/// A fault needs something that breaks. `plant` may have ONTs that its description does not know.
+void check_existence(const Plant& plant, const FaultTarget& target) {
+    const OntPosition ont{.port = target.port, .ont = target.ont};
+    const bool is_of_ont = target.where == FaultTarget::Where::ont || target.where == FaultTarget::Where::service;
+    if (is_of_ont && plant.has_ont(ont)) {
+        return;
+    }
+    auto complaint = complaint_about(*plant.parameters().plant, target);
+    if (complaint.empty() && is_of_ont) { // described, but left out by --onts
+        complaint = fmt::format("there is no ONT {}/{}", ont.port, ont.ont);
+    }
+    if (!complaint.empty()) {
+        throw CommandError(complaint);
+    }
+}
+
 core::JsonTree set_fault(Simulation& simulation, const CommandFields& fields) {
     const auto& rule = known_fault(fields.text("fault"));
     const auto target = known_target(rule, fields.text("target"));
+    check_existence(simulation.plant(), target);
     const auto lasts = fields.number("for_s", 0, longest_step_s).value_or(0);
     if (rule.value.empty() && fields.find("value") != nullptr) {
         throw CommandError(fmt::format("{} takes no value", rule.name));
@@ -96,11 +117,24 @@ core::JsonTree set_clock(Simulation& simulation, const CommandFields& fields) {
 
 core::JsonTree dump_state(Simulation& simulation, const CommandFields& fields) {
     const auto* const wanted = fields.find("state");
-    const auto depth = cJSON_IsTrue(wanted) != 0 ? "all" : fields.text("state");
-    if (depth != "all" && depth != "summary") {
-        throw CommandError("state must be all or summary");
+    const auto of = cJSON_IsTrue(wanted) != 0 ? "all" : fields.text("state");
+    if (of == "all") {
+        return describe_all(simulation);
     }
-    return depth == "all" ? describe_all(simulation) : describe_summary(simulation);
+    if (of == "summary") {
+        return describe_summary(simulation);
+    }
+    if (of == "subscribers") {
+        return describe_subscribers(simulation);
+    }
+    if (of == "ont") {
+        return describe_ont(simulation, known_ont(simulation, fields.text("ont")));
+    }
+    const auto port = fields.number("pon", 1, pon_ports);
+    if (of != "pon" || !port) {
+        throw CommandError("state must be all, summary, subscribers, ont with an \"ont\", or pon with a \"pon\"");
+    }
+    return describe_pon_port(simulation, static_cast<unsigned>(*port));
 }
 
 core::JsonTree list_faults(Simulation&, const CommandFields&) {
@@ -170,7 +204,11 @@ constexpr std::array commands{
     CommandRow{"step_s", "step_s", step},
     CommandRow{"clock", "clock rate", set_clock},
     CommandRow{"at_s", "at_s command", schedule},
-    CommandRow{"state", "state", dump_state},
+    CommandRow{"state", "state ont pon", dump_state},
+    CommandRow{"power", "power ont pon", switch_power},
+    CommandRow{"add", "add model serial_number", add_ont},
+    CommandRow{"swap", "swap model serial_number", swap_ont},
+    CommandRow{"move", "move pon", move_ont},
     CommandRow{"snapshot", "snapshot", take_snapshot},
     CommandRow{"load", "load", load_snapshot},
     CommandRow{"faults", "faults", list_faults},
@@ -181,7 +219,8 @@ core::JsonTree run(Simulation& simulation, const cJSON* command) {
         commands, [&](const auto& candidate) { return cJSON_GetObjectItemCaseSensitive(command, candidate.key); });
     if (row == commands.end()) {
         throw CommandError(
-            "a command is an object with fault, clear, step_s, clock, at_s, state, snapshot, load or faults");
+            fmt::format("a command is an object with one of {}",
+                        fmt::join(commands | std::views::transform([](const auto& one) { return one.key; }), ", ")));
     }
     simulation.advance();
     return row->run(simulation, CommandFields(command, row->members));

@@ -14,7 +14,10 @@ namespace xpon::simulator {
 ///   {"step_s": SECONDS}                                                  moves the clock ahead
 ///   {"clock": "real" | "stepped" | "scaled", "rate": FACTOR}             rate with "scaled" only
 ///   {"at_s": SECONDS, "command": OBJECT}                                 the command, when so much time has passed
-///   {"state": "all" | "summary"}                                         what is true of the plant
+///   {"state": "all" | "summary" | "subscribers"}                         what is true of the plant
+///   {"state": "ont", "ont": PLACE}     {"state": "pon", "pon": PORT}
+///   {"power": "on" | "off", "ont": PLACE}                                or "pon": PORT, or all ONTs
+///   {"add": PLACE}   {"swap": PLACE}   {"move": PLACE, "pon": PORT}      ONTs come, are replaced, change their fibre
 ///   {"snapshot": NAME}                                                   keeps plant, time and faults as they are
 ///   {"load": NAME}                                                       goes back to them; the configuration stays
 ///   {"faults": true}                                                     the kinds of faults and what they take

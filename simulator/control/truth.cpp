@@ -1,10 +1,10 @@
 #include "simulator/control/truth.hpp"
 
-#include "xpon/custom_layer/onts.h"
+#include "simulator/control/json_members.hpp"
+#include "simulator/control/ont_truth.hpp"
 #include "xpon/custom_layer/pon_ports.h"
 
 #include <cerrno>
-#include <cmath>
 #include <map>
 #include <string>
 
@@ -12,41 +12,6 @@
 
 namespace xpon::simulator {
 namespace {
-
-void add(cJSON* object, const char* name, const std::string& text) {
-    cJSON_AddStringToObject(object, name, text.c_str());
-}
-
-void add(cJSON* object, const char* name, double number) {
-    cJSON_AddNumberToObject(object, name, number);
-}
-
-cJSON* add_object_to(cJSON* array) {
-    auto* const object = cJSON_CreateObject();
-    cJSON_AddItemToArray(array, object);
-    return object;
-}
-
-double rounded(double number, double unit) {
-    return std::round(number / unit) * unit;
-}
-
-std::string text_of(Ont_state state) {
-    return state == ont_gone ? "GONE" : ont_state_to_str(state);
-}
-
-std::string text_of(const OntPosition& ont) {
-    return fmt::format("{}/{}", ont.port, ont.ont);
-}
-
-/// Vendor's letters and the number: "SIMUA0030011".
-std::string serial_text(std::uint64_t serial) {
-    std::string text;
-    for (unsigned byte = 0; byte < 4; ++byte) {
-        text += static_cast<char>(serial >> (56 - 8 * byte) & 0xffU);
-    }
-    return text + fmt::format("{:08X}", serial & 0xffffffffU);
-}
 
 void add_faults(cJSON* object, const Plant& plant) {
     auto* const faults = cJSON_AddArrayToObject(object, "faults");
@@ -93,36 +58,6 @@ void add_ports(cJSON* object, const Plant& plant) {
     }
 }
 
-void add_ont(cJSON* entry, const Plant& plant, const Plant::Ont& ont) {
-    const auto& position = ont.hardware->position;
-    add(entry, "ont", text_of(position));
-    add(entry, "serial", serial_text(ont.hardware->serial));
-    add(entry, "password", password_of(position));
-    add(entry, "model", std::string(ont.hardware->model->equipment_id));
-    add(entry, "state", text_of(ont.point.state));
-    add(entry, "for_s", seconds_of(plant.now() - ont.point.since));
-    add(entry, "seen_port", ont.situation->seen_port);
-    if (const auto& configured = ont.situation->configured) {
-        add(entry, "configured", text_of(place_of_record(*configured)));
-    }
-    cJSON_AddBoolToObject(entry, "power", ont.situation->has_power ? 1 : 0);
-    cJSON_AddBoolToObject(entry, "local_data", ont.has_local_data ? 1 : 0);
-    add(entry, "distance_m", std::round(ont.hardware->path.distance_km * 1000));
-    add(entry, "rssi_dbm", rounded(plant.received_power_of(ont), 0.01));
-}
-
-/// What the OLT counts of an ONT in service, whether or not it is to tell.
-void add_counts(cJSON* entry, const Plant& plant, const Plant::Ont& ont) {
-    if (ont.point.state != ont_operational) {
-        return;
-    }
-    const auto tally = ont.meter->read(plant.metered(ont), plant.now());
-    add(entry, "rx_bytes", static_cast<double>(tally.received().octets));
-    add(entry, "tx_bytes", static_cast<double>(tally.sent().octets));
-    add(entry, "wrong_bits_up", std::floor(tally.wrong_bits_up));
-    add(entry, "wrong_bits_down", std::floor(tally.wrong_bits_down));
-}
-
 } // namespace
 
 core::JsonTree describe_summary(const Simulation& simulation) {
@@ -155,7 +90,6 @@ core::JsonTree describe_all(const Simulation& simulation) {
     for (const auto& ont : simulation.plant().onts()) {
         auto* const entry = add_object_to(onts);
         add_ont(entry, simulation.plant(), ont);
-        add_counts(entry, simulation.plant(), ont);
     }
     return all;
 }

@@ -65,6 +65,12 @@ std::array<std::uint16_t, 2> sharers_of_onu_ids(std::uint16_t index) {
     return {static_cast<std::uint16_t>(first), static_cast<std::uint16_t>(first + 1)};
 }
 
+bool Circumstances::has_power(const PhysicalOnt& ont) const {
+    const auto switched = power.find(ont.position);
+    const bool is_on = switched == power.end() ? ont.is_switched_on : switched->second;
+    return is_on && !faults.has(FaultKind::ont_dying_gasp, ont_target(ont.position));
+}
+
 std::optional<std::uint8_t> onu_id_of(const RunningConfiguration& configuration, std::uint16_t index) {
     const auto ont = index % max_onts_per_port;
     if (ont < onu_ids) {

@@ -23,6 +23,9 @@ struct Circumstances {
     /// What a fault takes from the light of a physical ONT, in dB.
     [[nodiscard]] double attenuation_of(const OntPosition& ont) const;
 
+    /// Whether a physical ONT is plugged in and switched on.
+    [[nodiscard]] bool has_power(const PhysicalOnt& ont) const;
+
     PlantParameters parameters;
     Random random;
     PlantTime now{};
@@ -32,6 +35,8 @@ struct Circumstances {
     /// (PON port, serial) to the flat index of the ONT's configuration.
     std::map<std::pair<unsigned, std::uint64_t>, std::uint16_t> configured;
     ActiveFaults faults;
+    /// What testers switched on and off; all others are as they are made.
+    std::map<OntPosition, bool> power;
 
 private:
     void forget_serial_of(std::uint16_t index);

@@ -2,7 +2,9 @@
 
 #include <compare>
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace xpon::simulator {
 
@@ -28,6 +30,12 @@ OntPosition position_of(unsigned nth);
 /// Vendor id (4 letters) and the vendor's number, most significant byte first [G.984.3 9.2]; one of a kind per
 /// position.
 std::uint64_t serial_of(const OntPosition& position, std::uint32_t vendor = 0x53494d55 /* SIMU */);
+
+/// "SIMUA0030011": the vendor's four letters and eight hexadecimal digits. What is parsed is empty for any other text.
+/// @{
+std::string serial_text(std::uint64_t serial);
+std::optional<std::uint64_t> parse_serial_number(std::string_view text);
+/// @}
 
 /// 0-based index of the ONT's record in the configuration database.
 unsigned short record_index_of(const OntPosition& position);

@@ -41,4 +41,15 @@ std::uint8_t PlantDescription::template_of(const OntPosition& ont) const {
     return row == services.end() ? std::uint8_t{1} : row->ont_template;
 }
 
+std::string complaint_about(const PlantDescription& plant, const FaultTarget& target) {
+    using Where = FaultTarget::Where;
+    const bool is_of_ont = target.where == Where::ont || target.where == Where::service;
+    if (is_of_ont && std::ranges::find(plant.onts, OntPosition{target.port, target.ont}) == plant.onts.end()) {
+        return fmt::format("there is no ONT {}/{}", target.port, target.ont);
+    }
+    const bool is_empty = (target.where == Where::front_port && !plant.front.at(target.port - 1U).module) ||
+                          (target.where == Where::pon_port && !plant.pon.at(target.port - 1U).module);
+    return is_empty ? fmt::format("there is no module in {}", to_text(target)) : "";
+}
+
 } // namespace xpon::simulator

@@ -19,6 +19,25 @@ Onts::Onts(const PlantParameters& parameters) {
     }
 }
 
+bool Onts::contains(const OntPosition& position) const {
+    return std::ranges::find(onts_, position, &TrackedOnt::position) != onts_.end();
+}
+
+void Onts::put(const PhysicalOnt& ont) {
+    const auto found = std::ranges::find(onts_, ont.position, &TrackedOnt::position);
+    const auto place = static_cast<std::size_t>(found - onts_.begin());
+    if (found == onts_.end()) {
+        onts_.emplace_back(ont);
+    } else {
+        std::erase_if(by_serial_, [&](const auto& known) { return known.second == place; });
+        if (const auto& configured = found->situation().configured) {
+            by_configuration_.erase(*configured);
+        }
+        *found = TrackedOnt(ont);
+    }
+    by_serial_.emplace(ont.serial, place);
+}
+
 void Onts::follow(const Circumstances& given, const Ports& ports, const ReplacedSettings& replaced) {
     Places all(onts_.size());
     std::iota(all.begin(), all.end(), std::size_t{0});

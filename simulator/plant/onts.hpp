@@ -16,6 +16,10 @@ class Onts {
 public:
     explicit Onts(const PlantParameters& parameters);
 
+    [[nodiscard]] bool contains(const OntPosition& position) const;
+    /// Puts one where none is, or in the place of the one that is there; it has no power yet. Something has happened.
+    void put(const PhysicalOnt& ont);
+
     /// Something happened.
     void follow(const Circumstances& given, const Ports& ports, const ReplacedSettings& replaced);
     /// The configuration of these ONTs, of ports, or of both changed, and nothing else happened.

@@ -47,6 +47,19 @@ void Plant::clear_all_faults() {
     change([&] { given_.faults.clear_all(); });
 }
 
+void Plant::switch_power(const std::vector<OntPosition>& onts, bool on) {
+    change([&] {
+        for (const auto& ont : onts) {
+            given_.power.insert_or_assign(ont, on);
+        }
+    });
+}
+
+void Plant::plug_in(const PhysicalOnt& ont) {
+    onts_.put(ont);
+    change([&] { given_.power.erase(ont.position); });
+}
+
 void Plant::boot(PlantTime takes) {
     change([&] {
         given_.booted_at = given_.now;

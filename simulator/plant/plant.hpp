@@ -36,6 +36,11 @@ public:
     bool clear_fault(FaultKind kind, const FaultTarget& target);
     void clear_all_faults();
 
+    /// Power comes to the ONTs of these places, or goes from them.
+    void switch_power(const std::vector<OntPosition>& onts, bool on);
+    /// An ONT is plugged in, where none was or in the place of another one.
+    void plug_in(const PhysicalOnt& ont);
+
     /// The OLT restarts: for as long as `takes` it does nothing at all. Faults stay.
     void boot(PlantTime takes);
     /// PON ports that `is_meant`, asked with port numbers from 1, start again as after having been enabled.
@@ -69,6 +74,9 @@ public:
         return given_.faults;
     }
 
+    [[nodiscard]] bool has_ont(const OntPosition& position) const {
+        return onts_.contains(position);
+    }
     /// All physical ONTs, in the order in which they were made.
     [[nodiscard]] std::vector<Ont> onts() const {
         return onts_.all(given_);

@@ -83,4 +83,8 @@ struct PlantDescription {
     [[nodiscard]] std::uint8_t template_of(const OntPosition& ont) const;
 };
 
+/// Why nothing can happen to a target: the plant has no such ONT or slot; empty when it has. Says nothing of ONTs that
+/// were plugged in later.
+std::string complaint_about(const PlantDescription& plant, const FaultTarget& target);
+
 } // namespace xpon::simulator

@@ -9,7 +9,7 @@ namespace xpon::simulator {
 enum class Purpose : std::uint64_t {
     ont_power = 1,
     ont_model,
-    ont_vendor,
+    ont_serial,
     ont_distance,
     ont_response_time,
     ont_launch_power,

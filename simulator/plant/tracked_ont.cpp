@@ -85,7 +85,7 @@ OntSituation TrackedOnt::situation_in(const Circumstances& given, const Ports& p
     const auto& run = ports.pon(port);
 
     OntSituation situation;
-    situation.has_power = hardware_.is_switched_on && !given.faults.has(FaultKind::ont_dying_gasp, target);
+    situation.has_power = given.has_power(hardware_);
     situation.seen_port = static_cast<std::uint16_t>(port);
     situation.channel_is_up = run.has_module && run.is_enabled;
     situation.channel_since = run.up_since;

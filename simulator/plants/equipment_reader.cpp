@@ -1,8 +1,9 @@
 #include "simulator/plants/equipment_reader.hpp"
 
+#include "simulator/plant/ont_layout.hpp"
+
 #include <algorithm>
-#include <charconv>
-#include <set>
+#include <iterator>
 #include <string_view>
 
 #include <fmt/format.h>
@@ -147,17 +148,11 @@ std::vector<OntModel> ont_models_of(const DescribedValue& models) {
 }
 
 std::uint64_t serial_number_of(const DescribedValue& value) {
-    const auto text = value.text();
-    const auto letters = std::string_view(text).substr(0, vendor_letters);
-    const auto digits = std::string_view(text).substr(letters.size());
-    std::uint32_t number = 0;
-    const auto [end, fault] = std::from_chars(digits.data(), digits.data() + digits.size(), number, 16);
-    const bool is_serial = std::ranges::all_of(letters, is_upper) && digits.size() == 8 && fault == std::errc{} &&
-                           end == digits.data() + digits.size();
-    if (!is_serial) {
+    const auto serial = parse_serial_number(value.text());
+    if (!serial) {
         value.fail("must be four capital letters and eight hexadecimal digits");
     }
-    return std::uint64_t{vendor_of(letters)} << 32U | number;
+    return *serial;
 }
 
 } // namespace xpon::simulator

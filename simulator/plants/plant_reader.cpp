@@ -250,7 +250,12 @@ PlantDescription plant_of(const DescribedValue& root) {
         read_subscribers(*subscribers, plant.subscribers);
     }
     if (const auto faults = root.find("faults")) {
-        std::ranges::transform(faults->elements(), std::back_inserter(plant.faults), fault_of);
+        for (const auto& row : faults->elements()) {
+            plant.faults.push_back(fault_of(row));
+            if (const auto complaint = complaint_about(plant, plant.faults.back().target); !complaint.empty()) {
+                row.at("target").fail("is wrong: " + complaint);
+            }
+        }
     }
     return plant;
 }

@@ -32,9 +32,20 @@ struct Verb {
     const char* meaning;
     std::vector<Word> words;
     const char* alone = nullptr; ///< the value of the member `name` when no word follows
+    const char* kind = nullptr;  ///< the value, a text, of the member that `kind_member` names
+    const char* kind_member = "state";
     std::vector<Verb> options{}; ///< may follow the words, with words of their own
     const char* usage = nullptr; ///< of the options
 };
+
+constexpr auto new_ont_usage = "model TEXT] [serial TEXT";
+
+std::vector<Verb> new_ont_options() {
+    return {{"model", "Of this model", {{"TEXT", "model", Kind::text, Need::required, "an equipment id of the plant"}}},
+            {"serial",
+             "With this serial number",
+             {{"TEXT", "serial_number", Kind::text, Need::required, "such as SIMUA0030011"}}}};
+}
 
 const std::vector<Verb>& verbs() {
     static const std::vector<Verb> all{
@@ -58,9 +69,51 @@ const std::vector<Verb>& verbs() {
          {{"KIND", "clock", Kind::text, Need::required, "real, stepped or scaled"},
           {"FACTOR", "rate", Kind::number, Need::optional, "with scaled: how many times faster than real time"}}},
         {.name = "state",
-         .meaning = "What is true of the plant",
-         .words = {{"WHAT", "state", Kind::text, Need::optional, "all or summary (default: summary)"}},
-         .alone = R"("summary")"},
+         .meaning = "What is true of the plant; with --json as the control socket has it",
+         .words = {},
+         .alone = R"("summary")",
+         .options = {{.name = "summary",
+                      .meaning = "Time, faults, how many ONTs in each state",
+                      .words = {},
+                      .kind = "summary"},
+                     {.name = "all", .meaning = "All of it, in JSON", .words = {}, .kind = "all"},
+                     {.name = "ont",
+                      .meaning = "An ONT, its line and subscribers",
+                      .words = {{"ONT", "ont", Kind::text, Need::required, "such as 3/17: ONT 17 of PON port 3"}},
+                      .kind = "ont"},
+                     {.name = "pon",
+                      .meaning = "A PON port and its ONTs",
+                      .words = {{"PORT", "pon", Kind::number, Need::required, "1 to 16"}},
+                      .kind = "pon"},
+                     {.name = "subscribers", .meaning = "All services", .words = {}, .kind = "subscribers"}},
+         .usage = "WHAT"},
+        {.name = "power",
+         .meaning = "Switch ONTs on and off",
+         .words = {},
+         .options = {{"ont",
+                      "One ONT",
+                      {{"ONT", "ont", Kind::text, Need::required, "such as 3/17"},
+                       {"on|off", "power", Kind::text, Need::required, ""}}},
+                     {"pon",
+                      "All ONTs of a PON port",
+                      {{"PORT", "pon", Kind::number, Need::required, "1 to 16"},
+                       {"on|off", "power", Kind::text, Need::required, ""}}},
+                     {"all", "All ONTs", {{"on|off", "power", Kind::text, Need::required, ""}}}},
+         .usage = "ont ONT|pon PORT|all on|off"},
+        {.name = "add",
+         .meaning = "A new ONT appears",
+         .words = {{"ONT", "add", Kind::text, Need::required, "where none is, such as 4/33"}},
+         .options = new_ont_options(),
+         .usage = new_ont_usage},
+        {.name = "swap",
+         .meaning = "An ONT is replaced by another one",
+         .words = {{"ONT", "swap", Kind::text, Need::required, "such as 3/17"}},
+         .options = new_ont_options(),
+         .usage = new_ont_usage},
+        {"move",
+         "An ONT is plugged into the fibre of another PON port, or back into its own",
+         {{"ONT", "move", Kind::text, Need::required, "such as 3/17"},
+          {"PORT", "pon", Kind::number, Need::required, "1 to 16"}}},
         {"snapshot",
          "Keep the plant, its time and faults as they are",
          {{"NAME", "snapshot", Kind::text, Need::required, "of the snapshot"}}},
@@ -96,6 +149,10 @@ CLI::App* add_verb(CLI::App& app, const Verb& verb, cJSON* command) {
     auto* const parser = app.add_subcommand(verb.name, verb.meaning);
     for (const auto& word : verb.words) {
         add_word(parser, word, command)->required(word.need == Need::required)->type_name("");
+    }
+    if (verb.kind != nullptr) {
+        parser->callback(
+            [kind = verb.kind, member = verb.kind_member, command] { cJSON_AddStringToObject(command, member, kind); });
     }
     if (verb.alone != nullptr) {
         parser->callback([&verb, command] {

@@ -150,6 +150,18 @@ void Simulation::clear_all_faults() {
     write_facts();
 }
 
+void Simulation::switch_power(const std::vector<OntPosition>& onts, bool on) {
+    advance();
+    network_.happen(&Plant::switch_power, onts, on);
+    events_.write(fmt::format("power {} at {} ONTs", on ? "on" : "off", onts.size()));
+}
+
+void Simulation::plug_in(const PhysicalOnt& ont) {
+    advance();
+    network_.happen(&Plant::plug_in, ont);
+    events_.write(fmt::format("ONT {}/{} plugged in", ont.position.port, ont.position.ont));
+}
+
 void Simulation::reboot() {
     advance();
     follower_.restart();

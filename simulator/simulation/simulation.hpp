@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace xpon::simulator {
 
@@ -63,6 +64,9 @@ public:
     void set_fault(Fault fault, PlantTime lasts);
     bool clear_fault(const FaultRule& rule, const FaultTarget& target);
     void clear_all_faults();
+
+    void switch_power(const std::vector<OntPosition>& onts, bool on);
+    void plug_in(const PhysicalOnt& ont);
 
     [[nodiscard]] const Firmware& firmware() const {
         return firmware_;

@@ -197,7 +197,7 @@ TEST_F(LiveOltTest, RefusedCommandsSayWhyAndChangeNothing) {
         {R"({"at_s":1,"command":{"at_s":1}})", "no at_s or load itself"},
         {R"({"snapshot":""})", "snapshot needs a name"},
         {R"({"load":"x"})", "no snapshot 'x'"},
-        {R"({"state":"none"})", "all or summary"},
+        {R"({"state":"none"})", "all, summary"},
     };
     for (const auto& [line, complaint] : cases) {
         const auto answer = control->ask(line);
