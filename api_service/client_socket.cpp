@@ -11,34 +11,12 @@
 #include <sys/socket.h>
 
 #include <fmt/format.h>
-#include <netinet/in.h>
-#include <netinet/tcp.h>
 
 namespace xpon::api_service {
 namespace {
 
-/// Lets the kernel send what is written during its life in as few segments as it can. Text and NUL go out with two
-/// calls; as two segments they would cost a quarter of the throughput. No effect on other than TCP sockets.
-class Cork {
-public:
-    explicit Cork(int fd) : fd_(fd) {
-        set(1);
-    }
-    Cork(const Cork&) = delete;
-    Cork& operator=(const Cork&) = delete;
-    ~Cork() {
-        set(0);
-    }
-
-private:
-    void set(int on) const {
-        const int cause = errno;
-        ::setsockopt(fd_, IPPROTO_TCP, TCP_CORK, &on, sizeof(on));
-        errno = cause;
-    }
-
-    int fd_;
-};
+// Answers up to this size altogether wait in the kernel at no great cost; asking whether they do takes a system call.
+constexpr std::size_t answers_not_asked_about = 16 * 1024; // bytes
 
 /// Millions of frames of one byte take mostly what surrounds them.
 std::size_t memory_of(const std::string& frame) {
@@ -89,7 +67,7 @@ Result<void> ClientSocket::send_frame(std::string_view payload) {
     errno = 0;
     const auto sent = send_in_one_piece(payload);
     const int cause = std::exchange(errno, 0);
-    has_unsent_ = unsent_bytes(get_fd()) > 0;
+    answered_ += sent;
     if (speaks_http_) {
         shut_down();
     }
@@ -105,14 +83,17 @@ Result<void> ClientSocket::send_frame(std::string_view payload) {
 
 std::size_t ClientSocket::send_in_one_piece(std::string_view payload) {
     const SendBufferRoom room(get_fd(), payload.size() + 1);
-    const Cork cork(get_fd());
+    nul_follows_ = true;
     const auto sent = static_cast<std::size_t>(std::max<ssize_t>(do_send(payload.data(), payload.size()), 0));
+    nul_follows_ = false;
     return sent == payload.size() && do_send("", 1) == 1 ? sent + 1 : sent;
 }
 
 bool ClientSocket::takes_requests() {
-    has_unsent_ = has_unsent_ && unsent_bytes(get_fd()) > 0;
-    return !has_unsent_ || is_shut_down_; // reading is what shows that it is to be closed
+    if (answered_ > answers_not_asked_about && unsent_bytes(get_fd()) == 0) {
+        answered_ = 0;
+    }
+    return answered_ <= answers_not_asked_about || is_shut_down_; // reading is what shows that it is to be closed
 }
 
 void ClientSocket::drop_received() {
@@ -177,7 +158,9 @@ void ClientSocket::cut_frames(std::string_view received) {
 }
 
 ssize_t ClientSocket::do_send(const void* data, std::size_t size) {
-    return ::send(get_fd(), data, size, MSG_NOSIGNAL);
+    // What more is to follow joins the last segment, which would else be one segment and one wake-up of the peer more:
+    // a quarter of the throughput. TCP_NODELAY sends the NUL, and the segment with it, at once.
+    return ::send(get_fd(), data, size, MSG_NOSIGNAL | (nul_follows_ ? MSG_MORE : 0));
 }
 
 ssize_t ClientSocket::do_recv(void* data, std::size_t size) {

@@ -95,7 +95,8 @@ private:
     std::string partial_; ///< received since the last NUL
     std::queue<std::string> frames_;
     std::size_t frames_bytes_ = 0; ///< memory that frames_ takes
-    bool has_unsent_ = false;      ///< when last looked at
+    std::size_t answered_ = 0;     ///< bytes, since the peer was seen to have taken all
+    bool nul_follows_ = false;     ///< what is being sent is an answer's text
     bool is_shut_down_ = false;
     bool has_had_a_frame_ = false;
     bool speaks_http_ = false;
