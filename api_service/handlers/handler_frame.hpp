@@ -27,10 +27,10 @@ public:
     static Result<std::shared_ptr<cfgdb::CfgDbWrapper>> database_of(const std::shared_ptr<Session>& session,
                                                                     const char* no_session = no_session_text);
 
-    /// The answer whose data is the tree that `build` makes.
+    /// The answer whose data is the tree, or the text, that `build` makes.
     template <class Build>
     Result<Response> answer_with_data(const std::shared_ptr<Session>& session, Build&& build) const {
-        BOOST_OUTCOME_TRY(JsonTree data, core::guarded(*logger_, std::forward<Build>(build)));
+        BOOST_OUTCOME_TRY(auto data, core::guarded(*logger_, std::forward<Build>(build)));
         auto response = Response::make_success_response(session, logger_);
         response.payload = Payload(std::move(data));
         return response;

@@ -1,28 +1,30 @@
 #pragma once
 
 #include "api_service/core_names.hpp"
-#include "api_service/protocol/json_building.hpp"
+#include "api_service/protocol/json_writer.hpp"
+#include "api_service/protocol/payload.hpp"
 
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 
 #include <fmt/format.h>
 
-// How records of the device become JSON objects: one table of fields per object, walked by one function. Records come
+// How records of the device become JSON text: one table of fields per object, walked by one function. Records come
 // from other processes and from ONTs, so nothing in them is taken on trust. A record that contradicts itself gives an
 // error of code InvalidInputArg.
 
 namespace xpon::api_service {
 
-/// One member of an object: its key, and what makes its value from the record.
+/// One member of an object: its key, and what writes its value from the record.
 template <class Record>
 struct JsonField {
-    LiteralKey key;
-    Result<JsonTree> (*make)(const Record& record);
+    std::string_view key;
+    Result<void> (*write)(JsonWriter& writer, const Record& record);
 };
 
 /// The text in a buffer of the device, up to its NUL or its end, made printable: never an error, for one ONT that names
@@ -43,36 +45,34 @@ Result<std::span<const T>> bounded_items(const T (&array)[N], std::size_t count,
 Result<std::string> text_of_value(std::span<const char* const> texts, std::size_t value);
 
 template <class Integer>
-Result<JsonTree> create_number_array(std::span<const Integer> numbers) {
-    BOOST_OUTCOME_TRY(auto array, create_array());
+void write_numbers(JsonWriter& writer, std::span<const Integer> numbers) {
+    writer.begin_array();
     for (const auto number : numbers) {
-        BOOST_OUTCOME_TRY(auto item, create_integer(number));
-        BOOST_OUTCOME_TRY(add_to_array(array.get(), std::move(item)));
+        writer.integer(number);
     }
-    return array;
+    writer.end_array();
 }
 
 template <class T>
-Result<JsonTree> create_field_value(const T& value) {
-    if constexpr (std::is_same_v<T, std::uint64_t>) {
-        return create_cjson_from_value(value);
-    } else if constexpr (std::is_integral_v<T>) {
-        return create_integer(value);
+Result<void> write_value(JsonWriter& writer, const T& value) {
+    if constexpr (std::is_integral_v<T>) {
+        writer.integer(value);
     } else if constexpr (std::is_floating_point_v<T>) {
-        return create_cjson_from_value(static_cast<double>(value));
+        writer.number(static_cast<double>(value));
     } else if constexpr (std::is_bounded_array_v<T> && std::is_same_v<std::remove_extent_t<T>, char>) {
-        return create_cjson_from_value(device_text(value));
+        writer.text(device_text(value));
     } else if constexpr (std::is_bounded_array_v<T>) {
-        return create_number_array(std::span<const std::remove_extent_t<T>>(value));
+        write_numbers(writer, std::span<const std::remove_extent_t<T>>(value));
     } else {
-        return create_cjson_from_value(std::string(value));
+        writer.text(value);
     }
+    return core::success();
 }
 
 template <class T>
-Result<JsonTree> create_field_value(const Result<T>& value) {
+Result<void> write_value(JsonWriter& writer, const Result<T>& value) {
     BOOST_OUTCOME_TRY(const auto& known, value);
-    return create_field_value(known);
+    return write_value(writer, known);
 }
 
 template <class T>
@@ -84,49 +84,74 @@ struct MemberPointer<T Record::*> {
 
 /// The field of a table that is a member as it stands: a number, a text, or an array of numbers.
 template <auto pointer>
-Result<JsonTree> member(const typename MemberPointer<decltype(pointer)>::Owner& record) {
-    return create_field_value(record.*pointer);
+Result<void> member(JsonWriter& writer, const typename MemberPointer<decltype(pointer)>::Owner& record) {
+    return write_value(writer, record.*pointer);
 }
 
 /// The field of a table that is a flag of a record: the number 0 or 1.
 template <auto pointer>
-Result<JsonTree> flag(const typename MemberPointer<decltype(pointer)>::Owner& record) {
-    return create_field_value(record.*pointer != 0 ? 1 : 0);
+Result<void> flag(JsonWriter& writer, const typename MemberPointer<decltype(pointer)>::Owner& record) {
+    return write_value(writer, record.*pointer != 0 ? 1 : 0);
 }
 
 template <class Record>
 using JsonFields = std::type_identity_t<std::span<const JsonField<Record>>>;
 
-/// Adds a member for each row of the table, in its order.
+/// Writes a member for each row of the table, in its order.
 template <class Record>
-Result<void> add_fields(cJSON* object, const Record& record, JsonFields<Record> fields) {
+Result<void> write_fields(JsonWriter& writer, const Record& record, JsonFields<Record> fields) {
     for (const auto& field : fields) {
-        auto value = field.make(record);
-        if (!value && value.error().code == Error::InvalidInputArg && value.error().info) {
-            return ErrorPayload(value.error().code, fmt::format("{}: {}", field.key.text, value.error().info->message));
+        writer.key(field.key);
+        auto written = field.write(writer, record);
+        if (!written && written.error().code == Error::InvalidInputArg && written.error().info) {
+            return ErrorPayload(written.error().code, fmt::format("{}: {}", field.key, written.error().info->message));
         }
-        BOOST_OUTCOME_TRY(auto item, std::move(value));
-        BOOST_OUTCOME_TRY(add_to_object(object, field.key, std::move(item)));
+        BOOST_OUTCOME_TRY(std::move(written));
     }
     return core::success();
 }
 
-/// Adds an object of such members under `key`.
-template <class Record>
-Result<void> add_record(cJSON* object, const char* key, const Record& record, JsonFields<Record> fields) {
-    BOOST_OUTCOME_TRY(auto* added, add_subobject(object, key));
-    return add_fields(added, record, fields);
+/// Writes an object of what `fill` writes.
+template <class Fill>
+Result<void> write_object(JsonWriter& writer, Fill&& fill) {
+    writer.begin_object();
+    BOOST_OUTCOME_TRY(std::forward<Fill>(fill)());
+    writer.end_object();
+    return core::success();
 }
 
-/// Adds an array of such objects under `key`.
-template <class Record>
-Result<void> add_records(cJSON* object, const char* key, std::span<const Record> records, JsonFields<Record> fields) {
-    BOOST_OUTCOME_TRY(auto* array, add_array_subobject(object, key));
-    for (const auto& record : records) {
-        BOOST_OUTCOME_TRY(auto* added, create_object_in_array(array));
-        BOOST_OUTCOME_TRY(add_fields(added, record, fields));
+/// Writes an array with one object for each item, of what `fill` writes.
+template <class Items, class Fill>
+Result<void> write_objects(JsonWriter& writer, const Items& items, Fill&& fill) {
+    writer.begin_array();
+    for (const auto& item : items) {
+        BOOST_OUTCOME_TRY(write_object(writer, [&] { return fill(item); }));
     }
+    writer.end_array();
     return core::success();
+}
+
+/// Writes an object of such members under `key`.
+template <class Record>
+Result<void> write_record(JsonWriter& writer, std::string_view key, const Record& record, JsonFields<Record> fields) {
+    writer.key(key);
+    return write_object(writer, [&] { return write_fields(writer, record, fields); });
+}
+
+/// Writes an array of such objects under `key`.
+template <class Record>
+Result<void> write_records(JsonWriter& writer, std::string_view key, std::span<const Record> records,
+                           JsonFields<Record> fields) {
+    writer.key(key);
+    return write_objects(writer, records, [&](const Record& record) { return write_fields(writer, record, fields); });
+}
+
+/// The data of an answer, as text, that `write` writes.
+template <class Write>
+Result<std::string> write_data(Write&& write) {
+    JsonWriter writer(data_depth);
+    BOOST_OUTCOME_TRY(std::forward<Write>(write)(writer));
+    return std::move(writer).take();
 }
 
 } // namespace xpon::api_service

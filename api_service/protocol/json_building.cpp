@@ -1,10 +1,6 @@
 #include "api_service/protocol/json_building.hpp"
 
-#include "api_service/protocol/json_writer.hpp"
-
-#include <array>
-#include <charconv>
-#include <limits>
+#include <tuple>
 #include <utility>
 
 #include <fmt/format.h>
@@ -19,39 +15,11 @@ Result<JsonTree> made(cJSON* tree, const char* what_failed) {
     return JsonTree(tree);
 }
 
-template <class Integer>
-Result<JsonTree> made_of_digits(Integer value) {
-    std::array<char, std::numeric_limits<Integer>::digits10 + 3> digits{}; // with sign and NUL
-    std::to_chars(digits.begin(), digits.end() - 1, value);
-    return made(cJSON_CreateRaw(digits.data()), "cJSON_CreateRaw() failed");
-}
-
 Result<void> check_parent(const cJSON* parent) {
     if (parent == nullptr) {
         return ErrorPayload(Error::InvalidInputArg, "Object cannot be null");
     }
     return core::success();
-}
-
-/// `add` is one of the two functions of the library, which differ in who owns the key.
-Result<void> hand_over(cJSON_bool (*add)(cJSON* object, const char* key, cJSON* item), cJSON* object, const char* key,
-                       JsonTree item) {
-    BOOST_OUTCOME_TRY(check_parent(object));
-    if (add(object, key, item.get()) == 0) {
-        return ErrorPayload(Error::CommonError, "cJSON_AddItemToObject() failed");
-    }
-    std::ignore = item.release();
-    return core::success();
-}
-
-Result<cJSON*> add_made_member(cJSON* object, const char* key, cJSON* made_member, const char* maker) {
-    JsonTree member(made_member);
-    if (member == nullptr) {
-        return ErrorPayload(Error::CommonError, fmt::format("{} failed for {}", maker, key));
-    }
-    cJSON* const borrowed = member.get();
-    BOOST_OUTCOME_TRY(add_to_object(object, key, std::move(member)));
-    return borrowed;
 }
 
 } // namespace
@@ -76,7 +44,8 @@ Result<JsonTree> create_cjson_from_value(const bool& value) {
 
 template <>
 Result<JsonTree> create_cjson_from_value(const unsigned long& value) {
-    return made_of_digits(value);
+    // A number of the library has a double's digits only.
+    return made(cJSON_CreateRaw(std::to_string(value).c_str()), "cJSON_CreateRaw() failed");
 }
 
 template <>
@@ -84,16 +53,13 @@ Result<JsonTree> create_cjson_from_value(const double& value) {
     return made(cJSON_CreateNumber(value), "cJSON_CreateNumber() failed");
 }
 
-Result<JsonTree> create_integer(std::int64_t value) {
-    return made_of_digits(value);
-}
-
 Result<void> add_to_object(cJSON* object, const char* key, JsonTree item) {
-    return hand_over(cJSON_AddItemToObject, object, key, std::move(item));
-}
-
-Result<void> add_to_object(cJSON* object, LiteralKey key, JsonTree item) {
-    return hand_over(cJSON_AddItemToObjectCS, object, key.text, std::move(item));
+    BOOST_OUTCOME_TRY(check_parent(object));
+    if (cJSON_AddItemToObject(object, key, item.get()) == 0) {
+        return ErrorPayload(Error::CommonError, "cJSON_AddItemToObject() failed");
+    }
+    std::ignore = item.release();
+    return core::success();
 }
 
 Result<void> add_to_array(cJSON* array, JsonTree item) {
@@ -105,33 +71,16 @@ Result<void> add_to_array(cJSON* array, JsonTree item) {
     return core::success();
 }
 
-Result<cJSON*> add_subobject(cJSON* object, const char* key) {
-    BOOST_OUTCOME_TRY(check_parent(object));
-    return add_made_member(object, key, cJSON_CreateObject(), "cJSON_CreateObject()");
-}
-
-Result<cJSON*> add_array_subobject(cJSON* object, const char* key) {
-    BOOST_OUTCOME_TRY(check_parent(object));
-    return add_made_member(object, key, cJSON_CreateArray(), "cJSON_CreateArray()");
-}
-
-Result<cJSON*> create_object_in_array(cJSON* array) {
-    BOOST_OUTCOME_TRY(check_parent(array));
-    BOOST_OUTCOME_TRY(auto object, create_object());
-    cJSON* const borrowed = object.get();
-    BOOST_OUTCOME_TRY(add_to_array(array, std::move(object)));
-    return borrowed;
-}
-
-Result<cJSON*> create_object_in_array(cJSON* array, unsigned number) {
-    return made_for(create_object_in_array(array), "{}", number);
+Result<void> write_tree(JsonWriter& writer, const cJSON* tree) {
+    if (!writer.tree(tree)) {
+        return ErrorPayload(Error::CommonError, "cJSON_Print() failed");
+    }
+    return core::success();
 }
 
 Result<std::string> print_tree(const cJSON* tree) {
     JsonWriter writer;
-    if (!writer.tree(tree)) {
-        return ErrorPayload(Error::CommonError, "cJSON_Print() failed");
-    }
+    BOOST_OUTCOME_TRY(write_tree(writer, tree));
     return std::move(writer).take();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "api_service/core_names.hpp"
+#include "api_service/protocol/json_writer.hpp"
 
 #include <cstdint>
 #include <string>
@@ -28,21 +29,8 @@ Result<JsonTree> create_cjson_from_value(const unsigned long& value);
 template <>
 Result<JsonTree> create_cjson_from_value(const double& value);
 
-/// A number without a fraction, put in as its digits: formatting numbers is most of the time that printing takes.
-Result<JsonTree> create_integer(std::int64_t value);
-
-/// A key that lives as long as the program, as only literals do. Answers hold hundreds of thousands of keys: making and
-/// freeing copies of them would take as long as all the rest.
-struct LiteralKey {
-    consteval LiteralKey(const char* literal) : text(literal) {} // NOLINT(google-explicit-constructor): see above
-
-    const char* text;
-};
-
 /// Hands `item` to the object under a copy of `key`.
 Result<void> add_to_object(cJSON* object, const char* key, JsonTree item);
-/// Hands `item` to the object under `key` itself.
-Result<void> add_to_object(cJSON* object, LiteralKey key, JsonTree item);
 /// Hands `item` to the array, at its end.
 Result<void> add_to_array(cJSON* array, JsonTree item);
 
@@ -52,23 +40,8 @@ Result<void> set_object_item(cJSON* object, const char* key, const T& value) {
     return add_to_object(object, key, std::move(item));
 }
 
-/// Adds an empty object or array under `key`, or to the end of `array`, and returns it. It stays with its parent.
-Result<cJSON*> add_subobject(cJSON* object, const char* key);
-Result<cJSON*> add_array_subobject(cJSON* object, const char* key);
-Result<cJSON*> create_object_in_array(cJSON* array);
-/// The same; an error ends with what the object is for.
-Result<cJSON*> create_object_in_array(cJSON* array, unsigned number);
-
-/// What a step made; the text of an error ends with what it was for, such as "port 3".
-template <class T, class... Args>
-Result<T> made_for(Result<T> made, fmt::format_string<Args...> what, Args&&... args) {
-    if (!made && made.error().info) {
-        const auto& error = made.error();
-        return ErrorPayload(
-            error.code, fmt::format("{} for {}", error.info->message, fmt::format(what, std::forward<Args>(args)...)));
-    }
-    return made;
-}
+/// Writes `tree` at the place that the text has reached.
+Result<void> write_tree(JsonWriter& writer, const cJSON* tree);
 
 /// The indented print form of `tree`.
 Result<std::string> print_tree(const cJSON* tree);

@@ -2,26 +2,41 @@
 
 #include "api_service/core_names.hpp"
 
+#include <cstddef>
 #include <memory>
+#include <string>
+#include <utility>
 
 namespace xpon::api_service {
 
-/// The data of a request or a response: one JSON tree, or none. Copies share the tree, which nobody changes.
+/// How many objects stand around the data of an answer.
+inline constexpr std::size_t data_depth = 1;
+
+/// The data of a request or a response: one JSON tree, or its text as it will stand in the answer, or nothing. Tables
+/// are given as text: the tree of thousands of records would take ten times the memory. Copies share the data, which
+/// nobody changes.
 class Payload {
 public:
     Payload() = default;
     explicit Payload(JsonTree tree) : tree_(std::move(tree)) {}
+    /// `text` is made by a writer that begins at `data_depth`.
+    explicit Payload(std::string text) : text_(std::make_shared<const std::string>(std::move(text))) {}
 
-    /// Null when the payload is empty.
+    /// Null when there is no tree.
     [[nodiscard]] const cJSON* get() const {
         return tree_.get();
     }
+    /// Null when there is no text.
+    [[nodiscard]] const std::string* text() const {
+        return text_.get();
+    }
     [[nodiscard]] bool empty() const {
-        return tree_ == nullptr;
+        return tree_ == nullptr && text_ == nullptr;
     }
 
 private:
     std::shared_ptr<cJSON> tree_;
+    std::shared_ptr<const std::string> text_;
 };
 
 } // namespace xpon::api_service

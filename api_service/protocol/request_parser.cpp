@@ -55,6 +55,14 @@ Result<std::optional<ConfigurationType>> read_config_type(cJSON* object) {
     return ErrorPayload(Error::CommonError, fmt::format("Invalid config type: {}", *text));
 }
 
+Result<void> write_data(JsonWriter& answer, const Payload& data) {
+    if (data.text() != nullptr) {
+        answer.raw(*data.text());
+        return core::success();
+    }
+    return write_tree(answer, data.get());
+}
+
 Result<void> write_answer(JsonWriter& answer, const Response& response) {
     answer.begin_object();
     answer.key("success");
@@ -63,9 +71,7 @@ Result<void> write_answer(JsonWriter& answer, const Response& response) {
     answer.text(response.session_id);
     if (!response.payload.empty()) {
         answer.key("data");
-        if (!answer.tree(response.payload.get())) {
-            return ErrorPayload(Error::CommonError, "cJSON_Print() failed");
-        }
+        BOOST_OUTCOME_TRY(write_data(answer, response.payload));
     }
     if (!response.errors.empty()) {
         BOOST_OUTCOME_TRY(const auto errors, create_array());
@@ -73,9 +79,7 @@ Result<void> write_answer(JsonWriter& answer, const Response& response) {
             return ErrorPayload(Error::CommonError, "cJSON API failed");
         }
         answer.key("errors");
-        if (!answer.tree(errors.get())) {
-            return ErrorPayload(Error::CommonError, "cJSON_Print() failed");
-        }
+        BOOST_OUTCOME_TRY(write_tree(answer, errors.get()));
     }
     answer.end_object();
     return core::success();

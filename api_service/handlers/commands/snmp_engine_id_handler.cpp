@@ -1,6 +1,7 @@
 #include "api_service/handlers/commands/snmp_engine_id_handler.hpp"
 
 #include "api_service/handlers/record_fields.hpp"
+#include "api_service/protocol/json_building.hpp"
 
 namespace xpon::api_service {
 
@@ -15,7 +16,7 @@ Result<Response> GenerateSnmpEngineIDHandler::operator()(const Request&,
 }
 
 Result<JsonTree> GenerateSnmpEngineIDHandler::serialize_payload(const Snmp_environment_data& environment) {
-    return create_field_value(environment.engine_id);
+    return create_cjson_from_value(device_text(environment.engine_id));
 }
 
 } // namespace xpon::api_service

@@ -53,7 +53,8 @@ public:
         if constexpr (INDICES_COUNT == 0) {
             return serialize_config_element(db, {}, type);
         }
-        BOOST_OUTCOME_TRY(auto array, create_array());
+        JsonWriter array(data_depth);
+        array.begin_array();
         std::optional<JsonErrors> field_errors;
         BOOST_OUTCOME_TRY(range.for_each([&](const typename Range::Element& index) -> Result<void> {
             BOOST_OUTCOME_TRY(auto element, build_element(*db, index, type));
@@ -61,12 +62,13 @@ public:
                 field_errors = std::move(*errors);
                 return core::success();
             }
-            return add_to_array(array.get(), std::get<JsonTree>(std::move(element)));
+            return write_tree(array, std::get<JsonTree>(element).get());
         }));
         if (field_errors) {
             return Outcome(std::move(*field_errors));
         }
-        return Outcome(Payload(std::move(array)));
+        array.end_array();
+        return Outcome(Payload(std::move(array).take()));
     }
 
     /// The object of one record, exactly as the serialiser makes it.

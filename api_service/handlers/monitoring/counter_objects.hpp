@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // How a record of counters becomes a JSON object: one table of labels per kind, walked by one function for all
@@ -19,7 +20,7 @@ struct NoGroup {};
 /// One counter: its label, its values by instance, and its value in the record of a group, where the kind has groups.
 template <class Values, class Group = NoGroup>
 struct Counter {
-    LiteralKey label;
+    std::string_view label;
     Ont_instance_values Values::* instances;
     std::uint32_t Group::* group = nullptr;
 };
@@ -39,50 +40,58 @@ Result<std::vector<std::string>> instance_keys(const Record& record) {
     return keys;
 }
 
-/// Adds an object for each instance, under its key.
-template <class Values, class Group, std::size_t N>
-Result<void> add_instances(cJSON* object, const std::vector<std::string>& keys, const Values& values,
-                           const Counter<Values, Group> (&table)[N]) {
-    for (std::size_t i = 0; i < keys.size(); ++i) {
-        BOOST_OUTCOME_TRY(auto* instance, add_subobject(object, keys[i].c_str()));
-        for (const auto& counter : table) {
-            BOOST_OUTCOME_TRY(auto value, create_integer((values.*counter.instances)[i]));
-            BOOST_OUTCOME_TRY(add_to_object(instance, counter.label, std::move(value)));
-        }
-    }
-    return core::success();
-}
-
-/// Adds an object for the group under `key`, when the ONT has it.
-template <class Values, class Group, std::size_t N>
-Result<void> add_group(cJSON* object, const char* key, const Group& group, const Counter<Values, Group> (&table)[N]) {
-    if (group.valid == 0) {
-        return core::success();
-    }
-    BOOST_OUTCOME_TRY(auto* added, add_subobject(object, key));
+/// Writes the counters of a table, whose values `value_of` finds.
+template <class Values, class Group, std::size_t N, class ValueOf>
+void write_counters(JsonWriter& writer, std::string_view key, const Counter<Values, Group> (&table)[N],
+                    ValueOf&& value_of) {
+    writer.key(key);
+    writer.begin_object();
     for (const auto& counter : table) {
-        BOOST_OUTCOME_TRY(auto value, create_integer(group.*counter.group));
-        BOOST_OUTCOME_TRY(add_to_object(added, counter.label, std::move(value)));
+        writer.key(counter.label);
+        writer.integer(value_of(counter));
+    }
+    writer.end_object();
+}
+
+/// Writes an object for each instance, under its key.
+template <class Values, class Group, std::size_t N>
+void write_instances(JsonWriter& object, const std::vector<std::string>& keys, const Values& values,
+                     const Counter<Values, Group> (&table)[N]) {
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        write_counters(object, keys[i], table, [&](const auto& counter) { return (values.*counter.instances)[i]; });
+    }
+}
+
+/// Writes an object for the group under `key`, when the ONT has it.
+template <class Values, class Group, std::size_t N>
+void write_group(JsonWriter& object, std::string_view key, const Group& group,
+                 const Counter<Values, Group> (&table)[N]) {
+    if (group.valid != 0) {
+        write_counters(object, key, table, [&](const auto& counter) { return group.*counter.group; });
+    }
+}
+
+/// Writes what the record has of the multicast and of the broadcast GEM port.
+template <class Record, class Values, class Group, std::size_t N>
+void write_gem_groups(JsonWriter& object, const Record& record, const Counter<Values, Group> (&table)[N]) {
+    write_group(object, "MC", record.mc, table);
+    write_group(object, "BC", record.bc, table);
+}
+
+/// Writes an object of what `fill` writes under `key`, unless that is nothing.
+template <class Fill>
+Result<void> write_unless_empty(JsonWriter& object, std::string_view key, Fill&& fill) {
+    const auto before = object.mark();
+    object.key(key);
+    object.begin_object();
+    const auto empty = object.mark();
+    BOOST_OUTCOME_TRY(std::forward<Fill>(fill)());
+    const bool is_empty = object.mark().size == empty.size;
+    object.end_object();
+    if (is_empty) {
+        object.take_back(before);
     }
     return core::success();
-}
-
-/// Adds what the record has of the multicast and of the broadcast GEM port.
-template <class Record, class Values, class Group, std::size_t N>
-Result<void> add_gem_groups(cJSON* object, const Record& record, const Counter<Values, Group> (&table)[N]) {
-    BOOST_OUTCOME_TRY(add_group(object, "MC", record.mc, table));
-    return add_group(object, "BC", record.bc, table);
-}
-
-/// Adds the object that `fill` fills under `key`, unless nothing came into it.
-template <class Fill>
-Result<void> add_unless_empty(cJSON* object, const char* key, Fill&& fill) {
-    BOOST_OUTCOME_TRY(auto added, create_object());
-    BOOST_OUTCOME_TRY(fill(added.get()));
-    if (added->child == nullptr) {
-        return core::success();
-    }
-    return add_to_object(object, key, std::move(added));
 }
 
 } // namespace xpon::api_service

@@ -82,19 +82,19 @@ Result<std::string> ask_short_device_name(ILogger& logger) {
 
 } // namespace
 
-Result<void> add_device_info(ILogger& logger, cJSON* root, const System_environment_data& environment) {
+Result<void> add_device_info(ILogger& logger, JsonWriter& root, const System_environment_data& environment) {
     DeviceInfo info{};
     info.fpga_version = environment.fpga_version;
     info.pld_version = environment.pld_version;
     BOOST_OUTCOME_TRY(fill_firmware(logger, info));
     BOOST_OUTCOME_TRY(info.hostname, get_hostname(logger));
     BOOST_OUTCOME_TRY(info.uptime, get_uptime(logger));
-    return add_record(root, "device_info", info, device_info_fields);
+    return write_record(root, "device_info", info, device_info_fields);
 }
 
-Result<void> add_factory_info(ILogger& logger, cJSON* root) {
+Result<void> add_factory_info(ILogger& logger, JsonWriter& root) {
     BOOST_OUTCOME_TRY(const auto factory, get_factory_info(logger));
-    return add_record(root, "factory_info", factory, factory_info_fields);
+    return write_record(root, "factory_info", factory, factory_info_fields);
 }
 
 Result<Factory_info> get_factory_info(ILogger& logger) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "api_service/core_names.hpp"
+#include "api_service/protocol/json_writer.hpp"
 #include "xpon/custom_layer/device.h"
 #include "xpon/custom_layer/system.h"
 
@@ -11,10 +12,10 @@
 namespace xpon::api_service {
 
 /// Adds "device_info": what runs on the board, and since when. The board's own versions come from `environment`.
-Result<void> add_device_info(ILogger& logger, cJSON* root, const System_environment_data& environment);
+Result<void> add_device_info(ILogger& logger, JsonWriter& root, const System_environment_data& environment);
 
 /// Adds "factory_info": who the board is.
-Result<void> add_factory_info(ILogger& logger, cJSON* root);
+Result<void> add_factory_info(ILogger& logger, JsonWriter& root);
 
 Result<Factory_info> get_factory_info(ILogger& logger);
 

@@ -16,7 +16,7 @@ namespace {
 constexpr JsonField<PortInfo> port_fields[] = {
     {"port", member<&PortInfo::port>},
     {"status", member<&PortInfo::status>},
-    {"speed", [](const PortInfo& port) { return create_field_value(port.info.speed); }},
+    {"speed", [](JsonWriter& to, const PortInfo& port) { return write_value(to, port.info.speed); }},
 };
 
 constexpr JsonField<Front_port_info> media_fields[] = {
@@ -30,18 +30,21 @@ constexpr JsonField<Front_port_sfp_eddi> eddi_fields[] = {
     {"tx_power_mw", member<&Front_port_sfp_eddi::power>},
 };
 
-Result<void> fill_port(cJSON* object, const PortInfo& port) {
-    BOOST_OUTCOME_TRY(add_fields(object, port, port_fields));
+Result<void> fill_port(JsonWriter& object, const PortInfo& port) {
+    BOOST_OUTCOME_TRY(write_fields(object, port, port_fields));
     BOOST_OUTCOME_TRY(const bool is_present, add_sfp_condition(object, port.info.sfp));
     if (!is_present) {
         return core::success();
     }
-    BOOST_OUTCOME_TRY(auto* sfp, add_sfp(object, port.info.sfp));
-    BOOST_OUTCOME_TRY(add_fields(sfp, port.info, media_fields));
+    object.key("sfp");
+    BOOST_OUTCOME_TRY(write_object(object, [&]() -> Result<void> {
+        BOOST_OUTCOME_TRY(fill_sfp(object, port.info.sfp));
+        return write_fields(object, port.info, media_fields);
+    }));
     if (!port.eddi) {
         return core::success();
     }
-    return add_record(object, "eddi", *port.eddi, eddi_fields);
+    return write_record(object, "eddi", *port.eddi, eddi_fields);
 }
 
 } // namespace
@@ -55,7 +58,7 @@ struct MonitoringFrontPortStateHandler::Sources {
 Result<Response> MonitoringFrontPortStateHandler::operator()(const Request& request,
                                                              const std::shared_ptr<Session>& session) const {
     BOOST_OUTCOME_TRY(const auto db, database_of(session));
-    return answer_with_data(session, [&]() -> Result<JsonTree> {
+    return answer_with_data(session, [&]() -> Result<std::string> {
         BOOST_OUTCOME_TRY(const auto range, process_request(request));
         BOOST_OUTCOME_TRY(const auto ports, retrieve_front_port_info_from_db(*db, range));
         return compose_response(ports);
@@ -77,7 +80,7 @@ MonitoringFrontPortStateHandler::retrieve_front_port_info_from_db(const cfgdb::C
     return explained(*logger_, retrieve(), "Failed to retrieve front port info");
 }
 
-Result<JsonTree> MonitoringFrontPortStateHandler::compose_response(const std::vector<PortInfo>& ports) {
+Result<std::string> MonitoringFrontPortStateHandler::compose_response(const std::vector<PortInfo>& ports) {
     return compose_ports(ports, fill_port);
 }
 

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace xpon::api_service {
@@ -31,7 +32,7 @@ public:
     [[nodiscard]] Result<std::vector<PortInfo>>
     retrieve_front_port_info_from_db(const cfgdb::CfgDbWrapper& db, const Bitmap_uplink_port_range& ports) const;
 
-    [[nodiscard]] static Result<JsonTree> compose_response(const std::vector<PortInfo>& ports);
+    [[nodiscard]] static Result<std::string> compose_response(const std::vector<PortInfo>& ports);
 
 private:
     struct Sources;

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "api_service/handlers/handler_frame.hpp"
+#include "api_service/protocol/json_writer.hpp"
 #include "xpon/custom_layer/subscribers.h"
 
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 
 namespace xpon::api_service {
 
@@ -19,11 +21,11 @@ public:
     Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const;
 
     /// Adds an object to the array for each group of the VLAN.
-    static Result<void> serialize_payload(cJSON* groups, const VlanInfo& vlan);
+    static Result<void> serialize_payload(JsonWriter& groups, const VlanInfo& vlan);
 
 private:
     [[nodiscard]] Result<void> check_daemon() const;
-    [[nodiscard]] Result<JsonTree> create_payload() const;
+    [[nodiscard]] Result<std::string> create_payload() const;
     [[nodiscard]] Result<VlanInfo> get_vlan(std::uint16_t vlan) const;
 };
 

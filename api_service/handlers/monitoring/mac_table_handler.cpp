@@ -15,24 +15,25 @@ std::string ont_text(const Bcm_mac_entry& entry) {
 }
 
 constexpr JsonField<Bcm_mac_entry> entry_fields[] = {
-    {"mac", [](const Bcm_mac_entry& entry) { return create_field_value(mac_text(entry.mac)); }},
+    {"mac", [](JsonWriter& to, const Bcm_mac_entry& entry) { return write_value(to, mac_text(entry.mac)); }},
     {"port",
-     [](const Bcm_mac_entry& entry) {
-         return create_field_value(switch_port_text(entry.kind, entry.unit, entry.number));
+     [](JsonWriter& to, const Bcm_mac_entry& entry) {
+         return write_value(to, switch_port_text(entry.kind, entry.unit, entry.number));
      }},
     {"svid", member<&Bcm_mac_entry::svid>},
     {"cvid", member<&Bcm_mac_entry::cvid>},
     {"uvid", member<&Bcm_mac_entry::uvid>},
-    {"ont", [](const Bcm_mac_entry& entry) { return create_field_value(ont_text(entry)); }},
+    {"ont", [](JsonWriter& to, const Bcm_mac_entry& entry) { return write_value(to, ont_text(entry)); }},
     {"gem", member<&Bcm_mac_entry::gem>},
-    {"type", [](const Bcm_mac_entry& entry) { return create_field_value(text_of_value(entry_types, entry.type)); }},
+    {"type", [](JsonWriter& to,
+                const Bcm_mac_entry& entry) { return write_value(to, text_of_value(entry_types, entry.type)); }},
 };
 
 } // namespace
 
 Result<Response> MonitoringMacTable::operator()(const Request& request, const std::shared_ptr<Session>& session) const {
     BOOST_OUTCOME_TRY(check_session(session));
-    return answer_with_data(session, [&]() -> Result<JsonTree> {
+    return answer_with_data(session, [&]() -> Result<std::string> {
         BOOST_OUTCOME_TRY(const auto table, get_mac_table(request));
         return serialize_payload(*table);
     });
@@ -53,13 +54,11 @@ Result<LibraryBuffer<Bcm_get_mac_table_response>> MonitoringMacTable::get_mac_ta
                                                   &range);
 }
 
-Result<JsonTree> MonitoringMacTable::serialize_payload(const Bcm_get_mac_table_response& table) {
-    BOOST_OUTCOME_TRY(auto array, create_array());
-    for (const auto& entry : std::span(table.entries, table.count)) {
-        BOOST_OUTCOME_TRY(auto* object, create_object_in_array(array.get()));
-        BOOST_OUTCOME_TRY(add_fields(object, entry, entry_fields));
-    }
-    return array;
+Result<std::string> MonitoringMacTable::serialize_payload(const Bcm_get_mac_table_response& table) {
+    return write_data([&](JsonWriter& writer) {
+        return write_objects(writer, std::span(table.entries, table.count),
+                             [&](const Bcm_mac_entry& entry) { return write_fields(writer, entry, entry_fields); });
+    });
 }
 
 } // namespace xpon::api_service

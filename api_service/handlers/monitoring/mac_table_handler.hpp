@@ -5,6 +5,7 @@
 #include "xpon/custom_layer/subscribers.h"
 
 #include <memory>
+#include <string>
 
 namespace xpon::api_service {
 
@@ -17,7 +18,7 @@ public:
     Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const;
 
     /// An array with an object for each address, in their order.
-    static Result<JsonTree> serialize_payload(const Bcm_get_mac_table_response& table);
+    static Result<std::string> serialize_payload(const Bcm_get_mac_table_response& table);
 
 private:
     [[nodiscard]] Result<LibraryBuffer<Bcm_get_mac_table_response>> get_mac_table(const Request& request) const;

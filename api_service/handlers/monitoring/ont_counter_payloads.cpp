@@ -10,63 +10,63 @@ using CountersHandler = MonitoringOntCountersHandler;
 namespace {
 
 template <class Record>
-Result<JsonTree> compose(const CounterRecords<Record>& records, Result<void> (*fill)(cJSON* object, const Record&)) {
-    BOOST_OUTCOME_TRY(auto array, create_array());
-    for (const auto& record : records) {
-        BOOST_OUTCOME_TRY(auto* object, create_object_in_array(array.get()));
-        BOOST_OUTCOME_TRY(fill(object, *record));
-    }
-    return array;
+Result<std::string> compose(const CounterRecords<Record>& records,
+                            Result<void> (*fill)(JsonWriter& object, const Record&)) {
+    return write_data([&](JsonWriter& writer) {
+        return write_objects(writer, records, [&](const auto& record) { return fill(writer, *record); });
+    });
 }
 
 /// The object of a kind whose counters have no direction.
 template <const auto& table, class Record>
-Result<void> fill(cJSON* object, const Record& record) {
+Result<void> fill(JsonWriter& object, const Record& record) {
     BOOST_OUTCOME_TRY(const auto keys, instance_keys(record));
-    BOOST_OUTCOME_TRY(add_instances(object, keys, record, table));
+    write_instances(object, keys, record, table);
     if constexpr (requires { record.mc; }) {
-        BOOST_OUTCOME_TRY(add_gem_groups(object, record, table));
+        write_gem_groups(object, record, table);
     }
     return core::success();
 }
 
-Result<void> fill_nctp(cJSON* object, const Ont_gem_port_nctp_pm& record) {
+Result<void> fill_nctp(JsonWriter& object, const Ont_gem_port_nctp_pm& record) {
     BOOST_OUTCOME_TRY(const auto keys, instance_keys(record));
-    BOOST_OUTCOME_TRY(add_unless_empty(object, "Downstream counters for gem", [&](cJSON* added) -> Result<void> {
-        BOOST_OUTCOME_TRY(add_instances(added, keys, record.downstream, counter_tables::nctp_downstream));
-        return add_gem_groups(added, record, counter_tables::nctp_downstream);
+    BOOST_OUTCOME_TRY(write_unless_empty(object, "Downstream counters for gem", [&]() -> Result<void> {
+        write_instances(object, keys, record.downstream, counter_tables::nctp_downstream);
+        write_gem_groups(object, record, counter_tables::nctp_downstream);
+        return core::success();
     }));
-    return add_unless_empty(object, "Upstream counters for gem", [&](cJSON* added) {
-        return add_instances(added, keys, record.upstream, counter_tables::nctp_upstream);
+    return write_unless_empty(object, "Upstream counters for gem", [&]() -> Result<void> {
+        write_instances(object, keys, record.upstream, counter_tables::nctp_upstream);
+        return core::success();
     });
 }
 
 using GemPorts = std::span<const Ont_gem_port_counters>;
 
-Result<void> add_gem_ports(cJSON* object, GemPorts gem_ports, Gem_port_group group) {
+Result<void> write_gem_ports(JsonWriter& object, GemPorts gem_ports, Gem_port_group group) {
     for (const auto& gem_port : gem_ports) {
         if (gem_port.group == group) {
             const auto key = fmt::format("GEM port {}", gem_port.gem_port);
-            BOOST_OUTCOME_TRY(add_record(object, key.c_str(), gem_port, counter_tables::olt_gem_port));
+            BOOST_OUTCOME_TRY(write_record(object, key, gem_port, counter_tables::olt_gem_port));
         }
     }
     return core::success();
 }
 
-Result<void> fill_gem_ports(cJSON* object, const Ont__get_gem_port_counters_response& record) {
+Result<void> fill_gem_ports(JsonWriter& object, const Ont__get_gem_port_counters_response& record) {
     BOOST_OUTCOME_TRY(const GemPorts gem_ports, bounded_items(record.entries, record.count, "count"));
     for (const auto& gem_port : gem_ports) {
         BOOST_OUTCOME_TRY(bounded_count(gem_port.group, gem_port_broadcast, "group"));
     }
-    BOOST_OUTCOME_TRY(add_gem_ports(object, gem_ports, gem_port_unicast));
-    BOOST_OUTCOME_TRY(add_unless_empty(
-        object, "Multicast", [&](cJSON* added) { return add_gem_ports(added, gem_ports, gem_port_multicast); }));
-    return add_unless_empty(object, "Broadcast",
-                            [&](cJSON* added) { return add_gem_ports(added, gem_ports, gem_port_broadcast); });
+    BOOST_OUTCOME_TRY(write_gem_ports(object, gem_ports, gem_port_unicast));
+    BOOST_OUTCOME_TRY(write_unless_empty(object, "Multicast",
+                                         [&] { return write_gem_ports(object, gem_ports, gem_port_multicast); }));
+    return write_unless_empty(object, "Broadcast",
+                              [&] { return write_gem_ports(object, gem_ports, gem_port_broadcast); });
 }
 
-Result<void> fill_pon(cJSON* object, const Ont__get_pon_counters_response& record) {
-    return add_fields(object, record, counter_tables::olt_pon);
+Result<void> fill_pon(JsonWriter& object, const Ont__get_pon_counters_response& record) {
+    return write_fields(object, record, counter_tables::olt_pon);
 }
 
 } // namespace
@@ -121,19 +121,20 @@ CountersHandler::get_payload_for_pon_counters(const CounterRecords<Ont__get_pon_
     return compose(records, fill_pon);
 }
 
-Result<void> CountersHandler::fill_eth_frame_ext_pm(cJSON* object, const Ont_eth_frame_ext_pm& record) {
+Result<void> CountersHandler::fill_eth_frame_ext_pm(JsonWriter& object, const Ont_eth_frame_ext_pm& record) {
     BOOST_OUTCOME_TRY(const auto keys, instance_keys(record));
     BOOST_OUTCOME_TRY(
         add_eth_frame_ext_pm_counters_to_json(object, "Upstream counters for ports", keys, record.upstream));
     return add_eth_frame_ext_pm_counters_to_json(object, "Downstream counters for ports", keys, record.downstream);
 }
 
-Result<void> CountersHandler::add_eth_frame_ext_pm_counters_to_json(cJSON* object, const char* key,
+Result<void> CountersHandler::add_eth_frame_ext_pm_counters_to_json(JsonWriter& object, std::string_view key,
                                                                     const std::vector<std::string>& instances,
                                                                     const Ont_eth_frame_ext_pm::Direction& counters) {
-    return add_unless_empty(object, key, [&](cJSON* added) -> Result<void> {
-        BOOST_OUTCOME_TRY(add_instances(added, instances, counters, counter_tables::frame_extended));
-        return add_group(added, "veip", counters.veip, counter_tables::frame_extended);
+    return write_unless_empty(object, key, [&]() -> Result<void> {
+        write_instances(object, instances, counters, counter_tables::frame_extended);
+        write_group(object, "veip", counters.veip, counter_tables::frame_extended);
+        return core::success();
     });
 }
 

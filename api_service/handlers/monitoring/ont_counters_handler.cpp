@@ -33,7 +33,7 @@ constexpr CountersHandler::Kind CountersHandler::kinds[] = {
 Result<Response> MonitoringOntCountersHandler::operator()(const Request& request,
                                                           const std::shared_ptr<Session>& session) const {
     BOOST_OUTCOME_TRY(check_session(session));
-    return answer_with_data(session, [&]() -> Result<JsonTree> {
+    return answer_with_data(session, [&]() -> Result<std::string> {
         const auto* const kind =
             std::ranges::find_if(kinds, [&](const Kind& known) { return request.path.ends_with(known.path_end); });
         if (kind == std::end(kinds)) {

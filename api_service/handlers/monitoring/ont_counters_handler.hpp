@@ -1,10 +1,12 @@
 #pragma once
 
 #include "api_service/handlers/handler_frame.hpp"
+#include "api_service/protocol/json_writer.hpp"
 #include "xpon/custom_layer/ont_counters.h"
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace xpon::api_service {
@@ -28,7 +30,7 @@ public:
 
     // The array for each kind. A record that claims more instances than it has place for is an error.
 
-    using Payload = Result<JsonTree>;
+    using Payload = Result<std::string>;
     static Payload get_payload_for_pm_history_data(const CounterRecords<Ont_gem_port_pm>& records);
     static Payload get_payload_for_nctp_pm_history_data(const CounterRecords<Ont_gem_port_nctp_pm>& records);
     static Payload get_payload_for_eth_pm_history_data(const CounterRecords<Ont_eth_pm_history_data>& records);
@@ -54,10 +56,10 @@ private:
     template <Ont_information_kind kind, class Record, Payload (*get_payload)(const CounterRecords<Record>&)>
     [[nodiscard]] Payload get_array(const Bitmap_ont_range& range) const;
 
-    static Result<void> add_eth_frame_ext_pm_counters_to_json(cJSON* object, const char* key,
+    static Result<void> add_eth_frame_ext_pm_counters_to_json(JsonWriter& object, std::string_view key,
                                                               const std::vector<std::string>& instances,
                                                               const Ont_eth_frame_ext_pm::Direction& counters);
-    static Result<void> fill_eth_frame_ext_pm(cJSON* object, const Ont_eth_frame_ext_pm& record);
+    static Result<void> fill_eth_frame_ext_pm(JsonWriter& object, const Ont_eth_frame_ext_pm& record);
 };
 
 } // namespace xpon::api_service

@@ -10,17 +10,21 @@ namespace xpon::api_service {
 inline constexpr JsonField<ConfiguredOnt> configured_ont_fields[] = {
     {"cfg_port", member<&ConfiguredOnt::port>},
     {"cfg_ont_id", member<&ConfiguredOnt::ont_id>},
-    {"serial", [](const ConfiguredOnt& ont) { return create_number_array(std::span<const std::uint8_t>(ont.serial)); }},
+    {"serial",
+     [](JsonWriter& to, const ConfiguredOnt& ont) -> Result<void> {
+         write_numbers(to, std::span<const std::uint8_t>(ont.serial));
+         return core::success();
+     }},
 };
 
 inline constexpr JsonField<Ont__state_info> activated_ont_fields[] = {
-    {"state", [](const Ont__state_info& ont) { return create_field_value(ont_state_to_str(ont.state)); }},
+    {"state", [](JsonWriter& to, const Ont__state_info& ont) { return write_value(to, ont_state_to_str(ont.state)); }},
     {"port", member<&Ont__state_info::port>},
 };
 
 inline constexpr JsonField<Ont_unactivated_entry> unactivated_ont_fields[] = {
     {"port", member<&Ont_unactivated_entry::port>},
-    {"state", [](const Ont_unactivated_entry&) { return create_field_value("UNACTIVATED"); }},
+    {"state", [](JsonWriter& to, const Ont_unactivated_entry&) { return write_value(to, "UNACTIVATED"); }},
 };
 
 inline constexpr JsonField<Ont_unactivated_entry> unactivated_ont_serial_fields[] = {

@@ -34,25 +34,25 @@ Result<std::optional<ConfiguredOnt>> find_configured(OntWalk& walk, const OntSer
     }
 }
 
-Result<void> fill_configured(cJSON* object, const ConfiguredOnt& ont) {
-    BOOST_OUTCOME_TRY(add_fields(object, ont, configured_ont_fields));
+Result<void> fill_configured(JsonWriter& object, const ConfiguredOnt& ont) {
+    BOOST_OUTCOME_TRY(write_fields(object, ont, configured_ont_fields));
     if (ont.state != nullptr) {
-        return add_fields(object, *ont.state, activated_ont_fields);
+        return write_fields(object, *ont.state, activated_ont_fields);
     }
     if (ont.unactivated != nullptr) {
-        return add_fields(object, *ont.unactivated, unactivated_ont_fields);
+        return write_fields(object, *ont.unactivated, unactivated_ont_fields);
     }
     return core::success();
 }
 
-Result<void> fill_unactivated(cJSON* object, const OntReports& reports, const OntSerial& serial) {
+Result<void> fill_unactivated(JsonWriter& object, const OntReports& reports, const OntSerial& serial) {
     const auto found = std::ranges::find_if(
         reports.unactivated(), [&](const Ont_unactivated_entry& ont) { return make_serial(ont.serial) == serial; });
     if (found == reports.unactivated().end()) {
         return core::success();
     }
-    BOOST_OUTCOME_TRY(add_fields(object, *found, unactivated_ont_serial_fields));
-    return add_fields(object, *found, unactivated_ont_fields);
+    BOOST_OUTCOME_TRY(write_fields(object, *found, unactivated_ont_serial_fields));
+    return write_fields(object, *found, unactivated_ont_fields);
 }
 
 } // namespace
@@ -61,7 +61,7 @@ Result<Response> MonitoringOntStateBySerialHandler::operator()(const Request& re
                                                                const std::shared_ptr<Session>& session) const {
     BOOST_OUTCOME_TRY(const auto db, database_of(session));
     std::optional<JsonError> refusal;
-    auto answered = answer_with_data(session, [&]() -> Result<JsonTree> {
+    auto answered = answer_with_data(session, [&]() -> Result<std::string> {
         BOOST_OUTCOME_TRY(const auto* item, get_serial_item(request));
         const auto serial = get_serial_from_array(item);
         if (!serial) {
@@ -78,25 +78,24 @@ Result<Response> MonitoringOntStateBySerialHandler::operator()(const Request& re
     return answered;
 }
 
-Result<JsonTree> MonitoringOntStateBySerialHandler::serialize_payload(const cfgdb::CfgDbWrapper& db,
-                                                                      const OntSerial& serial,
-                                                                      std::optional<ConfigurationType> type) const {
+Result<std::string> MonitoringOntStateBySerialHandler::serialize_payload(const cfgdb::CfgDbWrapper& db,
+                                                                         const OntSerial& serial,
+                                                                         std::optional<ConfigurationType> type) const {
     BOOST_OUTCOME_TRY(const auto range, get_all_ont_range(*logger_));
     BOOST_OUTCOME_TRY(const auto reports, OntReports::get(*logger_, ipc_, range));
-    BOOST_OUTCOME_TRY(auto root, create_object());
-    BOOST_OUTCOME_TRY(auto* monitoring, add_subobject(root.get(), "monitoring"));
     OntWalk walk(*logger_, db, range, reports);
     BOOST_OUTCOME_TRY(const auto ont, find_configured(walk, serial));
-    if (ont) {
-        BOOST_OUTCOME_TRY(fill_configured(monitoring, *ont));
-        BOOST_OUTCOME_TRY(add_configuration(root.get(), db, ont->config_index, type));
-    } else {
-        BOOST_OUTCOME_TRY(fill_unactivated(monitoring, reports, serial));
-    }
-    return root;
+    return write_data([&](JsonWriter& root) {
+        return write_object(root, [&]() -> Result<void> {
+            root.key("monitoring");
+            BOOST_OUTCOME_TRY(write_object(
+                root, [&] { return ont ? fill_configured(root, *ont) : fill_unactivated(root, reports, serial); }));
+            return ont ? add_configuration(root, db, ont->config_index, type) : core::success();
+        });
+    });
 }
 
-Result<void> MonitoringOntStateBySerialHandler::add_configuration(cJSON* root, const cfgdb::CfgDbWrapper& db,
+Result<void> MonitoringOntStateBySerialHandler::add_configuration(JsonWriter& root, const cfgdb::CfgDbWrapper& db,
                                                                   unsigned short config_index,
                                                                   std::optional<ConfigurationType> type) const {
     const ConfigurationGetHandler<cfgdb::PonOnt, 1> getter(logger_, getRunDb_ZebGCfg_pon_ont, getDb_ZebGCfg_pon_ont,
@@ -105,7 +104,8 @@ Result<void> MonitoringOntStateBySerialHandler::add_configuration(cJSON* root, c
     if (std::holds_alternative<JsonErrors>(configuration)) {
         return ErrorPayload(Error::InvalidState, "The ONT's configuration cannot be written as JSON");
     }
-    return add_to_object(root, "configuration", std::get<JsonTree>(std::move(configuration)));
+    root.key("configuration");
+    return write_tree(root, std::get<JsonTree>(configuration).get());
 }
 
 } // namespace xpon::api_service

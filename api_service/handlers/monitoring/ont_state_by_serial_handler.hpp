@@ -2,9 +2,11 @@
 
 #include "api_service/handlers/handler_frame.hpp"
 #include "api_service/handlers/monitoring/ont_serial.hpp"
+#include "api_service/protocol/json_writer.hpp"
 
 #include <memory>
 #include <optional>
+#include <string>
 
 namespace xpon::api_service {
 
@@ -17,9 +19,9 @@ public:
     Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const;
 
 private:
-    [[nodiscard]] Result<JsonTree> serialize_payload(const cfgdb::CfgDbWrapper& db, const OntSerial& serial,
-                                                     std::optional<ConfigurationType> type) const;
-    Result<void> add_configuration(cJSON* root, const cfgdb::CfgDbWrapper& db, unsigned short config_index,
+    [[nodiscard]] Result<std::string> serialize_payload(const cfgdb::CfgDbWrapper& db, const OntSerial& serial,
+                                                        std::optional<ConfigurationType> type) const;
+    Result<void> add_configuration(JsonWriter& root, const cfgdb::CfgDbWrapper& db, unsigned short config_index,
                                    std::optional<ConfigurationType> type) const;
 };
 

@@ -26,46 +26,47 @@ constexpr JsonField<Ont_unactivated_entry> password_fields[] = {
     {"password", member<&Ont_unactivated_entry::password>},
 };
 
-Result<void> fill_activated(cJSON* object, const Ont__state_info& state) {
-    BOOST_OUTCOME_TRY(add_fields(object, state, activated_ont_fields));
-    BOOST_OUTCOME_TRY(add_record(object, "ont_info", state, ont_info_fields));
+Result<void> fill_activated(JsonWriter& object, const Ont__state_info& state) {
+    BOOST_OUTCOME_TRY(write_fields(object, state, activated_ont_fields));
+    BOOST_OUTCOME_TRY(write_record(object, "ont_info", state, ont_info_fields));
     BOOST_OUTCOME_TRY(const auto alloc_ids, bounded_items(state.alloc_ids, state.alloc_count, "alloc_ids"));
-    BOOST_OUTCOME_TRY(auto numbers, create_number_array(alloc_ids));
-    return add_to_object(object, "alloc_ids", std::move(numbers));
+    object.key("alloc_ids");
+    write_numbers(object, alloc_ids);
+    return core::success();
 }
 
-Result<void> fill_configured(cJSON* object, const ConfiguredOnt& ont) {
-    BOOST_OUTCOME_TRY(add_fields(object, ont, configured_ont_fields));
-    BOOST_OUTCOME_TRY(add_fields(object, ont.configuration, configuration_fields));
+Result<void> fill_configured(JsonWriter& object, const ConfiguredOnt& ont) {
+    BOOST_OUTCOME_TRY(write_fields(object, ont, configured_ont_fields));
+    BOOST_OUTCOME_TRY(write_fields(object, ont.configuration, configuration_fields));
     if (ont.state != nullptr) {
         return fill_activated(object, *ont.state);
     }
     if (ont.unactivated != nullptr) {
-        return add_fields(object, *ont.unactivated, unactivated_ont_fields);
+        return write_fields(object, *ont.unactivated, unactivated_ont_fields);
     }
     return core::success();
 }
 
-Result<void> fill_unconfigured(cJSON* object, const Ont_unactivated_entry& ont) {
-    BOOST_OUTCOME_TRY(add_fields(object, ont, unactivated_ont_serial_fields));
-    BOOST_OUTCOME_TRY(add_fields(object, ont, password_fields));
-    return add_fields(object, ont, unactivated_ont_fields);
+Result<void> fill_unconfigured(JsonWriter& object, const Ont_unactivated_entry& ont) {
+    BOOST_OUTCOME_TRY(write_fields(object, ont, unactivated_ont_serial_fields));
+    BOOST_OUTCOME_TRY(write_fields(object, ont, password_fields));
+    return write_fields(object, ont, unactivated_ont_fields);
 }
 
-Result<void> fill_array(cJSON* array, OntWalk& walk) {
+Result<void> write_onts(JsonWriter& writer, OntWalk& walk) {
+    writer.begin_array();
     for (;;) {
         BOOST_OUTCOME_TRY(const auto ont, walk.next());
         if (!ont) {
             break;
         }
-        BOOST_OUTCOME_TRY(auto* object, create_object_in_array(array));
-        BOOST_OUTCOME_TRY(fill_configured(object, *ont));
+        BOOST_OUTCOME_TRY(write_object(writer, [&] { return fill_configured(writer, *ont); }));
     }
     BOOST_OUTCOME_TRY(walk.finish());
     for (const auto* ont : walk.unclaimed()) {
-        BOOST_OUTCOME_TRY(auto* object, create_object_in_array(array));
-        BOOST_OUTCOME_TRY(fill_unconfigured(object, *ont));
+        BOOST_OUTCOME_TRY(write_object(writer, [&] { return fill_unconfigured(writer, *ont); }));
     }
+    writer.end_array();
     return core::success();
 }
 
@@ -74,7 +75,7 @@ Result<void> fill_array(cJSON* array, OntWalk& walk) {
 Result<Response> MonitoringOntStateHandler::operator()(const Request& request,
                                                        const std::shared_ptr<Session>& session) const {
     BOOST_OUTCOME_TRY(const auto db, database_of(session));
-    return answer_with_data(session, [&]() -> Result<JsonTree> {
+    return answer_with_data(session, [&]() -> Result<std::string> {
         BOOST_OUTCOME_TRY(const auto range, get_ont_range(request));
         return serialize_payload(*db, range);
     });
@@ -97,13 +98,11 @@ Result<Bitmap_ont_range> MonitoringOntStateHandler::get_ont_range(const Request&
     return range;
 }
 
-Result<JsonTree> MonitoringOntStateHandler::serialize_payload(const cfgdb::CfgDbWrapper& db,
-                                                              const Bitmap_ont_range& range) const {
+Result<std::string> MonitoringOntStateHandler::serialize_payload(const cfgdb::CfgDbWrapper& db,
+                                                                 const Bitmap_ont_range& range) const {
     BOOST_OUTCOME_TRY(const auto reports, OntReports::get(*logger_, ipc_, range));
-    BOOST_OUTCOME_TRY(auto array, create_array());
     OntWalk walk(*logger_, db, range, reports);
-    BOOST_OUTCOME_TRY(fill_array(array.get(), walk));
-    return array;
+    return write_data([&](JsonWriter& writer) { return write_onts(writer, walk); });
 }
 
 } // namespace xpon::api_service

@@ -4,6 +4,7 @@
 #include "xpon/ranges/ont_range.h"
 
 #include <memory>
+#include <string>
 
 namespace xpon::api_service {
 
@@ -18,8 +19,8 @@ public:
     [[nodiscard]] Result<Bitmap_ont_range> get_ont_range(const Request& request) const;
 
 private:
-    [[nodiscard]] Result<JsonTree> serialize_payload(const cfgdb::CfgDbWrapper& db,
-                                                     const Bitmap_ont_range& range) const;
+    [[nodiscard]] Result<std::string> serialize_payload(const cfgdb::CfgDbWrapper& db,
+                                                        const Bitmap_ont_range& range) const;
 };
 
 } // namespace xpon::api_service

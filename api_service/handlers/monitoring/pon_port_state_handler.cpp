@@ -14,9 +14,10 @@ namespace {
 
 constexpr JsonField<PortInfo> port_fields[] = {
     {"port", member<&PortInfo::port>},
-    {"state", [](const PortInfo& port) { return create_field_value(channel_state_to_str(port.state.channel_state)); }},
-    {"pon_type", [](const PortInfo& port) { return create_field_value(Pon_port_type_to_str(port.type)); }},
-    {"ont_count", [](const PortInfo& port) { return create_field_value(port.state.ont_count); }},
+    {"state", [](JsonWriter& to,
+                 const PortInfo& port) { return write_value(to, channel_state_to_str(port.state.channel_state)); }},
+    {"pon_type", [](JsonWriter& to, const PortInfo& port) { return write_value(to, Pon_port_type_to_str(port.type)); }},
+    {"ont_count", [](JsonWriter& to, const PortInfo& port) { return write_value(to, port.state.ont_count); }},
 };
 
 constexpr JsonField<Pon_port_sfp_info> eddi_fields[] = {
@@ -26,17 +27,18 @@ constexpr JsonField<Pon_port_sfp_info> eddi_fields[] = {
     {"tx_power_dbm", member<&Pon_port_sfp_info::power>},
 };
 
-Result<void> fill_port(cJSON* object, const PortInfo& port) {
-    BOOST_OUTCOME_TRY(add_fields(object, port, port_fields));
+Result<void> fill_port(JsonWriter& object, const PortInfo& port) {
+    BOOST_OUTCOME_TRY(write_fields(object, port, port_fields));
     BOOST_OUTCOME_TRY(const bool is_present, add_sfp_condition(object, port.module.sfp));
     if (!is_present) {
         return core::success();
     }
-    BOOST_OUTCOME_TRY(add_sfp(object, port.module.sfp));
+    object.key("sfp");
+    BOOST_OUTCOME_TRY(write_object(object, [&] { return fill_sfp(object, port.module.sfp); }));
     if (port.module.valid == 0) {
         return core::success();
     }
-    return add_record(object, "eddi", port.module, eddi_fields);
+    return write_record(object, "eddi", port.module, eddi_fields);
 }
 
 /// The entry of `port` in a record with one entry for each port.
@@ -55,7 +57,7 @@ Result<Entry> entry_of(const Entry (&entries)[N], std::size_t count, std::uint8_
 Result<Response> MonitoringPonPortStateHandler::operator()(const Request& request,
                                                            const std::shared_ptr<Session>& session) const {
     BOOST_OUTCOME_TRY(database_of(session));
-    return answer_with_data(session, [&]() -> Result<JsonTree> {
+    return answer_with_data(session, [&]() -> Result<std::string> {
         BOOST_OUTCOME_TRY(const auto range, process_request(request));
         BOOST_OUTCOME_TRY(const auto ports, retrieve_pon_port_info_from_db(range));
         return compose_response(ports);
@@ -83,7 +85,7 @@ MonitoringPonPortStateHandler::retrieve_pon_port_info_from_db(const Bitmap_pon_p
                      "Failed to retrieve pon port info");
 }
 
-Result<JsonTree> MonitoringPonPortStateHandler::compose_response(const std::vector<PortInfo>& ports) {
+Result<std::string> MonitoringPonPortStateHandler::compose_response(const std::vector<PortInfo>& ports) {
     return compose_ports(ports, fill_port);
 }
 

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace xpon::api_service {
@@ -30,7 +31,7 @@ public:
     [[nodiscard]] Result<std::vector<PortInfo>>
     retrieve_pon_port_info_from_db(const Bitmap_pon_port_range& ports) const;
 
-    [[nodiscard]] static Result<JsonTree> compose_response(const std::vector<PortInfo>& ports);
+    [[nodiscard]] static Result<std::string> compose_response(const std::vector<PortInfo>& ports);
 
 private:
     [[nodiscard]] Result<PortInfo> describe(const Pon_ports_states& states,

@@ -1,7 +1,5 @@
 #include "api_service/handlers/monitoring/port_answers.hpp"
 
-#include "api_service/handlers/record_fields.hpp"
-
 namespace xpon::api_service {
 namespace {
 
@@ -24,20 +22,19 @@ Result<std::string> text_of_condition(const Sfp_identification& sfp) {
 }
 
 constexpr JsonField<Sfp_identification> condition_fields[] = {
-    {"sfp_condition", [](const Sfp_identification& sfp) { return create_field_value(text_of_condition(sfp)); }},
+    {"sfp_condition",
+     [](JsonWriter& to, const Sfp_identification& sfp) { return write_value(to, text_of_condition(sfp)); }},
 };
 
 } // namespace
 
-Result<bool> add_sfp_condition(cJSON* object, const Sfp_identification& sfp) {
-    BOOST_OUTCOME_TRY(add_fields(object, sfp, condition_fields));
+Result<bool> add_sfp_condition(JsonWriter& object, const Sfp_identification& sfp) {
+    BOOST_OUTCOME_TRY(write_fields(object, sfp, condition_fields));
     return sfp.condition == sfp_present;
 }
 
-Result<cJSON*> add_sfp(cJSON* object, const Sfp_identification& sfp) {
-    BOOST_OUTCOME_TRY(auto* added, add_subobject(object, "sfp"));
-    BOOST_OUTCOME_TRY(add_fields(added, sfp, sfp_fields));
-    return added;
+Result<void> fill_sfp(JsonWriter& object, const Sfp_identification& sfp) {
+    return write_fields(object, sfp, sfp_fields);
 }
 
 } // namespace xpon::api_service

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "api_service/core_names.hpp"
-#include "api_service/protocol/json_building.hpp"
+#include "api_service/handlers/record_fields.hpp"
 #include "xpon/custom_layer/sfp.h"
 #include "xpon/ranges/bitfield.h"
 
@@ -37,20 +37,17 @@ describe_ports(const Bitmap& ports, int (*next)(const Bitmap* bitmap, Bitmap_ite
 
 /// An array with one object for each port, filled by `fill`.
 template <class PortInfo>
-Result<JsonTree> compose_ports(const std::vector<PortInfo>& ports,
-                               Result<void> (*fill)(cJSON* object, const PortInfo& port)) {
-    BOOST_OUTCOME_TRY(auto array, create_array());
-    for (const auto& port : ports) {
-        BOOST_OUTCOME_TRY(auto* object, create_object_in_array(array.get(), port.port));
-        BOOST_OUTCOME_TRY(fill(object, port));
-    }
-    return array;
+Result<std::string> compose_ports(const std::vector<PortInfo>& ports,
+                                  Result<void> (*fill)(JsonWriter& object, const PortInfo& port)) {
+    return write_data([&](JsonWriter& writer) {
+        return write_objects(writer, ports, [&](const PortInfo& port) { return fill(writer, port); });
+    });
 }
 
 /// Adds "sfp_condition". True when there is a module to describe.
-Result<bool> add_sfp_condition(cJSON* object, const Sfp_identification& sfp);
+Result<bool> add_sfp_condition(JsonWriter& object, const Sfp_identification& sfp);
 
-/// Adds "sfp" with how the module identifies itself, and returns it.
-Result<cJSON*> add_sfp(cJSON* object, const Sfp_identification& sfp);
+/// Adds how the module identifies itself to the object "sfp".
+Result<void> fill_sfp(JsonWriter& object, const Sfp_identification& sfp);
 
 } // namespace xpon::api_service

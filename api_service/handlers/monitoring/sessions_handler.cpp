@@ -17,11 +17,11 @@ struct SessionTable<Dhcp_get_sessions_msg> {
     static constexpr JsonField<Dhcp_session> fields[] = {
         {"pon_port_id", member<&Dhcp_session::pon_port>},
         {"ont_id", member<&Dhcp_session::ont_id>},
-        {"mac", [](const Dhcp_session& lease) { return create_field_value(mac_text(lease.mac)); }},
+        {"mac", [](JsonWriter& to, const Dhcp_session& lease) { return write_value(to, mac_text(lease.mac)); }},
         {"service_id", member<&Dhcp_session::service_id>},
         {"gem_port", member<&Dhcp_session::gem_port>},
         {"outer_vid", member<&Dhcp_session::outer_vid>},
-        {"ip", [](const Dhcp_session& lease) { return create_field_value(ipv4_text(lease.ip)); }},
+        {"ip", [](JsonWriter& to, const Dhcp_session& lease) { return write_value(to, ipv4_text(lease.ip)); }},
         {"life_time_msec", member<&Dhcp_session::life_time_msec>},
         {"ont_serial", member<&Dhcp_session::ont_serial>},
     };
@@ -38,7 +38,8 @@ struct SessionTable<Pppoe_get_sessions_msg> {
         {"ont_serial", member<&Pppoe_session::ont_serial>},
         {"duration_sec", member<&Pppoe_session::duration_sec>},
         {"unblock_rest_sec", member<&Pppoe_session::unblock_rest_sec>},
-        {"client_mac", [](const Pppoe_session& session) { return create_field_value(mac_text(session.client_mac)); }},
+        {"client_mac",
+         [](JsonWriter& to, const Pppoe_session& session) { return write_value(to, mac_text(session.client_mac)); }},
     };
 };
 
@@ -48,7 +49,7 @@ template <class SessionList>
 Result<Response> MonitoringSessionsHandler<SessionList>::operator()(const Request&,
                                                                     const std::shared_ptr<Session>& session) const {
     BOOST_OUTCOME_TRY(check_session(session));
-    return answer_with_data(session, [&]() -> Result<JsonTree> {
+    return answer_with_data(session, [&]() -> Result<std::string> {
         BOOST_OUTCOME_TRY(const auto sessions,
                           fetch_list<SessionList>(*logger_, SessionTable<SessionList>::fetch, ipc_->raw()));
         return serialize_payload(*sessions);
@@ -56,14 +57,15 @@ Result<Response> MonitoringSessionsHandler<SessionList>::operator()(const Reques
 }
 
 template <class SessionList>
-Result<JsonTree> MonitoringSessionsHandler<SessionList>::serialize_payload(const SessionList& sessions) {
-    BOOST_OUTCOME_TRY(auto root, create_object());
-    BOOST_OUTCOME_TRY(auto* array, add_array_subobject(root.get(), "sessions"));
-    for (std::uint32_t i = 0; i < sessions.count; ++i) {
-        BOOST_OUTCOME_TRY(auto* object, create_object_in_array(array, i));
-        BOOST_OUTCOME_TRY(add_fields(object, sessions.entries[i], SessionTable<SessionList>::fields));
-    }
-    return root;
+Result<std::string> MonitoringSessionsHandler<SessionList>::serialize_payload(const SessionList& sessions) {
+    return write_data([&](JsonWriter& root) {
+        return write_object(root, [&] {
+            root.key("sessions");
+            return write_objects(root, std::span(sessions.entries, sessions.count), [&](const auto& entry) {
+                return write_fields(root, entry, SessionTable<SessionList>::fields);
+            });
+        });
+    });
 }
 
 template class MonitoringSessionsHandler<Dhcp_get_sessions_msg>;

@@ -4,6 +4,7 @@
 #include "xpon/custom_layer/subscribers.h"
 
 #include <memory>
+#include <string>
 
 namespace xpon::api_service {
 
@@ -15,7 +16,7 @@ public:
 
     Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const;
 
-    static Result<JsonTree> serialize_payload(const SessionList& sessions);
+    static Result<std::string> serialize_payload(const SessionList& sessions);
 
 private:
 };

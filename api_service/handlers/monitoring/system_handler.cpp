@@ -35,7 +35,8 @@ constexpr JsonField<Fan_state> fan_fields[] = {
 };
 
 constexpr JsonField<Temp_sensor_state> sensor_fields[] = {
-    {"id", [](const Temp_sensor_state& sensor) { return create_field_value(get_sensor_id_str(sensor.id)); }},
+    {"id",
+     [](JsonWriter& to, const Temp_sensor_state& sensor) { return write_value(to, get_sensor_id_str(sensor.id)); }},
     {"value", member<&Temp_sensor_state::value>},
 };
 
@@ -50,36 +51,35 @@ constexpr JsonField<Brd__ps_info> power_source_identification_fields[] = {
     {"is_required_reset", flag<&Brd__ps_info::is_required_reset>},
     {"model", member<&Brd__ps_info::model>},
     {"type",
-     [](const Brd__ps_info& source) { return create_field_value(text_of_value(power_source_types, source.type)); }},
+     [](JsonWriter& to, const Brd__ps_info& source) {
+         return write_value(to, text_of_value(power_source_types, source.type));
+     }},
     {"serial", member<&Brd__ps_info::serial>},
     {"version", member<&Brd__ps_info::version>},
     {"revision", member<&Brd__ps_info::revision>},
     {"date", member<&Brd__ps_info::date>},
 };
 
-Result<void> serialize_ps(cJSON* object, const Brd__ps_info& source) {
-    BOOST_OUTCOME_TRY(add_fields(object, source, power_source_fields));
+Result<void> serialize_ps(JsonWriter& object, const Brd__ps_info& source) {
+    BOOST_OUTCOME_TRY(write_fields(object, source, power_source_fields));
     if (source.is_read_info == 0) {
         return core::success();
     }
-    return add_fields(object, source, power_source_identification_fields);
+    return write_fields(object, source, power_source_identification_fields);
 }
 
-Result<void> add_environment(cJSON* root, const Environment& environment) {
+Result<void> add_environment(JsonWriter& root, const Environment& environment) {
     BOOST_OUTCOME_TRY(const auto fans, bounded_items(environment.fans, environment.fan_count, "fans"));
     BOOST_OUTCOME_TRY(const auto sensors,
                       bounded_items(environment.temp_sensors, environment.temp_sensor_count, "temp_sensors"));
-    BOOST_OUTCOME_TRY(add_record(root, "ram", environment, ram_fields));
-    BOOST_OUTCOME_TRY(add_record(root, "disk", environment, disk_fields));
-    BOOST_OUTCOME_TRY(add_record(root, "avg_load", environment, load_fields));
-    BOOST_OUTCOME_TRY(add_records(root, "fans", fans, fan_fields));
-    BOOST_OUTCOME_TRY(add_records(root, "temp_sensors", sensors, sensor_fields));
-    BOOST_OUTCOME_TRY(auto* sources, add_array_subobject(root, "power_sources"));
-    for (const auto& source : environment.power_sources) {
-        BOOST_OUTCOME_TRY(auto* object, create_object_in_array(sources));
-        BOOST_OUTCOME_TRY(serialize_ps(object, source));
-    }
-    return core::success();
+    BOOST_OUTCOME_TRY(write_record(root, "ram", environment, ram_fields));
+    BOOST_OUTCOME_TRY(write_record(root, "disk", environment, disk_fields));
+    BOOST_OUTCOME_TRY(write_record(root, "avg_load", environment, load_fields));
+    BOOST_OUTCOME_TRY(write_records(root, "fans", fans, fan_fields));
+    BOOST_OUTCOME_TRY(write_records(root, "temp_sensors", sensors, sensor_fields));
+    root.key("power_sources");
+    return write_objects(root, environment.power_sources,
+                         [&](const Brd__ps_info& source) { return serialize_ps(root, source); });
 }
 
 } // namespace
@@ -99,13 +99,15 @@ Result<Environment> MonitoringSystemHandler::get_environment() const {
     return environment;
 }
 
-Result<JsonTree> MonitoringSystemHandler::serialize_payload() const {
+Result<std::string> MonitoringSystemHandler::serialize_payload() const {
     BOOST_OUTCOME_TRY(const auto environment, get_environment());
-    BOOST_OUTCOME_TRY(auto root, create_object());
-    BOOST_OUTCOME_TRY(add_environment(root.get(), environment));
-    BOOST_OUTCOME_TRY(add_device_info(*logger_, root.get(), environment));
-    BOOST_OUTCOME_TRY(add_factory_info(*logger_, root.get()));
-    return root;
+    return write_data([&](JsonWriter& root) {
+        return write_object(root, [&]() -> Result<void> {
+            BOOST_OUTCOME_TRY(add_environment(root, environment));
+            BOOST_OUTCOME_TRY(add_device_info(*logger_, root, environment));
+            return add_factory_info(*logger_, root);
+        });
+    });
 }
 
 } // namespace xpon::api_service

@@ -17,7 +17,7 @@ public:
 
 private:
     [[nodiscard]] Result<System_environment_data> get_environment() const;
-    [[nodiscard]] Result<JsonTree> serialize_payload() const;
+    [[nodiscard]] Result<std::string> serialize_payload() const;
 };
 
 /// The name of a temperature sensor, padded as clients show it. Error InvalidInputArg for an unknown one.
