@@ -4,6 +4,7 @@
 #include "api_service/freed_memory.hpp"
 #include "api_service/poller.hpp"
 #include "api_service/protocol/route_table.hpp"
+#include "api_service/request_memory.hpp"
 #include "api_service/send_buffer.hpp"
 #include "xpon/core/guard.hpp"
 
@@ -36,7 +37,10 @@ Result<void> ApiService::run(const service::ServiceCtx&) {
             return clients.error();
         }
         for (const auto& client : clients.value()) {
-            serve_client(client);
+            {
+                const RequestMemory::Scope memory;
+                serve_client(client);
+            }
             give_back_freed_memory(std::exchange(memory_used_, 0));
         }
     }

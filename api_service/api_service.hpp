@@ -63,7 +63,7 @@ private:
     std::shared_ptr<SessionManager> session_manager_;
     std::shared_ptr<IPamApi> pam_;
     Endpoint endpoint_;
-    std::size_t memory_used_ = 0; ///< bytes, by one request or answer since memory was last given back
+    std::size_t memory_used_ = 0; ///< bytes of small blocks, by one request since memory was last given back
 };
 
 } // namespace xpon::api_service

@@ -1,3 +1,4 @@
+#include "api_service/request_memory.hpp"
 #include "api_service/signals.hpp"
 #include "api_service/start_cycle.hpp"
 
@@ -34,6 +35,9 @@ int main(int count, char** arguments) {
     }
     ::prctl(PR_SET_DUMPABLE, 0); // passwords pass through its memory: neither core files nor tracers may see it
     ignore_signals();
+    if constexpr (XPON_REQUEST_ARENA) {
+        RequestMemory::use();
+    }
     for (;;) {
         switch (StartCycle().run()) {
         case CycleEnd::restart:

@@ -3,9 +3,8 @@
 #include "api_service/api_service.hpp"
 #include "api_service/auth/secret_wiping.hpp"
 #include "api_service/freed_memory.hpp"
+#include "api_service/request_memory.hpp"
 #include "xpon/core/guard.hpp"
-
-#include <algorithm>
 
 namespace xpon::api_service {
 namespace {
@@ -29,7 +28,9 @@ Result<void> ApiService::process_socket(const std::shared_ptr<IClientSocket>& so
     }
     BOOST_OUTCOME_TRY(auto frame, core::guarded(*logger_, [&] { return socket->get_frame(); }));
     const WipeAtExit wipe(frame);
-    memory_used_ = std::max(memory_used_, frame.size() * tree_bytes_per_text_byte);
+    if (const auto tree_bytes = frame.size() * tree_bytes_per_text_byte; tree_bytes > RequestMemory::most_bytes) {
+        memory_used_ = tree_bytes;
+    }
     BOOST_OUTCOME_TRY(auto request,
                       logged(*logger_, core::guarded(*logger_, [&] { return request_parser_.parse_request(frame); })));
     return dispatch(*socket, request);
@@ -79,7 +80,6 @@ Result<void> ApiService::answer(IClientSocket& socket, const Response& response,
     BOOST_OUTCOME_TRY(const auto text, logged(*logger_, core::guarded(*logger_, [&] {
                           return request_parser_.make_response(response);
                       })));
-    memory_used_ = std::max(memory_used_, text.size());
     auto sent = core::guarded(*logger_, [&] { return socket.send_frame(text); });
     if (!sent) {
         log_error(*logger_, "Answer of {}: {}", path, sent.error().to_string());
