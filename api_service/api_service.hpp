@@ -49,7 +49,7 @@ private:
     Result<void> dispatch(IClientSocket& socket, Request& request);
     Result<void> run_pre_hooks(const RouteHandler& route, const std::shared_ptr<Session>& session, Request& request);
     /// `path` is for the log.
-    Result<void> answer(IClientSocket& socket, const Response& response, const std::string& path);
+    Result<void> answer(IClientSocket& socket, Response response, const std::string& path);
     Result<void> answer_with_error(IClientSocket& socket, const std::shared_ptr<Session>& session, Json_errors index,
                                    const std::string& path);
     void serve_client(const std::shared_ptr<IClientSocket>& socket);

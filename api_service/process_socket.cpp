@@ -6,6 +6,8 @@
 #include "api_service/request_memory.hpp"
 #include "xpon/core/guard.hpp"
 
+#include <utility>
+
 namespace xpon::api_service {
 namespace {
 
@@ -56,7 +58,7 @@ Result<void> ApiService::dispatch(IClientSocket& socket, Request& request) {
         changes_.failed(change, socket.get_fd()); // the answer does not say why, the lines before do
         return hooked;
     }
-    const auto response = core::guarded(*logger_, [&] { return route.handler(request, session); });
+    auto response = core::guarded(*logger_, [&] { return route.handler(request, session); });
     if (!response) {
         // The client learns no cause: the log names the request and its cause, before the outcome.
         log_error(*logger_, "{} {}: {}", request.method, request.path, response.error().to_string());
@@ -65,7 +67,7 @@ Result<void> ApiService::dispatch(IClientSocket& socket, Request& request) {
     if (!response) {
         return answer_with_error(socket, session, Json_errors::request_not_processed, request.path);
     }
-    return answer(socket, response.value(), request.path);
+    return answer(socket, std::move(response).value(), request.path);
 }
 
 Result<void> ApiService::run_pre_hooks(const RouteHandler& route, const std::shared_ptr<Session>& session,
@@ -76,9 +78,9 @@ Result<void> ApiService::run_pre_hooks(const RouteHandler& route, const std::sha
     return core::success();
 }
 
-Result<void> ApiService::answer(IClientSocket& socket, const Response& response, const std::string& path) {
+Result<void> ApiService::answer(IClientSocket& socket, Response response, const std::string& path) {
     BOOST_OUTCOME_TRY(const auto text, logged(*logger_, core::guarded(*logger_, [&] {
-                          return request_parser_.make_response(response);
+                          return request_parser_.make_response(std::move(response));
                       })));
     auto sent = core::guarded(*logger_, [&] { return socket.send_frame(text); });
     if (!sent) {

@@ -112,9 +112,14 @@ void JsonWriter::number(double value) {
     append_number(number);
 }
 
-void JsonWriter::raw(std::string_view json) {
+void JsonWriter::raw(std::string json) {
     begin_value();
-    append(json);
+    if (json.size() < used_) {
+        return append(json);
+    }
+    json.insert(0, text_, 0, used_);
+    text_ = std::move(json);
+    used_ = text_.size();
 }
 
 bool JsonWriter::tree(const cJSON* tree) {

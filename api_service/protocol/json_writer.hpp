@@ -44,8 +44,9 @@ public:
     }
     /// As cJSON writes it: no more digits than make it the same number within the precision of its type.
     void number(double value);
-    /// JSON text that has been made at this depth.
-    void raw(std::string_view json);
+    /// JSON text that has been made at this depth. A long one keeps its place in memory, what is written before joins
+    /// it.
+    void raw(std::string json);
     /// False for a tree that cJSON does not print either; what has been written is of no use then.
     [[nodiscard]] bool tree(const cJSON* tree);
 

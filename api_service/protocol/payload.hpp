@@ -20,15 +20,19 @@ public:
     Payload() = default;
     explicit Payload(JsonTree tree) : tree_(std::move(tree)) {}
     /// `text` is made by a writer that begins at `data_depth`.
-    explicit Payload(std::string text) : text_(std::make_shared<const std::string>(std::move(text))) {}
+    explicit Payload(std::string text) : text_(std::make_shared<std::string>(std::move(text))) {}
 
     /// Null when there is no tree.
     [[nodiscard]] const cJSON* get() const {
         return tree_.get();
     }
-    /// Null when there is no text.
-    [[nodiscard]] const std::string* text() const {
-        return text_.get();
+    [[nodiscard]] bool is_text() const {
+        return text_ != nullptr;
+    }
+    /// The text, which must be there; the payload is empty then. Nothing is copied for the last owner.
+    std::string take_text() {
+        const auto text = std::exchange(text_, nullptr);
+        return text.use_count() == 1 ? std::move(*text) : *text;
     }
     [[nodiscard]] bool empty() const {
         return tree_ == nullptr && text_ == nullptr;
@@ -36,7 +40,7 @@ public:
 
 private:
     std::shared_ptr<cJSON> tree_;
-    std::shared_ptr<const std::string> text_;
+    std::shared_ptr<std::string> text_;
 };
 
 } // namespace xpon::api_service

@@ -55,15 +55,15 @@ Result<std::optional<ConfigurationType>> read_config_type(cJSON* object) {
     return ErrorPayload(Error::CommonError, fmt::format("Invalid config type: {}", *text));
 }
 
-Result<void> write_data(JsonWriter& answer, const Payload& data) {
-    if (data.text() != nullptr) {
-        answer.raw(*data.text());
+Result<void> write_data(JsonWriter& answer, Payload& data) {
+    if (data.is_text()) {
+        answer.raw(data.take_text());
         return core::success();
     }
     return write_tree(answer, data.get());
 }
 
-Result<void> write_answer(JsonWriter& answer, const Response& response) {
+Result<void> write_answer(JsonWriter& answer, Response& response) {
     answer.begin_object();
     answer.key("success");
     answer.boolean(response.success);
@@ -137,7 +137,7 @@ Result<Request> RequestParser::parse_request(const std::string& frame) const {
     });
 }
 
-Result<std::string> RequestParser::make_response(const Response& response) const {
+Result<std::string> RequestParser::make_response(Response response) const {
     return core::guarded(*logger_, [&]() -> Result<std::string> {
         JsonWriter answer;
         BOOST_OUTCOME_TRY(write_answer(answer, response));

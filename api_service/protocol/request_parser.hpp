@@ -19,7 +19,8 @@ public:
     /// Unknown keys are ignored; of a repeated key the first counts.
     [[nodiscard]] Result<Request> parse_request(const std::string& frame) const;
 
-    [[nodiscard]] Result<std::string> make_response(const Response& response) const;
+    /// Data that is text is not copied when the response is handed over.
+    [[nodiscard]] Result<std::string> make_response(Response response) const;
 
     /// The string under `key`, which must be there.
     [[nodiscard]] Result<std::string> get_string(cJSON* object, const std::string& key) const;

@@ -10,11 +10,12 @@ using CountersHandler = MonitoringOntCountersHandler;
 namespace {
 
 template <class Record>
-Result<std::string> compose(const CounterRecords<Record>& records,
-                            Result<void> (*fill)(JsonWriter& object, const Record&)) {
-    return write_data([&](JsonWriter& writer) {
-        return write_objects(writer, records, [&](const auto& record) { return fill(writer, *record); });
-    });
+Result<void> compose(JsonWriter& array, const CounterRecords<Record>& records,
+                     Result<void> (*fill)(JsonWriter& object, const Record&)) {
+    for (const auto& record : records) {
+        BOOST_OUTCOME_TRY(write_object(array, [&] { return fill(array, *record); }));
+    }
+    return core::success();
 }
 
 /// The object of a kind whose counters have no direction.
@@ -71,54 +72,59 @@ Result<void> fill_pon(JsonWriter& object, const Ont__get_pon_counters_response& 
 
 } // namespace
 
-CountersHandler::Payload
-CountersHandler::get_payload_for_pm_history_data(const CounterRecords<Ont_gem_port_pm>& records) {
-    return compose(records, fill<counter_tables::gem_port>);
+Result<void> CountersHandler::get_payload_for_pm_history_data(JsonWriter& array,
+                                                              const CounterRecords<Ont_gem_port_pm>& records) {
+    return compose(array, records, fill<counter_tables::gem_port>);
 }
 
-CountersHandler::Payload
-CountersHandler::get_payload_for_nctp_pm_history_data(const CounterRecords<Ont_gem_port_nctp_pm>& records) {
-    return compose(records, fill_nctp);
+Result<void>
+CountersHandler::get_payload_for_nctp_pm_history_data(JsonWriter& array,
+                                                      const CounterRecords<Ont_gem_port_nctp_pm>& records) {
+    return compose(array, records, fill_nctp);
 }
 
-CountersHandler::Payload
-CountersHandler::get_payload_for_eth_pm_history_data(const CounterRecords<Ont_eth_pm_history_data>& records) {
-    return compose(records, fill<counter_tables::ethernet>);
+Result<void>
+CountersHandler::get_payload_for_eth_pm_history_data(JsonWriter& array,
+                                                     const CounterRecords<Ont_eth_pm_history_data>& records) {
+    return compose(array, records, fill<counter_tables::ethernet>);
 }
 
-CountersHandler::Payload
-CountersHandler::get_payload_for_eth_pm_history_data_2(const CounterRecords<Ont_ethernet_pm_2>& records) {
-    return compose(records, fill<counter_tables::ethernet_2>);
+Result<void> CountersHandler::get_payload_for_eth_pm_history_data_2(JsonWriter& array,
+                                                                    const CounterRecords<Ont_ethernet_pm_2>& records) {
+    return compose(array, records, fill<counter_tables::ethernet_2>);
 }
 
-CountersHandler::Payload
-CountersHandler::get_payload_for_eth_pm_history_data_3(const CounterRecords<Ont_eth_pm_history_data_3>& records) {
-    return compose(records, fill<counter_tables::ethernet_3>);
+Result<void>
+CountersHandler::get_payload_for_eth_pm_history_data_3(JsonWriter& array,
+                                                       const CounterRecords<Ont_eth_pm_history_data_3>& records) {
+    return compose(array, records, fill<counter_tables::ethernet_3>);
 }
 
-CountersHandler::Payload
-CountersHandler::get_payload_for_gal_eth_pm_history_data(const CounterRecords<Ont_gal_eth_pm>& records) {
-    return compose(records, fill<counter_tables::gal_ethernet>);
+Result<void> CountersHandler::get_payload_for_gal_eth_pm_history_data(JsonWriter& array,
+                                                                      const CounterRecords<Ont_gal_eth_pm>& records) {
+    return compose(array, records, fill<counter_tables::gal_ethernet>);
 }
 
-CountersHandler::Payload
-CountersHandler::get_payload_for_fec_pm_history_data(const CounterRecords<Ont_fec_pm_counters>& records) {
-    return compose(records, fill<counter_tables::fec>);
+Result<void> CountersHandler::get_payload_for_fec_pm_history_data(JsonWriter& array,
+                                                                  const CounterRecords<Ont_fec_pm_counters>& records) {
+    return compose(array, records, fill<counter_tables::fec>);
 }
 
-CountersHandler::Payload
-CountersHandler::get_payload_for_eth_frame_ext_pm(const CounterRecords<Ont_eth_frame_ext_pm>& records) {
-    return compose(records, fill_eth_frame_ext_pm);
+Result<void> CountersHandler::get_payload_for_eth_frame_ext_pm(JsonWriter& array,
+                                                               const CounterRecords<Ont_eth_frame_ext_pm>& records) {
+    return compose(array, records, fill_eth_frame_ext_pm);
 }
 
-CountersHandler::Payload
-CountersHandler::get_payload_for_gem_port_counters(const CounterRecords<Ont__get_gem_port_counters_response>& records) {
-    return compose(records, fill_gem_ports);
+Result<void>
+CountersHandler::get_payload_for_gem_port_counters(JsonWriter& array,
+                                                   const CounterRecords<Ont__get_gem_port_counters_response>& records) {
+    return compose(array, records, fill_gem_ports);
 }
 
-CountersHandler::Payload
-CountersHandler::get_payload_for_pon_counters(const CounterRecords<Ont__get_pon_counters_response>& records) {
-    return compose(records, fill_pon);
+Result<void>
+CountersHandler::get_payload_for_pon_counters(JsonWriter& array,
+                                              const CounterRecords<Ont__get_pon_counters_response>& records) {
+    return compose(array, records, fill_pon);
 }
 
 Result<void> CountersHandler::fill_eth_frame_ext_pm(JsonWriter& object, const Ont_eth_frame_ext_pm& record) {

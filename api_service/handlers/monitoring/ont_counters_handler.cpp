@@ -1,6 +1,7 @@
 #include "api_service/handlers/monitoring/ont_counters_handler.hpp"
 
 #include "api_service/handlers/library_buffers.hpp"
+#include "api_service/handlers/record_fields.hpp"
 
 #include <algorithm>
 #include <iterator>
@@ -12,7 +13,7 @@ using CountersHandler = MonitoringOntCountersHandler;
 
 struct MonitoringOntCountersHandler::Kind {
     std::string_view path_end;
-    Payload (MonitoringOntCountersHandler::*get_array)(const Bitmap_ont_range& range) const;
+    Result<std::string> (MonitoringOntCountersHandler::*get_array)(const Bitmap_ont_range& range) const;
 };
 
 // clang-format off
@@ -72,12 +73,13 @@ Result<CounterRecord<void>> MonitoringOntCountersHandler::get_record(Ont_informa
 
 template <class Record>
 Result<CounterRecords<Record>> MonitoringOntCountersHandler::get_counters(Ont_information_kind kind,
-                                                                          const Bitmap_ont_range& range) const {
+                                                                          const Bitmap_ont_range& range,
+                                                                          Bitmap_iterator& iterator) const {
+    constexpr std::size_t most = 64; // the records of all ONTs would take several times their text
     CounterRecords<Record> records;
-    Bitmap_iterator iterator{};
     std::uint8_t port = 0;
     std::uint16_t ont = 0;
-    while (get_next_bitmap_ont_ids(&range, &iterator, &port, &ont) == 0) {
+    while (records.size() < most && get_next_bitmap_ont_ids(&range, &iterator, &port, &ont) == 0) {
         BOOST_OUTCOME_TRY(auto record,
                           get_record(kind, static_cast<std::uint8_t>(port + 1), static_cast<std::uint16_t>(ont + 1)));
         records.emplace_back(static_cast<Record*>(record.get()), std::free);
@@ -87,10 +89,21 @@ Result<CounterRecords<Record>> MonitoringOntCountersHandler::get_counters(Ont_in
 }
 
 template <Ont_information_kind kind, class Record,
-          MonitoringOntCountersHandler::Payload (*get_payload)(const CounterRecords<Record>&)>
-MonitoringOntCountersHandler::Payload MonitoringOntCountersHandler::get_array(const Bitmap_ont_range& range) const {
-    BOOST_OUTCOME_TRY(const auto records, get_counters<Record>(kind, range));
-    return get_payload(records);
+          Result<void> (*get_payload)(JsonWriter& array, const CounterRecords<Record>&)>
+Result<std::string> MonitoringOntCountersHandler::get_array(const Bitmap_ont_range& range) const {
+    return write_data([&](JsonWriter& array) -> Result<void> {
+        Bitmap_iterator iterator{};
+        array.begin_array();
+        for (;;) {
+            BOOST_OUTCOME_TRY(const auto records, get_counters<Record>(kind, range, iterator));
+            if (records.empty()) {
+                break;
+            }
+            BOOST_OUTCOME_TRY(get_payload(array, records));
+        }
+        array.end_array();
+        return core::success();
+    });
 }
 
 } // namespace xpon::api_service

@@ -179,5 +179,18 @@ TEST(JsonWriter, TakesBackWhatWasBegunInVain) {
     EXPECT_EQ(std::move(writer).take(), "{\n\t\"b\":\t18446744073709551615\n}");
 }
 
+TEST(JsonWriter, JoinsShortAndLongTexts) {
+    for (const std::size_t size : {1U, 100U, 1'000'000U}) {
+        const std::string text(size, '7');
+        JsonWriter writer;
+        writer.begin_array();
+        writer.text("a text before");
+        writer.raw(text);
+        writer.boolean(true);
+        writer.end_array();
+        EXPECT_EQ(std::move(writer).take(), "[\"a text before\", " + text + ", true]");
+    }
+}
+
 } // namespace
 } // namespace xpon::api_service
