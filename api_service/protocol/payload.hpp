@@ -18,7 +18,9 @@ inline constexpr std::size_t data_depth = 1;
 class Payload {
 public:
     Payload() = default;
-    explicit Payload(JsonTree tree) : tree_(std::move(tree)) {}
+    /// Freed by the tree's own deleter.
+    template <class Deleter>
+    explicit Payload(std::unique_ptr<cJSON, Deleter> tree) : tree_(std::move(tree)) {}
     /// `text` is made by a writer that begins at `data_depth`.
     explicit Payload(std::string text) : text_(std::make_shared<std::string>(std::move(text))) {}
 

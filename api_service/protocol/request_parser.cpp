@@ -4,6 +4,9 @@
 #include "api_service/protocol/json_writer.hpp"
 #include "xpon/core/guard.hpp"
 
+#include <cstring>
+#include <memory>
+
 namespace xpon::api_service {
 namespace {
 
@@ -17,11 +20,30 @@ bool has_escaped_nul(std::string_view json) {
     return false;
 }
 
-Result<JsonTree> parse_json(const std::string& text) {
+/// Overwrites every text of the tree and its siblings.
+void wipe_texts(cJSON* tree) {
+    for (; tree != nullptr; tree = tree->next) {
+        if (tree->valuestring != nullptr) {
+            explicit_bzero(tree->valuestring, std::strlen(tree->valuestring));
+        }
+        wipe_texts(tree->child);
+    }
+}
+
+/// A client's texts may be passwords: no copy of them stays behind in freed memory.
+struct RequestDeleter {
+    void operator()(cJSON* tree) const {
+        wipe_texts(tree);
+        cJSON_Delete(tree);
+    }
+};
+using RequestTree = std::unique_ptr<cJSON, RequestDeleter>;
+
+Result<RequestTree> parse_json(const std::string& text) {
     if (has_escaped_nul(text)) {
         return ErrorPayload(Error::InvalidInputArg, "The request holds an escaped NUL");
     }
-    JsonTree tree(cJSON_Parse(text.c_str()));
+    RequestTree tree(cJSON_Parse(text.c_str()));
     if (tree == nullptr) {
         // cJSON remembers where it stopped, inside a text that is about to be freed. Parsing something that
         // lives for ever makes it forget.
@@ -131,7 +153,7 @@ Result<Request> RequestParser::parse_request(const std::string& frame) const {
         BOOST_OUTCOME_TRY(request.config_type, read_config_type(tree.get()));
         cJSON* data = cJSON_GetObjectItemCaseSensitive(tree.get(), "data");
         if (data != nullptr) {
-            request.data = Payload(JsonTree(cJSON_DetachItemViaPointer(tree.get(), data)));
+            request.data = Payload(RequestTree(cJSON_DetachItemViaPointer(tree.get(), data)));
         }
         return request;
     });

@@ -1,11 +1,25 @@
 #include "api_service/protocol/request_parser.hpp"
 #include "tests/support/recording_logger.hpp"
 
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 namespace xpon::api_service {
 namespace {
+
+int freed_secrets = 0;
+
+/// Counts the blocks given back that hold a secret.
+void release(void* block) {
+    const std::string_view text(static_cast<const char*>(block), block == nullptr ? 0 : malloc_usable_size(block));
+    freed_secrets += text.find("Secret-pass-4711-and-more") != std::string_view::npos ? 1 : 0;
+    std::free(block);
+}
 
 class RequestParserTest : public testing::Test {
 protected:
@@ -40,6 +54,20 @@ TEST_F(RequestParserTest, RefusesWithTheReason) {
         ASSERT_FALSE(request) << text;
         EXPECT_EQ(request.error().info->message, message) << text;
     }
+}
+
+TEST_F(RequestParserTest, OverwritesTextsBeforeTheirMemoryIsFreed) {
+    cJSON_Hooks hooks{.malloc_fn = std::malloc, .free_fn = release};
+    cJSON_InitHooks(&hooks);
+    const std::string member = R"("Secret-pass-4711-and-more")";
+    for (const auto& where : {R"("data":{"user":"a","password":)" + member + "}", R"("data":)" + member,
+                              R"("data":[{"a":[)" + member + "]}]", R"("session_id":)" + member}) {
+        const auto request = parser.parse_request(R"({"path":"auth","method":"auth",)" + where + "}");
+        EXPECT_TRUE(request) << where;
+    }
+    cJSON_Delete(cJSON_Parse(member.c_str())); // what finds one
+    cJSON_InitHooks(nullptr);
+    EXPECT_EQ(freed_secrets, 1);
 }
 
 TEST_F(RequestParserTest, PrintsAnswersInTheIndentedForm) {
