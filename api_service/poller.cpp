@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <limits>
+#include <tuple>
 #include <utility>
 
 #include <sys/resource.h>
@@ -30,6 +31,9 @@ int end_of_client_descriptors() {
 // Nothing wakes poll() once a peer has taken an answer: "writable" says only that there is room for some more.
 constexpr std::chrono::milliseconds longest_wait_with_unsent_answers{20};
 
+// So long the loop rests when memory lacks for its own work: what was not served stays ready.
+constexpr std::chrono::milliseconds rest_without_memory{20};
+
 } // namespace
 
 Poller::Poller(const std::shared_ptr<ILogger>& logger, std::unique_ptr<IListenerSocket> listener)
@@ -40,12 +44,20 @@ Poller::~Poller() {
 }
 
 Result<std::vector<std::shared_ptr<IClientSocket>>> Poller::poll(std::chrono::milliseconds timeout) {
-    collect_descriptors();
+    std::vector<std::shared_ptr<IClientSocket>> ready;
+    const auto prepared = core::guarded(*logger_, [&]() -> Result<void> {
+        collect_descriptors();
+        ready.reserve(clients_.size()); // who was read must be returned
+        return core::success();
+    });
+    if (!prepared) {
+        ::poll(nullptr, 0, static_cast<int>(rest_without_memory.count()));
+        return ready;
+    }
     if (!held_back_.empty()) {
         timeout = std::min(timeout, longest_wait_with_unsent_answers);
     }
     const int count = ::poll(fds_.data(), fds_.size(), static_cast<int>(timeout.count()));
-    std::vector<std::shared_ptr<IClientSocket>> ready;
     if (count < 0) {
         const int cause = std::exchange(errno, 0);
         if (cause == EINTR) {
@@ -85,12 +97,19 @@ std::shared_ptr<IClientSocket> Poller::serve(const pollfd& entry) {
     const auto& client = clients_.at(entry.fd);
     const bool has_sent = (entry.revents & POLLIN) != 0;
     if (has_sent && !client->takes_requests()) {
-        held_back_.insert(entry.fd);
+        std::ignore = core::guarded(*logger_, [&]() -> Result<void> {
+            held_back_.insert(entry.fd);
+            return core::success();
+        });
     } else if (has_sent) {
-        if (const auto read = core::guarded(*logger_, [&] { return client->read_data(); }); !read) {
-            if (read.error().code == Error::Overflow) {
-                log_error(*logger_, "A client sends faster than it is served: {}", read.error().to_string());
+        const auto read = core::guarded(*logger_, [&] {
+            auto outcome = client->read_data();
+            if (!outcome && outcome.error().code == Error::Overflow) {
+                log_error(*logger_, "A client sends faster than it is served: {}", outcome.error().to_string());
             }
+            return outcome;
+        });
+        if (!read) {
             close_client(entry.fd);
             return nullptr;
         }
@@ -116,7 +135,12 @@ void Poller::close_client(int fd) {
 void Poller::accept_client() {
     core::log(*logger_, core::LogLevel::Debug, "Incoming connection");
     const auto accepted = core::guarded(*logger_, [this]() -> Result<void> {
-        BOOST_OUTCOME_TRY(auto client, listener_->accept());
+        auto accepted_client = listener_->accept();
+        if (!accepted_client) {
+            log_error(*logger_, "{}", accepted_client.error().to_string());
+            return accepted_client.error();
+        }
+        auto client = std::move(accepted_client).value();
         const int fd = client->get_fd();
         if (fd >= end_of_client_descriptors()) {
             refuse_client();
@@ -126,7 +150,6 @@ void Poller::accept_client() {
         return core::success();
     });
     if (!accepted) {
-        log_error(*logger_, "{}", accepted.error().to_string());
         accept_again_ = Clock::now() + pause_after_failed_accept;
     }
 }

@@ -27,8 +27,8 @@ private:
 };
 
 struct Job {
-    std::packaged_task<void()> step;
-    Attendant::Step undo;
+    Attendant::Step step;
+    Attendant::Step undo{};
     bool is_done = false;
     bool is_given_up = false;
 };
@@ -39,6 +39,7 @@ struct Attendant::State {
     std::mutex mutex;
     std::condition_variable changed;
     std::shared_ptr<Job> job;
+    Job own_job; ///< for who cannot do without one
     bool ends = false;
 
     void work() {
@@ -68,16 +69,6 @@ struct Attendant::State {
             }
         }
     }
-
-    template <class Condition>
-    bool wait(std::unique_lock<std::mutex>& lock, const std::optional<std::chrono::steady_clock::time_point>& end,
-              const Condition& condition) {
-        if (end) {
-            return changed.wait_until(lock, *end, condition);
-        }
-        changed.wait(lock, condition);
-        return true;
-    }
 };
 
 Attendant::Attendant() : state_(std::make_shared<State>()) {
@@ -96,26 +87,34 @@ Attendant::~Attendant() {
     still_waits ? thread_.detach() : thread_.join();
 }
 
-bool Attendant::run(const Step& step, const Step& undo, std::optional<std::chrono::milliseconds> limit) {
-    std::optional<std::chrono::steady_clock::time_point> end;
-    if (limit) {
-        end = std::chrono::steady_clock::now() + *limit;
-    }
-    const auto job = std::make_shared<Job>(std::packaged_task<void()>(step), undo);
-    auto outcome = job->step.get_future();
+bool Attendant::run(const Step& step, const Step& undo, std::chrono::milliseconds limit) {
+    const auto end = std::chrono::steady_clock::now() + limit;
+    const auto task = std::make_shared<std::packaged_task<void()>>(step);
+    auto outcome = task->get_future();
+    const auto job = std::make_shared<Job>(Job{.step = [task] { (*task)(); }, .undo = undo});
     std::unique_lock lock(state_->mutex);
-    if (!state_->wait(lock, end, [this] { return !state_->job; })) {
+    if (!state_->changed.wait_until(lock, end, [this] { return !state_->job; })) {
         return false;
     }
     state_->job = job;
     state_->changed.notify_all();
-    if (!state_->wait(lock, end, [&] { return job->is_done; })) {
+    if (!state_->changed.wait_until(lock, end, [&] { return job->is_done; })) {
         job->is_given_up = true;
         return false;
     }
     lock.unlock();
     outcome.get();
     return true;
+}
+
+void Attendant::run_to_end(const Step& step) noexcept {
+    std::unique_lock lock(state_->mutex);
+    state_->changed.wait(lock, [this] { return !state_->job; });
+    auto& job = state_->own_job;
+    job = {.step = step};
+    state_->job = std::shared_ptr<Job>(state_, &job);
+    state_->changed.notify_all();
+    state_->changed.wait(lock, [&] { return job.is_done; });
 }
 
 } // namespace xpon::cfgdb

@@ -3,7 +3,6 @@
 #include <chrono>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <thread>
 
 namespace xpon::cfgdb {
@@ -23,10 +22,14 @@ public:
 
     using Step = std::function<void()>;
 
-    /// Runs `step` and waits for its end, for up to `limit`, or for as long as it takes. False when that was not
-    /// enough: then the step is given up, and whenever it ends, `undo` is run. Both own what they use. Until then no
-    /// other step begins. What the step throws in time is thrown here.
-    [[nodiscard]] bool run(const Step& step, const Step& undo, std::optional<std::chrono::milliseconds> limit);
+    /// Runs `step` and waits for its end, for up to `limit`. False when that was not enough: then the step is given up,
+    /// and whenever it ends, `undo` is run. Both own what they use. Until then no other step begins. What the step
+    /// throws in time is thrown here.
+    [[nodiscard]] bool run(const Step& step, const Step& undo, std::chrono::milliseconds limit);
+
+    /// Runs `step`, which waits for nobody and throws nothing, and waits for its end. What was begun must be ended also
+    /// when there is no memory: none is taken here, nor for a step that holds no more than two pointers.
+    void run_to_end(const Step& step) noexcept;
 
 private:
     struct State;

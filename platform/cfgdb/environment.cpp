@@ -9,7 +9,6 @@
 #include <map>
 #include <stdexcept>
 #include <system_error>
-#include <tuple>
 #include <utility>
 
 #include <sys/stat.h>
@@ -233,13 +232,13 @@ MDB_txn* Environment::begin_writing() const {
 void Environment::commit(MDB_txn* writer) const {
     --transactions_;
     int status = 0;
-    std::ignore = attendant_.run([&] { status = mdb_txn_commit(writer); }, [] {}, std::nullopt);
+    attendant_.run_to_end([&] { status = mdb_txn_commit(writer); });
     check_lmdb(status, "mdb_txn_commit");
 }
 
 void Environment::abort(MDB_txn* writer) const {
     --transactions_;
-    std::ignore = attendant_.run([=] { mdb_txn_abort(writer); }, [] {}, std::nullopt);
+    attendant_.run_to_end([=] { mdb_txn_abort(writer); });
 }
 
 bool Environment::clear_dead_readers() const {

@@ -1,14 +1,12 @@
-// Sweeps over every route: whichever allocation of the JSON library or call of the device fails, the client gets an
-// answer and the next request finds all as it was.
+// Sweeps over every route: whichever allocation, of the JSON library or of operator new, or call of the device fails,
+// the client gets an answer and the next request finds all as it was.
 
 #include "api_service/protocol/route_table.hpp"
+#include "tests/service/failing_memory.hpp"
 #include "tests/service/monitoring_fixture.hpp"
 
 #include <algorithm>
-#include <atomic>
-#include <cstdlib>
 
-#include <cjson/cJSON.h>
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 
@@ -17,36 +15,6 @@ namespace {
 
 using testing::Contains;
 using testing::HasSubstr;
-
-std::atomic<long> allocations_until_failure{0}; // 0 = none fails
-std::atomic<long> blocks_in_use{0};
-
-void* allocate(std::size_t size) {
-    if (allocations_until_failure > 0 && --allocations_until_failure == 0) {
-        return nullptr;
-    }
-    ++blocks_in_use;
-    return std::malloc(size);
-}
-
-void release(void* block) {
-    blocks_in_use -= block == nullptr ? 0 : 1;
-    std::free(block);
-}
-
-/// Lets cJSON take its memory from the two functions above.
-class CountedJsonMemory {
-public:
-    CountedJsonMemory() {
-        cJSON_Hooks hooks{.malloc_fn = allocate, .free_fn = release};
-        cJSON_InitHooks(&hooks);
-    }
-    CountedJsonMemory(const CountedJsonMemory&) = delete;
-    CountedJsonMemory& operator=(const CountedJsonMemory&) = delete;
-    ~CountedJsonMemory() {
-        cJSON_InitHooks(nullptr);
-    }
-};
 
 class FailureSweep : public MonitoringTest {
 protected:
@@ -79,30 +47,42 @@ protected:
     }
 };
 
-TEST_F(FailureSweep, AFailingAllocationLeadsToAnAnswerAndLeaksNothing) {
+class AllocationSweep : public FailureSweep, public testing::WithParamInterface<Memory> {};
+
+/// The beginning of every one.
+constexpr auto any_answer = "{\n\t\"success\":\t";
+
+TEST_P(AllocationSweep, LeadsToAnAnswerAndLeaksNothing) {
     const CountedJsonMemory memory;
     for (const auto& row : api_service::route_table()) {
         configure(); // the commands of the rows before have changed it
         bool failed = true;
         std::string answer;
+        int closed = 0;
         for (long n = 1; failed; ++n) {
             ASSERT_LT(n, 10'000);
             const auto frame = request_for(row, log_in("admin"));
             ask(R"({"path":"test.echo","method":"echo"})"); // the answer before is gone from the service
-            const long before = blocks_in_use;
-            allocations_until_failure = n;
-            answer = exchange(frame);
-            failed = allocations_until_failure <= 0;
-            allocations_until_failure = 0;
-            EXPECT_THAT(answer, testing::StartsWith("{\n\t\"success\":\t")) << frame << " at allocation " << n;
+            const long before = CountedJsonMemory::blocks_in_use();
+            {
+                const FailingAllocation allocation(GetParam(), n);
+                auto answered = exchange_or_close(frame);
+                closed += answered ? 0 : 1;
+                answer = std::move(answered).value_or(any_answer);
+                failed = allocation.has_failed();
+            }
+            EXPECT_THAT(answer, testing::StartsWith(any_answer)) << frame << " at allocation " << n;
             ask(R"({"path":"test.echo","method":"echo"})");
-            EXPECT_EQ(blocks_in_use, before) << frame << " at allocation " << n;
+            EXPECT_EQ(CountedJsonMemory::blocks_in_use(), before) << frame << " at allocation " << n;
         }
+        // A request that there is no room to receive has no other answer than the end of its connection.
+        EXPECT_LE(closed, GetParam() == Memory::objects ? 3 : 0) << row.path;
         if (!std::string_view(row.path).starts_with("configuration.") || row.method == std::string_view("generate")) {
             EXPECT_THAT(answer, testing::StartsWith("{\n\t\"success\":\ttrue")) << row.path;
         }
     }
 }
+INSTANTIATE_TEST_SUITE_P(Failing, AllocationSweep, testing::Values(Memory::json, Memory::objects));
 
 TEST_F(FailureSweep, AFailingCallFailsTheRequest) {
     const std::pair<std::string_view, const char*> reasons[] = {

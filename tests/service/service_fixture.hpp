@@ -6,6 +6,7 @@
 #include "xpon/client/connection.hpp"
 
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <thread>
@@ -46,6 +47,8 @@ protected:
     std::string ask(const std::string& frame);
     /// The answer as it comes.
     std::string exchange(const std::string& frame);
+    /// The same; empty when the service closed the connection instead. Then there is a new one.
+    std::optional<std::string> exchange_or_close(const std::string& frame);
     /// The id of a new session.
     std::string log_in(const std::string& user);
     /// What has been logged so far; empties the log.
