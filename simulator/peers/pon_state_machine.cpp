@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <fmt/format.h>
 
@@ -61,11 +63,24 @@ ipc::ServerAnswer command_onts(Simulation& simulation, const ipc::ServerRequest&
     return {};
 }
 
-using AnswerCounters = ipc::ServerAnswer (*)(const Plant&, std::uint16_t index);
+/// The list of an ONT and those that follow it.
+using AnswerCounters = std::vector<std::byte> (*)(const Plant&, std::uint16_t first, unsigned count);
 
 template <auto Report>
-ipc::ServerAnswer answer_counters(const Plant& plant, std::uint16_t index) {
-    return {0, peer_side::record_payload(Report(plant, index)), {}};
+std::vector<std::byte> answer_counters(const Plant& plant, std::uint16_t first, unsigned count) {
+    std::vector<decltype(Report(plant, first))> records;
+    records.reserve(count);
+    for (unsigned nth = 0; nth < count; ++nth) {
+        records.push_back(Report(plant, static_cast<std::uint16_t>(first + nth)));
+    }
+    return peer_side::list_payload(std::span(std::as_const(records)));
+}
+
+/// For how long counters may be shown as those of now. When the clock is stepped, nobody knows when the next step
+/// comes.
+std::uint32_t counters_hold_ms(const PlantClock& clock) {
+    static constexpr double plant_time_ms = 50;
+    return clock.rate() > 0 ? static_cast<std::uint32_t>(plant_time_ms / clock.rate()) : 0;
 }
 
 /// By kind of information, from 1.
@@ -77,8 +92,8 @@ constexpr std::array<AnswerCounters, ont_information_olt_pon> counter_answers{
     answer_counters<report_olt_gem_ports>, answer_counters<report_olt_pon>,
 };
 
-ipc::ServerAnswer answer_ont_information(const AccessNetwork& network, std::span<const std::byte> payload) {
-    const auto question = peer_side::parse_record<peer_side::Ont_information_question>(payload);
+ipc::ServerAnswer answer_ont_information(Simulation& simulation, const ipc::ServerRequest& request) {
+    const auto question = peer_side::parse_record<peer_side::Ont_information_question>(request.payload);
     if (!question || question->kind < ont_information_gem_port_pm || question->kind > ont_information_olt_pon) {
         return {EINVAL, {}, {}};
     }
@@ -88,7 +103,10 @@ ipc::ServerAnswer answer_ont_information(const AccessNetwork& network, std::span
         return {ERANGE, {}, {}};
     }
     const auto index = record_index_of({.port = question->port, .ont = question->ont});
-    return counter_answers.at(question->kind - 1U)(network.plant(), index);
+    const auto hold_ms = counters_hold_ms(simulation.clock());
+    const auto behind = hold_ms == 0 ? 0 : std::min<unsigned>(question->ahead, max_onts_per_port - question->ont);
+    const auto list = counter_answers.at(question->kind - 1U)(simulation.plant(), index, 1 + behind);
+    return {0, peer_side::headed_payload(hold_ms, list), {}};
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "api_service/handlers/library_buffers.hpp"
 #include "api_service/handlers/record_fields.hpp"
+#include "xpon/core/call_sequence.hpp"
 
 #include <algorithm>
 #include <iterator>
@@ -92,6 +93,7 @@ template <Ont_information_kind kind, class Record,
           Result<void> (*get_payload)(JsonWriter& array, const CounterRecords<Record>&)>
 Result<std::string> MonitoringOntCountersHandler::get_array(const Bitmap_ont_range& range) const {
     return write_data([&](JsonWriter& array) -> Result<void> {
+        const core::CallSequence sequence;
         Bitmap_iterator iterator{};
         array.begin_array();
         for (;;) {

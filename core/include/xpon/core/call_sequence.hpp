@@ -2,15 +2,17 @@
 
 #include "xpon/core/c_status.hpp"
 
+#include <any>
 #include <functional>
 #include <tuple>
 #include <utility>
 
 namespace xpon::core {
 
-/// C calls that one caller makes one after another, such as the writes of one record to many places. A library behind
-/// them may do their work together, at the end of the sequence at the latest: it hands over a function for that, which
-/// returns a C status like the calls themselves. Where no library does so, the calls are what they are without it.
+/// C calls that one caller makes one after another, such as the writes of one record to many places, or questions of
+/// one kind. A library behind them may do their work together, at the end of the sequence at the latest: it hands over
+/// a function for that, which returns a C status like the calls themselves. It may as well ask ahead, and keep what it
+/// learns for the calls to come. Where no library does so, the calls are what they are without it.
 class CallSequence {
 public:
     CallSequence() : before_(std::exchange(innermost(), this)) {}
@@ -32,6 +34,15 @@ public:
         work_ = std::move(work);
     }
 
+    /// What a library keeps from call to call, made when it is not there: another library may have taken its place.
+    template <class Kept>
+    Kept& kept() {
+        if (auto* const present = std::any_cast<Kept>(&kept_)) {
+            return *present;
+        }
+        return kept_.emplace<Kept>();
+    }
+
     /// The status of the work that was left for the end.
     [[nodiscard]] int finish_work() {
         return work_ ? std::exchange(work_, nullptr)() : 0;
@@ -45,6 +56,7 @@ private:
 
     CallSequence* before_;
     std::function<int()> work_;
+    std::any kept_;
 };
 
 /// Runs `calls`, which returns a Result, as one sequence. When it succeeds, the work that was left for the end must

@@ -1,4 +1,5 @@
 #include "ipc/ipc_handle.hpp"
+#include "xpon/core/call_sequence.hpp"
 #include "xpon/custom_layer/custom_layer.h"
 #include "xpon/peer_side/operations.hpp"
 #include "xpon/peer_side/payload.hpp"
@@ -145,13 +146,35 @@ int get_counters(Ipc* ipc, Ont_information_kind kind, Record** out) {
     return status;
 }
 
-/// A call for counters, whose answer tells how many instances it has.
+/// An answer with these records, which holds so long.
+template <class Record>
+std::vector<std::byte> counters_payload(std::span<const std::byte> records, std::uint32_t holds_ms = 0) {
+    const auto count = static_cast<std::uint32_t>(records.size() / sizeof(Record));
+    return peer_side::headed_payload(holds_ms,
+                                     peer_side::headed_payload(peer_side::ListHeader{count, sizeof(Record)}, records));
+}
+
+/// A call for counters.
+template <class Record>
+Call counters_with(const char* name, Ont_information_kind kind, const Faults<Record>& faults) {
+    auto call = makes<Record>(name, of(get_counters<Record>, kind), faults);
+    call.good_answer = counters_payload<Record>(call.good_answer);
+    for (auto& answer : call.bad_answers) {
+        answer = counters_payload<Record>(answer);
+    }
+    // None, and one more than was asked for.
+    call.bad_answers.push_back(counters_payload<Record>({}));
+    call.bad_answers.push_back(counters_payload<Record>(std::vector<std::byte>(2 * sizeof(Record))));
+    return call;
+}
+
+/// The same, whose answer tells how many instances it has.
 template <class Record>
 Call counters(const char* name, Ont_information_kind kind, unsigned limit = max_counter_instances) {
     using Count = decltype(Record::count);
-    return makes<Record>(name, of(get_counters<Record>, kind),
-                         {[limit](auto& record) { record.count = static_cast<Count>(limit + 1); },
-                          [](auto& record) { record.count = static_cast<Count>(-1); }});
+    return counters_with<Record>(name, kind,
+                                 {[limit](auto& record) { record.count = static_cast<Count>(limit + 1); },
+                                  [](auto& record) { record.count = static_cast<Count>(-1); }});
 }
 
 const std::vector<Call>& all_calls() {
@@ -206,11 +229,10 @@ const std::vector<Call>& all_calls() {
         counters<Ont_eth_frame_ext_pm>("Ethernet frames", ont_information_eth_frame_ext_pm),
         counters<Ont__get_gem_port_counters_response>("GEM ports of the OLT", ont_information_olt_gem_port,
                                                       max_gem_ports_per_ont),
-        makes<Ont__get_gem_port_counters_response>(
-            "GEM port group", of(get_counters<Ont__get_gem_port_counters_response>, ont_information_olt_gem_port),
+        counters_with<Ont__get_gem_port_counters_response>(
+            "GEM port group", ont_information_olt_gem_port,
             {[](auto& record) { record.entries[9].group = static_cast<Gem_port_group>(3); }}),
-        makes<Ont__get_pon_counters_response>(
-            "PON of the OLT", of(get_counters<Ont__get_pon_counters_response>, ont_information_olt_pon)),
+        counters_with<Ont__get_pon_counters_response>("PON of the OLT", ont_information_olt_pon, {}),
     };
     return calls;
 }
@@ -265,7 +287,7 @@ TEST_F(PeerCallsTest, DoNotTrustAnswers) {
 TEST_F(PeerCallsTest, AskForTheCountersOfOneOnt) {
     auto record = zero<Ont_eth_frame_ext_pm>();
     record.downstream.veip.octets = 77;
-    peer.reply = {0, peer_side::record_payload(record)};
+    peer.reply = {0, counters_payload<Ont_eth_frame_ext_pm>(peer_side::record_payload(record))};
     void* out = nullptr;
     const auto kind = ont_information_eth_frame_ext_pm;
     ASSERT_EQ(custom_layer__get_ont_information_by_index(&peer, kind, 3, 256, &out), 0);
@@ -284,6 +306,66 @@ TEST_F(PeerCallsTest, AskForTheCountersOfOneOnt) {
         EXPECT_EQ(out, nullptr);
     }
     EXPECT_TRUE(peer.question.empty());
+}
+
+/// Gives counters that tell the ONT, and counts who asks.
+struct CountingPeer : public AnyPeer {
+    Reply request(ipc::Address, std::uint16_t, std::span<const std::byte> payload,
+                  std::chrono::milliseconds) noexcept override {
+        const auto asked = *peer_side::parse_record<peer_side::Ont_information_question>(payload);
+        ++questions;
+        std::vector<std::byte> records;
+        for (unsigned ont = asked.ont; ont <= asked.ont + (holds_ms == 0 ? 0U : asked.ahead); ++ont) {
+            auto record = zero<Ont__get_pon_counters_response>();
+            record.rx_bytes = asked.port * 1000 + ont;
+            const auto bytes = peer_side::record_payload(record);
+            records.insert(records.end(), bytes.begin(), bytes.end());
+        }
+        return {0, counters_payload<Ont__get_pon_counters_response>(records, holds_ms)};
+    }
+
+    std::uint32_t holds_ms = 0;
+    unsigned questions = 0;
+};
+
+TEST(OntCounterWalks, AskAheadWithinASequenceForAsLongAsAnswersHold) {
+    static constexpr std::uint32_t for_ever = 3600000;
+    const auto walk = [](CountingPeer& peer, std::uint8_t port, unsigned first, unsigned last) {
+        for (unsigned ont = first; ont <= last; ++ont) {
+            void* out = nullptr;
+            ASSERT_EQ(custom_layer__get_ont_information_by_index(&peer, ont_information_olt_pon, port,
+                                                                 static_cast<std::uint16_t>(ont), &out),
+                      0);
+            EXPECT_EQ(static_cast<Ont__get_pon_counters_response*>(out)->rx_bytes, port * 1000 + ont);
+            std::free(out);
+        }
+    };
+    CountingPeer fresh;
+    fresh.holds_ms = for_ever;
+    walk(fresh, 1, 1, 256);
+    EXPECT_EQ(fresh.questions, 256U) << "nobody said that there would be more";
+    {
+        CountingPeer peer;
+        peer.holds_ms = for_ever;
+        const core::CallSequence sequence;
+        walk(peer, 1, 1, 256);
+        EXPECT_LT(peer.questions, 16U);
+        peer.questions = 0;
+        walk(peer, 2, 7, 7);
+        walk(peer, 3, 7, 7);
+        walk(peer, 3, 9, 9);
+        walk(peer, 3, 8, 8);
+        EXPECT_EQ(peer.questions, 4U) << "no walk";
+        // Answers to one are nobody else's.
+        CountingPeer other;
+        walk(peer, 4, 1, 3);
+        walk(other, 4, 4, 4);
+        EXPECT_EQ(other.questions, 1U);
+    }
+    const core::CallSequence sequence;
+    CountingPeer stepped;
+    walk(stepped, 1, 1, 256);
+    EXPECT_EQ(stepped.questions, 256U) << "each answer holds for its question only";
 }
 
 TEST(StateTexts, AreThereForEveryValue) {

@@ -77,7 +77,8 @@ enum class Operation : std::uint16_t {
     get_ont_states = 23,
     /// Bitmap_pon_port_range; list of Ont_unactivated_entry.
     get_unactivated_onts = 24,
-    /// Ont_information_question; the record of its kind.
+    /// Ont_information_question; std::uint32_t, for how many milliseconds the answer holds beyond this question, and a
+    /// list of records of the kind: that of the ONT and no more than `ahead` of those that follow it on its port.
     get_ont_information = 25,
     /// Nothing; list of Dhcp_session.
     get_dhcp_sessions = 26,
@@ -119,11 +120,12 @@ enum class Operation : std::uint16_t {
     save_configuration = 73,
 };
 
-/// Which counters of which ONT, numbers from 1.
+/// Which counters of which ONT, numbers from 1, and of how many behind it, which are about to be asked for.
 struct Ont_information_question {
     Ont_information_kind kind;
     std::uint8_t port;
     std::uint16_t ont;
+    std::uint16_t ahead = 0;
 };
 
 /// Who answers a request.

@@ -48,6 +48,14 @@ std::vector<std::byte> list_payload(std::span<const Record> records) {
     return payload;
 }
 
+/// A payload behind a record.
+template <class Record>
+std::vector<std::byte> headed_payload(const Record& header, std::span<const std::byte> payload) {
+    auto headed = record_payload(header);
+    headed.insert(headed.end(), payload.begin(), payload.end());
+    return headed;
+}
+
 /// The bytes of a list's records. Empty when the payload is no list of records of this size.
 inline std::optional<std::span<const std::byte>> parse_list(std::span<const std::byte> payload,
                                                             std::size_t entry_size) {
