@@ -26,8 +26,8 @@ protected:
         // One port has so many that the ONU-IDs are just enough.
         change<cfgdb::PonPort>(getDb_ZebGCfg_pon_port_state, setDb_ZebGCfg_pon_port_state, 2,
                                [](auto& port) { port.ont_limit = max_onts_per_port; });
-        for (std::uint16_t index = crowded; index < crowded + max_onts_per_port - 2; ++index) {
-            set_serial(index, 0x5445535400000000 + index);
+        for (unsigned nth = 0; nth < max_onts_per_port - 2; ++nth) {
+            set_serial(static_cast<std::uint16_t>(crowded + nth), 0x5445535400000000 + nth);
         }
         for (unsigned nth = 0; nth < physical; ++nth) {
             const auto ont = make_ont(plant, nth);
