@@ -15,6 +15,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <span>
 
 namespace xpon::simulator {
 namespace {
@@ -42,7 +43,8 @@ core::Result<void> run(const Options& options, const std::shared_ptr<core::ILogg
     Peers peers(simulation);
     BOOST_OUTCOME_TRY(const auto server, ipc::make_zmq_server(logger));
     BOOST_OUTCOME_TRY(peers.update(*server));
-    ControlSocket control([&](std::string_view line) { return run_command(simulation, line); });
+    ControlSocket control([&](std::string_view line, auto& watch) { return run_command(simulation, line, watch); });
+    simulation.on_events([&](std::span<const Event> events) { control.publish(events); });
     host_name.follow(simulation.plant().configuration().hostname);
     ready();
     while (!stop_requested()) {

@@ -6,6 +6,7 @@
 #include "simulator/control/subscriber_truth.hpp"
 #include "simulator/control/truth.hpp"
 #include "xpon/core/json_tree.hpp"
+#include "xpon/custom_layer/commands.h"
 
 #include <algorithm>
 #include <array>
@@ -168,6 +169,30 @@ core::JsonTree load_snapshot(Simulation& simulation, const CommandFields& fields
     return describe_summary(simulation);
 }
 
+core::JsonTree reboot(Simulation& simulation, const CommandFields& fields) {
+    if (fields.text("reboot") != "now") {
+        throw CommandError("reboot takes now");
+    }
+    simulation.reboot();
+    simulation.note("reboot by a tester");
+    return new_object();
+}
+
+core::JsonTree update_firmware(Simulation& simulation, const CommandFields& fields) {
+    simulation.start_firmware_update(fields.text("firmware"));
+    simulation.note("firmware update by a tester");
+    return new_object();
+}
+
+core::JsonTree choose_boot_slot(Simulation& simulation, const CommandFields& fields) {
+    const auto slot = fields.text("boot");
+    if (slot != "current" && slot != "alternate") {
+        throw CommandError(fmt::format("boot takes current or alternate, not '{}'", slot));
+    }
+    simulation.select_firmware(slot == "current" ? firmware_current : firmware_alternate);
+    return describe_summary(simulation);
+}
+
 core::JsonTree run(Simulation& simulation, const cJSON* command);
 
 core::JsonTree schedule(Simulation& simulation, const CommandFields& fields) {
@@ -205,6 +230,9 @@ constexpr std::array commands{
     CommandRow{"clock", "clock rate", set_clock},
     CommandRow{"at_s", "at_s command", schedule},
     CommandRow{"state", "state ont pon", dump_state},
+    CommandRow{"reboot", "reboot", reboot},
+    CommandRow{"firmware", "firmware", update_firmware},
+    CommandRow{"boot", "boot", choose_boot_slot},
     CommandRow{"power", "power ont pon", switch_power},
     CommandRow{"add", "add model serial_number", add_ont},
     CommandRow{"swap", "swap model serial_number", swap_ont},
@@ -219,19 +247,25 @@ core::JsonTree run(Simulation& simulation, const cJSON* command) {
         commands, [&](const auto& candidate) { return cJSON_GetObjectItemCaseSensitive(command, candidate.key); });
     if (row == commands.end()) {
         throw CommandError(
-            fmt::format("a command is an object with one of {}",
+            fmt::format("a command is an object with watch or one of {}",
                         fmt::join(commands | std::views::transform([](const auto& one) { return one.key; }), ", ")));
     }
     simulation.advance();
     return row->run(simulation, CommandFields(command, row->members));
 }
 
-core::JsonTree run_text(Simulation& simulation, std::string_view line) {
+core::JsonTree run_text(Simulation& simulation, std::string_view line, std::optional<EventFilter>& watch) {
     const core::JsonTree command(cJSON_ParseWithLength(line.data(), line.size()));
     if (cJSON_IsObject(command.get()) == 0) {
         throw CommandError("a command is one line with a JSON object");
     }
-    auto answer = run(simulation, command.get());
+    core::JsonTree answer;
+    if (cJSON_HasObjectItem(command.get(), "watch") != 0) { // the one command that concerns its sender alone
+        watch = parse_filter(CommandFields(command.get(), "watch target"));
+        answer = new_object();
+    } else {
+        answer = run(simulation, command.get());
+    }
     cJSON_AddTrueToObject(answer.get(), "ok");
     return answer;
 }
@@ -245,10 +279,10 @@ core::JsonTree refusal(const char* error) {
 
 } // namespace
 
-std::string run_command(Simulation& simulation, std::string_view line) {
+std::string run_command(Simulation& simulation, std::string_view line, std::optional<EventFilter>& watch) {
     core::JsonTree answer;
     try {
-        answer = run_text(simulation, line);
+        answer = run_text(simulation, line, watch);
     } catch (const std::exception& error) {
         answer = refusal(error.what());
     }

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "simulator/control/event_filter.hpp"
 #include "simulator/simulation/simulation.hpp"
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -16,14 +18,17 @@ namespace xpon::simulator {
 ///   {"at_s": SECONDS, "command": OBJECT}                                 the command, when so much time has passed
 ///   {"state": "all" | "summary" | "subscribers"}                         what is true of the plant
 ///   {"state": "ont", "ont": PLACE}     {"state": "pon", "pon": PORT}
+///   {"firmware": PATH}   {"boot": "current" | "alternate"}   {"reboot": "now"}    of the OLT
 ///   {"power": "on" | "off", "ont": PLACE}                                or "pon": PORT, or all ONTs
 ///   {"add": PLACE}   {"swap": PLACE}   {"move": PLACE, "pon": PORT}      ONTs come, are replaced, change their fibre
 ///   {"snapshot": NAME}                                                   keeps plant, time and faults as they are
 ///   {"load": NAME}                                                       goes back to them; the configuration stays
+///   {"watch": "all" | "KIND,KIND...", "target": TEXT}                    from now on its sender is told of these
+///   events
 ///   {"faults": true}                                                     the kinds of faults and what they take
 ///
 /// Kinds, targets and values are those of fault_kinds.hpp. The answer is {"ok": true, ...} or {"ok": false, "error":
 /// TEXT}; a refused command changes nothing. Never throws but for lack of memory.
-std::string run_command(Simulation& simulation, std::string_view line);
+std::string run_command(Simulation& simulation, std::string_view line, std::optional<EventFilter>& watch);
 
 } // namespace xpon::simulator

@@ -59,6 +59,17 @@ void ControlSocket::serve() {
     std::erase_if(clients_, [this](Client& client) { return !serve(client); });
 }
 
+void ControlSocket::publish(std::span<const Event> events) {
+    for (auto& client : clients_) {
+        for (const auto& event : events) {
+            if (client.watch && client.watch->lets_through(event)) {
+                client.to_send += to_json_line(event) + "\n";
+            }
+        }
+        client.is_too_slow = client.to_send.size() > 2 * most_unsent;
+    }
+}
+
 void ControlSocket::accept_clients() {
     while (clients_.size() < most_clients) {
         core::UniqueFd socket(::accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
@@ -77,7 +88,7 @@ bool ControlSocket::serve(Client& client) {
         client.to_send.erase(0, static_cast<std::size_t>(sent));
     }
     const bool is_gone = sent < 0 && errno != EAGAIN && errno != EINTR;
-    return !is_gone && !(client.has_ended && client.to_send.empty());
+    return !is_gone && !client.is_too_slow && !(client.has_ended && client.to_send.empty());
 }
 
 void ControlSocket::receive(Client& client) {
@@ -96,7 +107,7 @@ void ControlSocket::receive(Client& client) {
 void ControlSocket::run_commands(Client& client) {
     for (auto end = client.received.find('\n'); end != std::string::npos && client.to_send.size() < most_unsent;
          end = client.received.find('\n')) {
-        client.to_send += command_(std::string_view(client.received).substr(0, end)) + "\n";
+        client.to_send += command_(std::string_view(client.received).substr(0, end), client.watch) + "\n";
         client.received.erase(0, end + 1);
     }
     if (client.received.size() > longest_line && client.received.find('\n') == std::string::npos) {

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "simulator/control/event_filter.hpp"
 #include "xpon/core/unique_fd.hpp"
 
 #include <cstddef>
 #include <functional>
 #include <list>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -14,8 +17,8 @@ namespace xpon::simulator {
 /// out. For the owner alone.
 class ControlSocket {
 public:
-    /// Takes a line without its end and gives the answer, without one.
-    using Command = std::function<std::string(std::string_view line)>;
+    /// Takes a line without its end and gives the answer, without one. May set what events its sender is told of.
+    using Command = std::function<std::string(std::string_view line, std::optional<EventFilter>& watch)>;
 
     /// Throws std::system_error, naming the path, when the socket cannot be made.
     explicit ControlSocket(Command command);
@@ -25,13 +28,17 @@ public:
 
     /// Serves what has arrived; never waits.
     void serve();
+    /// Tells the clients that watch. One that does not read what it is told is cut off.
+    void publish(std::span<const Event> events);
 
 private:
     struct Client {
         core::UniqueFd socket;
         std::string received{};
         std::string to_send{};
-        bool has_ended = false; ///< it sends no more
+        std::optional<EventFilter> watch{};
+        bool has_ended = false;   ///< it sends no more
+        bool is_too_slow = false; ///< and goes
     };
 
     void accept_clients();

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <filesystem>
+#include <span>
+#include <string>
 #include <string_view>
 
 namespace xpon::simulator {
@@ -11,8 +13,10 @@ class EventLog {
 public:
     explicit EventLog(std::filesystem::path file);
 
-    /// An event that cannot be written is lost: a full disk must not stop a peer.
+    /// What cannot be written is lost: a full disk must not stop a peer. Control characters are written as "?", so that
+    /// each event is one line.
     void write(std::string_view text) const;
+    void write(std::span<const std::string> texts) const;
 
 private:
     std::filesystem::path file_;

@@ -3,7 +3,9 @@
 #include "xpon/peer_side/olt_root.hpp"
 
 #include <algorithm>
+#include <string>
 #include <system_error>
+#include <vector>
 
 #include <fmt/format.h>
 
@@ -88,6 +90,18 @@ void Peer::start() {
 
 void Peer::end() {
     log("ended");
+}
+
+void Peer::log(std::span<const Event> events) const {
+    std::vector<std::string> lines;
+    for (const auto& event : events) {
+        if (event.by == description_.address) {
+            lines.push_back(fmt::format("{}: {}", event.target, event.text));
+        }
+    }
+    if (!lines.empty() && !description_.log.empty()) {
+        EventLog(below_olt_root(fmt::format("/var/log/{}", description_.log))).write(lines);
+    }
 }
 
 void Peer::log(std::string_view text) const {

@@ -52,6 +52,8 @@ public:
         return description_;
     }
     [[nodiscard]] bool is_up() const;
+    /// Writes what the daemon notices of these to its log.
+    void log(std::span<const Event> events) const;
     /// Whether somebody may not have read an answer yet: a connection that ends takes it along.
     [[nodiscard]] bool has_just_answered() const;
     /// The daemon starts, again or for the first time, or ends.

@@ -7,6 +7,15 @@ Peers::Peers(Simulation& simulation) {
     for (const auto& description : peer_table) {
         slots_.push_back({std::make_unique<Peer>(description, simulation)});
     }
+    simulation.on_events([this](std::span<const Event> events) { log(events); });
+}
+
+void Peers::log(std::span<const Event> events) const {
+    for (const auto& slot : slots_) {
+        if (slot.peer->is_up()) {
+            slot.peer->log(events);
+        }
+    }
 }
 
 core::Result<void> Peers::update(ipc::IServer& server) {

@@ -6,11 +6,13 @@
 #include "xpon/peer_side/server.hpp"
 
 #include <memory>
+#include <span>
 #include <vector>
 
 namespace xpon::simulator {
 
-/// All peer daemons of one OLT. The simulation outlives this object, which outlives the server.
+/// All peer daemons of one OLT. The simulation, whose last event comes before the end of this object, outlives it; it
+/// outlives the server.
 class Peers {
 public:
     explicit Peers(Simulation& simulation);
@@ -25,6 +27,7 @@ private:
         bool is_served = false;
     };
 
+    void log(std::span<const Event> events) const;
     static core::Result<void> update(Slot& slot, ipc::IServer& server);
 
     std::vector<Slot> slots_; ///< in the order of the peer table

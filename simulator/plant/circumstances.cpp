@@ -65,6 +65,11 @@ std::array<std::uint16_t, 2> sharers_of_onu_ids(std::uint16_t index) {
     return {static_cast<std::uint16_t>(first), static_cast<std::uint16_t>(first + 1)};
 }
 
+std::uint32_t Circumstances::drift_of(const OntPosition& ont) const {
+    const auto* const fault = faults.find(FaultKind::ont_drift, ont_target(ont));
+    return fault == nullptr ? 0 : static_cast<std::uint32_t>(fault->value);
+}
+
 bool Circumstances::has_power(const PhysicalOnt& ont) const {
     const auto switched = power.find(ont.position);
     const bool is_on = switched == power.end() ? ont.is_switched_on : switched->second;

@@ -23,6 +23,8 @@ struct Circumstances {
     /// What a fault takes from the light of a physical ONT, in dB.
     [[nodiscard]] double attenuation_of(const OntPosition& ont) const;
 
+    /// How many bit times later than it should a physical ONT answers.
+    [[nodiscard]] std::uint32_t drift_of(const OntPosition& ont) const;
     /// Whether a physical ONT is plugged in and switched on.
     [[nodiscard]] bool has_power(const PhysicalOnt& ont) const;
 

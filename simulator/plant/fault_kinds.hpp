@@ -16,6 +16,9 @@ enum class FaultKind : std::uint8_t {
     ont_rogue,
     ont_attenuation,
     ont_omci,
+    ont_omci_lost,
+    ont_key,
+    ont_drift,
     ont_moved,
     module_absent,
     module_excluded,
@@ -79,6 +82,9 @@ struct FaultRule {
     double least_value = 0;
     double most_value = 0;
     std::optional<double> usual_value = 0; ///< without: a value must be given
+    bool is_board_alarm = false;           ///< the board itself raises an alarm as long as the fault is there
+    std::string_view effect{};             ///< what it does
+    std::string_view shown{};              ///< where somebody who operates the OLT sees it
 };
 
 std::span<const FaultRule> fault_rules();

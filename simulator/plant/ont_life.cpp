@@ -45,6 +45,10 @@ bool may_range(const OntSituation& situation) {
     return situation.configured && (situation.has_onu_id || !situation.is_enabled);
 }
 
+bool has_omci_channel(const OntSituation& situation) {
+    return situation.omci_works && !situation.omci_is_lost;
+}
+
 struct Row {
     Ont_state state;
     PlantTime (*lasts)(const Place&); ///< null: until something happens
@@ -65,11 +69,13 @@ constexpr std::array life{
         [](const auto& at) -> PlantTime { return at.situation.is_in_reach ? random_time(at, 1s, 2s) : 10s; },
         [](const auto& situation) { return situation.is_in_reach ? ont_authentication : ont_standby; }},
     Row{ont_authentication, [](const auto&) -> PlantTime { return 500ms; },
-        [](const auto& situation) { return situation.is_authentic ? ont_mib_upload : ont_auth_failed; }},
+        [](const auto& situation) {
+            return !situation.is_authentic ? ont_auth_failed : situation.key_works ? ont_mib_upload : ont_standby;
+        }},
     Row{ont_mib_upload, [](const auto& at) { return random_time(at, 3s, 6s); },
-        [](const auto& situation) { return situation.omci_works ? ont_configuring : ont_config_failed; }},
+        [](const auto& situation) { return has_omci_channel(situation) ? ont_configuring : ont_config_failed; }},
     Row{ont_configuring, [](const auto& at) -> PlantTime { return 1s + at.situation.services * 500ms; },
-        [](const auto& situation) { return situation.omci_works ? ont_operational : ont_config_failed; }},
+        [](const auto& situation) { return has_omci_channel(situation) ? ont_operational : ont_config_failed; }},
     Row{ont_config_failed, [](const auto&) -> PlantTime { return 60s; }, [](const auto&) { return ont_mib_upload; }},
     Row{ont_popup, [](const auto&) -> PlantTime { return 100ms; },
         [](const auto& situation) { return situation.is_cut ? ont_gone : ont_initial; }},
@@ -130,6 +136,9 @@ OntPoint react_to_configuration(const OntPoint& at, const OntSituation& before, 
     if (before.credentials != after.credentials || (at.state == ont_auth_failed && after.is_authentic)) {
         return at.state >= ont_authentication ? OntPoint{ont_authentication, now} : at;
     }
+    if (before.key_works && !after.key_works && at.state >= ont_mib_upload && at.state <= ont_config_failed) {
+        return {ont_standby, now};
+    }
     if (before.omci_works && !after.omci_works && has_omci(at.state)) {
         return {ont_config_failed, now};
     }
@@ -166,6 +175,12 @@ OntPoint walk(OntPoint from, const OntSituation& situation, const OntPace& pace,
         point = {next, end};
         rounds.skip(point, now);
     }
+}
+
+PlantTime end_of(const OntPoint& point, const OntSituation& situation, const OntPace& pace) {
+    const auto* const row = find_row(point.state);
+    const bool ends = row != nullptr && row->next(situation) != point.state;
+    return ends ? point.since + row->lasts({point, situation, pace}) : never;
 }
 
 OntPoint react(const OntPoint& at, const OntSituation& before, const OntSituation& after, PlantTime now) {

@@ -30,6 +30,8 @@ struct OntSituation {
     bool is_authentic = true;
     std::string credentials; ///< what authentication compares; a change repeats it
     bool omci_works = true;
+    bool omci_is_lost = false; ///< noticed as soon as it is needed
+    bool key_works = true;     ///< that of the encryption, which the OLT asks for after authentication
     bool is_stopped_rogue = false;
     unsigned services = 0;
     std::uint64_t provision = 0;
@@ -59,6 +61,9 @@ private:
 
 /// Where an ONT that was at `from` is at `now`, its situation being the same all the time. Before `from` it is gone.
 OntPoint walk(OntPoint from, const OntSituation& situation, const OntPace& pace, PlantTime now);
+
+/// When the state of an ONT that is at `point` ends, its situation being the same all the time; `never` if it does not.
+PlantTime end_of(const OntPoint& point, const OntSituation& situation, const OntPace& pace);
 
 /// Where an ONT goes on from when its situation changes at `now`, being at `at`.
 OntPoint react(const OntPoint& at, const OntSituation& before, const OntSituation& after, PlantTime now);

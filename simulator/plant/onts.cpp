@@ -7,6 +7,7 @@
 #include <numeric>
 #include <ranges>
 #include <set>
+#include <utility>
 
 namespace xpon::simulator {
 
@@ -91,6 +92,7 @@ void Onts::have_follow(const Places& places, const Circumstances& given, const P
     }
     Places starters;
     for (const auto place : places) {
+        touch(place);
         if (onts_[place].follow(given, ports, replaced)) {
             starters.push_back(place);
         }
@@ -111,6 +113,7 @@ std::vector<std::uint16_t> Onts::command(const Circumstances& given, OntCommand 
         auto& ont = onts_[place];
         const auto& configured = ont.situation().configured;
         if (configured && is_listed(ont.point(given).state) && is_meant(*configured)) {
+            touch(place);
             if (ont.carry_out(given, command)) {
                 starters.push_back(place);
             }
@@ -140,6 +143,19 @@ void Onts::share_discovery(const Random& random, const Places& starters) {
             ont->wait_in_discovery(static_cast<std::uint16_t>(waits));
         }
     }
+}
+
+void Onts::touch(std::size_t place) {
+    is_touched_.resize(onts_.size());
+    if (!is_touched_[place]) {
+        is_touched_[place] = true;
+        touched_.push_back(place);
+    }
+}
+
+std::vector<std::size_t> Onts::take_touched() {
+    is_touched_.clear();
+    return std::exchange(touched_, {});
 }
 
 void Onts::forget_last_services() {

@@ -3,6 +3,7 @@
 #include "simulator/plant/tracked_ont.hpp"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -32,6 +33,19 @@ public:
     /// The OLT has booted: of what was before its daemons know nothing.
     void forget_last_services();
 
+    [[nodiscard]] std::size_t count() const {
+        return onts_.size();
+    }
+    [[nodiscard]] OntNow at(const Circumstances& given, std::size_t place) const {
+        return onts_[place].describe(given);
+    }
+    /// When its state ends if nothing happens; `never` if it does not.
+    [[nodiscard]] PlantTime changes_at(const Circumstances& given, std::size_t place) const {
+        return onts_[place].changes_at(given);
+    }
+    /// The places of those that something may have happened to since the last call.
+    std::vector<std::size_t> take_touched();
+
     [[nodiscard]] std::vector<OntNow> all(const Circumstances& given) const;
     /// The one that is seen where the configuration with this flat index wants it; empty without one.
     [[nodiscard]] std::optional<OntNow> configured_as(const Circumstances& given, std::uint16_t index) const;
@@ -45,7 +59,11 @@ private:
                      const ReplacedSettings& replaced);
     void share_discovery(const Random& random, const Places& starters);
 
+    void touch(std::size_t place);
+
     std::vector<TrackedOnt> onts_;
+    Places touched_;                                        ///< not ascending
+    std::vector<bool> is_touched_;                          ///< by place; shorter than `onts_` where none is yet
     std::multimap<std::uint64_t, std::size_t> by_serial_;   ///< to place in `onts_`
     std::array<Places, pon_ports> seen_on_;                 ///< port 1 first
     std::map<std::uint16_t, std::size_t> by_configuration_; ///< flat index to place in `onts_`

@@ -4,6 +4,7 @@
 #include "simulator/plant/onts.hpp"
 #include "simulator/plant/ports.hpp"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -85,14 +86,39 @@ public:
     [[nodiscard]] std::optional<Ont> ont_configured_as(std::uint16_t index) const {
         return onts_.configured_as(given_, index);
     }
+    /// ONTs by their place in the order in which they were made, from 0; places do not change.
+    /// @{
+    [[nodiscard]] std::size_t ont_count() const {
+        return onts_.count();
+    }
+    [[nodiscard]] Ont ont_at(std::size_t place) const {
+        return onts_.at(given_, place);
+    }
+    /// When its state ends if nothing happens; `never` if it does not.
+    [[nodiscard]] PlantTime ont_changes_at(std::size_t place) const {
+        return onts_.changes_at(given_, place);
+    }
+    /// The places of those that something may have happened to since the last call.
+    std::vector<std::size_t> take_touched_onts() {
+        return onts_.take_touched();
+    }
+    /// @}
     /// An OPERATIONAL ONT as its meter counts it.
     [[nodiscard]] MeteredOnt metered(const Ont& ont) const;
+    /// Bit times by which the ONT answers later than it should.
+    [[nodiscard]] std::uint32_t drift_of(const Ont& ont) const {
+        return given_.drift_of(ont.hardware->position);
+    }
     /// dBm at the OLT.
     [[nodiscard]] double received_power_of(const Ont& ont) const;
 
     /// Ports count from 1.
     [[nodiscard]] Pon_channel_state channel_state(unsigned pon_port) const {
         return ports_.channel_state(given_, pon_port);
+    }
+    /// When a PON port that can work does so, or did.
+    [[nodiscard]] PlantTime pon_up_since(unsigned port) const {
+        return ports_.pon(port).up_since;
     }
     [[nodiscard]] bool front_link_is_up(unsigned front_port) const {
         return front_link_since(front_port) <= now();

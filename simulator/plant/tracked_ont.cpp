@@ -45,6 +45,12 @@ OntNow TrackedOnt::describe(const Circumstances& given) const {
             .line = &line_};
 }
 
+PlantTime TrackedOnt::changes_at(const Circumstances& given) const {
+    return given.now < anchor_.since
+               ? anchor_.since
+               : end_of(point(given), situation_, {given.random, position().port, position().ont});
+}
+
 OntPoint TrackedOnt::point(const Circumstances& given) const {
     return walk(anchor_, situation_, {given.random, position().port, position().ont}, given.now);
 }
@@ -100,6 +106,8 @@ OntSituation TrackedOnt::situation_in(const Circumstances& given, const Ports& p
     situation.is_in_reach =
         hardware_.path.distance_km >= settings.reach_min_km && hardware_.path.distance_km <= settings.reach_max_km;
     situation.omci_works = !given.faults.has(FaultKind::ont_omci, target);
+    situation.omci_is_lost = given.faults.has(FaultKind::ont_omci_lost, target);
+    situation.key_works = !given.faults.has(FaultKind::ont_key, target);
     situation.is_stopped_rogue = settings.detects_rogues && given.faults.has(FaultKind::ont_rogue, target);
     add_configuration_to(situation, given, hardware_);
     return situation;

@@ -37,6 +37,8 @@ public:
         return situation_;
     }
     [[nodiscard]] OntPoint point(const Circumstances& given) const;
+    /// When its state ends if nothing happens; `never` if it does not.
+    [[nodiscard]] PlantTime changes_at(const Circumstances& given) const;
 
     /// Something happened. True when it starts anew.
     bool follow(const Circumstances& given, const Ports& ports, const ReplacedSettings& replaced);

@@ -43,7 +43,10 @@ Ont__state_info state_of(const Plant& plant, const Plant::Ont& ont) {
     const bool sends = state < ont_popup;
     info.rssi = sends ? std::round(plant.received_power_of(ont) * 10) / 10 : no_light_dbm;
     if (sends && state > ont_ranging) {
-        info.equalization_delay = equalization_delay(ont.hardware->path, settings.reach_max_km);
+        // The OLT takes from the delay what the ONT is late.
+        const auto drift = plant.drift_of(ont);
+        const auto delay = equalization_delay(ont.hardware->path, settings.reach_max_km);
+        info.equalization_delay = delay - std::min(drift, delay);
         info.distance = static_cast<std::uint32_t>(std::lround(ont.hardware->path.distance_km * 1000));
     }
     // Read over OMCI during the MIB upload.

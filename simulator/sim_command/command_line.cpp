@@ -3,10 +3,7 @@
 #include "xpon/core/json_tree.hpp"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <memory>
-#include <sstream>
 #include <utility>
 
 #include <CLI/CLI.hpp>
@@ -32,8 +29,7 @@ struct Verb {
     const char* meaning;
     std::vector<Word> words;
     const char* alone = nullptr; ///< the value of the member `name` when no word follows
-    const char* kind = nullptr;  ///< the value, a text, of the member that `kind_member` names
-    const char* kind_member = "state";
+    const char* kind = nullptr;  ///< what state asks for, such as "ont"
     std::vector<Verb> options{}; ///< may follow the words, with words of their own
     const char* usage = nullptr; ///< of the options
 };
@@ -87,6 +83,13 @@ const std::vector<Verb>& verbs() {
                       .kind = "pon"},
                      {.name = "subscribers", .meaning = "All services", .words = {}, .kind = "subscribers"}},
          .usage = "WHAT"},
+        {"reboot", "The OLT restarts", {{"now", "reboot", Kind::text, Need::required, "to be sure"}}},
+        {"firmware",
+         "An image goes to the slot that does not run",
+         {{"PATH", "firmware", Kind::text, Need::required, "of the image below OLT_ROOT, such as /firmware/new.img"}}},
+        {"boot",
+         "Choose the slot of the next boot",
+         {{"SLOT", "boot", Kind::text, Need::required, "current or alternate"}}},
         {.name = "power",
          .meaning = "Switch ONTs on and off",
          .words = {},
@@ -151,8 +154,7 @@ CLI::App* add_verb(CLI::App& app, const Verb& verb, cJSON* command) {
         add_word(parser, word, command)->required(word.need == Need::required)->type_name("");
     }
     if (verb.kind != nullptr) {
-        parser->callback(
-            [kind = verb.kind, member = verb.kind_member, command] { cJSON_AddStringToObject(command, member, kind); });
+        parser->callback([kind = verb.kind, command] { cJSON_AddStringToObject(command, "state", kind); });
     }
     if (verb.alone != nullptr) {
         parser->callback([&verb, command] {
@@ -187,16 +189,11 @@ void add_simulator_verbs(CLI::App& app, Commands& commands) {
     });
 }
 
-void add_scenario_verb(CLI::App& app, Commands& commands) {
-    auto* const parser = app.add_subcommand("run", "The commands of a file, one a line; \"#\" begins a remark");
-    const auto read = [&commands](const std::string& path) {
-        std::ifstream file(path);
-        if (!file) {
-            throw CLI::ValidationError(path, "cannot be read");
-        }
-        commands = commands_of_scenario(file);
-    };
-    parser->add_option_function<std::string>("FILE", read, "the file")->required()->check(CLI::ExistingFile);
+void add_scenario_verb(CLI::App& app, std::string& file) {
+    app.add_subcommand("run", "The steps of a scenario, one a line; docs/scenarios.md")
+        ->add_option("FILE", file, "the file")
+        ->required()
+        ->check(CLI::ExistingFile);
 }
 
 void parse_words(CLI::App& app, std::vector<std::string> words, Commands& commands) {
@@ -219,27 +216,6 @@ std::string command_of(const std::vector<std::string>& words) {
     add_simulator_verbs(app, commands);
     parse_words(app, words, commands);
     return commands.front();
-}
-
-Commands commands_of_scenario(std::istream& lines) {
-    Commands commands;
-    std::string line;
-    for (unsigned number = 1; std::getline(lines, line); ++number) {
-        std::istringstream stream(line);
-        std::vector<std::string> words(std::istream_iterator<std::string>(stream), {});
-        if (words.empty() || words.front().starts_with("#")) {
-            continue;
-        }
-        if (words.front().starts_with("{")) {
-            words = {line};
-        }
-        try {
-            commands.push_back(command_of(words));
-        } catch (const CLI::ParseError& error) {
-            throw CLI::ParseError(fmt::format("Line {}: {}", number, error.what()), CLI::ExitCodes::ValidationError);
-        }
-    }
-    return commands;
 }
 
 } // namespace xpon::simulator

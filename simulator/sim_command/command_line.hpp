@@ -1,6 +1,5 @@
 #pragma once
 
-#include <istream>
 #include <string>
 #include <vector>
 
@@ -16,8 +15,8 @@ using Commands = std::vector<std::string>;
 /// Adds the verbs that the simulator carries out, each of which appends a command to `commands` once `app` has read it.
 /// Whether kinds, targets and values exist is for the simulator to say.
 void add_simulator_verbs(CLI::App& app, Commands& commands);
-/// Adds "run FILE", which appends the commands of a scenario.
-void add_scenario_verb(CLI::App& app, Commands& commands);
+/// Adds "run FILE", which sets `file`.
+void add_scenario_verb(CLI::App& app, std::string& file);
 
 /// Lets `app` read the words: a verb and what belongs to it, or a command that begins with "{" and goes as it is.
 /// Throws CLI::ParseError, a std::runtime_error that names the word at fault.
@@ -25,9 +24,5 @@ void parse_words(CLI::App& app, std::vector<std::string> words, Commands& comman
 
 /// The command of a simulator's verb. Throws CLI::ParseError.
 std::string command_of(const std::vector<std::string>& words);
-
-/// The commands of a scenario: one a line, as above, without empty lines and those that begin with "#". Throws
-/// CLI::ParseError that names the line at fault.
-Commands commands_of_scenario(std::istream& lines);
 
 } // namespace xpon::simulator

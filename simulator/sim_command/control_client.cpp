@@ -13,6 +13,7 @@
 #include <sys/un.h>
 
 #include <fmt/format.h>
+#include <poll.h>
 
 namespace xpon::simulator {
 namespace {
@@ -48,18 +49,39 @@ std::string ControlClient::ask(std::string_view command) {
         }
         rest.remove_prefix(static_cast<std::size_t>(sent));
     }
+    auto answer = receive_line();
+    if (answer.empty()) {
+        throw std::runtime_error(fmt::format("the simulator at {} does not answer", path_));
+    }
+    return answer;
+}
+
+std::string ControlClient::receive_line() {
     std::array<char, 65536> bytes;
     for (auto end = received_.find('\n');; end = received_.find('\n')) {
         if (end != std::string::npos) {
-            auto answer = received_.substr(0, end);
+            auto line = received_.substr(0, end);
             received_.erase(0, end + 1);
-            return answer;
+            return line;
         }
         const auto count = ::recv(socket_.get(), bytes.data(), bytes.size(), 0);
         if (count <= 0) {
-            throw std::runtime_error(fmt::format("the simulator at {} does not answer", path_));
+            return {};
         }
         received_.append(bytes.data(), static_cast<std::size_t>(count));
+    }
+}
+
+std::string ControlClient::next_event() {
+    constexpr timeval no_limit{};
+    ::setsockopt(socket_.get(), SOL_SOCKET, SO_RCVTIMEO, &no_limit, sizeof no_limit);
+    return receive_line();
+}
+
+void ControlClient::pause(std::chrono::milliseconds time) {
+    pollfd socket{.fd = socket_.get(), .events = POLLIN, .revents = 0};
+    if (::poll(&socket, 1, static_cast<int>(time.count())) > 0) {
+        throw std::runtime_error(fmt::format("the simulator at {} is gone", path_));
     }
 }
 

@@ -2,12 +2,15 @@
 #include "simulator/sim_command/command_line.hpp"
 #include "simulator/sim_command/control_client.hpp"
 #include "simulator/sim_command/make_image.hpp"
+#include "simulator/sim_command/scenario.hpp"
+#include "simulator/sim_command/watch.hpp"
 #include "xpon/core/json_tree.hpp"
 
-#include <algorithm>
 #include <cstdlib>
 #include <exception>
+#include <fstream>
 #include <iostream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -18,16 +21,18 @@ namespace {
 using namespace xpon;
 
 constexpr auto footer = R"(A command may also be '{...}', JSON as the control socket takes it.
-Exit status: 0; 1 when a command is refused or no simulator answers; 2 for a bad command line.)";
+Exit status: 0; 1 when a command is refused or no simulator answers; 2 for a bad command line;
+3 when a condition of a scenario does not come true.)";
 
 constexpr int bad_command_line = 2;
+constexpr int condition_failed = 3;
 
-bool is_done(simulator::ControlClient& client, const std::string& command, bool as_json) {
-    const core::JsonTree answer(cJSON_Parse(client.ask(command).c_str()));
+/// Prints it. Throws std::runtime_error for a refusal.
+void show(const std::string& text_of_answer, bool as_json) {
+    const core::JsonTree answer(cJSON_Parse(text_of_answer.c_str()));
     const auto* const error = cJSON_GetObjectItemCaseSensitive(answer.get(), "error");
     if (cJSON_IsString(error) != 0) {
-        std::cerr << "olt_sim: " << error->valuestring << "\n";
-        return false;
+        throw std::runtime_error(error->valuestring);
     }
     // A dump of everything is for programs alone.
     if (as_json || cJSON_HasObjectItem(answer.get(), "pon_ports") != 0) {
@@ -36,7 +41,7 @@ bool is_done(simulator::ControlClient& client, const std::string& command, bool 
     } else {
         std::cout << simulator::text_of_answer(answer.get());
     }
-    return answer != nullptr && std::cout.flush();
+    std::cout.flush();
 }
 
 } // namespace
@@ -52,7 +57,10 @@ int main(int count, char** arguments) {
     app.set_version_flag("--version", "olt_sim " XPON_VERSION);
     app.get_formatter()->label("SUBCOMMAND", "COMMAND");
     simulator::add_simulator_verbs(app, commands);
-    simulator::add_scenario_verb(app, commands);
+    std::string scenario;
+    simulator::WatchOrder watch;
+    simulator::add_scenario_verb(app, scenario);
+    simulator::add_watch_verb(app, watch);
     simulator::add_make_image_verb(app);
     app.footer(footer); // not that of the verbs
     try {
@@ -61,15 +69,26 @@ int main(int count, char** arguments) {
             return bad_command_line;
         }
         simulator::parse_words(app, words, commands);
-        if (commands.empty()) { // done without a simulator
+        std::ifstream file(scenario);
+        const auto steps = simulator::parse_scenario(file);
+        if (commands.empty() && steps.empty() && !watch.is_given) { // done without a simulator
             return EXIT_SUCCESS;
         }
         simulator::ControlClient client;
-        const bool all_done =
-            std::ranges::all_of(commands, [&](const auto& command) { return is_done(client, command, as_json); });
-        return all_done ? EXIT_SUCCESS : EXIT_FAILURE;
+        const auto show_answer = [&](const std::string& answer) { show(answer, as_json); };
+        for (const auto& command : commands) {
+            show_answer(client.ask(command));
+        }
+        simulator::run_scenario(client, steps, show_answer);
+        if (watch.is_given) {
+            simulator::watch(client, watch, as_json);
+        }
+        return EXIT_SUCCESS;
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? EXIT_SUCCESS : bad_command_line;
+    } catch (const simulator::Disappointment& error) {
+        std::cerr << "olt_sim: " << error.what() << "\n";
+        return condition_failed;
     } catch (const std::exception& error) {
         std::cerr << "olt_sim: " << error.what() << "\n";
         return EXIT_FAILURE;

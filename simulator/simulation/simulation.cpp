@@ -6,6 +6,8 @@
 #include "xpon/peer_side/olt_root.hpp"
 #include "xpon/peer_side/operations.hpp"
 
+#include <algorithm>
+#include <iterator>
 #include <system_error>
 #include <utility>
 
@@ -18,9 +20,10 @@ Simulation::Simulation(const Options& options)
       network_(options.parameters(), follower_.configuration()), firmware_(make_firmware(options)),
       boot_time_(options.boot_time) {
     network_.advance(options.uptime);
-    events_.write(fmt::format("OLT started, plant {} of seed {}", options.plant->name, options.seed));
+    chronicle_.restart(network_);
+    tell(fmt::format("OLT started, plant {} of seed {}", options.plant->name, options.seed));
     for (const auto& complaint : firmware_.complaints()) {
-        events_.write(complaint);
+        tell(complaint);
     }
     write_device_facts(present_facts());
 }
@@ -62,10 +65,23 @@ void Simulation::advance_network() {
     const auto now = clock_.now();
     while (!schedule_.empty() && schedule_.begin()->first <= now) {
         auto next = schedule_.extract(schedule_.begin());
-        network_.advance(next.key());
+        pass_until(next.key());
         next.mapped()();
     }
-    network_.advance(now);
+    pass_until(now);
+    chronicle_.look_at_subscribers(network_);
+    tell_events();
+}
+
+/// From one change of state to the next, so that none is missed.
+void Simulation::pass_until(PlantTime time) {
+    chronicle_.look(network_); // what happened has changed what is next
+    for (bool has_come = false; !has_come;) {
+        const auto next = std::min({chronicle_.next_due(plant()), plant().faults().next_end(), time});
+        network_.advance(next);
+        chronicle_.look(network_);
+        has_come = next >= time;
+    }
 }
 
 bool Simulation::runs(ipc::Address peer) const {
@@ -92,7 +108,7 @@ void Simulation::follow_commits() {
     } catch (const std::system_error& fault) {
         // The plant goes on as it is; the next use of it tries again.
         if (!std::exchange(configuration_is_unreadable_, true)) {
-            events_.write(fmt::format("commits cannot be followed: {}", fault.what()));
+            tell(fmt::format("commits cannot be followed: {}", fault.what()));
         }
     }
 }
@@ -116,12 +132,12 @@ bool Simulation::follow_last_commit() {
 }
 
 /// The system manager keeps the record for all daemons.
-void Simulation::note_commits(const cfgdb::RunningCommits& commits) const {
+void Simulation::note_commits(const cfgdb::RunningCommits& commits) {
     for (const auto& commit : commits.commits) {
-        events_.write(fmt::format("commit by {:#010x}: {}", commit.by.value, summary_of(commit.changes)));
+        tell(fmt::format("commit by {:#010x}: {}", commit.by.value, summary_of(commit.changes)));
     }
     if (!commits.is_complete) {
-        events_.write("commits were missed: the running configuration was read anew");
+        tell("commits were missed: the running configuration was read anew");
     }
 }
 
@@ -129,7 +145,7 @@ void Simulation::set_fault(Fault fault, PlantTime lasts) {
     advance();
     fault.until = lasts == PlantTime{} ? never : plant().now() + lasts;
     network_.happen(&Plant::set_fault, fault);
-    events_.write(fmt::format("fault {} {} set", rule_of(fault.kind).name, to_text(fault.target)));
+    tell(fmt::format("fault {} {} set", rule_of(fault.kind).name, to_text(fault.target)));
     write_facts();
 }
 
@@ -137,7 +153,7 @@ bool Simulation::clear_fault(const FaultRule& rule, const FaultTarget& target) {
     advance();
     const bool was_set = network_.happen(&Plant::clear_fault, rule.kind, target);
     if (was_set) {
-        events_.write(fmt::format("fault {} {} cleared", rule.name, to_text(target)));
+        tell(fmt::format("fault {} {} cleared", rule.name, to_text(target)));
         write_facts();
     }
     return was_set;
@@ -146,20 +162,20 @@ bool Simulation::clear_fault(const FaultRule& rule, const FaultTarget& target) {
 void Simulation::clear_all_faults() {
     advance();
     network_.happen(&Plant::clear_all_faults);
-    events_.write("all faults cleared");
+    tell("all faults cleared");
     write_facts();
 }
 
 void Simulation::switch_power(const std::vector<OntPosition>& onts, bool on) {
     advance();
     network_.happen(&Plant::switch_power, onts, on);
-    events_.write(fmt::format("power {} at {} ONTs", on ? "on" : "off", onts.size()));
+    tell(fmt::format("power {} at {} ONTs", on ? "on" : "off", onts.size()));
 }
 
 void Simulation::plug_in(const PhysicalOnt& ont) {
     advance();
     network_.happen(&Plant::plug_in, ont);
-    events_.write(fmt::format("ONT {}/{} plugged in", ont.position.port, ont.position.ont));
+    tell(fmt::format("ONT {}/{} plugged in", ont.position.port, ont.position.ont));
 }
 
 void Simulation::reboot() {
@@ -202,7 +218,7 @@ void Simulation::start_firmware_update(const std::string& path) {
 
 void Simulation::work() {
     if (const auto outcome = firmware_.write_on()) {
-        events_.write(*outcome);
+        tell(*outcome);
         write_facts();
     }
     if (facts_are_old_) {
@@ -210,8 +226,28 @@ void Simulation::work() {
     }
 }
 
-void Simulation::note(std::string_view text) const {
-    events_.write(text);
+void Simulation::note(std::string_view text) {
+    tell(text);
+}
+
+/// It, and what came of it, becomes known.
+void Simulation::tell(std::string_view text) {
+    chronicle_.add({.at = plant().now(), .kind = EventKind::olt, .target = "", .text = std::string(text)});
+    chronicle_.look(network_);
+    tell_events();
+}
+
+void Simulation::tell_events() {
+    const auto events = chronicle_.take();
+    if (events.empty()) {
+        return;
+    }
+    std::vector<std::string> lines;
+    std::ranges::transform(events, std::back_inserter(lines), to_line);
+    events_.write(lines);
+    for (const auto& listener : listeners_) {
+        listener(events);
+    }
 }
 
 void Simulation::set_rate(double rate) {
@@ -242,7 +278,8 @@ bool Simulation::load_snapshot(const std::string& name) {
     schedule_ = found->second.schedule;
     clock_ = PlantClock(plant().now(), clock_.rate());
     network_.happen(&Plant::configure, follower_.configuration());
-    events_.write(fmt::format("snapshot {} loaded", name));
+    chronicle_.restart(network_);
+    tell(fmt::format("snapshot {} loaded", name));
     write_facts();
     return true;
 }

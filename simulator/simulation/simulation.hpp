@@ -1,5 +1,6 @@
 #pragma once
 
+#include "simulator/events/chronicle.hpp"
 #include "simulator/files/event_log.hpp"
 #include "simulator/firmware/firmware.hpp"
 #include "simulator/plant/plant_clock.hpp"
@@ -10,8 +11,10 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace xpon::simulator {
@@ -87,7 +90,11 @@ public:
     void work();
 
     /// Writes a line to the OLT's events.
-    void note(std::string_view text) const;
+    void note(std::string_view text);
+    /// `listener` is told of all events from now on, those of a moment together.
+    void on_events(std::function<void(std::span<const Event>)> listener) {
+        listeners_.push_back(std::move(listener));
+    }
 
     void set_rate(double rate);
     void step(PlantTime by);
@@ -112,12 +119,17 @@ private:
     void advance_network();
     void follow_commits();
     bool follow_last_commit();
-    void note_commits(const cfgdb::RunningCommits& commits) const;
+    void note_commits(const cfgdb::RunningCommits& commits);
+    void pass_until(PlantTime time);
+    void tell(std::string_view text);
+    void tell_events();
     [[nodiscard]] Firmware make_firmware(const Options& options) const;
     [[nodiscard]] Device_facts present_facts() const;
     void write_facts();
 
     EventLog events_;
+    Chronicle chronicle_;
+    std::vector<std::function<void(std::span<const Event>)>> listeners_;
     ConfigurationFollower follower_;
     PlantClock clock_;
     AccessNetwork network_;

@@ -5,9 +5,11 @@
 #include "simulator/subscribers/service_history.hpp"
 #include "simulator/subscribers/uplink_history.hpp"
 
+#include <cstddef>
 #include <functional>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 namespace xpon::simulator {
 
@@ -33,6 +35,11 @@ public:
 
     /// Lets time pass up to `now`; never back.
     void advance(PlantTime now);
+
+    /// Places of ONTs that something may have happened to since the last call.
+    std::vector<std::size_t> take_touched() {
+        return plant_.take_touched_onts();
+    }
 
     /// Something happens to the plant now: `event` is one of its members, or takes it first. Gives what that gives.
     template <class Event, class... Arguments>

@@ -1,6 +1,9 @@
 #include "tests/processes/live_olt.hpp"
 
+#include <chrono>
+#include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -34,6 +37,59 @@ TEST_F(BenchTest, OntsComeGoAndChangePlaces) {
     must({"move", "1/2", "1"});
     must({"step", "300"});
     EXPECT_THAT(command({"state", "subscribers"}), HasSubstr(R"("service":"1/2/4")"));
+}
+
+TEST_F(BenchTest, EachChangeOfStateIsOneLine) {
+    must({"fault", "ont_los", "1/1", "for", "30"});
+    must({"step", "400"});
+    const auto events = root.read("var/log/events.log");
+    const auto own = [](std::string_view log, std::string_view what) {
+        std::vector<std::string> texts;
+        std::istringstream lines{std::string(log)};
+        for (std::string line; std::getline(lines, line);) {
+            if (const auto at = line.find(what); at != std::string::npos) {
+                texts.push_back(line.substr(at + what.size()));
+            }
+        }
+        return texts;
+    };
+    // The fault's end lies within the step, and so do all that follow.
+    EXPECT_THAT(own(events, " ont 1/1 "),
+                testing::ElementsAre("POPUP SIMUA0010001", "GONE SIMUA0010001", "INITIAL SIMUA0010001",
+                                     "STANDBY SIMUA0010001", "SERIAL_NUMBER SIMUA0010001", "RANGING SIMUA0010001",
+                                     "AUTHENTICATION SIMUA0010001", "MIB_UPLOAD SIMUA0010001",
+                                     "CONFIGURING SIMUA0010001", "OPERATIONAL SIMUA0010001"));
+    EXPECT_THAT(own(events, " 263520.000 ont 1/1 "), testing::ElementsAre("POPUP SIMUA0010001"));
+    EXPECT_THAT(own(events, " 263520.100 ont 1/1 "), testing::ElementsAre("GONE SIMUA0010001"));
+    EXPECT_THAT(own(events, " 263550.000 ont 1/1 "), testing::ElementsAre("INITIAL SIMUA0010001"));
+    EXPECT_THAT(own(events, " alarm 1/1 "), testing::ElementsAre("LOSi raised", "LOSi cleared"));
+    EXPECT_THAT(own(events, " session 1/1/1 "), testing::ElementsAre(HasSubstr("closed"), HasSubstr("opened")));
+    EXPECT_THAT(root.read("var/log/fsm-pon.log"), HasSubstr("1/1: OPERATIONAL SIMUA0010001\n"));
+    EXPECT_THAT(root.read("var/log/pppoe.log"), HasSubstr("1/1/1: PPPoE session "));
+}
+
+TEST_F(BenchTest, AttenuationDegradesAndFailsTheSignalAndLosesIt) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"5", "SDi raised"}, {"6", "SFi raised"}, {"10", "LOSi raised"}};
+    for (const auto& [attenuation, alarm] : cases) {
+        must({"fault", "ont_attenuation", "1/1", "value", attenuation});
+        EXPECT_THAT(root.read("var/log/events.log"), HasSubstr(alarm)) << attenuation;
+    }
+}
+
+TEST_F(BenchTest, WatchersAreToldWhatTheyAskFor) {
+    test::Process watcher({OLT_SIM, "watch", "ont,port", "--of", "pon/1", "--count", "2"}, {});
+    // A watcher is served in the order of its connection; what is told before it asks, it does not hear.
+    while (watcher.output().find("GONE") == std::string::npos && !watcher.wait(std::chrono::milliseconds(1))) {
+        must({"fault", "ont_dying_gasp", "2/1"});
+        must({"fault", "ont_dying_gasp", "1/1"});
+        must({"clear", "all"});
+    }
+    EXPECT_EQ(watcher.wait(), 0);
+    EXPECT_THAT(watcher.output(), testing::Not(HasSubstr(" 2/1 ")));
+    EXPECT_THAT(watcher.output(), HasSubstr(" ont 1/1 GONE SIMUA0010001"));
+    EXPECT_THAT(command({"fault", "ont_los", "1/1"}), HasSubstr("ok"));
+    EXPECT_THAT(control->ask(R"({"watch": "onts"})"), HasSubstr("there are no events 'onts'"));
 }
 
 TEST_F(BenchTest, RefusesWhatIsNotThere) {

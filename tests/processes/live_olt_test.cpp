@@ -1,6 +1,7 @@
 #include "ipc/ipc_handle.hpp"
 #include "simulator/peers/peer_table.hpp"
 #include "simulator/sim_command/command_line.hpp"
+#include "simulator/sim_command/scenario.hpp"
 #include "tests/processes/live_olt.hpp"
 #include "tests/support/eventually.hpp"
 #include "xpon/peer_side/fixed_text.hpp"
@@ -38,7 +39,7 @@ TEST_F(LiveOltTest, OntsFollowCommits) {
         commit();
     };
     edit_profile([](auto& dba) { dba.maximum_kbps = 640; });
-    EXPECT_THAT(root.read("var/log/events.log"), HasSubstr("Z commit by 0x001bffff: ZebGCfg.pon.ont=1\n"));
+    EXPECT_THAT(root.read("var/log/events.log"), HasSubstr(" olt commit by 0x001bffff: ZebGCfg.pon.ont=1\n"));
     EXPECT_EQ(ont_states()[fresh], "CONFIGURING");
     must({"step", "60"});
     edit_profile([](auto& dba) { put_text(dba.name, "renamed"); });
@@ -124,10 +125,10 @@ TEST_F(LiveOltTest, AScenarioHappensInThePlantsTime) {
                                 "at 10 fault ont_los 1\n"
                                 "at 40 clear ont_los 1\n"
                                 R"({"at_s": 500, "command": {"fault": "slot_corrupt", "target": 1}})");
-    const auto commands = commands_of_scenario(scenario);
-    ASSERT_EQ(commands.size(), 3U);
-    for (const auto& line : commands) {
-        ASSERT_THAT(control->ask(line), HasSubstr(R"("ok":true)"));
+    const auto steps = parse_scenario(scenario);
+    ASSERT_EQ(steps.size(), 3U);
+    for (const auto& step : steps) {
+        ASSERT_THAT(control->ask(step.command), HasSubstr(R"("ok":true)"));
     }
     const auto is_slot_valid = [] {
         Firmware_version_info firmware;
@@ -221,7 +222,7 @@ TEST(CommandLine, NamesTheWordAtFault) {
     for (const auto& [words, complaint] : cases) {
         std::istringstream scenario(fmt::format("step 1\n{}\n", words));
         try {
-            commands_of_scenario(scenario);
+            parse_scenario(scenario);
             ADD_FAILURE() << complaint;
         } catch (const std::runtime_error& error) {
             EXPECT_THAT(error.what(), testing::AllOf(StartsWith("Line 2: "), HasSubstr(complaint)));

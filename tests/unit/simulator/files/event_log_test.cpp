@@ -1,7 +1,7 @@
 #include "simulator/files/event_log.hpp"
 #include "tests/support/temporary_olt_root.hpp"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace xpon::simulator {
 namespace {
@@ -15,6 +15,8 @@ TEST(EventLogTest, IsBoundedAndSurvivesALostFolder) {
     }
     EXPECT_LT(std::filesystem::file_size(root.path() / "events.log"), 1'200'000U);
     EXPECT_LT(std::filesystem::file_size(root.path() / "events.log.1"), 1'200'000U);
+    log.write("one\nline\x1b[2J\x7f");
+    EXPECT_THAT(root.read("events.log"), testing::EndsWith("Z one?line?[2J?\n"));
     std::filesystem::remove_all(root.path());
     log.write("lost");
 }
