@@ -31,7 +31,7 @@ public:
         add(entry, "service", fmt::format("{}/{}", text_of(line.ont->hardware->position), service.number));
         add(entry, "type", std::string(name_of(service.type)));
         add(entry, "vlan", service.s_vid);
-        cJSON_AddBoolToObject(entry, "served", line.served ? 1 : 0);
+        cJSON_AddBoolToObject(entry, "up", line.served ? 1 : 0);
         add(entry, "hosts", line.hosts);
         add(entry, "leases", leases_of(line));
         add(entry, "session", session_of(line));

@@ -100,10 +100,10 @@ core::JsonTree describe_fault_kinds() {
     for (const auto& rule : fault_rules()) {
         auto* const entry = add_object_to(kinds);
         add(entry, "fault", std::string(rule.name));
-        add(entry, "target", expected_target(rule));
         if (!rule.value.empty()) {
             add(entry, "value", fmt::format("{}, {} to {}", rule.value, rule.least_value, rule.most_value));
         }
+        add(entry, "target", expected_target(rule));
     }
     return answer;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <string_view>
 #include <vector>
 
@@ -11,6 +12,7 @@ namespace xpon::simulator {
 namespace {
 
 constexpr std::string_view suffix_of_seconds = "_s";
+constexpr std::size_t line_width = 80;
 
 /// "2d 03:00:07", "03:00:07.5"
 std::string duration_text(double seconds) {
@@ -58,16 +60,21 @@ std::string title_of(const cJSON* member) {
     return title;
 }
 
-/// Columns as the first row that has them tells.
-std::string table_of(const cJSON* list) {
-    struct Column {
-        std::string name;
-        std::string title;
-        bool is_number;
-        std::size_t width;
-    };
-    std::vector<Column> columns;
+struct Column {
+    std::string name;
+    std::string title;
+    bool is_number;
+    std::size_t width;
+};
+
+/// In the order of the row that has most cells.
+std::vector<Column> columns_of(const cJSON* list) {
+    const auto* fullest = list->child;
     for (const auto* row = list->child; row != nullptr; row = row->next) {
+        fullest = cJSON_GetArraySize(row) > cJSON_GetArraySize(fullest) ? row : fullest;
+    }
+    std::vector<Column> columns;
+    const auto take_in = [&](const cJSON* row) {
         for (const auto* cell = row->child; cell != nullptr; cell = cell->next) {
             auto column = std::ranges::find(columns, std::string_view(cell->string), &Column::name);
             if (column == columns.end()) {
@@ -77,17 +84,43 @@ std::string table_of(const cJSON* list) {
             }
             column->width = std::max(column->width, value_text(cell).size());
         }
+    };
+    take_in(fullest);
+    for (const auto* row = list->child; row != nullptr; row = row->next) {
+        take_in(row);
     }
+    return columns;
+}
+
+/// The text with its lines broken at blanks, all but the first one indented.
+std::string broken(std::string text, std::size_t indent) {
+    std::string lines;
+    while (text.size() > line_width) {
+        const auto blank = text.rfind(' ', line_width);
+        if (blank == std::string::npos || blank <= indent) {
+            break;
+        }
+        lines += text.substr(0, blank) + "\n";
+        text = std::string(indent, ' ') + text.substr(blank + 1);
+    }
+    return lines + text + "\n";
+}
+
+std::string table_of(const cJSON* list) {
+    const auto columns = columns_of(list);
     std::string text;
     const auto add_line = [&](const auto& cell_of) {
         std::string line;
+        std::size_t last_begins = 0;
         for (const auto& column : columns) {
             const auto cell = cell_of(column);
-            line += column.is_number ? fmt::format("  {:>{}}", cell, column.width)
-                                     : fmt::format("  {:<{}}", cell, column.width);
+            line += line.empty() ? "" : "  ";
+            last_begins = line.size();
+            line += column.is_number ? fmt::format("{:>{}}", cell, column.width)
+                                     : fmt::format("{:<{}}", cell, column.width);
         }
         line.erase(line.find_last_not_of(' ') + 1);
-        text += line + "\n";
+        text += broken(line, last_begins);
     };
     add_line([](const Column& column) { return column.title; });
     for (const auto* row = list->child; row != nullptr; row = row->next) {
