@@ -15,7 +15,9 @@
 
 #include <chrono>
 #include <filesystem>
+#include <optional>
 #include <span>
+#include <tuple>
 
 namespace xpon::simulator {
 namespace {
@@ -43,6 +45,11 @@ core::Result<void> run(const Options& options, const std::shared_ptr<core::ILogg
     Peers peers(simulation);
     BOOST_OUTCOME_TRY(const auto server, ipc::make_zmq_server(logger));
     BOOST_OUTCOME_TRY(peers.update(*server));
+    simulation.set_scheduled_runner([&](const std::string& command) {
+        std::optional<EventFilter> nobody;
+        // A refusal, such as that of a fault to clear that is no more, has nobody left to be told to.
+        std::ignore = run_command(simulation, command, nobody);
+    });
     ControlSocket control([&](std::string_view line, auto& watch) { return run_command(simulation, line, watch); });
     simulation.on_events([&](std::span<const Event> events) { control.publish(events); });
     host_name.follow(simulation.plant().configuration().hostname);

@@ -68,6 +68,7 @@ RunningService service_of(const EffectiveService& service, const OntServices& ow
             .dhcp_agent = profile.dhcp_agent != 0,
             .pppoe_agent = profile.pppoe_agent != 0,
             .broadcast_downstream = profile.broadcast_downstream != 0,
+            .source_guard = profile.source_guard != 0,
             .mac_limit = own.mac_limit != 0 ? static_cast<std::uint8_t>(own.mac_limit) : profile.mac_limit,
             .static_ip = own.static_ip,
             .downstream_kbps = lower(own.downstream_kbps, queue.max_kbps),
@@ -102,6 +103,22 @@ bool has_upstream_fec(const Records& records, const PonOnt& ont) {
     return records.running<OntTemplate>(static_cast<std::uint16_t>(ont.ont_template - 1)).upstream_fec != 0;
 }
 
+std::vector<RunningGroupRange> groups_of(const ProfileOntPortsCfg& ports) {
+    std::vector<RunningGroupRange> ranges;
+    for (const auto& range : std::span(ports.multicast_ranges, ports.multicast_ranges_count)) {
+        ranges.push_back({.first = range.first, .last = range.last});
+    }
+    return ranges;
+}
+
+std::array<RunningUserPort, std::size(ProfileOntPortsCfg{}.eth)> user_ports_of(const ProfileOntPortsCfg& ports) {
+    std::array<RunningUserPort, std::size(ProfileOntPortsCfg{}.eth)> user_ports;
+    std::ranges::transform(ports.eth, user_ports.begin(), [](const OntEthernetPort& port) {
+        return RunningUserPort{.enabled = port.enabled != 0, .mac_limit = port.mac_limit};
+    });
+    return user_ports;
+}
+
 RunningOnt running_ont(const Records& records, std::uint16_t index, const PonOnt& record) {
     const auto effective = evaluate_ont(records, index, record);
     const bool upstream_fec = has_upstream_fec(records, record);
@@ -125,6 +142,13 @@ RunningOnt running_ont(const Records& records, std::uint16_t index, const PonOnt
             .pm_collection = management.pm_collection != 0,
             .immediate_leave = ports.immediate_leave != 0,
             .max_groups = ports.max_groups,
+            .max_multicast_kbps = ports.max_multicast_kbps,
+            .groups = groups_of(ports),
+            .igmp_version = ports.igmp_version,
+            .user_ports = user_ports_of(ports),
+            .has_router = ports.veip_enabled != 0,
+            .has_telephone = std::ranges::any_of(ports.pots, [](auto enabled) { return enabled != 0; }),
+            .expected_equipment_id = record.expected_equipment_id,
             .provision = provision_of(records, effective, upstream_fec)};
 }
 

@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <memory>
 #include <ranges>
 
 #include <fmt/format.h>
@@ -205,15 +204,7 @@ core::JsonTree schedule(Simulation& simulation, const CommandFields& fields) {
     if (simulation.scheduled() >= most_scheduled) {
         throw CommandError("too many commands are waiting for their time");
     }
-    // cJSON trees have one owner, copied callables need a shared one.
-    const std::shared_ptr<cJSON> kept(cJSON_Duplicate(command, 1), cJSON_Delete);
-    simulation.schedule(time_of(in.value_or(0)), [&simulation, kept] {
-        try {
-            run(simulation, kept.get());
-        } catch (const CommandError&) { // NOLINT(bugprone-empty-catch)
-            // Such as a fault to clear that is no more: there is nobody left to tell.
-        }
-    });
+    simulation.schedule(time_of(in.value_or(0)), core::print_line(command).get());
     return new_object();
 }
 

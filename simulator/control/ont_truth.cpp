@@ -15,22 +15,22 @@ namespace xpon::simulator {
 namespace {
 
 void add_counts(cJSON* entry, const Plant& plant, const Plant::Ont& ont) {
-    if (ont.point.state != ont_operational) {
+    const auto tally = plant.counted(ont);
+    if (!tally) {
         return;
     }
-    const auto tally = ont.meter->read(plant.metered(ont), plant.now());
-    add(entry, "rx_bytes", static_cast<double>(tally.received().octets));
-    add(entry, "tx_bytes", static_cast<double>(tally.sent().octets));
-    add(entry, "wrong_bits_up", std::floor(tally.wrong_bits_up));
-    add(entry, "wrong_bits_down", std::floor(tally.wrong_bits_down));
+    add(entry, "rx_bytes", static_cast<double>(tally->received().octets));
+    add(entry, "tx_bytes", static_cast<double>(tally->sent().octets));
+    add(entry, "wrong_bits_up", std::floor(tally->wrong_bits_up));
+    add(entry, "wrong_bits_down", std::floor(tally->wrong_bits_down));
 }
 
 void add_line(cJSON* entry, const Plant& plant, const Plant::Ont& ont) {
     const auto split = plant.parameters().plant->split_of(ont.situation->seen_port);
     add(entry, "split", split);
     add(entry, "attenuation_db", ont.line->attenuation_db);
-    add(entry, "bit_error_rate_up", BitErrorRate::upstream(ont.hardware->path, split, *ont.line).mean());
-    add(entry, "bit_error_rate_down", BitErrorRate::downstream(ont.hardware->path, split, *ont.line).mean());
+    add(entry, "bit_error_rate_up", BitErrorRate::upstream(plant.random(), *ont.hardware, split, *ont.line).mean());
+    add(entry, "bit_error_rate_down", BitErrorRate::downstream(plant.random(), *ont.hardware, split, *ont.line).mean());
     add(entry, "loss_of_signal_dbm", loss_of_signal_dbm(ont.line->odn_class));
 }
 

@@ -32,7 +32,7 @@ public:
         add(entry, "type", std::string(name_of(service.type)));
         add(entry, "vlan", service.s_vid);
         cJSON_AddBoolToObject(entry, "up", line.served ? 1 : 0);
-        add(entry, "hosts", line.hosts);
+        add(entry, "hosts", line.hosts.count());
         add(entry, "leases", leases_of(line));
         add(entry, "session", session_of(line));
         add(entry, "groups", groups_of(line));
@@ -41,7 +41,7 @@ public:
 private:
     unsigned leases_of(const SubscriberLine& line) {
         unsigned count = 0;
-        for (unsigned host = 0; host < line.hosts; ++host) {
+        for (unsigned host = 0; host < line.hosts.count(); ++host) {
             count += leases_.last_grant(line, host) ? 1 : 0;
         }
         return count;
@@ -51,12 +51,12 @@ private:
         return !session ? "" : session->id == 0 ? "blocked" : fmt::format("{:#06x}", session->id);
     }
     [[nodiscard]] std::string groups_of(const SubscriberLine& line) const {
-        if (!line.served || line.service->multicast_vid == 0) {
+        if (!line.served || line.hosts.count() == 0 || line.service->multicast_vid == 0) {
             return "";
         }
-        const auto viewing =
-            Viewer(plant_.random(), line.ont->hardware->position, line.service->number, line.ont->settings->max_groups)
-                .at(plant_.now());
+        const auto viewing = Viewer(plant_.random(), line.ont->hardware->position, line.service->number,
+                                    ViewingLimits(*line.ont->settings))
+                                 .at(plant_.now());
         std::string text;
         for (const auto group : viewing.groups()) {
             text += fmt::format("{}239.0.0.{}", text.empty() ? "" : " ", group + 1);

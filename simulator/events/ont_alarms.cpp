@@ -19,7 +19,7 @@ bool has_fault(const Plant& plant, const Plant::Ont& ont, FaultKind kind) {
 
 double wrong_bits(const Plant& plant, const Plant::Ont& ont) {
     const auto split = plant.parameters().plant->split_of(ont.situation->seen_port);
-    return BitErrorRate::upstream(ont.hardware->path, split, *ont.line).mean();
+    return BitErrorRate::upstream(plant.random(), *ont.hardware, split, *ont.line).mean();
 }
 
 constexpr std::array alarms{

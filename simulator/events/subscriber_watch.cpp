@@ -36,13 +36,13 @@ SubscriberWatch::Table SubscriberWatch::table_of(const AccessNetwork& network) {
         if (line.served_before) {
             table.service_ended[target] = line.served_before->until;
         }
-        for (unsigned host = 0; host < line.hosts; ++host) {
+        for (unsigned host = 0; host < line.hosts.count(); ++host) {
             if (const auto granted = leases.last_grant(line, host)) {
                 const auto who = fmt::format("{} at {}", text_of(line.ip_of(host)), text_of(line.mac_of(host)));
                 table.entries[{target, who}] = {
                     *granted, EventKind::session, peers::dhcp_relay,
                     fmt::format("DHCP lease of {} given for {} s", who,
-                                std::chrono::floor<std::chrono::seconds>(Leases::length).count()),
+                                std::chrono::floor<std::chrono::seconds>(LeaseTimes::length).count()),
                     fmt::format("DHCP lease of {} ended", who)};
             }
         }
@@ -58,9 +58,9 @@ SubscriberWatch::Table SubscriberWatch::table_of(const AccessNetwork& network) {
             const auto which = session->id == 0 ? who : fmt::format("{} {}", who, since.count());
             table.entries[{target, which}] = {since, EventKind::session, peers::pppoe, came, went};
         }
-        if (line.served && line.service->multicast_vid != 0) {
+        if (line.served && line.hosts.count() != 0 && line.service->multicast_vid != 0) {
             const auto viewing = Viewer(plant.random(), line.ont->hardware->position, line.service->number,
-                                        line.ont->settings->max_groups)
+                                        ViewingLimits(*line.ont->settings))
                                      .at(plant.now());
             for (const auto group : viewing.groups()) {
                 const auto address = fmt::format("239.0.0.{}", group + 1);

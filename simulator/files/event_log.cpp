@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <chrono>
 #include <fstream>
+#include <string>
 #include <system_error>
 #include <utility>
 
@@ -29,7 +29,7 @@ void EventLog::write(std::span<const std::string> texts) const {
     const auto time = fmt::format("{:%FT%TZ}", fmt::gmtime(now));
     std::ofstream file(file_, std::ios::app);
     for (auto text : texts) {
-        std::ranges::replace_if(text, [](unsigned char letter) { return std::iscntrl(letter) != 0; }, '?');
+        std::ranges::replace_if(text, [](unsigned char letter) { return letter < ' ' || letter == 0x7f; }, '?');
         // One write per line, so that no reader sees half of one.
         file << fmt::format("{} {}\n", time, text) << std::flush;
     }

@@ -4,15 +4,27 @@
 #include "simulator/plant/plant_time.hpp"
 
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace xpon::simulator {
 
 struct Fault {
-    FaultKind kind;
-    FaultTarget target;
+    FaultKind kind{};
+    FaultTarget target{};
     double value = 0;
     PlantTime until = never;
+
+    /// As the target's text: names in it live in this process only.
+    template <class Archive>
+    void archive(Archive& state) {
+        auto text = to_text(target);
+        state(kind, text, value, until);
+        if constexpr (Archive::reads) {
+            std::string complaint;
+            target = parse_target(rule_of(kind), text, complaint).value_or(target);
+        }
+    }
 };
 
 /// The faults that are injected now; one at most for a kind and target.
@@ -38,6 +50,11 @@ public:
 
     [[nodiscard]] const std::vector<Fault>& all() const {
         return faults_;
+    }
+
+    template <class Archive>
+    void archive(Archive& state) {
+        state(faults_);
     }
 
 private:

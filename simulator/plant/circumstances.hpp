@@ -2,7 +2,9 @@
 
 #include "simulator/plant/active_faults.hpp"
 #include "simulator/plant/plant_description.hpp"
+#include "simulator/plant/pppoe_blocks.hpp"
 #include "simulator/plant/running_configuration.hpp"
+#include "simulator/plant/uplink_history.hpp"
 
 #include <array>
 #include <cstdint>
@@ -39,6 +41,16 @@ struct Circumstances {
     ActiveFaults faults;
     /// What testers switched on and off; all others are as they are made.
     std::map<OntPosition, bool> power;
+
+    // What its subscribers remember of its past.
+    UplinkHistory uplinks;
+    PppoeBlocks pppoe_blocks;
+
+    /// What the parameters and the configuration do not say.
+    template <class Archive>
+    void archive(Archive& state) {
+        state(now, booted_at, boot_ends, faults, power, uplinks, pppoe_blocks);
+    }
 
 private:
     void forget_serial_of(std::uint16_t index);

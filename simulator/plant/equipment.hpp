@@ -1,5 +1,6 @@
 #pragma once
 
+#include "simulator/plant/optics.hpp"
 #include "xpon/custom_layer/device.h"
 #include "xpon/custom_layer/system.h"
 
@@ -30,6 +31,7 @@ struct ModuleModel {
     std::string media;
     unsigned speed_mbps = 0;
     bool has_diagnostics = true;
+    OdnClass odn_class = OdnClass::b_plus; ///< of one for a PON port
 };
 
 /// A board, as its maker made it, and what it carries.

@@ -19,27 +19,64 @@ std::uint8_t popular_one(double share, unsigned count) {
 
 } // namespace
 
-Viewer::Viewer(const Random& random, const OntPosition& ont, unsigned service, unsigned max_groups)
-    : random_(random), ont_(ont), service_(service), max_groups_(max_groups),
-      pattern_(random.number(Purpose::viewing_pattern, {ont.port, ont.ont, service})) {
+ViewingLimits::ViewingLimits(const OntSettings& settings)
+    : most_groups(settings.max_groups), most_kbps(settings.max_multicast_kbps) {
+    for (unsigned group = 0; group < multicast_groups; ++group) {
+        constexpr std::uint32_t before_first = 0xef000000; // 239.0.0.0
+        const auto address = before_first + group + 1;
+        const bool is_allowed = settings.groups.empty() || std::ranges::any_of(settings.groups, [&](const auto& range) {
+                                    return range.first <= address && address <= range.last;
+                                });
+        if (is_allowed) {
+            groups.push_back(static_cast<std::uint8_t>(group));
+        }
+    }
+}
+
+double stream_kbps(const Random& random, std::uint8_t group) {
+    return random.between(4500, 7500, Purpose::stream_rate, {group});
+}
+
+Viewer::Viewer(const Random& random, const OntPosition& ont, unsigned service, const ViewingLimits& limits)
+    : ont_(ont), service_(service) {
     constexpr std::chrono::duration<double, std::milli> least = 10min;
     constexpr std::chrono::duration<double, std::milli> most = 30min;
-    const auto choose = [&](double from, double to, std::uint64_t what) {
+    const auto time_between = [&](double from, double to, std::uint64_t what) {
         return PlantTime(static_cast<PlantTime::rep>(
             random.between(from, to, Purpose::viewing_length, {ont.port, ont.ont, service, what})));
     };
-    length_ = choose(least.count(), most.count(), 0);
-    under_way_ = choose(0, static_cast<double>(length_.count()), 1);
-    for (unsigned viewing = 0; viewing < cycle; ++viewing) {
-        groups_in_cycle_ += count_in(viewing);
+    length_ = time_between(least.count(), most.count(), 0);
+    under_way_ = time_between(0, static_cast<double>(length_.count()), 1);
+    for (unsigned nth = 0; nth < cycle; ++nth) {
+        auto& choice = choices_.at(nth);
+        choice = choose(random, limits, nth);
+        choice.kbit_before = kbit_in_cycle_;
+        kbit_in_cycle_ += choice.kbps * seconds_of(length_);
+        peak_kbps_ = std::max(peak_kbps_, choice.kbps);
     }
-    watched_at_start_ = watched_since_first(PlantTime{});
 }
 
-unsigned Viewer::count_in(std::int64_t viewing) const {
-    const auto nth = static_cast<std::uint64_t>(viewing) % cycle;
-    const unsigned wanted = 1 + static_cast<unsigned>(pattern_ >> nth & 1U);
-    return max_groups_ == 0 ? wanted : std::min(wanted, max_groups_);
+/// What is wanted, as far as the ONT allows it.
+Viewer::Choice Viewer::choose(const Random& random, const ViewingLimits& limits, unsigned nth) const {
+    const auto key = [&](Purpose purpose, std::uint64_t which) {
+        return random.share(purpose, {ont_.port, ont_.ont, service_, nth, which});
+    };
+    const unsigned wanted = key(Purpose::viewing_pattern, 0) < 0.5 ? 1 : 2;
+    auto left = limits.groups;
+    Choice choice;
+    while (choice.count < wanted && !left.empty() && (limits.most_groups == 0 || choice.count < limits.most_groups)) {
+        const auto place = popular_one(key(Purpose::viewing_groups, choice.count), static_cast<unsigned>(left.size()));
+        const auto group = left.at(place);
+        const double kbps = choice.kbps + stream_kbps(random, group);
+        if (limits.most_kbps != 0 && kbps > limits.most_kbps) {
+            break;
+        }
+        choice.kbps = kbps;
+        choice.group.at(choice.count++) = group;
+        left.erase(left.begin() + place);
+    }
+    std::ranges::sort(std::span(choice.group).first(choice.count));
+    return choice;
 }
 
 std::int64_t Viewer::viewing_at(PlantTime time) const {
@@ -48,36 +85,19 @@ std::int64_t Viewer::viewing_at(PlantTime time) const {
 
 Viewing Viewer::at(PlantTime time) const {
     const auto nth = viewing_at(time);
-    Viewing viewing{.since = nth * length_ - under_way_,
-                    .until = (nth + 1) * length_ - under_way_,
-                    .count = static_cast<std::uint8_t>(count_in(nth))};
-    const auto share = [&](std::uint64_t which) {
-        return random_.share(Purpose::viewing_groups,
-                             {ont_.port, ont_.ont, service_, static_cast<std::uint64_t>(nth), which});
-    };
-    auto& [first, second] = viewing.group;
-    first = popular_one(share(0), multicast_groups);
-    if (viewing.count == 2) {
-        // One of the others.
-        second = popular_one(share(1), multicast_groups - 1);
-        second = static_cast<std::uint8_t>(second + (second >= first ? 1 : 0));
-        std::ranges::sort(viewing.group);
-    }
-    return viewing;
+    const auto& choice = choices_.at(static_cast<std::uint64_t>(nth) % cycle);
+    return {.since = nth * length_ - under_way_,
+            .until = (nth + 1) * length_ - under_way_,
+            .count = choice.count,
+            .group = choice.group};
 }
 
-PlantTime Viewer::watched_since_first(PlantTime until) const {
-    const auto nth = viewing_at(until);
-    const auto cycles = floor_division(nth, cycle);
-    std::int64_t whole = cycles * groups_in_cycle_;
-    for (auto viewing = cycles * cycle; viewing < nth; ++viewing) {
-        whole += count_in(viewing);
-    }
-    return whole * length_ + (until + under_way_ - nth * length_) * count_in(nth);
-}
-
-PlantTime Viewer::watched(PlantTime until) const {
-    return watched_since_first(until) - watched_at_start_;
+double Viewer::kbit_until(PlantTime time) const {
+    const auto nth = viewing_at(time);
+    const auto& choice = choices_.at(static_cast<std::uint64_t>(nth) % cycle);
+    const auto in_viewing = time + under_way_ - nth * length_;
+    return static_cast<double>(floor_division(nth, cycle)) * kbit_in_cycle_ + choice.kbit_before +
+           choice.kbps * seconds_of(in_viewing);
 }
 
 } // namespace xpon::simulator

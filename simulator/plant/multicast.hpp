@@ -3,10 +3,12 @@
 #include "simulator/plant/ont_layout.hpp"
 #include "simulator/plant/plant_time.hpp"
 #include "simulator/plant/random.hpp"
+#include "simulator/plant/running_configuration.hpp"
 
 #include <array>
 #include <cstdint>
 #include <span>
+#include <vector>
 
 namespace xpon::simulator {
 
@@ -27,42 +29,58 @@ struct Viewing {
     std::span<const std::uint8_t> groups() const&& = delete;
 };
 
+/// What the ONT lets its viewers join; 0 = no limit.
+struct ViewingLimits {
+    explicit ViewingLimits(const OntSettings& settings);
+
+    std::vector<std::uint8_t> groups; ///< those allowed, ascending
+    unsigned most_groups;             ///< at a time
+    double most_kbps;                 ///< of all of them at a time
+};
+
+/// The rate at which a group is sent, always the same.
+double stream_kbps(const Random& random, std::uint8_t group);
+
 /// Who watches television behind one IPTV service: every 10 to 30 minutes, each viewer after its own time, one or two
-/// other groups. It watches all the time; what reaches it depends on the ONT's being in service.
+/// other groups, and the same again after most of a day. It watches all the time; what reaches it depends on the ONT's
+/// being in service.
 class Viewer {
 public:
-    /// `ont` is the place of the physical ONT, `service` counts from 1; `max_groups` at a time, 0 = no limit.
-    Viewer(const Random& random, const OntPosition& ont, unsigned service, unsigned max_groups);
+    /// `ont` is the place of the physical ONT, `service` counts from 1.
+    Viewer(const Random& random, const OntPosition& ont, unsigned service, const ViewingLimits& limits);
 
     /// What is watched at the time.
     [[nodiscard]] Viewing at(PlantTime time) const;
 
-    /// The time watched since the plant's start, each of two groups watched at once counted for itself.
-    [[nodiscard]] PlantTime watched(PlantTime until) const;
-    /// Over a long time.
-    [[nodiscard]] double mean_groups() const {
-        return static_cast<double>(groups_in_cycle_) / cycle;
+    /// What the streams that are watched by the time come to, counted from a fixed one, in kbit.
+    [[nodiscard]] double kbit_until(PlantTime time) const;
+    /// The highest rate of those watched at once.
+    [[nodiscard]] double peak_kbps() const {
+        return peak_kbps_;
     }
 
 private:
-    /// Groups at a time repeat after so many viewings, so that sums over any time are quick.
-    static constexpr unsigned cycle = 16;
+    /// Viewings repeat after so many, so that sums over any time are quick.
+    static constexpr unsigned cycle = 64;
 
-    [[nodiscard]] unsigned count_in(std::int64_t viewing) const;
+    struct Choice {
+        std::uint8_t count = 0;
+        std::array<std::uint8_t, 2> group{};
+        double kbps = 0;
+        double kbit_before = 0; ///< of the viewings before it in the cycle
+    };
+
+    [[nodiscard]] Choice choose(const Random& random, const ViewingLimits& limits, unsigned nth) const;
     /// Counted from the one that was under way at the start; less before it.
     [[nodiscard]] std::int64_t viewing_at(PlantTime time) const;
-    /// As watched(), since the start of viewing 0.
-    [[nodiscard]] PlantTime watched_since_first(PlantTime until) const;
 
-    Random random_;
     OntPosition ont_;
     unsigned service_;
-    unsigned max_groups_;
-    PlantTime length_;      ///< of a viewing
-    PlantTime under_way_;   ///< how much of viewing 0 was over at the start
-    std::uint64_t pattern_; ///< bit n: two groups in the n-th viewing of a cycle
-    unsigned groups_in_cycle_ = 0;
-    PlantTime watched_at_start_{}; ///< since the start of viewing 0
+    PlantTime length_;    ///< of a viewing
+    PlantTime under_way_; ///< how much of viewing 0 was over at the start
+    std::array<Choice, cycle> choices_{};
+    double kbit_in_cycle_ = 0;
+    double peak_kbps_ = 0;
 };
 
 } // namespace xpon::simulator

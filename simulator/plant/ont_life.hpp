@@ -37,6 +37,13 @@ struct OntSituation {
     std::uint64_t provision = 0;
 
     bool operator==(const OntSituation&) const = default;
+
+    template <class Archive>
+    void archive(Archive& state) {
+        state(has_power, is_cut, seen_port, channel_is_up, channel_since, discovery_interval, discovery_waits,
+              configured, is_enabled, is_in_reach, has_onu_id, is_authentic, credentials, omci_works, omci_is_lost,
+              key_works, is_stopped_rogue, services, provision);
+    }
 };
 
 /// A point of an ONT's way.

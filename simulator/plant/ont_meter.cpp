@@ -69,38 +69,89 @@ void add_words(FecTally& tally, double bits, double wrong_bits, double bit_error
 class Counting {
 public:
     Counting(const MeteredOnt& ont, const LineConditions& line, PlantTime from, PlantTime to)
-        : ont_(ont), line_(line), from_(from), to_(to), up_(BitErrorRate::upstream(ont.hardware.path, ont.split, line)),
-          down_(BitErrorRate::downstream(ont.hardware.path, ont.split, line)),
-          lost_shares_(lost_shares(down_.mean(), line.downstream_fec)) {}
+        : ont_(ont), line_(line), from_(from), to_(to),
+          up_(BitErrorRate::upstream(ont.given.random, ont.hardware, ont.split, line)),
+          down_(BitErrorRate::downstream(ont.given.random, ont.hardware, ont.split, line)),
+          lost_up_(lost_shares(up_.mean(), ont.settings.upstream_fec)),
+          lost_down_(lost_shares(down_.mean(), line.downstream_fec)) {}
 
     void add(OntTally& tally) const {
         const auto& traffic = ont_.traffic;
         for (const auto& service : traffic.services) {
             auto& counts = tally.service(service.number);
-            add_flow(counts.up, service.up, {});
-            add_flow(counts.down, service.down, lost_shares_);
+            add_up(counts.up, service);
+            add_flow(counts.down, service.down, service.use.usable, {lost_down_, key_of(service.number, 1)});
             if (service.multicast) {
-                add_flow(counts.multicast, *service.multicast, lost_shares_);
+                add_flow(counts.multicast, *service.multicast, service.use.streams,
+                         {lost_down_, key_of(service.number, 2)});
             }
         }
         if (traffic.broadcast) {
-            add_flow(tally.broadcast, *traffic.broadcast, lost_shares_);
+            add_frames(tally.broadcast, {lost_down_, key_of(0, 0)},
+                       [&](std::size_t bin) { return static_cast<double>(traffic.broadcast->count(bin, from_, to_)); });
         }
         add_line(tally, traffic.granted);
     }
 
 private:
-    void add_flow(FlowTally& tally, const Flow& flow, const Shares& shares) const {
-        const auto before = flow.until(from_);
-        const auto after = flow.until(to_);
-        tally.refused += after.refused - before.refused;
-        const auto already = tally.frames_sent();
+    /// How frames of a GEM port are lost.
+    struct Losses {
+        const Shares& shares;
+        std::uint64_t key;
+    };
+
+    [[nodiscard]] std::uint64_t key_of(std::uint64_t service, std::uint64_t way) const {
+        const auto& place = ont_.hardware.position;
+        return (std::uint64_t{place.port} << 16U | place.ont) << 8U | service << 4U | way;
+    }
+
+    template <class Count>
+    void add_frames(FlowTally& tally, const Losses& losses, Count count) const {
         for (std::size_t bin = 0; bin < frame_sizes.size(); ++bin) {
             auto& sent = tally.sent.at(bin);
-            sent += (after.passed - before.passed) * flow.mix().at(bin) / frame_sizes.at(bin);
+            const auto before = whole(sent);
+            sent += count(bin);
             // Of whole frames, so that never more are lost than sent in any time.
-            tally.lost.at(bin) += static_cast<double>(whole(sent) - already.of_size.at(bin)) * shares.at(bin);
+            if (const auto after = whole(sent); after != before) {
+                constexpr double grain = 2000; // frames
+                const Unevenness chance(ont_.given.random, Purpose::frame_losses, losses.key << 8U | bin, grain);
+                tally.lost.at(bin) += (chance.at(static_cast<double>(after)) - chance.at(static_cast<double>(before))) *
+                                      losses.shares.at(bin);
+            }
         }
+    }
+
+    template <class AnyFlow>
+    void add_flow(FlowTally& tally, const AnyFlow& flow, const std::vector<Stretch>& usable,
+                  const Losses& losses) const {
+        const auto passed = pass(tally, flow, usable);
+        add_frames(tally, losses, [&](std::size_t bin) { return passed * flow.mix().at(bin) / frame_sizes.at(bin); });
+    }
+
+    /// What the users send while they can, and their hosts while they cannot.
+    void add_up(FlowTally& tally, const ServiceTraffic& service) const {
+        const auto passed = pass(tally, service.up, service.use.usable);
+        auto retries = service.retries.count(from_, to_);
+        for (const auto& part : common(service.use.usable, {{from_, to_}})) {
+            retries -= service.retries.count(part.since, part.until);
+        }
+        add_frames(tally, {lost_up_, key_of(service.number, 0)}, [&](std::size_t bin) {
+            return passed * service.up.mix().at(bin) / frame_sizes.at(bin) +
+                   (bin == service.retries.bin() ? static_cast<double>(retries) : 0.0);
+        });
+    }
+
+    /// The octets that pass while they may.
+    template <class AnyFlow>
+    double pass(FlowTally& tally, const AnyFlow& flow, const std::vector<Stretch>& usable) const {
+        double passed = 0;
+        for (const auto& part : common(usable, {{from_, to_}})) {
+            const auto before = flow.until(part.since);
+            const auto after = flow.until(part.until);
+            tally.refused += after.refused - before.refused;
+            passed += after.passed - before.passed;
+        }
+        return passed;
     }
 
     void add_line(OntTally& tally, double granted) const {
@@ -125,7 +176,8 @@ private:
     PlantTime to_;
     BitErrorRate up_;
     BitErrorRate down_;
-    Shares lost_shares_;
+    Shares lost_up_;
+    Shares lost_down_;
 };
 
 } // namespace
@@ -172,7 +224,7 @@ Frames FlowTally::frames_received() const {
 LinkTraffic OntTally::received() const {
     LinkTraffic sum;
     for (const auto& service : services) {
-        sum.add(service.up.frames_sent());
+        sum.add(service.up.frames_received());
     }
     return sum;
 }
@@ -230,6 +282,12 @@ void OntMeter::line_changes(const MeteredOnt& ont, PlantTime now) {
 
 void OntMeter::service_ends(const MeteredOnt& ont, PlantTime now) {
     count_until(ont, now);
+}
+
+void OntMeter::settle(const MeteredOnt& ont, PlantTime time) {
+    if (time > ont.since && time > counted_until_) {
+        count_until(ont, time);
+    }
 }
 
 void OntMeter::reset() {

@@ -90,13 +90,13 @@ struct OntTally {
 
 /// An ONT in service, as it is counted.
 struct MeteredOnt {
-    const Random& random;
+    const Circumstances& given;
     const PhysicalOnt& hardware;
     const OntSettings& settings;
     unsigned split;
     LineConditions line;
     PlantTime since; ///< in service, with these settings
-    OntTraffic traffic = {random, hardware.position, settings};
+    OntTraffic traffic = {given, hardware, settings, since};
 };
 
 /// Counts an ONT from its activation on. Only events are stored; between them the counts are worked out when they are
@@ -105,13 +105,30 @@ class OntMeter {
 public:
     /// The counts at a time of the present service, at which it was counted or later.
     [[nodiscard]] OntTally read(const MeteredOnt& ont, PlantTime time) const;
+    /// The counts of the past services of an ONT that is in none; null without such.
+    [[nodiscard]] const OntTally* counted() const {
+        return counted_.get();
+    }
 
     /// The ONT goes on under other conditions than those of `ont`.
     void line_changes(const MeteredOnt& ont, PlantTime now);
     /// The service ends; what was counted goes into the next.
     void service_ends(const MeteredOnt& ont, PlantTime now);
+    /// Counts up to a time that is past, whatever becomes unknown of it.
+    void settle(const MeteredOnt& ont, PlantTime time);
     /// The ONT has to be activated anew.
     void reset();
+
+    template <class Archive>
+    void archive(Archive& state) {
+        bool has_counted = counted_ != nullptr;
+        state(has_counted, counted_until_, parts_);
+        if (has_counted) {
+            auto tally = counted_ == nullptr ? OntTally{} : *counted_;
+            state(tally);
+            counted_ = std::make_shared<const OntTally>(tally);
+        }
+    }
 
 private:
     /// A past part of the present service.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "simulator/plant/optics.hpp"
+#include "simulator/plant/plant_time.hpp"
 #include "simulator/plant/random.hpp"
 
 #include <cstdint>
@@ -22,6 +23,7 @@ struct PlantParameters {
     const PlantDescription* plant = nullptr;
     PlantSize size;
     std::uint64_t seed = 1;
+    PlantTime past{}; ///< how long the OLT has been running when the simulation begins
 };
 
 /// A physical ONT and its fibre: what never changes about it.

@@ -3,6 +3,7 @@
 #include "simulator/plant/circumstances.hpp"
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 #include <numeric>
 #include <ranges>
@@ -26,17 +27,42 @@ bool Onts::contains(const OntPosition& position) const {
 
 void Onts::put(const PhysicalOnt& ont) {
     const auto found = std::ranges::find(onts_, ont.position, &TrackedOnt::position);
-    const auto place = static_cast<std::size_t>(found - onts_.begin());
-    if (found == onts_.end()) {
+    put(ont, static_cast<std::size_t>(found - onts_.begin()));
+}
+
+void Onts::put(const PhysicalOnt& ont, std::size_t place) {
+    if (place == onts_.size()) {
         onts_.emplace_back(ont);
     } else {
-        std::erase_if(by_serial_, [&](const auto& known) { return known.second == place; });
-        if (const auto& configured = found->situation().configured) {
+        if (const auto& configured = onts_[place].situation().configured) {
             by_configuration_.erase(*configured);
         }
-        *found = TrackedOnt(ont);
+        const bool is_known = onts_[place].hardware().serial == ont.serial;
+        onts_[place] = TrackedOnt(ont);
+        if (is_known) {
+            return;
+        }
+        std::erase_if(by_serial_, [&](const auto& known) { return known.second == place; });
     }
     by_serial_.emplace(ont.serial, place);
+}
+
+void Onts::spread_over(PlantTime past, const Random& random) {
+    using namespace std::chrono_literals;
+    constexpr PlantTime youngest = 6min; // in service by the simulation's begin
+    if (past <= youngest) {
+        return;
+    }
+    constexpr double since_start_share = 0.08;
+    const auto span = static_cast<double>((past - youngest).count());
+    for (auto& ont : onts_) {
+        const auto& at = ont.position();
+        if (random.share(Purpose::ont_past, {at.port, at.ont, 0}) >= since_start_share) {
+            // The older, the fewer there are.
+            const double part = std::pow(random.share(Purpose::ont_past, {at.port, at.ont, 1}), 1.7);
+            ont.begin_later(past - youngest - PlantTime(static_cast<PlantTime::rep>(span * part)));
+        }
+    }
 }
 
 void Onts::follow(const Circumstances& given, const Ports& ports, const ReplacedSettings& replaced) {
@@ -156,6 +182,12 @@ void Onts::touch(std::size_t place) {
 std::vector<std::size_t> Onts::take_touched() {
     is_touched_.clear();
     return std::exchange(touched_, {});
+}
+
+void Onts::count_until(const Circumstances& given, PlantTime time) {
+    for (auto& ont : onts_) {
+        ont.count_until(given, time);
+    }
 }
 
 void Onts::forget_last_services() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "simulator/plant/plant_description.hpp"
 #include "simulator/plant/tracked_ont.hpp"
 
 #include <array>
@@ -30,6 +31,32 @@ public:
     /// the indices of those, ascending.
     std::vector<std::uint16_t> command(const Circumstances& given, OntCommand command,
                                        const std::function<bool(std::uint16_t index)>& is_meant);
+    /// The plant has been running for `past` when the simulation begins: ONTs were switched on now and then since, the
+    /// last one some minutes ago. To be asked for at the plant's start.
+    void spread_over(PlantTime past, const Random& random);
+
+    /// After reading, follow() has to come. `plant`: whose ONTs they are.
+    template <class Archive>
+    void archive(Archive& state, const PlantDescription& plant) {
+        auto count = onts_.size();
+        state(count);
+        for (std::size_t place = 0; place < count; ++place) {
+            if constexpr (Archive::reads) {
+                PhysicalOnt ont{};
+                std::ptrdiff_t model = 0;
+                state(ont.position, ont.serial, model, ont.path, ont.is_switched_on);
+                ont.model = &plant.ont_models.at(static_cast<std::size_t>(model));
+                put(ont, place);
+            } else {
+                const auto& ont = onts_[place].hardware();
+                state(ont.position, ont.serial, ont.model - plant.ont_models.data(), ont.path, ont.is_switched_on);
+            }
+            state(onts_[place]);
+        }
+    }
+
+    /// Those in service are counted up to the time, which is past, once and for all.
+    void count_until(const Circumstances& given, PlantTime time);
     /// The OLT has booted: of what was before its daemons know nothing.
     void forget_last_services();
 
@@ -51,6 +78,8 @@ public:
     [[nodiscard]] std::optional<OntNow> configured_as(const Circumstances& given, std::uint16_t index) const;
 
 private:
+    /// Puts one in the place of another, or behind all others.
+    void put(const PhysicalOnt& ont, std::size_t place);
     using Places = std::vector<std::size_t>; ///< in `onts_`, ascending
 
     [[nodiscard]] Places reached_by(const Circumstances& given, const ReplacedSettings& replaced,

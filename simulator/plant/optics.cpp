@@ -31,8 +31,20 @@ double drifted_temperature(const Random& random, const ModuleConditions& module,
     return warm + (ambient_c - warm) * cold_share + drift(random, module.port, now) + module.extra_degrees;
 }
 
-double supply_voltage(const Random& random, const ModuleConditions& module) {
-    return random.between(3.27, 3.33, Purpose::module_voltage, {module.port});
+/// How far a module is through its life, 0 to 1: between new and seven years old at the start of the plant's time.
+double age(const Random& random, const ModuleConditions& module, PlantTime now) {
+    constexpr double life_s = 7 * 365 * day_s;
+    return std::min(random.share(Purpose::module_age, {module.port}) + seconds_of(now) / life_s, 1.0);
+}
+
+/// How far above the usual 40 degrees, in parts of 40.
+double warmth(double temperature) {
+    return std::clamp((temperature - 40) / 40, -1.0, 1.0);
+}
+
+/// Electronics that are warm draw more, and the supply gives in a little.
+double supply_voltage(const Random& random, const ModuleConditions& module, double temperature) {
+    return random.between(3.28, 3.32, Purpose::module_voltage, {module.port}) - 0.01 * warmth(temperature);
 }
 
 /// As finely as modules are usually read.
@@ -85,19 +97,27 @@ double loss_of_signal_dbm(OdnClass odn_class) {
 }
 
 ModuleReadings front_module(const Random& random, const ModuleConditions& module, PlantTime now) {
-    return rounded({.temperature_c = drifted_temperature(random, module, now),
-                    .voltage_v = supply_voltage(random, module),
-                    .bias_ma = random.between(6, 8, Purpose::module_bias, {module.port}),
-                    .power = random.between(0.5, 0.65, Purpose::module_power, {module.port})});
+    const double temperature = drifted_temperature(random, module, now);
+    const double years = age(random, module, now);
+    return rounded({.temperature_c = temperature,
+                    .voltage_v = supply_voltage(random, module, temperature),
+                    .bias_ma = random.between(6.4, 7.2, Purpose::module_bias, {module.port}) + 0.4 * years +
+                               0.4 * warmth(temperature),
+                    .power = random.between(0.54, 0.63, Purpose::module_power, {module.port}) - 0.02 * years -
+                             0.02 * warmth(temperature)});
 }
 
 ModuleReadings pon_module(const Random& random, const ModuleConditions& module, PlantTime now) {
     constexpr double bias_ma_per_degree = 0.15;
     const double temperature = drifted_temperature(random, module, now);
+    const double years = age(random, module, now);
     return rounded({.temperature_c = temperature,
-                    .voltage_v = supply_voltage(random, module),
-                    .bias_ma = 14 + bias_ma_per_degree * std::max(temperature - 40, 0.0),
-                    .power = random.between(2.9, 3.5, Purpose::module_power, {module.port})});
+                    .voltage_v = supply_voltage(random, module, temperature),
+                    // A laser needs more current from year to year, and when it is warm.
+                    .bias_ma = 14 + 0.8 * years + 0.2 * std::min(warmth(temperature), 0.0) +
+                               bias_ma_per_degree * std::max(temperature - 40, 0.0),
+                    .power = random.between(3.05, 3.4, Purpose::module_power, {module.port}) - 0.1 * years -
+                             0.05 * warmth(temperature)});
 }
 
 double drift(const Random& random, std::uint64_t key, PlantTime now) {

@@ -12,6 +12,7 @@ Plant::Plant(const PlantParameters& parameters, RunningConfiguration configurati
         given_.faults.set({.kind = kind, .target = target, .value = value});
     }
     follow(replaced);
+    onts_.spread_over(parameters.past, given_.random);
 }
 
 void Plant::advance(PlantTime now) {
@@ -30,7 +31,9 @@ void Plant::configure(RunningConfiguration configuration) {
 void Plant::change_configuration(const RunningConfiguration& configuration, const ChangedOnts& onts) {
     const auto replaced = given_.change_configuration(configuration, onts);
     ports_.follow(given_, replaced.pon);
+    given_.uplinks.follow(given_, ports_);
     onts_.follow_configuration(given_, ports_, replaced, onts);
+    forget_old_uplinks();
 }
 
 void Plant::set_fault(const Fault& fault) {
@@ -86,16 +89,35 @@ void Plant::change(const std::function<void()>& mutate) {
 
 void Plant::follow(const ReplacedSettings& replaced) {
     ports_.follow(given_, replaced.pon);
+    given_.uplinks.follow(given_, ports_);
+    given_.pppoe_blocks.follow(given_.faults, given_.now);
     onts_.follow(given_, ports_, replaced);
+    forget_old_uplinks();
+}
+
+/// What they carried is counted before it is forgotten when they were.
+void Plant::forget_old_uplinks() {
+    if (const auto until = given_.uplinks.end_of_oldest_half()) {
+        onts_.count_until(given_, *until);
+        given_.uplinks.forget_before(*until);
+    }
 }
 
 MeteredOnt Plant::metered(const Ont& ont) const {
-    return {.random = given_.random,
+    return {.given = given_,
             .hardware = *ont.hardware,
             .settings = *ont.settings,
             .split = given_.parameters.plant->split_of(ont.situation->seen_port),
             .line = *ont.line,
             .since = ont.point.since};
+}
+
+std::optional<OntTally> Plant::counted(const Ont& ont) const {
+    if (ont.point.state == ont_operational) {
+        return ont.meter->read(metered(ont), now());
+    }
+    const auto* const past = keeps_activation(ont.point.state) ? ont.meter->counted() : nullptr;
+    return past == nullptr ? std::nullopt : std::optional(*past);
 }
 
 double Plant::received_power_of(const Ont& ont) const {

@@ -3,6 +3,7 @@
 #include "simulator/plant/circumstances.hpp"
 #include "simulator/plant/onts.hpp"
 #include "simulator/plant/ports.hpp"
+#include "simulator/plant/uplinks.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -41,6 +42,16 @@ public:
     void switch_power(const std::vector<OntPosition>& onts, bool on);
     /// An ONT is plugged in, where none was or in the place of another one.
     void plug_in(const PhysicalOnt& ont);
+
+    /// What is kept of the plant, and read into one with the same parameters and the present configuration.
+    template <class Archive>
+    void archive(Archive& state) {
+        state(given_, ports_);
+        onts_.archive(state, *given_.parameters.plant);
+        if constexpr (Archive::reads) {
+            follow({given_.configuration.pon, {}});
+        }
+    }
 
     /// The OLT restarts: for as long as `takes` it does nothing at all. Faults stay.
     void boot(PlantTime takes);
@@ -105,6 +116,8 @@ public:
     /// @}
     /// An OPERATIONAL ONT as its meter counts it.
     [[nodiscard]] MeteredOnt metered(const Ont& ont) const;
+    /// What the OLT has counted of an ONT since its activation; empty when it was never in service since.
+    [[nodiscard]] std::optional<OntTally> counted(const Ont& ont) const;
     /// Bit times by which the ONT answers later than it should.
     [[nodiscard]] std::uint32_t drift_of(const Ont& ont) const {
         return given_.drift_of(ont.hardware->position);
@@ -126,6 +139,16 @@ public:
     /// When the link comes up, or came; `never` as long as nothing happens to it.
     [[nodiscard]] PlantTime front_link_since(unsigned front_port) const {
         return ports_.front_link_since(given_, front_port);
+    }
+    /// The uplinks that work now.
+    [[nodiscard]] std::vector<Uplink> uplinks() const {
+        return uplinks_at(given_, ports_, now());
+    }
+    [[nodiscard]] const UplinkHistory& uplink_history() const {
+        return given_.uplinks;
+    }
+    [[nodiscard]] const PppoeBlocks& pppoe_blocks() const {
+        return given_.pppoe_blocks;
     }
     /// The module in a port; null when the slot is empty.
     /// @{
@@ -149,6 +172,7 @@ public:
 private:
     /// What `mutate` changes, which is no configuration, takes effect now.
     void change(const std::function<void()>& mutate);
+    void forget_old_uplinks();
     void follow(const ReplacedSettings& replaced);
 
     Circumstances given_;

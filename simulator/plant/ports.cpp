@@ -31,6 +31,15 @@ const ModuleModel* pointer_to(const std::optional<ModuleModel>& module) {
     return module ? &*module : nullptr;
 }
 
+/// Whether a module can do a speed, 0 being its own. Copper does all speeds below its own [802.3], light that of its
+/// standard; modules for 10 Gbit/s usually have a second rate.
+bool supports(const ModuleModel& module, unsigned mbps) {
+    constexpr unsigned dual_rate_mbps = 1000;
+    const bool is_copper = module.media.ends_with("-T");
+    return mbps == 0 || mbps == module.speed_mbps || (is_copper && mbps < module.speed_mbps) ||
+           (module.speed_mbps == 10000 && mbps == dual_rate_mbps);
+}
+
 } // namespace
 
 void Ports::follow(const Circumstances& given, const std::array<PonPortSettings, pon_ports>& before) {
@@ -93,8 +102,13 @@ PlantTime Ports::front_link_since(const Circumstances& given, unsigned front_por
     const auto* const module = front_module(given, front_port);
     const auto forced = given.configuration.front.at(front_port - 1).speed_mbps;
     const bool has_partner = given.parameters.plant->front.at(front_port - 1).has_partner;
-    const bool is_possible = has_partner && module != nullptr && forced <= module->speed_mbps && run.is_enabled;
+    const bool is_possible = has_partner && module != nullptr && supports(*module, forced) && run.is_enabled;
     return is_possible ? run.up_since : never;
+}
+
+OdnClass Ports::odn_class(const Circumstances& given, unsigned pon_port) {
+    const auto* const module = pon_module(given, pon_port);
+    return module == nullptr ? OdnClass::b_plus : module->odn_class;
 }
 
 const ModuleModel* Ports::pon_module(const Circumstances& given, unsigned port) {

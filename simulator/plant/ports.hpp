@@ -45,6 +45,13 @@ public:
     static const ModuleModel* pon_module(const Circumstances& given, unsigned port);
     static const ModuleModel* front_module(const Circumstances& given, unsigned port);
     /// @}
+    /// What light the module of a PON port makes do with; that of an usual one when the slot is empty.
+    static OdnClass odn_class(const Circumstances& given, unsigned pon_port);
+
+    template <class Archive>
+    void archive(Archive& state) {
+        state(pon_, front_);
+    }
 
 private:
     std::array<PortRun, pon_ports> pon_{};

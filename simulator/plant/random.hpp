@@ -40,6 +40,15 @@ enum class Purpose : std::uint64_t {
     counter_rounding,
     ranging_drift,
     ont_clock,
+    lease_renewal,
+    stream_rate,
+    retries,
+    frame_losses,
+    line_errors,
+    error_bursts,
+    ont_past,
+    module_age,
+    load_phase,
 };
 
 /// A random value that depends on its key alone (SplitMix64), never on who asks when: the same plant is the same

@@ -37,8 +37,7 @@ struct PortChannelSettings {
 
 struct PonPortSettings {
     bool enabled = true;
-    OdnClass odn_class = OdnClass::b_plus; ///< optical budget
-    unsigned reach_min_km = 0;             ///< ranging window [G.984.3]
+    unsigned reach_min_km = 0; ///< ranging window [G.984.3]
     unsigned reach_max_km = 20;
     unsigned discovery_interval_s = 10;
     bool compares_passwords = false;

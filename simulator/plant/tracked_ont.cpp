@@ -59,6 +59,13 @@ OntPoint TrackedOnt::next_point(const Circumstances& given) const {
     return given.now < anchor_.since ? anchor_ : point(given);
 }
 
+void TrackedOnt::begin_later(PlantTime since) {
+    if (anchor_.state == ont_initial && anchor_.since < since) {
+        anchor_.since = since;
+        situation_.discovery_waits = 0; // few begin when others do
+    }
+}
+
 bool TrackedOnt::follow(const Circumstances& given, const Ports& ports, const ReplacedSettings& replaced) {
     const auto at = next_point(given);
     auto after = situation_in(given, ports);
@@ -100,7 +107,7 @@ OntSituation TrackedOnt::situation_in(const Circumstances& given, const Ports& p
                                         given.attenuation_of(position()), PlantTime{});
     situation.is_cut = given.faults.has(FaultKind::ont_los, target) ||
                        given.faults.has(FaultKind::ont_los, port_target(Where::pon_port, port)) ||
-                       power < loss_of_signal_dbm(settings.odn_class);
+                       power < loss_of_signal_dbm(Ports::odn_class(given, port));
     situation.discovery_interval = std::chrono::seconds(settings.discovery_interval_s);
     situation.discovery_waits = situation_.discovery_waits;
     situation.is_in_reach =
@@ -121,7 +128,7 @@ LineConditions TrackedOnt::line_in(const Circumstances& given, const Ports& port
     // One that is looked for is found, and stopped, after this time.
     const auto until = settings.detects_rogues ? run.rogue_since + rogue_detection_time : never;
     return {.attenuation_db = given.attenuation_of(position()),
-            .odn_class = settings.odn_class,
+            .odn_class = Ports::odn_class(given, seen_port),
             .downstream_fec = settings.downstream_fec,
             .disturbed_from = run.has_rogue ? run.rogue_since : PlantTime{},
             .disturbed_until = run.has_rogue ? until : PlantTime{}};
@@ -135,17 +142,28 @@ void TrackedOnt::update_meter(const Circumstances& given, const OntPoint& was, c
         meter_.reset();
     } else if (ends || (was_in_service && line != line_)) {
         const auto was_configured = replaced.onts.find(*situation_.configured);
-        const MeteredOnt metered{.random = given.random,
-                                 .hardware = hardware_,
-                                 .settings = was_configured != replaced.onts.end()
-                                                 ? was_configured->second
-                                                 : given.configuration.onts.at(*situation_.configured),
-                                 .split = given.parameters.plant->split_of(situation_.seen_port),
-                                 .line = line_,
-                                 .since = was.since};
+        const auto& settings = was_configured != replaced.onts.end()
+                                   ? was_configured->second
+                                   : given.configuration.onts.at(*situation_.configured);
+        const auto metered = this->metered(given, settings, was.since);
         ends ? meter_.service_ends(metered, given.now) : meter_.line_changes(metered, given.now);
     }
     line_ = line;
+}
+
+MeteredOnt TrackedOnt::metered(const Circumstances& given, const OntSettings& settings, PlantTime since) const {
+    return {.given = given,
+            .hardware = hardware_,
+            .settings = settings,
+            .split = given.parameters.plant->split_of(situation_.seen_port),
+            .line = line_,
+            .since = since};
+}
+
+void TrackedOnt::count_until(const Circumstances& given, PlantTime time) {
+    if (const auto at = point(given); at.state == ont_operational) {
+        meter_.settle(metered(given, given.configuration.onts.at(*situation_.configured), at.since), time);
+    }
 }
 
 void TrackedOnt::redirect(const OntPoint& was, const OntPoint& is, PlantTime now) {

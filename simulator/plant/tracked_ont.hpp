@@ -47,10 +47,23 @@ public:
     void wait_in_discovery(std::uint16_t windows) {
         situation_.discovery_waits = windows;
     }
+    /// If it is in service, it is counted up to the time, which is past, once and for all.
+    void count_until(const Circumstances& given, PlantTime time);
     /// The OLT has booted.
     void forget_last_service() {
         last_service_.reset();
     }
+
+    /// All but the hardware.
+    template <class Archive>
+    void archive(Archive& state) {
+        state(situation_, anchor_, last_service_, has_local_data_, meter_, line_);
+    }
+    [[nodiscard]] const PhysicalOnt& hardware() const {
+        return hardware_;
+    }
+    /// Its way into service, which it has begun at its start, begins at `since`, if that is later.
+    void begin_later(PlantTime since);
 
 private:
     /// Where it is; for one whose start lies ahead, that start.
@@ -61,6 +74,7 @@ private:
     /// @{
     void update_meter(const Circumstances& given, const OntPoint& was, const OntPoint& is, const LineConditions& line,
                       const ReplacedSettings& replaced);
+    [[nodiscard]] MeteredOnt metered(const Circumstances& given, const OntSettings& settings, PlantTime since) const;
     void redirect(const OntPoint& was, const OntPoint& is, PlantTime now);
     /// @}
 

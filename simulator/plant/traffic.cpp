@@ -12,7 +12,7 @@ using ServiceType = cfgdb::ProfileOntCrossConnect::ServiceType;
 
 constexpr double octets_per_kbit = 125;
 
-enum Way : std::uint64_t { down, up, multicast, broadcast };
+enum Way : std::uint64_t { down, up, broadcast };
 
 // Frames of          64    100   200   400   800   1400 octets
 constexpr FrameMix downloads{0.02, 0.02, 0.03, 0.05, 0.10, 0.78};
@@ -31,7 +31,6 @@ struct Demand {
     const FrameMix* up_mix;
 };
 
-constexpr double stream_kbps = 6000; ///< of one multicast group
 constexpr double broadcast_kbps = 8;
 
 /// By type of service. What IPTV has beside its streams: joining, leaving and the programme guide.
@@ -43,61 +42,67 @@ constexpr std::array demands{
 };
 static_assert(demands.size() == static_cast<std::size_t>(ServiceType::management) + 1);
 
-/// Makes the curves and activities of one ONT.
+/// Makes the flows of one ONT.
 class Maker {
 public:
-    Maker(const Random& random, const OntPosition& ont) : random_(random), ont_(ont) {}
+    Maker(const Circumstances& given, const PhysicalOnt& ont, const OntSettings& settings, PlantTime since)
+        : given_(given), ont_(ont), settings_(settings), since_(since) {}
 
+    [[nodiscard]] ServiceTraffic service(const ServiceSettings& service) const {
+        const auto& demand = demands.at(static_cast<std::size_t>(service.type));
+        const bool is_voice = service.type == ServiceType::voip;
+        const FlowTimes times = is_voice ? calls(service.number) : Always{};
+        // Nobody calls without a telephone.
+        const bool has_users = !is_voice || (settings_.has_telephone && ont_.model->telephone_ports != 0);
+        const ServiceUse use(given_, ont_, settings_, service, since_);
+        return {.number = service.number,
+                .use = use,
+                .down = {*demand.down_mix, has_users ? demand.down_kbps : 0, times, curve(service.number, down)},
+                .up = {*demand.up_mix, has_users ? demand.up_kbps : 0, times, curve(service.number, up)},
+                .retries = {use.hosts, service},
+                .multicast = service.type == ServiceType::iptv ? std::optional(streams_of(service)) : std::nullopt};
+    }
+
+private:
     [[nodiscard]] RateCurve curve(std::uint64_t service, Way way) const {
-        return {random_, random_.number(Purpose::traffic_curve, {ont_.port, ont_.ont, service, way})};
+        return {given_.random,
+                given_.random.number(Purpose::traffic_curve, {ont_.position.port, ont_.position.ont, service, way})};
     }
     /// A call goes both ways.
     [[nodiscard]] FlowTimes calls(std::uint64_t service) const {
         const auto choose = [&](double from, double to, std::uint64_t what) {
-            return random_.between(from, to, Purpose::traffic_calls, {ont_.port, ont_.ont, service, what});
+            return given_.random.between(from, to, Purpose::traffic_calls,
+                                         {ont_.position.port, ont_.position.ont, service, what});
         };
         const double turn_s = choose(2400, 7200, 0);
         return Calls{turn_s, choose(0, turn_s, 1)};
     }
-    [[nodiscard]] Flow streams_of(unsigned service, unsigned max_groups) const {
-        const Viewer viewer(random_, ont_, service, max_groups);
-        return {streams, stream_kbps, Watching{viewer, viewer.mean_groups(), max_groups == 1 ? 1.0 : 2.0},
-                curve(service, multicast)};
-    }
-    [[nodiscard]] ServiceTraffic service(const ServiceSettings& settings, unsigned max_groups) const {
-        const auto& demand = demands.at(static_cast<std::size_t>(settings.type));
-        const FlowTimes times = settings.type == ServiceType::voip ? calls(settings.number) : Always{};
-        const bool has_streams = settings.type == ServiceType::iptv;
-        return {.number = settings.number,
-                .down = {*demand.down_mix, demand.down_kbps, times, curve(settings.number, down)},
-                .up = {*demand.up_mix, demand.up_kbps, times, curve(settings.number, up)},
-                .multicast = has_streams ? std::optional(streams_of(settings.number, max_groups)) : std::nullopt};
+    [[nodiscard]] StreamFlow streams_of(const ServiceSettings& service) const {
+        return StreamFlow(Viewer(given_.random, ont_.position, service.number, ViewingLimits(settings_)));
     }
 
-private:
-    Random random_;
-    OntPosition ont_;
+    const Circumstances& given_;
+    const PhysicalOnt& ont_;
+    const OntSettings& settings_;
+    PlantTime since_;
 };
 
+/// Whatever flows, as one that limits apply to.
+using AnyFlow = std::variant<Flow*, StreamFlow*>;
+using Flows = std::vector<AnyFlow>;
+
 /// Makes flows share a rate; 0 kbit/s is no limit.
-void share(std::uint32_t kbps, const std::vector<Flow*>& flows) {
+void share(double kbps, const Flows& flows) {
     double wanted = 0;
-    for (const auto* const flow : flows) {
-        wanted += flow->peak();
+    for (const auto& any : flows) {
+        wanted += std::visit([](const auto* flow) { return flow->peak(); }, any);
     }
     const double limit = kbps * octets_per_kbit;
     if (kbps == 0 || wanted <= limit) {
         return;
     }
-    for (auto* const flow : flows) {
-        flow->limit(limit / wanted);
-    }
-}
-
-void add_down(std::vector<Flow*>& flows, ServiceTraffic& service) {
-    flows.push_back(&service.down);
-    if (service.multicast) {
-        flows.push_back(&*service.multicast);
+    for (const auto& any : flows) {
+        std::visit([&](auto* flow) { flow->limit(limit / wanted); }, any);
     }
 }
 
@@ -105,13 +110,13 @@ void add_down(std::vector<Flow*>& flows, ServiceTraffic& service) {
 void share_tconts(const OntSettings& settings, std::vector<ServiceTraffic>& services) {
     struct Tcont {
         std::uint32_t kbps = 0;
-        std::vector<Flow*> flows;
+        Flows flows;
     };
     std::map<unsigned, Tcont> tconts;
     for (std::size_t nth = 0; nth < services.size(); ++nth) {
         auto& tcont = tconts[settings.services[nth].tcont];
         tcont.kbps = std::max(tcont.kbps, settings.services[nth].upstream_kbps);
-        tcont.flows.push_back(&services[nth].up);
+        tcont.flows.emplace_back(&services[nth].up);
     }
     for (const auto& [number, tcont] : tconts) {
         share(tcont.kbps, tcont.flows);
@@ -132,7 +137,7 @@ Flow::Flow(const FrameMix& mix, double mean_kbps, const FlowTimes& times, const 
       wanted_{mean_kbps * octets_per_kbit * RateCurve::least, mean_kbps * octets_per_kbit * RateCurve::most},
       allowed_(wanted_), times_(times), curve_(curve) {}
 
-Flow::Amount Flow::until(PlantTime time) const {
+FlowAmount Flow::until(PlantTime time) const {
     // The curve is walked while the traffic flows: on average as fast as time passes, with halts in
     // between. So the sum is as quickly known as the curve's own.
     const auto [walked, share] = std::visit(
@@ -146,7 +151,7 @@ Flow::Amount Flow::until(PlantTime time) const {
 }
 
 double Flow::peak() const {
-    return allowed_.most * std::visit([](const auto& times) { return double{times.most}; }, times_);
+    return allowed_.most;
 }
 
 void Flow::limit(double factor) {
@@ -154,35 +159,80 @@ void Flow::limit(double factor) {
     allowed_.least = std::min(allowed_.least, allowed_.most);
 }
 
-OntTraffic::OntTraffic(const Random& random, const OntPosition& ont, const OntSettings& settings) {
-    const Maker maker(random, ont);
+FlowAmount StreamFlow::until(PlantTime time) const {
+    const double octets = viewer_.kbit_until(time) * octets_per_kbit;
+    return {octets * passed_share_, octets * (1 - passed_share_)};
+}
+
+const FrameMix& StreamFlow::mix() {
+    return streams;
+}
+
+double StreamFlow::peak() const {
+    return viewer_.peak_kbps() * octets_per_kbit * passed_share_;
+}
+
+Retries::Retries(const ServiceHosts& hosts, const ServiceSettings& service) : hosts_(hosts.count()) {
+    using namespace std::chrono_literals;
+    constexpr std::size_t discover = 3; // of a lease, with the agent's option
+    bin_ = service.dhcp_agent ? discover : 0;
+    period_ = service.dhcp_agent ? 60s : 30s;
+    offset_ = hosts.time_between(0s, period_, Purpose::retries, 0);
+}
+
+std::uint64_t Retries::count(PlantTime from, PlantTime to) const {
+    return hosts_ * static_cast<std::uint64_t>((to + offset_) / period_ - (from + offset_) / period_);
+}
+
+SharedFlow::SharedFlow(const Circumstances& given, unsigned pon_port)
+    : flow_(announcements, broadcast_kbps, Always{},
+            {given.random, given.random.number(Purpose::traffic_curve, {pon_port, Way::broadcast})}),
+      usable_(given.uplinks.stretches()) {}
+
+std::uint64_t SharedFlow::count(std::size_t bin, PlantTime from, PlantTime to) const {
+    const auto until = [&](PlantTime time) {
+        return std::floor(flow_.until(time).passed * flow_.mix().at(bin) / frame_sizes.at(bin));
+    };
+    double sum = 0;
+    for (const auto& part : common(usable_, {{from, to}})) {
+        sum += until(part.until) - until(part.since);
+    }
+    return static_cast<std::uint64_t>(sum);
+}
+
+OntTraffic::OntTraffic(const Circumstances& given, const PhysicalOnt& ont, const OntSettings& settings,
+                       PlantTime since) {
+    const Maker maker(given, ont, settings, since);
     services.reserve(settings.services.size());
     bool has_broadcast = false;
-    std::vector<Flow*> all_down;
-    std::vector<Flow*> all_up;
+    Flows all_down;
+    Flows all_up;
     for (const auto& service : settings.services) {
-        auto& added = services.emplace_back(maker.service(service, settings.max_groups));
-        std::vector<Flow*> own_down;
-        add_down(own_down, added);
+        auto& added = services.emplace_back(maker.service(service));
+        Flows own_down{&added.down};
+        if (added.multicast) {
+            own_down.emplace_back(&*added.multicast);
+        }
         share(service.downstream_kbps, own_down);
         share(service.upstream_kbps, {&added.up});
         std::ranges::copy(own_down, std::back_inserter(all_down));
-        all_up.push_back(&added.up);
+        all_up.emplace_back(&added.up);
         has_broadcast = has_broadcast || service.broadcast_downstream;
     }
     if (has_broadcast) {
-        broadcast.emplace(announcements, broadcast_kbps, Always{}, maker.curve(0, Way::broadcast));
-        all_down.push_back(&*broadcast);
+        broadcast.emplace(given, settings.index / max_onts_per_port + 1U);
     }
     share_tconts(settings, services);
-    share(settings.downstream_kbps, all_down);
+    // What all ONTs get, each gets, and it leaves less for the rest.
+    const double reserved = has_broadcast ? broadcast_kbps * RateCurve::most : 0;
+    share(settings.downstream_kbps == 0 ? 0 : std::max(settings.downstream_kbps - reserved, 1.0), all_down);
     share(settings.upstream_kbps, all_up);
 
     // An ONT is asked for its queues, and may talk of its management, whether or not its users send.
     constexpr double always_granted = 2000;
     granted = always_granted;
-    for (const auto* const flow : all_up) {
-        granted += flow->peak();
+    for (const auto& any : all_up) {
+        granted += std::visit([](const auto* flow) { return flow->peak(); }, any);
     }
 }
 

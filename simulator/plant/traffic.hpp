@@ -2,10 +2,11 @@
 
 #include "simulator/plant/multicast.hpp"
 #include "simulator/plant/rate_curve.hpp"
-#include "simulator/plant/running_configuration.hpp"
+#include "simulator/plant/service_use.hpp"
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <variant>
 #include <vector>
@@ -18,15 +19,14 @@ inline constexpr std::array<unsigned, 6> frame_sizes{64, 100, 200, 400, 800, 140
 /// What share of the octets of some traffic is in frames of each size.
 using FrameMix = std::array<double, frame_sizes.size()>;
 
-/// When traffic flows at all. Each says how long it has flowed by a time, counted from a fixed one, in seconds; how
-/// much of the time it flows; and how many times over at most at once.
+/// When users use a service that they may use. Each says how long by a time, counted from a fixed one, in seconds, and
+/// what share of the time.
 /// @{
 struct Always {
     [[nodiscard]] static double flowed(PlantTime time) {
         return seconds_of(time);
     }
     static constexpr double share = 1;
-    static constexpr double most = 1;
 };
 /// Telephone calls: one a turn.
 struct Calls {
@@ -34,33 +34,23 @@ struct Calls {
     double offset_s;
     [[nodiscard]] double flowed(PlantTime time) const;
     static constexpr double share = 0.05;
-    static constexpr double most = 1;
 };
-/// As many streams as groups are watched.
-struct Watching {
-    Viewer viewer;
-    double share;
-    double most;
-    [[nodiscard]] double flowed(PlantTime time) const {
-        return seconds_of(viewer.watched(time));
-    }
-};
-using FlowTimes = std::variant<Always, Calls, Watching>;
+using FlowTimes = std::variant<Always, Calls>;
 /// @}
+
+/// What has passed, and what limits kept from passing, in octets.
+struct FlowAmount {
+    double passed;
+    double refused;
+};
 
 /// One way of the traffic of one service. All amounts count from a fixed time that is the same for equal settings, so
 /// that only their differences mean something.
 class Flow {
 public:
-    /// What has passed, and what limits kept from passing, in octets.
-    struct Amount {
-        double passed;
-        double refused;
-    };
-
     Flow(const FrameMix& mix, double mean_kbps, const FlowTimes& times, const RateCurve& curve);
 
-    [[nodiscard]] Amount until(PlantTime time) const;
+    [[nodiscard]] FlowAmount until(PlantTime time) const;
     [[nodiscard]] const FrameMix& mix() const {
         return *mix_;
     }
@@ -83,19 +73,73 @@ private:
     RateCurve curve_;
 };
 
+/// The streams that the viewers of a service watch. Amounts as those of a Flow.
+class StreamFlow {
+public:
+    explicit StreamFlow(const Viewer& viewer) : viewer_(viewer) {}
+
+    [[nodiscard]] FlowAmount until(PlantTime time) const;
+    [[nodiscard]] static const FrameMix& mix();
+    /// As of a Flow.
+    [[nodiscard]] double peak() const;
+    void limit(double factor) {
+        passed_share_ *= factor;
+    }
+
+private:
+    Viewer viewer_;
+    double passed_share_ = 1;
+};
+
+/// What the hosts of a service send while they cannot use it: each asks for its lease, session or gateway again and
+/// again.
+class Retries {
+public:
+    Retries(const ServiceHosts& hosts, const ServiceSettings& service);
+
+    /// Frames in a time.
+    [[nodiscard]] std::uint64_t count(PlantTime from, PlantTime to) const;
+    /// Their place among the sizes of frames.
+    [[nodiscard]] std::size_t bin() const {
+        return bin_;
+    }
+
+private:
+    unsigned hosts_;
+    std::size_t bin_;
+    PlantTime period_;
+    PlantTime offset_;
+};
+
 struct ServiceTraffic {
     unsigned number; ///< of the service, from 1
+    ServiceUse use;  ///< when its flows flow; otherwise there are retries
     Flow down;       ///< of the unicast GEM port, as the next
     Flow up;
-    std::optional<Flow> multicast; ///< of an IPTV service
+    Retries retries;
+    std::optional<StreamFlow> multicast; ///< of an IPTV service
+};
+
+/// What flows to all ONTs of a PON port alike, in whole frames.
+class SharedFlow {
+public:
+    SharedFlow(const Circumstances& given, unsigned pon_port);
+
+    /// Frames of a size, by its place, in a time.
+    [[nodiscard]] std::uint64_t count(std::size_t bin, PlantTime from, PlantTime to) const;
+
+private:
+    Flow flow_;
+    std::vector<Stretch> usable_;
 };
 
 /// What flows to and from an ONT in service, within the limits of its services, T-CONTs and the ONT itself.
 struct OntTraffic {
-    OntTraffic(const Random& random, const OntPosition& ont, const OntSettings& settings);
+    /// `since`: in service.
+    OntTraffic(const Circumstances& given, const PhysicalOnt& ont, const OntSettings& settings, PlantTime since);
 
     std::vector<ServiceTraffic> services; ///< as the settings have them
-    std::optional<Flow> broadcast;        ///< when a service gets it
+    std::optional<SharedFlow> broadcast;  ///< when a service gets it
     double granted;                       ///< upstream, used or not, in octets per second
 };
 

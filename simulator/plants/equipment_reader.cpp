@@ -3,6 +3,7 @@
 #include "simulator/plant/ont_layout.hpp"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 #include <string_view>
 
@@ -68,8 +69,18 @@ void read_firmware(const DescribedValue& slots, BoardModel& board) {
     }
 }
 
+OdnClass odn_class_of(const DescribedValue& value) {
+    static constexpr std::array names{"a", "b", "b_plus", "c", "c_plus"}; // by OdnClass
+    const auto name = value.text();
+    const auto* const found = std::ranges::find(names, name);
+    if (found == names.end()) {
+        value.fail("must be a, b, b_plus, c or c_plus");
+    }
+    return static_cast<OdnClass>(found - names.begin());
+}
+
 ModuleModel module_of(const DescribedValue& module) {
-    module.check_members({"vendor", "part_number", "revision", "media", "speed_mbps", "diagnostics"});
+    module.check_members({"vendor", "part_number", "revision", "media", "speed_mbps", "diagnostics", "odn_class"});
     constexpr unsigned fastest_mbps = 10000;
     ModuleModel model{.vendor = module.at("vendor").text(),
                       .part_number = module.at("part_number").text(),
@@ -81,6 +92,9 @@ ModuleModel module_of(const DescribedValue& module) {
     }
     if (const auto diagnostics = module.find("diagnostics")) {
         model.has_diagnostics = diagnostics->flag();
+    }
+    if (const auto odn_class = module.find("odn_class")) {
+        model.odn_class = odn_class_of(*odn_class);
     }
     return model;
 }

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstring>
 #include <ctime>
+#include <numbers>
 
 namespace xpon::simulator {
 namespace {
@@ -24,12 +25,14 @@ FaultTarget numbered(unsigned number) {
 /// How busy the OLT's controller is with its ONTs.
 struct Activity {
     unsigned in_service = 0;
-    bool is_activating = false;
+    PlantTime first_activating = never; ///< when the first of those that are on their way into service went on
     PlantTime last_activation = -never; ///< when an ONT last came into service
 
     explicit Activity(const Plant& plant) {
         for (const auto& ont : plant.onts()) {
-            is_activating = is_activating || xpon::simulator::is_activating(ont.point.state);
+            if (is_activating(ont.point.state)) {
+                first_activating = std::min(first_activating, ont.point.since);
+            }
             if (ont.point.state == ont_operational) {
                 ++in_service;
                 last_activation = std::max(last_activation, ont.point.since);
@@ -41,11 +44,31 @@ struct Activity {
     [[nodiscard]] double load(const Plant& plant, double window_s) const {
         constexpr double idle = 0.2;
         constexpr double activating = 0.8;
-        double share = is_activating ? 1 : 0;
-        if (!is_activating && in_service != 0) {
-            share = std::exp(-seconds_of(plant.now() - last_activation) / window_s);
+        double share = 0;
+        if (first_activating != never) {
+            share = 1 - std::exp(-seconds_of(plant.now() - first_activating) / window_s);
+        } else if (in_service != 0) {
+            constexpr double activation_s = 60; // what an average has seen of it when it ends
+            share = (1 - std::exp(-activation_s / window_s)) *
+                    std::exp(-seconds_of(plant.now() - last_activation) / window_s);
         }
-        return idle + in_service / 1000.0 + activating * share;
+        return idle + in_service / 1000.0 + activating * share + housekeeping(plant, window_s);
+    }
+
+private:
+    /// What the daemons do by themselves, now more and now less: as averaged over so many seconds, which evens out the
+    /// quick changes and lags behind the slow ones.
+    static double housekeeping(const Plant& plant, double window_s) {
+        double sum = 0;
+        for (const double period_s : {140.0, 780.0, 5400.0}) {
+            constexpr double amplitude = 0.05;
+            const double frequency = 2 * std::numbers::pi / period_s;
+            const double phase = plant.random().between(0, 2 * std::numbers::pi, Purpose::load_phase,
+                                                        {static_cast<std::uint64_t>(period_s)});
+            const double lag = std::atan(frequency * window_s);
+            sum += amplitude * std::cos(lag) * std::sin(frequency * seconds_of(plant.now()) + phase - lag);
+        }
+        return sum;
     }
 };
 
@@ -93,7 +116,7 @@ void put_fans(System_environment_data& data, const Plant& plant) {
         const bool is_present = !plant.faults().has(FaultKind::fan_absent, numbered(fan));
         const bool is_fault = is_present && plant.faults().has(FaultKind::fan_failed, numbered(fan));
         // Fans of one kind differ a little.
-        const double own = rate * (1 + 0.01 * fan);
+        const double own = std::clamp(rate * (0.97 + 0.01 * fan), slowest_fan_rps, fastest_fan_rps);
         data.fans[fan - 1] = {static_cast<std::uint8_t>(is_fault), static_cast<std::uint8_t>(is_present),
                               is_present && !is_fault ? static_cast<std::uint16_t>(std::lround(own))
                                                       : std::uint16_t{0}};

@@ -77,10 +77,10 @@ Record report(const Plant& plant, std::uint16_t index, WriteService write_servic
         group.finished_intervals = interval_end_time(interval);
         write_group(group, port, key, *counts, interval);
     };
-    if (counts->has_multicast()) {
+    if (has_multicast(counts->settings())) {
         add_group(record.mc, multicast_port(*counts, interval), max_counter_instances);
     }
-    if (counts->has_broadcast()) {
+    if (has_broadcast(counts->settings())) {
         add_group(record.bc, broadcast_port(interval), max_counter_instances + 1);
     }
     return record;

@@ -1,6 +1,6 @@
+#include "simulator/plant/uplinks.hpp"
 #include "simulator/reports/subscriber_report.hpp"
 #include "simulator/subscribers/snooping.hpp"
-#include "simulator/subscribers/uplinks.hpp"
 
 #include <algorithm>
 #include <tuple>
@@ -9,7 +9,11 @@ namespace xpon::simulator {
 namespace {
 
 /// Most groups are watched the old way, whoever sends; of some the source is chosen, of some one is not wanted.
-void put_sources(Igmp_group& group, const Random& random, unsigned number) {
+void put_sources(Igmp_group& group, const Random& random, unsigned number, const VlanGroups::value_type& members) {
+    if (std::ranges::any_of(members, &GroupMembers::any_source)) {
+        group.filter_mode = igmp_exclude;
+        return;
+    }
     const auto kind = random.number(Purpose::group_sources, {number}) % 8;
     group.filter_mode = kind < 2 ? igmp_include : igmp_exclude;
     group.source_count = static_cast<std::uint8_t>(kind < 2 ? 1 + kind : kind == 2 ? 1 : 0);
@@ -45,7 +49,7 @@ void add_router_ports(Igmp_group& group, const RunningConfiguration& configurati
 void add_members(Igmp_group& group, const VlanGroups::value_type& members, PlantTime now) {
     group.is_in_deletion_queue = 1;
     for (unsigned port = 1; port <= pon_ports; ++port) {
-        const auto& [expiry, stay] = members.at(port - 1);
+        const auto& [expiry, stay, any_source] = members.at(port - 1);
         if (expiry > now) {
             const auto left = std::chrono::ceil<std::chrono::seconds>(expiry - now);
             add_port(group, switch_port_pon, port, static_cast<std::uint32_t>(left.count()));
@@ -80,7 +84,7 @@ std::vector<Igmp_group> report_igmp_groups(const AccessNetwork& network) {
             const std::uint8_t address[]{239, 0, 0, static_cast<std::uint8_t>(number + 1)};
             std::ranges::copy(address, group.address);
             group.vlan = vid;
-            put_sources(group, plant.random(), number);
+            put_sources(group, plant.random(), number, members);
             add_router_ports(group, plant.configuration());
             add_members(group, members, plant.now());
             std::ranges::sort(std::span(group.ports, group.port_count), {},

@@ -1,7 +1,6 @@
 #include "simulator/reports/bitmap.hpp"
 #include "simulator/reports/subscriber_report.hpp"
 #include "simulator/subscribers/mac_learning.hpp"
-#include "simulator/subscribers/uplinks.hpp"
 
 #include <algorithm>
 #include <charconv>
@@ -24,7 +23,7 @@ public:
     explicit MacTable(const AccessNetwork& network) : plant_(network.plant()), learning_(network) {}
 
     void add_hosts(const SubscriberLine& line) {
-        for (unsigned host = 0; host < line.hosts; ++host) {
+        for (unsigned host = 0; host < line.hosts.count(); ++host) {
             if (!learning_.is_known(line, host)) {
                 continue;
             }
@@ -46,7 +45,7 @@ public:
                 vlans.set(service.s_vid % vlans.size());
             }
         }
-        const auto uplinks = uplinks_at(plant_, plant_.now());
+        const auto uplinks = plant_.uplinks();
         for (std::uint16_t vid = 1; vid <= max_vlan_id; ++vid) {
             const auto uplink = std::ranges::find_if(uplinks, [&](const Uplink& way) { return way.vlans[vid]; });
             if (vlans[vid] && uplink != uplinks.end()) {

@@ -25,17 +25,33 @@ struct Omci {
     }
 };
 
+/// What the OLT has counted of the ONT that is configured with a flat index; empty when that is not to be told, or
+/// nothing.
+struct OltCounts {
+    Plant::Ont ont;
+    OntTally tally;
+
+    static std::optional<OltCounts> of(const Plant& plant, std::uint16_t index) {
+        const auto ont = plant.ont_configured_as(index);
+        if (!ont || !ont->settings->pm_collection) {
+            return std::nullopt;
+        }
+        const auto tally = plant.counted(*ont);
+        return tally ? std::optional(OltCounts{*ont, *tally}) : std::nullopt;
+    }
+};
+
 } // namespace
 
 Ont__get_gem_port_counters_response report_olt_gem_ports(const Plant& plant, std::uint16_t index) {
     constexpr std::uint16_t multicast_port = 4094;
     constexpr std::uint16_t broadcast_port = 4095;
     auto record = Ont__get_gem_port_counters_response();
-    const auto counts = OntCounts::of(plant, index);
+    const auto counts = OltCounts::of(plant, index);
     if (!counts) {
         return record;
     }
-    const auto tally = counts->now();
+    const auto& tally = counts->tally;
     const auto add = [&](std::uint16_t port, Gem_port_group group, const LinkTraffic& rx, const LinkTraffic& tx) {
         auto& entry = record.entries[record.count++];
         entry.gem_port = port;
@@ -46,19 +62,19 @@ Ont__get_gem_port_counters_response report_olt_gem_ports(const Plant& plant, std
         entry.tx_packets = tx.packets;
     };
     LinkTraffic streams;
-    for (const auto& service : counts->settings().services) {
+    for (const auto& service : counts->ont.settings->services) {
         const auto& flows = tally.service(service.number);
         LinkTraffic rx;
         LinkTraffic tx;
-        rx.add(flows.up.frames_sent());
+        rx.add(flows.up.frames_received());
         tx.add(flows.down.frames_sent());
         add(gem_port_of(index, service.number), gem_port_unicast, rx, tx);
         streams.add(flows.multicast.frames_sent());
     }
-    if (counts->has_multicast()) {
+    if (has_multicast(*counts->ont.settings)) {
         add(multicast_port, gem_port_multicast, {}, streams);
     }
-    if (counts->has_broadcast()) {
+    if (has_broadcast(*counts->ont.settings)) {
         LinkTraffic announcements;
         announcements.add(tally.broadcast.frames_sent());
         add(broadcast_port, gem_port_broadcast, {}, announcements);
@@ -68,12 +84,12 @@ Ont__get_gem_port_counters_response report_olt_gem_ports(const Plant& plant, std
 
 Ont__get_pon_counters_response report_olt_pon(const Plant& plant, std::uint16_t index) {
     auto record = Ont__get_pon_counters_response();
-    const auto counts = OntCounts::of(plant, index);
+    const auto counts = OltCounts::of(plant, index);
     if (!counts) {
         return record;
     }
-    const auto tally = counts->now();
-    const auto& place = counts->hardware().position;
+    const auto& tally = counts->tally;
+    const auto& place = counts->ont.hardware->position;
     const auto drifts = [&](std::uint64_t direction) {
         // The fibre warms up and cools down, and the ONT is told to send a bit earlier or later.
         constexpr double hour_s = 3600;

@@ -11,14 +11,14 @@ std::optional<OntCounts> OntCounts::of(const Plant& plant, std::uint16_t index) 
     return is_counted ? std::optional(OntCounts(plant, *ont)) : std::nullopt;
 }
 
-bool OntCounts::has_multicast() const {
-    return std::ranges::any_of(settings().services, [](const ServiceSettings& service) {
+bool has_multicast(const OntSettings& settings) {
+    return std::ranges::any_of(settings.services, [](const ServiceSettings& service) {
         return service.type == cfgdb::ProfileOntCrossConnect::ServiceType::iptv;
     });
 }
 
-bool OntCounts::has_broadcast() const {
-    return std::ranges::any_of(settings().services, &ServiceSettings::broadcast_downstream);
+bool has_broadcast(const OntSettings& settings) {
+    return std::ranges::any_of(settings.services, &ServiceSettings::broadcast_downstream);
 }
 
 OntCounts::Interval OntCounts::last_interval() const {
@@ -34,14 +34,10 @@ OntCounts::Interval OntCounts::last_interval() const {
             .after = meter_.read(metered_, begin + finished * length)};
 }
 
-OntTally OntCounts::now() const {
-    return meter_.read(metered_, now_);
-}
-
 std::uint64_t OntCounts::happened(double expected, const Interval& interval, std::uint64_t what) const {
     const auto& place = hardware().position;
     const double chance =
-        metered_.random.share(Purpose::counter_rounding, {place.port, place.ont, interval.finished, what});
+        metered_.given.random.share(Purpose::counter_rounding, {place.port, place.ont, interval.finished, what});
     return static_cast<std::uint64_t>(expected + chance);
 }
 

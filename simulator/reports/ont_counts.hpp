@@ -29,13 +29,10 @@ public:
         return metered_.hardware;
     }
     [[nodiscard]] const Random& random() const {
-        return metered_.random;
+        return metered_.given.random;
     }
-    [[nodiscard]] bool has_multicast() const;
-    [[nodiscard]] bool has_broadcast() const;
 
     [[nodiscard]] Interval last_interval() const;
-    [[nodiscard]] OntTally now() const;
 
     /// A rare thing that happens `expected` times on average in the interval: so many times in it, by chance.
     [[nodiscard]] std::uint64_t happened(double expected, const Interval& interval, std::uint64_t what) const;
@@ -48,6 +45,12 @@ private:
     MeteredOnt metered_;
     PlantTime now_;
 };
+
+/// Whether an ONT has services that use the GEM ports that it shares with others.
+/// @{
+bool has_multicast(const OntSettings& settings);
+bool has_broadcast(const OntSettings& settings);
+/// @}
 
 /// "Finished intervals": the interval end time of the managed entities, which wraps [G.988 9.1].
 constexpr std::uint32_t interval_end_time(const OntCounts::Interval& interval) {

@@ -62,12 +62,18 @@ Sfp_identification identify(const Slot& slot, const ModuleReadings& readings) {
 
 ModuleReadings read_front(const Plant& plant, const Slot& slot) {
     const auto port = slot.target.port;
-    return front_module(plant.random(),
-                        {.port = slot.key(),
-                         .load = plant.front_link_is_up(port) ? 0.6 : 0.1,
-                         .since = plant.front_module_since(port),
-                         .extra_degrees = slot.extra_degrees},
-                        plant.now());
+    auto readings = front_module(plant.random(),
+                                 {.port = slot.key(),
+                                  .load = plant.front_link_is_up(port) ? 0.6 : 0.1,
+                                  .since = plant.front_module_since(port),
+                                  .extra_degrees = slot.extra_degrees},
+                                 plant.now());
+    if (!plant.configuration().front.at(port - 1).enabled) {
+        // A laser that is off.
+        readings.bias_ma = 0;
+        readings.power = 0;
+    }
+    return readings;
 }
 
 ModuleReadings read_pon(const Plant& plant, const Slot& slot, unsigned onts) {

@@ -11,7 +11,7 @@ std::vector<Dhcp_session> report_dhcp_sessions(const AccessNetwork& network) {
     std::vector<Dhcp_session> sessions;
     Leases leases(network);
     visit_lines(network, [&](const SubscriberLine& line) {
-        for (unsigned host = 0; host < line.hosts; ++host) {
+        for (unsigned host = 0; host < line.hosts.count(); ++host) {
             const auto granted = leases.last_grant(line, host);
             if (!granted) {
                 continue;
@@ -24,7 +24,7 @@ std::vector<Dhcp_session> report_dhcp_sessions(const AccessNetwork& network) {
             session.gem_port = line.gem_port();
             session.outer_vid = line.service->s_vid;
             std::ranges::copy(line.ip_of(host), session.ip);
-            const auto left = *granted + Leases::length - network.plant().now();
+            const auto left = *granted + LeaseTimes::length - network.plant().now();
             session.life_time_msec = static_cast<std::uint32_t>(left.count());
             std::ranges::copy(serial_bytes(line.ont->hardware->serial), session.ont_serial);
         }

@@ -5,24 +5,6 @@
 namespace xpon::simulator {
 namespace {
 
-using Termination = cfgdb::ProfileOntCrossConnect::Termination;
-
-std::vector<unsigned> places_of(const OntModel& model, const ServiceSettings& service) {
-    if (service.termination == Termination::ip_host) {
-        return {};
-    }
-    std::vector<unsigned> places;
-    if (service.termination == Termination::veip && model.has_router) {
-        places.push_back(veip_place);
-    }
-    for (unsigned port = 0; service.termination == Termination::bridge && port < model.ethernet_ports; ++port) {
-        if ((service.uni_ports >> port & 1U) != 0) {
-            places.push_back(port);
-        }
-    }
-    return places.empty() ? std::vector{0U} : places;
-}
-
 /// The frames of the `nth` of `count` ports that take turns.
 Frames dealt(Frames frames, std::size_t nth, std::size_t count) {
     for (auto& number : frames.of_size) {
@@ -60,7 +42,7 @@ UserPorts count_user_ports(const OntModel& model, const OntSettings& settings, c
     UserPorts ports{};
     unsigned hears_broadcasts = 0;
     for (const auto& service : settings.services) {
-        const auto places = places_of(model, service);
+        const auto places = user_places(model, settings, service);
         add_service(ports, places, tally.service(service.number));
         for (const auto place : places) {
             hears_broadcasts |= service.broadcast_downstream ? 1U << place : 0U;

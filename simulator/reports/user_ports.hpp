@@ -1,8 +1,7 @@
 #pragma once
 
-#include "simulator/plant/equipment.hpp"
 #include "simulator/plant/ont_meter.hpp"
-#include "simulator/plant/running_configuration.hpp"
+#include "simulator/plant/user_places.hpp"
 
 #include <array>
 
@@ -19,13 +18,11 @@ struct UserPortTraffic {
     UserPortTraffic& operator-=(const UserPortTraffic& less);
 };
 
-/// Places of the ports of an ONT: Ethernet ports 1 to 4, then the virtual one of its router.
-inline constexpr unsigned veip_place = 4;
+/// By place.
 using UserPorts = std::array<UserPortTraffic, veip_place + 1>;
 
 /// What has passed the user ports by the time of the tally. The frames of a service with several ports go to them in
-/// turn, so that their counts add up to the service's. Services of the ONT's own host pass none, and one that ends
-/// where the ONT has nothing ends at its first Ethernet port.
+/// turn, so that their counts add up to the service's. Services of the ONT's own host pass none.
 UserPorts count_user_ports(const OntModel& model, const OntSettings& settings, const OntTally& tally);
 
 } // namespace xpon::simulator

@@ -246,7 +246,6 @@ void ConfigurationFollower::read_pon_port(std::uint16_t index) {
     cfgdb::PonPort record;
     check(getRunDb_ZebGCfg_pon_port_state(database_.handle(), &record, &index));
     configuration_.pon.at(index) = {.enabled = record.enabled != 0,
-                                    .odn_class = static_cast<OdnClass>(record.odn_class),
                                     .reach_min_km = record.reach_min_km,
                                     .reach_max_km = record.reach_max_km,
                                     .discovery_interval_s = record.discovery_interval_s,

@@ -18,14 +18,37 @@ namespace xpon::simulator {
 Simulation::Simulation(const Options& options)
     : events_(below_olt_root("/var/log/events.log")), clock_(options.uptime, options.clock_rate),
       network_(options.parameters(), follower_.configuration()), firmware_(make_firmware(options)),
-      boot_time_(options.boot_time) {
-    network_.advance(options.uptime);
-    chronicle_.restart(network_);
-    tell(fmt::format("OLT started, plant {} of seed {}", options.plant->name, options.seed));
+      boot_time_(options.boot_time), asked_rate_(options.clock_rate) {
+    if (!take_up(options)) {
+        network_.advance(options.uptime);
+        chronicle_.restart(network_);
+        tell(fmt::format("OLT started, plant {} of seed {}", options.plant->name, options.seed));
+        write_device_facts(present_facts());
+    }
     for (const auto& complaint : firmware_.complaints()) {
         tell(complaint);
     }
-    write_device_facts(present_facts());
+    keep_state();
+}
+
+/// The process that left it was no more than the OLT's simulator: the OLT itself has gone on.
+bool Simulation::take_up(const Options& options) {
+    std::string complaint;
+    const auto kept = take_up_state(network_, schedule_, complaint);
+    if (!kept) {
+        if (!complaint.empty()) {
+            network_ = AccessNetwork(options.parameters(), follower_.configuration());
+            schedule_.clear();
+            chronicle_.restart(network_);
+            tell(complaint);
+        }
+        return false;
+    }
+    clock_ = PlantClock(kept->present(), kept->asked_rate == options.clock_rate ? kept->rate : options.clock_rate);
+    chronicle_.restart(network_);
+    tell(fmt::format("the simulation of plant {} goes on {:.1f} s later", options.plant->name,
+                     seconds_of(clock_.now() - kept->now)));
+    return true;
 }
 
 Firmware Simulation::make_firmware(const Options& options) const {
@@ -63,10 +86,11 @@ void Simulation::advance_network() {
     };
     const Advancing advancing(is_advancing_);
     const auto now = clock_.now();
-    while (!schedule_.empty() && schedule_.begin()->first <= now) {
+    while (run_scheduled_ && !schedule_.empty() && schedule_.begin()->first <= now) {
         auto next = schedule_.extract(schedule_.begin());
         pass_until(next.key());
-        next.mapped()();
+        run_scheduled_(next.mapped());
+        keep_state();
     }
     pass_until(now);
     chronicle_.look_at_subscribers(network_);
@@ -102,7 +126,8 @@ void Simulation::follow_commits() {
         if (plant_is_behind_) {
             network_.change_configuration(follower_.configuration(), onts_behind_);
             plant_is_behind_ = false;
-            onts_behind_.clear();
+            keep_state_later();
+            note_other_models(std::exchange(onts_behind_, {}));
         }
         configuration_is_unreadable_ = false;
     } catch (const std::system_error& fault) {
@@ -129,6 +154,21 @@ bool Simulation::follow_last_commit() {
         }
     }
     return had_missed;
+}
+
+/// A model that is not the expected one works all the same.
+void Simulation::note_other_models(const ChangedOnts& onts) {
+    for (const auto index : onts) {
+        const auto ont = plant().ont_configured_as(index);
+        if (!ont || ont->point.state == ont_gone || ont->settings->expected_equipment_id.empty()) {
+            continue;
+        }
+        const auto& found = ont->hardware->model->equipment_id;
+        if (found != ont->settings->expected_equipment_id) {
+            tell(fmt::format("{} is a {}, expected is {}", description_of(place_of_record(index)), found,
+                             ont->settings->expected_equipment_id));
+        }
+    }
 }
 
 /// The system manager keeps the record for all daemons.
@@ -170,12 +210,14 @@ void Simulation::switch_power(const std::vector<OntPosition>& onts, bool on) {
     advance();
     network_.happen(&Plant::switch_power, onts, on);
     tell(fmt::format("power {} at {} ONTs", on ? "on" : "off", onts.size()));
+    keep_state();
 }
 
 void Simulation::plug_in(const PhysicalOnt& ont) {
     advance();
     network_.happen(&Plant::plug_in, ont);
     tell(fmt::format("ONT {}/{} plugged in", ont.position.port, ont.position.ont));
+    keep_state();
 }
 
 void Simulation::reboot() {
@@ -190,12 +232,15 @@ void Simulation::reboot() {
 void Simulation::restart_pon_ports(const std::function<bool(unsigned port)>& is_meant) {
     advance();
     network_.happen(&Plant::restart_pon_ports, is_meant);
+    keep_state();
 }
 
 std::vector<std::uint16_t> Simulation::command_onts(OntCommand command,
                                                     const std::function<bool(std::uint16_t index)>& is_meant) {
     advance();
-    return network_.happen(&Plant::command_onts, command, is_meant);
+    auto told = network_.happen(&Plant::command_onts, command, is_meant);
+    keep_state();
+    return told;
 }
 
 void Simulation::select_firmware(std::uint32_t selector) {
@@ -223,6 +268,9 @@ void Simulation::work() {
     }
     if (facts_are_old_) {
         write_facts();
+    }
+    if (is_unkept_ && std::chrono::steady_clock::now() >= may_keep_at_) {
+        keep_state();
     }
 }
 
@@ -284,16 +332,53 @@ bool Simulation::load_snapshot(const std::string& name) {
     return true;
 }
 
-void Simulation::schedule(PlantTime in, std::function<void()> action) {
+void Simulation::set_scheduled_runner(std::function<void(const std::string& command)> run) {
+    run_scheduled_ = std::move(run);
     advance();
-    schedule_.emplace(plant().now() + in, std::move(action));
+    write_facts();
+}
+
+void Simulation::schedule(PlantTime in, const std::string& command) {
+    advance();
+    schedule_.emplace(plant().now() + in, command);
+    keep_state();
 }
 
 Device_facts Simulation::present_facts() const {
     return report_device_facts(plant(), firmware_.slots(), clock_.rate());
 }
 
+/// Commits come in hundreds a second, and each is in the database: who goes on without what the last ones did to the
+/// plant has it done again.
+void Simulation::keep_state_later() {
+    static constexpr std::chrono::seconds delay{5};
+    if (!std::exchange(is_unkept_, true)) {
+        may_keep_at_ = std::chrono::steady_clock::now() + delay;
+    }
+}
+
+void Simulation::keep_state() {
+    is_unkept_ = true;
+    if (is_advancing_) {
+        may_keep_at_ = {}; // there may be more to come; it is kept when all of it has happened
+        return;
+    }
+    try {
+        KeptClock clock{.now = clock_.now(),
+                        .written_at = std::chrono::system_clock::now(),
+                        .rate = clock_.rate(),
+                        .asked_rate = asked_rate_};
+        xpon::simulator::keep_state(network_, schedule_, clock);
+        is_unkept_ = false;
+    } catch (const std::system_error&) { // NOLINT(bugprone-empty-catch)
+        // A full disk must not stop the OLT: it is tried again until it succeeds.
+        constexpr std::chrono::seconds pause{1};
+        may_keep_at_ = std::chrono::steady_clock::now() + pause;
+    }
+}
+
 void Simulation::write_facts() {
+    keep_state();
     try {
         write_device_facts(present_facts());
         facts_are_old_ = false;

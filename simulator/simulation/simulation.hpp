@@ -5,9 +5,11 @@
 #include "simulator/firmware/firmware.hpp"
 #include "simulator/plant/plant_clock.hpp"
 #include "simulator/simulation/configuration_follower.hpp"
+#include "simulator/simulation/kept_state.hpp"
 #include "simulator/subscribers/access_network.hpp"
 #include "xpon/peer_side/device_facts.h"
 
+#include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
@@ -24,26 +26,26 @@ struct Options {
     std::shared_ptr<const PlantDescription> plant;
     PlantSize size;
     std::uint64_t seed = 1;
-    PlantTime uptime{};                              ///< of the OLT when the simulation begins
+    PlantTime uptime{};                              ///< of the OLT when it is simulated for the first time
     double clock_rate = 1;                           ///< 0: the clock is stepped
     PlantTime boot_time{20000};                      ///< how long a restart of the OLT takes
     std::chrono::milliseconds firmware_write_time{}; ///< how long an update blocks its caller, in real time
     bool applies_hostname = false;                   ///< the configured host name becomes that of the UTS namespace
 
     [[nodiscard]] PlantParameters parameters() const {
-        return {.plant = plant.get(), .size = size, .seed = seed};
+        return {.plant = plant.get(), .size = size, .seed = seed, .past = uptime};
     }
 };
 
 /// One running simulation: the plant with its subscribers, its time, its configuration, and what is to happen to it.
 class Simulation {
 public:
-    using Schedule = std::multimap<PlantTime, std::function<void()>>;
     struct Snapshot {
         AccessNetwork network;
         Schedule schedule;
     };
 
+    /// Goes on with what another one of the same plant has left, or begins.
     explicit Simulation(const Options& options);
     Simulation(const Simulation&) = delete;
     Simulation& operator=(const Simulation&) = delete;
@@ -86,7 +88,7 @@ public:
     void select_firmware(std::uint32_t selector);
     void start_firmware_update(const std::string& path);
 
-    /// What the OLT does by itself: a firmware update goes on, files that could not be written are. To be called often.
+    /// What the OLT does by itself: a firmware update goes on, files that are to be written are. To be called often.
     void work();
 
     /// Writes a line to the OLT's events.
@@ -109,8 +111,11 @@ public:
         return snapshots_;
     }
 
-    /// Has `action` happen when the plant's time has moved on by `in`.
-    void schedule(PlantTime in, std::function<void()> action);
+    /// Has a command carried out when the plant's time has moved on by `in`.
+    void schedule(PlantTime in, const std::string& command);
+    /// Who carries them out; until there is somebody they wait, and a simulation that goes on stays where the other one
+    /// left off.
+    void set_scheduled_runner(std::function<void(const std::string& command)> run);
     [[nodiscard]] std::size_t scheduled() const {
         return schedule_.size();
     }
@@ -119,13 +124,17 @@ private:
     void advance_network();
     void follow_commits();
     bool follow_last_commit();
+    void note_other_models(const ChangedOnts& onts);
     void note_commits(const cfgdb::RunningCommits& commits);
     void pass_until(PlantTime time);
     void tell(std::string_view text);
     void tell_events();
     [[nodiscard]] Firmware make_firmware(const Options& options) const;
     [[nodiscard]] Device_facts present_facts() const;
+    bool take_up(const Options& options);
     void write_facts();
+    void keep_state_later();
+    void keep_state();
 
     EventLog events_;
     Chronicle chronicle_;
@@ -135,10 +144,14 @@ private:
     AccessNetwork network_;
     Firmware firmware_;
     PlantTime boot_time_;
+    double asked_rate_;
     Schedule schedule_;
+    std::function<void(const std::string& command)> run_scheduled_;
     std::map<std::string, Snapshot> snapshots_;
     bool is_advancing_ = false;
     bool facts_are_old_ = false;
+    bool is_unkept_ = false; ///< something happened since the state was kept
+    std::chrono::steady_clock::time_point may_keep_at_{};
     bool plant_is_behind_ = false; ///< of what the follower has read,
     ChangedOnts onts_behind_;      ///< with these ONTs
     bool configuration_is_unreadable_ = false;

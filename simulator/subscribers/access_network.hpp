@@ -1,9 +1,7 @@
 #pragma once
 
 #include "simulator/plant/plant.hpp"
-#include "simulator/subscribers/pppoe_blocks.hpp"
 #include "simulator/subscribers/service_history.hpp"
-#include "simulator/subscribers/uplink_history.hpp"
 
 #include <cstddef>
 #include <functional>
@@ -23,14 +21,8 @@ public:
     [[nodiscard]] const Plant& plant() const {
         return plant_;
     }
-    [[nodiscard]] const UplinkHistory& uplinks() const {
-        return uplinks_;
-    }
     [[nodiscard]] const ServiceHistory& services() const {
         return services_;
-    }
-    [[nodiscard]] const PppoeBlocks& pppoe_blocks() const {
-        return pppoe_blocks_;
     }
 
     /// Lets time pass up to `now`; never back.
@@ -57,13 +49,20 @@ public:
     /// Plant::change_configuration happens, at the cost of what it reaches.
     void change_configuration(const RunningConfiguration& configuration, const ChangedOnts& onts);
 
+    /// What is kept of it, and read into one with the same parameters and the present configuration.
+    template <class Archive>
+    void archive(Archive& state) {
+        state(plant_, services_);
+        if constexpr (Archive::reads) {
+            remember();
+        }
+    }
+
 private:
     void remember();
 
     Plant plant_;
-    UplinkHistory uplinks_;
     ServiceHistory services_;
-    PppoeBlocks pppoe_blocks_;
 };
 
 } // namespace xpon::simulator

@@ -9,7 +9,7 @@ constexpr PlantTime aging_time = 300s;
 
 /// When a host talked last, of its own accord: some talk all the time, others have hours of silence, again and again.
 PlantTime last_talk(const Plant& plant, const SubscriberLine& line, unsigned host) {
-    const auto share = [&](unsigned which) { return line.share(plant.random(), Purpose::host_idleness, host, which); };
+    const auto share = [&](unsigned which) { return line.hosts.share(Purpose::host_idleness, host, which); };
     const auto& service = *line.service;
     // Sessions and memberships are kept up by messages every minute or two.
     const bool is_kept_up = host == 0 && (service.pppoe_agent || service.multicast_vid != 0);
@@ -28,7 +28,7 @@ PlantTime last_talk(const Plant& plant, const SubscriberLine& line, unsigned hos
 } // namespace
 
 bool MacLearning::is_known(const SubscriberLine& line, unsigned host) {
-    if (!line.served) {
+    if (!line.served || !may_talk(line, host)) {
         return false;
     }
     const auto is_fresh = [&](PlantTime heard) { return plant_.now() - heard < aging_time; };
@@ -38,6 +38,15 @@ bool MacLearning::is_known(const SubscriberLine& line, unsigned host) {
     }
     const auto granted = leases_.last_grant(line, host);
     return granted && is_fresh(*granted);
+}
+
+bool MacLearning::may_talk(const SubscriberLine& line, unsigned host) {
+    const auto& service = *line.service;
+    if (!service.source_guard || (service.static_ip != 0 && host == 0) || leases_.last_grant(line, host)) {
+        return true;
+    }
+    const auto session = sessions_.find(line);
+    return session && session->id != 0;
 }
 
 } // namespace xpon::simulator

@@ -17,7 +17,8 @@ struct PppoeSession {
 /// The sessions that clients open as soon as their ONT is in service and the network is reached.
 class PppoeSessions {
 public:
-    explicit PppoeSessions(const AccessNetwork& network) : network_(network), uplinks_(network.uplinks()) {}
+    explicit PppoeSessions(const AccessNetwork& network)
+        : network_(network), uplinks_(network.plant().uplink_history()) {}
 
     /// The one of a line; empty without.
     [[nodiscard]] std::optional<PppoeSession> find(const SubscriberLine& line);

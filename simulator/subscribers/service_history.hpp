@@ -24,6 +24,11 @@ public:
     /// `index` is an ONT's flat one, `service` counts from 1. `never` for a service that there is not.
     [[nodiscard]] PlantTime since(std::uint16_t index, unsigned service) const;
 
+    template <class Archive>
+    void archive(Archive& state) {
+        state(onts_);
+    }
+
 private:
     /// What a service is to its subscribers.
     struct Form {

@@ -21,11 +21,11 @@ public:
     explicit Snooping(const Plant& plant) : plant_(plant) {}
 
     void add(const SubscriberLine& line) {
-        if (line.service->multicast_vid == 0) {
+        if (line.service->multicast_vid == 0 || line.hosts.count() == 0) {
             return;
         }
         const Viewer viewer(plant_.random(), line.ont->hardware->position, line.service->number,
-                            line.ont->settings->max_groups);
+                            ViewingLimits(*line.ont->settings));
         if (line.served) {
             add(line, viewer, *line.served);
         }
@@ -47,7 +47,8 @@ private:
         const auto viewing = viewer.at(heard_last);
         const auto joined = std::max(viewing.since, served.since);
         for (const auto group : viewing.groups()) {
-            add(line, group, {last_report(line, joined, heard_last) + membership_interval, true});
+            add(line, group,
+                {last_report(line, joined, heard_last) + membership_interval, true, names_no_source(line)});
         }
         const bool changed = viewing.since > served.since;
         if (!changed || line.ont->settings->immediate_leave) {
@@ -56,7 +57,7 @@ private:
         const auto before = viewer.at(viewing.since - PlantTime(1));
         for (const auto group : before.groups()) {
             if (std::ranges::find(viewing.groups(), group) == viewing.groups().end()) {
-                add(line, group, {viewing.since + last_member_query_time, false});
+                add(line, group, {viewing.since + last_member_query_time, false, names_no_source(line)});
             }
         }
     }
@@ -68,12 +69,16 @@ private:
         auto& members = vlans_[line.service->multicast_vid].at(group).at(line.place.port - 1);
         members.expiry = std::max(members.expiry, member.expiry);
         members.stay = members.stay || member.stay;
+        members.any_source = members.any_source || member.any_source;
+    }
+
+    static bool names_no_source(const SubscriberLine& line) {
+        return line.ont->settings->igmp_version == cfgdb::ProfileOntPortsCfg::IgmpVersion::v2;
     }
 
     /// When a member that joined at `joined` last answered a query, up to `now`.
     [[nodiscard]] PlantTime last_report(const SubscriberLine& line, PlantTime joined, PlantTime now) const {
-        const auto delay =
-            line.time_between(0s, query_response_interval, plant_.random(), Purpose::membership_report, 0);
+        const auto delay = line.hosts.time_between(0s, query_response_interval, Purpose::membership_report, 0);
         const auto answer = now < delay ? PlantTime{} : (now - delay) / query_interval * query_interval + delay;
         return std::max(joined, answer);
     }

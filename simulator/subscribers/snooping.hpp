@@ -11,8 +11,9 @@ namespace xpon::simulator {
 
 /// What the OLT knows of a group's members behind a PON port.
 struct GroupMembers {
-    PlantTime expiry{}; ///< of the last one's membership
-    bool stay = false;  ///< one at least has not said that it leaves
+    PlantTime expiry{};      ///< of the last one's membership
+    bool stay = false;       ///< one at least has not said that it leaves
+    bool any_source = false; ///< one at least speaks IGMPv2, which names no sources [RFC 3376 7.3.2]
 };
 
 /// Members by PON port, port 1 first, by group.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "simulator/plant/service_hosts.hpp"
 #include "simulator/subscribers/access_network.hpp"
 
 #include <array>
@@ -20,7 +21,7 @@ struct SubscriberLine {
     OntPosition place;   ///< the same: PON port and number, from 1
     const Plant::Ont* ont;
     const ServiceSettings* service;
-    unsigned hosts;                       ///< as many as may talk
+    ServiceHosts hosts;
     std::optional<Stretch> served;        ///< the present time in service; it has no end yet
     std::optional<Stretch> served_before; ///< the last one that has ended, in the same form of the service
 
@@ -29,12 +30,6 @@ struct SubscriberLine {
     }
     [[nodiscard]] MacAddress mac_of(unsigned host) const;
     [[nodiscard]] Ipv4Address ip_of(unsigned host) const;
-
-    /// In [least, most), always the same for a host.
-    [[nodiscard]] PlantTime time_between(PlantTime least, PlantTime most, const Random& random, Purpose purpose,
-                                         unsigned host) const;
-    /// In [0, 1), always the same for a host.
-    [[nodiscard]] double share(const Random& random, Purpose purpose, unsigned host, unsigned which = 0) const;
 };
 
 /// Visits all of them, ascending by (port, ONT, service).

@@ -1,5 +1,7 @@
 #include "simulator/peers/peer_table.hpp"
 #include "simulator/plant/ont_layout.hpp"
+#include "simulator/sim_command/command_line.hpp"
+#include "simulator/sim_command/control_client.hpp"
 #include "tests/support/process.hpp"
 #include "tests/support/temporary_olt_root.hpp"
 #include "xpon/cfgdb/cfgdb_wrapper.hpp"
@@ -65,6 +67,38 @@ TEST_F(SimulatorTest, StopsOnSignalsAndLeavesNothingBehind) {
         EXPECT_FALSE(std::filesystem::exists(root.path() / "run/board"));
         EXPECT_TRUE(std::filesystem::is_empty(root.path() / "run/ipc"));
     }
+}
+
+TEST_F(SimulatorTest, GoesOnWhereAKilledOneLeftOff) {
+    const std::vector<std::string> options{"--clock-rate", "0", "--onts", "64", "--configured", "32"};
+    const auto ask = [](const std::vector<std::string>& words) { return ControlClient().ask(command_of(words)); };
+    std::string before;
+    {
+        Simulator first(options);
+        ASSERT_TRUE(first.wait_for_line(ready));
+        ask({"step", "4000"});
+        ask({"fault", "ont_los", "1/2", "for", "3000"});
+        ask({"fault", "pppoe_blocked", "2/1/1"});
+        ask({"at", "1000", "fault", "ont_dying_gasp", "3/1"});
+        before = ask({"state"});
+        first.end(SIGKILL);
+    }
+    auto later = options;
+    later.insert(later.end(), {"--uptime", "7"});
+    std::string stepped;
+    {
+        Simulator second(later);
+        ASSERT_TRUE(second.wait_for_line(ready));
+        EXPECT_EQ(ask({"state"}), before);
+        ask({"step", "5000"});
+        stepped = ask({"state"});
+        EXPECT_THAT(stepped, HasSubstr(R"("scheduled":0)"));
+        EXPECT_THAT(stepped, HasSubstr(R"("fault":"ont_dying_gasp","target":"3/1")"));
+        second.end(SIGKILL);
+    }
+    Simulator other({"--clock-rate", "0", "--onts", "64", "--seed", "2"});
+    ASSERT_TRUE(other.wait_for_line(ready));
+    EXPECT_THAT(ask({"state"}), HasSubstr(R"("faults":[])"));
 }
 
 TEST_F(SimulatorTest, ServesAnOltRootAloneUntilItIsKilled) {

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "xpon/cfgdb/records/profile_ont_cross_connect.hpp"
+#include "xpon/cfgdb/records/profile_ont_ports.hpp"
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -25,12 +27,29 @@ struct RunningService {
     bool dhcp_agent = false;
     bool pppoe_agent = false;
     bool broadcast_downstream = true;
+    bool source_guard = false;         ///< sources without lease, session or fixed address are dropped
     std::uint8_t mac_limit = 0;        ///< 0 = no limit
     std::uint32_t static_ip = 0;       ///< 0 = none
     std::uint32_t downstream_kbps = 0; ///< the lowest of the service's own limit and its queue's
     std::uint32_t upstream_kbps = 0;   ///< the same, and of what its T-CONT may be granted
 
     bool operator==(const RunningService&) const = default;
+};
+
+/// The Ethernet port of an ONT.
+struct RunningUserPort {
+    bool enabled = true;
+    std::uint8_t mac_limit = 0; ///< 0 = no limit
+
+    bool operator==(const RunningUserPort&) const = default;
+};
+
+/// Multicast addresses from one to the other, as numbers.
+struct RunningGroupRange {
+    std::uint32_t first = 0;
+    std::uint32_t last = 0;
+
+    bool operator==(const RunningGroupRange&) const = default;
 };
 
 /// A configured ONT as it is to run.
@@ -44,9 +63,16 @@ struct RunningOnt {
     std::uint8_t tconts = 0;
     std::uint32_t downstream_kbps = 0; ///< limits of the whole ONT; 0 = none
     std::uint32_t upstream_kbps = 0;
-    bool pm_collection = true;   ///< 15-minute counters are collected
-    bool immediate_leave = true; ///< of multicast groups
-    std::uint8_t max_groups = 0; ///< multicast groups at a time; 0 = no limit
+    bool pm_collection = true;               ///< 15-minute counters are collected
+    bool immediate_leave = true;             ///< of multicast groups
+    std::uint8_t max_groups = 0;             ///< multicast groups at a time; 0 = no limit
+    std::uint32_t max_multicast_kbps = 0;    ///< of all groups at a time; 0 = no limit
+    std::vector<RunningGroupRange> groups{}; ///< those allowed; empty = all
+    ProfileOntPortsCfg::IgmpVersion igmp_version = ProfileOntPortsCfg::IgmpVersion::v3;
+    std::array<RunningUserPort, 4> user_ports{}; ///< Ethernet port 1 first
+    bool has_router = true;                      ///< the virtual port of its routed side is enabled
+    bool has_telephone = true;                   ///< one telephone port at least is enabled
+    std::string expected_equipment_id{};         ///< empty = any model
     /// Changes when, and nearly only when, the data that the ONT is provided with does; names and descriptions are
     /// not such data. The same in every process of one release.
     std::uint64_t provision = 0;

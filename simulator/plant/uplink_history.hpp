@@ -1,23 +1,42 @@
 #pragma once
 
-#include "simulator/plant/plant.hpp"
+#include "simulator/plant/plant_time.hpp"
+#include "simulator/plant/running_configuration.hpp"
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <vector>
 
 namespace xpon::simulator {
 
+struct Circumstances;
+class Ports;
+
 /// When which VLANs had a way into the network.
 class UplinkHistory {
 public:
-    /// Something happened to the plant.
-    void follow(const Plant& plant);
+    /// Something happened to the ports.
+    void follow(const Circumstances& given, const Ports& ports);
+
+    /// When there are more changes than are to be kept: until when they may be forgotten.
+    [[nodiscard]] std::optional<PlantTime> end_of_oldest_half() const;
+    void forget_before(PlantTime time);
 
     /// When the VLAN had one, ascending, up to what is foreseen if nothing happens any more.
     [[nodiscard]] std::vector<Stretch> stretches_of(std::uint16_t vid) const;
+    /// The same, of any VLAN.
+    [[nodiscard]] std::vector<Stretch> stretches() const;
+
+    template <class Archive>
+    void archive(Archive& state) {
+        state(periods_);
+    }
 
 private:
+    template <class IsUp>
+    [[nodiscard]] std::vector<Stretch> stretches_in_which(IsUp is_up) const;
+
     struct Period {
         PlantTime since;
         VlanSet vlans;

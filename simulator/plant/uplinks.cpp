@@ -1,4 +1,7 @@
-#include "simulator/subscribers/uplinks.hpp"
+#include "simulator/plant/uplinks.hpp"
+
+#include "simulator/plant/circumstances.hpp"
+#include "simulator/plant/ports.hpp"
 
 #include <algorithm>
 
@@ -20,13 +23,13 @@ UplinkPort uplink_port_of(const RunningConfiguration& configuration, unsigned fr
     return {switch_port_front, static_cast<std::uint8_t>(front_port)};
 }
 
-std::vector<Uplink> uplinks_at(const Plant& plant, PlantTime time) {
-    const auto& configuration = plant.configuration();
+std::vector<Uplink> uplinks_at(const Circumstances& given, const Ports& ports, PlantTime time) {
+    const auto& configuration = given.configuration;
     std::vector<Uplink> uplinks;
     std::array<unsigned, port_channels> working{};
     std::array<VlanSet, port_channels> vlans{};
     for (unsigned port = 1; port <= front_ports; ++port) {
-        if (plant.front_link_since(port) > time) {
+        if (ports.front_link_since(given, port) > time) {
             continue;
         }
         const auto place = uplink_port_of(configuration, port);

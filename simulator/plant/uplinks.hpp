@@ -1,12 +1,16 @@
 #pragma once
 
-#include "simulator/plant/plant.hpp"
+#include "simulator/plant/plant_time.hpp"
+#include "simulator/plant/running_configuration.hpp"
 #include "xpon/custom_layer/subscribers.h"
 
 #include <cstdint>
 #include <vector>
 
 namespace xpon::simulator {
+
+struct Circumstances;
+class Ports;
 
 /// A port of the switch towards the network, as the switch forwards to it: a front port, or the channel that it is a
 /// member of.
@@ -26,6 +30,6 @@ struct Uplink {
 UplinkPort uplink_port_of(const RunningConfiguration& configuration, unsigned front_port);
 
 /// The uplinks that work at `time`, now or later, if nothing happens until then. Front ports come first, ascending.
-std::vector<Uplink> uplinks_at(const Plant& plant, PlantTime time);
+std::vector<Uplink> uplinks_at(const Circumstances& given, const Ports& ports, PlantTime time);
 
 } // namespace xpon::simulator

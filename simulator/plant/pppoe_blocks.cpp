@@ -1,4 +1,4 @@
-#include "simulator/subscribers/pppoe_blocks.hpp"
+#include "simulator/plant/pppoe_blocks.hpp"
 
 namespace xpon::simulator {
 
@@ -11,21 +11,22 @@ void PppoeBlocks::follow(const ActiveFaults& faults, PlantTime now) {
         const auto& target = fault.target;
         const std::pair key(OntPosition{.port = target.port, .ont = target.ont}, unsigned{target.service});
         ended.erase(key);
-        auto& block = blocks_.try_emplace(key, Stretch{now, never}).first->second;
-        if (block.until != never) {
-            block = {now, never};
+        auto& blocks = blocks_[key];
+        if (blocks.empty() || blocks.back().until != never) {
+            blocks.push_back({now, never});
         }
     }
-    for (const auto& [key, block] : ended) {
-        if (block.until == never) {
-            blocks_[key].until = now;
+    for (const auto& [key, blocks] : ended) {
+        if (blocks.back().until == never) {
+            blocks_[key].back().until = now;
         }
     }
 }
 
-const Stretch* PppoeBlocks::find(const OntPosition& ont, unsigned service) const {
+const std::vector<Stretch>& PppoeBlocks::of(const OntPosition& ont, unsigned service) const {
+    static const std::vector<Stretch> none;
     const auto found = blocks_.find({ont, service});
-    return found == blocks_.end() ? nullptr : &found->second;
+    return found == blocks_.end() ? none : found->second;
 }
 
 } // namespace xpon::simulator
