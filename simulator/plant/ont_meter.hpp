@@ -114,7 +114,7 @@ public:
     void line_changes(const MeteredOnt& ont, PlantTime now);
     /// The service ends; what was counted goes into the next.
     void service_ends(const MeteredOnt& ont, PlantTime now);
-    /// Counts up to a time that is past, whatever becomes unknown of it.
+    /// Counts up to a time, whatever becomes unknown of the time before.
     void settle(const MeteredOnt& ont, PlantTime time);
     /// The ONT has to be activated anew.
     void reset();

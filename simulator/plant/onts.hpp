@@ -55,7 +55,7 @@ public:
         }
     }
 
-    /// Those in service are counted up to the time, which is past, once and for all.
+    /// Those in service are counted up to the time, once and for all.
     void count_until(const Circumstances& given, PlantTime time);
     /// The OLT has booted: of what was before its daemons know nothing.
     void forget_last_services();

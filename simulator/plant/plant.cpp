@@ -95,10 +95,11 @@ void Plant::follow(const ReplacedSettings& replaced) {
     forget_old_uplinks();
 }
 
-/// What they carried is counted before it is forgotten when they were.
+/// What they carried is counted before it is forgotten when they were, and up to the present: which leases came of them
+/// is forgotten, too.
 void Plant::forget_old_uplinks() {
     if (const auto until = given_.uplinks.end_of_oldest_half()) {
-        onts_.count_until(given_, *until);
+        onts_.count_until(given_, given_.now);
         given_.uplinks.forget_before(*until);
     }
 }

@@ -47,7 +47,7 @@ public:
     void wait_in_discovery(std::uint16_t windows) {
         situation_.discovery_waits = windows;
     }
-    /// If it is in service, it is counted up to the time, which is past, once and for all.
+    /// If it is in service, it is counted up to the time, once and for all.
     void count_until(const Circumstances& given, PlantTime time);
     /// The OLT has booted.
     void forget_last_service() {
