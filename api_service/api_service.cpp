@@ -6,12 +6,19 @@
 #include "api_service/protocol/route_table.hpp"
 #include "api_service/request_memory.hpp"
 #include "api_service/send_buffer.hpp"
+#include "xpon/core/call_budget.hpp"
 #include "xpon/core/guard.hpp"
 
 #include <chrono>
 #include <utility>
 
 namespace xpon::api_service {
+namespace {
+
+/// What the device's daemons may take of one request, all calls together: the other clients wait meanwhile.
+constexpr std::chrono::seconds peers_time{5};
+
+} // namespace
 
 ApiService::ApiService(const std::shared_ptr<ipc::IIpc>& ipc, const std::shared_ptr<ILogger>& logger, Endpoint endpoint)
     : ApiService(ipc, logger, std::move(endpoint), std::make_shared<PamApi>(logger)) {}
@@ -72,6 +79,7 @@ Result<void> ApiService::register_routes() {
 }
 
 void ApiService::serve_client(const std::shared_ptr<IClientSocket>& socket) {
+    const core::CallBudget budget(peers_time, running_);
     if (core::guarded(*logger_, [&] { return process_socket(socket); }) || socket->is_shut_down()) {
         return;
     }

@@ -1,5 +1,7 @@
 #include "api_service/handlers/handler_frame.hpp"
 
+#include "xpon/core/call_budget.hpp"
+
 namespace xpon::api_service {
 
 HandlerFrame::HandlerFrame(std::shared_ptr<ILogger> logger, std::shared_ptr<ipc::IIpc> ipc)
@@ -21,6 +23,11 @@ Result<std::shared_ptr<cfgdb::CfgDbWrapper>> HandlerFrame::database_of(const std
         return ErrorPayload(Error::InvalidInputArg, "CfgDb context is missing");
     }
     return session->cfgdb;
+}
+
+Result<Ipc*> HandlerFrame::peers() const {
+    BOOST_OUTCOME_TRY(core::check_call_budget(*logger_));
+    return ipc_->raw();
 }
 
 Response HandlerFrame::refuse(const std::shared_ptr<Session>& session, Json_errors error, const char* path) const {

@@ -2,6 +2,7 @@
 
 #include "api_service/auth/session.hpp"
 #include "api_service/core_names.hpp"
+#include "api_service/handlers/library_buffers.hpp"
 #include "api_service/protocol/request.hpp"
 #include "api_service/protocol/response.hpp"
 #include "xpon/core/c_status.hpp"
@@ -27,6 +28,32 @@ public:
     static Result<std::shared_ptr<cfgdb::CfgDbWrapper>> database_of(const std::shared_ptr<Session>& session,
                                                                     const char* no_session = no_session_text);
 
+    // Calls that ask the device's daemons: C functions whose first argument is the handle for that, here with the other
+    // arguments alone. When the daemons have used up the time that they have for this request, or the service is to
+    // stop, none is made any more; the error is that of a call that fails.
+
+    Result<Ipc*> peers() const;
+
+    template <class Function, class... Args>
+    Result<void> call_peers(Function&& function, Args&&... args) const {
+        BOOST_OUTCOME_TRY(auto* const handle, peers());
+        return core::call_c_api(*logger_, std::forward<Function>(function), handle, std::forward<Args>(args)...);
+    }
+
+    /// As fetch_buffer.
+    template <class Record, class Function, class... Args>
+    Result<LibraryBuffer<Record>> fetch_from_peers(Function function, Args... args) const {
+        BOOST_OUTCOME_TRY(auto* const handle, peers());
+        return fetch_buffer<Record>(*logger_, function, handle, args...);
+    }
+
+    /// As fetch_list.
+    template <class List, class Function, class... Args>
+    Result<LibraryBuffer<List>> fetch_list_from_peers(Function function, Args... args) const {
+        BOOST_OUTCOME_TRY(auto* const handle, peers());
+        return fetch_list<List>(*logger_, function, handle, args...);
+    }
+
     /// The answer whose data is the tree, or the text, that `build` makes.
     template <class Build>
     Result<Response> answer_with_data(const std::shared_ptr<Session>& session, Build&& build) const {
@@ -43,6 +70,15 @@ public:
                                        Args&&... args) const {
         auto response = Response::make_success_response(session, logger_);
         BOOST_OUTCOME_TRY(core::call_c_api(*logger_, std::forward<Command>(command), std::forward<Args>(args)...));
+        return response;
+    }
+
+    /// The same for one that asks a daemon.
+    template <class Command, class... Args>
+    Result<Response> answer_to_peer_command(const std::shared_ptr<Session>& session, Command&& command,
+                                            Args&&... args) const {
+        auto response = Response::make_success_response(session, logger_);
+        BOOST_OUTCOME_TRY(call_peers(std::forward<Command>(command), std::forward<Args>(args)...));
         return response;
     }
 

@@ -2,6 +2,7 @@
 
 #include "custom_layer/own_connection.hpp"
 #include "custom_layer/peer_request.hpp"
+#include "xpon/core/call_budget.hpp"
 #include "xpon/peer_side/operations.hpp"
 
 #include <chrono>
@@ -19,16 +20,14 @@ int order_device(Operation operation, const Question& question) {
 
 /// Until the update has ended. The system manager keeps back the answer of one that goes on.
 int await_update() {
-    using Clock = std::chrono::steady_clock;
     // No flash is that slow.
-    static constexpr std::chrono::minutes longest{30};
-    const auto deadline = Clock::now() + longest;
+    const xpon::core::CallBudget longest(std::chrono::minutes(30));
     while (order_device(Operation::get_firmware_update_status, no_question()) != 0) {
         if (errno != EBUSY) {
             return -1;
         }
-        if (Clock::now() >= deadline) {
-            xpon::core::fail_with(ETIMEDOUT);
+        if (const int refusal = xpon::core::CallBudget::refusal()) {
+            xpon::core::fail_with(refusal);
         }
     }
     return 0;

@@ -51,6 +51,12 @@ TEST_F(Commands, ReachTheDevice) {
     }
 }
 
+TEST_F(Commands, AStopEndsARequestAfterTheCallAtHand) {
+    device.during_call = [this] { EXPECT_TRUE(service.stop({})); };
+    EXPECT_EQ(request("command.reboot.ont", "command", R"("indices":["3/2","1"])"), failure("command.reboot.ont"));
+    EXPECT_THAT(device.journal, testing::ElementsAre("omci_reboot 3/2"));
+}
+
 TEST_F(Commands, FirmwareWithoutAPath) {
     for (const auto* data : {R"("data":{"path":5})", R"("data":{"Path":"x"})", R"("data":["path"])", ""}) {
         take_log();

@@ -24,6 +24,9 @@ namespace {
 
 int answer(auto&& give) {
     auto& device = fake_device();
+    if (device.during_call) {
+        device.during_call();
+    }
     if (++device.calls == device.failing_call) {
         errno = EIO;
         return -1;

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -56,6 +57,7 @@ struct FakeDevice {
     /// The call with this number, counted from 1, fails with errno EIO; 0 = none.
     int failing_call = 0;
     int calls = 0;
+    std::function<void()> during_call; ///< called in each call, by the service's thread
 };
 
 /// The one device. Not to be changed while a request is under way.

@@ -20,7 +20,7 @@ Result<Response> ReconfigurePonPortHandler::operator()(const Request& request,
                                                        const std::shared_ptr<Session>& session) const {
     BOOST_OUTCOME_TRY(check_session(session));
     BOOST_OUTCOME_TRY(const auto ports, get_port_range(request, get_parsed_pon_port_range));
-    return answer_to_command(session, custom_layer__reconfigure_pon_port, ipc_->raw(), &ports);
+    return answer_to_peer_command(session, custom_layer__reconfigure_pon_port, &ports);
 }
 
 OntActionHandler::OntActionHandler(const std::shared_ptr<ILogger>& logger, const std::shared_ptr<ipc::IIpc>& ipc,
@@ -30,13 +30,11 @@ OntActionHandler::OntActionHandler(const std::shared_ptr<ILogger>& logger, const
 Result<Response> OntActionHandler::operator()(const Request& request, const std::shared_ptr<Session>& session) const {
     BOOST_OUTCOME_TRY(check_session(session));
     BOOST_OUTCOME_TRY(const auto ranges, get_ranges(request));
-    return answer_to_command(session, [&] {
-        int status = 0;
-        for (auto range = ranges.begin(); range != ranges.end() && status == 0; ++range) {
-            status = action_(ipc_->raw(), &*range);
-        }
-        return status;
-    });
+    auto response = Response::make_success_response(session, logger_);
+    for (const auto& range : ranges) {
+        BOOST_OUTCOME_TRY(call_peers(action_, &range));
+    }
+    return response;
 }
 
 Result<std::vector<Bitmap_ont_range>> OntActionHandler::get_ranges(const Request& request) const {

@@ -39,7 +39,7 @@ FirmwareSelectImage::FirmwareSelectImage(const std::shared_ptr<ILogger>& logger,
 
 Result<Response> FirmwareSelectImage::operator()(const Request&, const std::shared_ptr<Session>& session) const {
     BOOST_OUTCOME_TRY(check_session(session));
-    return answer_to_command(session, custom_layer__select_image, ipc_->raw(), selector_, nullptr);
+    return answer_to_peer_command(session, custom_layer__select_image, selector_, nullptr);
 }
 
 } // namespace xpon::api_service

@@ -10,7 +10,7 @@ Result<Response> GenerateSnmpEngineIDHandler::operator()(const Request&,
     BOOST_OUTCOME_TRY(check_session(session));
     return answer_with_data(session, [&]() -> Result<JsonTree> {
         Snmp_environment_data environment{};
-        BOOST_OUTCOME_TRY(core::call_c_api(*logger_, custom_layer__generating_engine_id, ipc_->raw(), &environment));
+        BOOST_OUTCOME_TRY(call_peers(custom_layer__generating_engine_id, &environment));
         return serialize_payload(environment);
     });
 }

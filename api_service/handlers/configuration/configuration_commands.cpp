@@ -64,8 +64,8 @@ Result<Response> RollbackHandler::operator()(const Request&, const std::shared_p
 
 Result<Response> ConfigurationSaveHandler::operator()(const Request&, const std::shared_ptr<Session>& session) const {
     BOOST_OUTCOME_TRY(const auto db, database_of(session));
-    return answer_to_command(session, custom_layer__configuration_save, ipc_->raw(), db->handle(), db->context(),
-                             saved_configuration);
+    return answer_to_peer_command(session, custom_layer__configuration_save, db->handle(), db->context(),
+                                  saved_configuration);
 }
 
 Result<Response> ConfigurationSetDefaultHandler::operator()(const Request&,

@@ -89,8 +89,7 @@ MonitoringFrontPortStateHandler::get_sources(const cfgdb::CfgDbWrapper& db) cons
     auto sources = std::make_unique<Sources>();
     BOOST_OUTCOME_TRY(core::call_c_api(*logger_, getRunDbArray_ZebGCfg_switch_config_front_port, db.handle(),
                                        sources->configured.data()));
-    BOOST_OUTCOME_TRY(
-        core::call_c_api(*logger_, custom_layer__get_front_ports_link_states, ipc_->raw(), &sources->link_up));
+    BOOST_OUTCOME_TRY(call_peers(custom_layer__get_front_ports_link_states, &sources->link_up));
     return sources;
 }
 
@@ -98,11 +97,11 @@ Result<PortInfo> MonitoringFrontPortStateHandler::describe(const Sources& source
     PortInfo described{};
     described.port = port;
     BOOST_OUTCOME_TRY(described.status, get_status(sources, port));
-    BOOST_OUTCOME_TRY(
-        core::call_c_api(*logger_, custom_layer__get_front_port_info, ipc_->raw(), port, &described.info));
+    BOOST_OUTCOME_TRY(call_peers(custom_layer__get_front_port_info, port, &described.info));
     if (described.info.sfp.condition == sfp_present) {
+        BOOST_OUTCOME_TRY(auto* const handle, peers());
         Front_port_sfp_eddi eddi{};
-        if (custom_layer__get_front_port_sfp_eddi(ipc_->raw(), port, &eddi) == 0) {
+        if (custom_layer__get_front_port_sfp_eddi(handle, port, &eddi) == 0) {
             described.eddi = eddi;
         }
         errno = 0; // a module without diagnostics is no failure

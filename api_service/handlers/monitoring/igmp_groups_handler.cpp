@@ -111,8 +111,8 @@ Result<std::string> MonitoringIgmpGroupsHandler::create_payload() const {
 
 Result<MonitoringIgmpGroupsHandler::VlanInfo> MonitoringIgmpGroupsHandler::get_vlan(std::uint16_t vlan) const {
     const auto read = [&]() -> Result<VlanInfo> {
-        BOOST_OUTCOME_TRY(auto info, fetch_buffer<Igmp_vlan_info>(
-                                         *logger_, custom_layer__get_igmp_snooping_groups_unsafe, ipc_->raw(), vlan));
+        BOOST_OUTCOME_TRY(auto info,
+                          fetch_from_peers<Igmp_vlan_info>(custom_layer__get_igmp_snooping_groups_unsafe, vlan));
         if (info->group_count > 0 && info->groups == nullptr) {
             return ErrorPayload(Error::InvalidInputArg, "Object cannot be null");
         }

@@ -42,7 +42,7 @@ Result<Response> MonitoringMacTable::operator()(const Request& request, const st
 Result<LibraryBuffer<Bcm_get_mac_table_response>> MonitoringMacTable::get_mac_table(const Request& request) const {
     const auto& indices = request.indices;
     if (indices.empty()) {
-        return fetch_list<Bcm_get_mac_table_response>(*logger_, custom_layer__get_mac_table, ipc_->raw());
+        return fetch_list_from_peers<Bcm_get_mac_table_response>(custom_layer__get_mac_table);
     }
     if (indices.size() > 1) {
         return ErrorPayload(Error::InvalidInputArg, "Indices cannot contain more than 1 element");
@@ -50,8 +50,7 @@ Result<LibraryBuffer<Bcm_get_mac_table_response>> MonitoringMacTable::get_mac_ta
     Bitmap_ont_range range{};
     BOOST_OUTCOME_TRY(
         core::call_c_api(*logger_, [&] { return get_parsed_ont_range(indices.front().c_str(), &range); }));
-    return fetch_list<Bcm_get_mac_table_response>(*logger_, custom_layer__get_mac_table_by_ont_range, ipc_->raw(),
-                                                  &range);
+    return fetch_list_from_peers<Bcm_get_mac_table_response>(custom_layer__get_mac_table_by_ont_range, &range);
 }
 
 Result<std::string> MonitoringMacTable::serialize_payload(const Bcm_get_mac_table_response& table) {

@@ -63,7 +63,7 @@ Result<CounterRecord<void>> MonitoringOntCountersHandler::get_record(Ont_informa
                                                                      std::uint16_t ont) const {
     int status = 0;
     const auto call = [&](auto... args) { return status = custom_layer__get_ont_information_by_index(args...); };
-    auto record = fetch_buffer<void>(*logger_, call, ipc_->raw(), kind, port, ont);
+    auto record = fetch_from_peers<void>(call, kind, port, ont);
     if (status != 0) {
         return ErrorPayload(Error::ErrorCApi,
                             fmt::format("custom_layer__get_ont_information_by_index() failed: {}", status));

@@ -1,11 +1,9 @@
 #pragma once
 
 #include "api_service/core_names.hpp"
-#include "api_service/handlers/library_buffers.hpp"
+#include "api_service/handlers/handler_frame.hpp"
 #include "xpon/custom_layer/onts.h"
-#include "xpon/ipc/ipc.hpp"
 
-#include <memory>
 #include <span>
 
 namespace xpon::api_service {
@@ -17,8 +15,7 @@ Result<Bitmap_ont_range> get_all_ont_range(ILogger& logger);
 class OntReports {
 public:
     /// The activated ONTs of `range`, and the unactivated ones of all PON ports.
-    static Result<OntReports> get(ILogger& logger, const std::shared_ptr<ipc::IIpc>& ipc,
-                                  const Bitmap_ont_range& range);
+    static Result<OntReports> get(ILogger& logger, const HandlerFrame& frame, const Bitmap_ont_range& range);
 
     /// Ascending by configured place.
     [[nodiscard]] std::span<const Ont__state_info> activated() const {

@@ -82,7 +82,7 @@ Result<std::string> MonitoringOntStateBySerialHandler::serialize_payload(const c
                                                                          const OntSerial& serial,
                                                                          std::optional<ConfigurationType> type) const {
     BOOST_OUTCOME_TRY(const auto range, get_all_ont_range(*logger_));
-    BOOST_OUTCOME_TRY(const auto reports, OntReports::get(*logger_, ipc_, range));
+    BOOST_OUTCOME_TRY(const auto reports, OntReports::get(*logger_, *this, range));
     OntWalk walk(*logger_, db, range, reports);
     BOOST_OUTCOME_TRY(const auto ont, find_configured(walk, serial));
     return write_data([&](JsonWriter& root) {

@@ -100,7 +100,7 @@ Result<Bitmap_ont_range> MonitoringOntStateHandler::get_ont_range(const Request&
 
 Result<std::string> MonitoringOntStateHandler::serialize_payload(const cfgdb::CfgDbWrapper& db,
                                                                  const Bitmap_ont_range& range) const {
-    BOOST_OUTCOME_TRY(const auto reports, OntReports::get(*logger_, ipc_, range));
+    BOOST_OUTCOME_TRY(const auto reports, OntReports::get(*logger_, *this, range));
     OntWalk walk(*logger_, db, range, reports);
     return write_data([&](JsonWriter& writer) { return write_onts(writer, walk); });
 }

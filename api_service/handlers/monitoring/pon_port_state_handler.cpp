@@ -70,14 +70,13 @@ Result<Bitmap_pon_port_range> MonitoringPonPortStateHandler::process_request(con
 
 Result<std::vector<PortInfo>>
 MonitoringPonPortStateHandler::retrieve_pon_port_info_from_db(const Bitmap_pon_port_range& ports) const {
-    BOOST_OUTCOME_TRY(
-        const auto states,
-        explained(*logger_, fetch_buffer<Pon_ports_states>(*logger_, custom_layer__get_pon_ports_states, ipc_->raw()),
-                  "Could not retrieve state for PON ports"));
+    BOOST_OUTCOME_TRY(const auto states,
+                      explained(*logger_, fetch_from_peers<Pon_ports_states>(custom_layer__get_pon_ports_states),
+                                "Could not retrieve state for PON ports"));
     BOOST_OUTCOME_TRY(const auto modules,
                       explained(*logger_,
-                                fetch_buffer<Pon_ports_sfp_extended_information>(
-                                    *logger_, custom_layer__get_pon_ports_sfp_extended_information, ipc_->raw()),
+                                fetch_from_peers<Pon_ports_sfp_extended_information>(
+                                    custom_layer__get_pon_ports_sfp_extended_information),
                                 "Could not retrieve extended information about PON-port plugged SFP modules"));
     return explained(*logger_,
                      describe_ports<PortInfo>(ports, get_next_bitmap_pon_port_ids,
@@ -96,7 +95,7 @@ Result<PortInfo> MonitoringPonPortStateHandler::describe(const Pon_ports_states&
     described.port = port;
     BOOST_OUTCOME_TRY(described.state, entry_of(states.ports, states.count, port, "PON port states"));
     BOOST_OUTCOME_TRY(described.module, entry_of(modules.ports, modules.count, port, "PON port modules"));
-    BOOST_OUTCOME_TRY(core::call_c_api(*logger_, custom_layer__get_pon_port_type, ipc_->raw(), port, &described.type));
+    BOOST_OUTCOME_TRY(call_peers(custom_layer__get_pon_port_type, port, &described.type));
     return described;
 }
 

@@ -50,8 +50,7 @@ Result<Response> MonitoringSessionsHandler<SessionList>::operator()(const Reques
                                                                     const std::shared_ptr<Session>& session) const {
     BOOST_OUTCOME_TRY(check_session(session));
     return answer_with_data(session, [&]() -> Result<std::string> {
-        BOOST_OUTCOME_TRY(const auto sessions,
-                          fetch_list<SessionList>(*logger_, SessionTable<SessionList>::fetch, ipc_->raw()));
+        BOOST_OUTCOME_TRY(const auto sessions, fetch_list_from_peers<SessionList>(SessionTable<SessionList>::fetch));
         return serialize_payload(*sessions);
     });
 }

@@ -95,7 +95,7 @@ Result<Response> MonitoringSystemHandler::operator()(const Request&, const std::
 
 Result<Environment> MonitoringSystemHandler::get_environment() const {
     Environment environment{};
-    BOOST_OUTCOME_TRY(core::call_c_api(*logger_, custom_layer__get_system_environment_info, ipc_->raw(), &environment));
+    BOOST_OUTCOME_TRY(call_peers(custom_layer__get_system_environment_info, &environment));
     return environment;
 }
 

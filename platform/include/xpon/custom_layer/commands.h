@@ -32,7 +32,7 @@ int custom_layer__reconfigure_olt();
 /// EINVAL for no firmware image, ENODEV for another device's, ENODATA for a file shorter and EFBIG for one longer than
 /// its header says, EBADMSG for a wrong checksum, EBUSY while another update runs. One that is accepted and then fails
 /// leaves its slot invalid: ECANCELED or the errno of a lost peer when the device restarted meanwhile, else the errno
-/// of the flash.
+/// of the flash. EINTR when the caller is to stop meanwhile: the writing goes on.
 int custom_layer__update_firmware(const char* path);
 
 /// Chooses the slot that runs after the next boot. EINVAL when that slot holds no valid image. `reserved` must be null.
