@@ -1,5 +1,7 @@
 #include "ipc/connection_monitor.hpp"
 
+#include "ipc/zmq_socket.hpp"
+
 #include <cstring>
 #include <string>
 
@@ -17,15 +19,15 @@ ConnectionMonitor::ConnectionMonitor(zmq::context_t& context, zmq::socket_t& wat
     events_.set(zmq::sockopt::linger, 0);
     // Two small events for each life of the peer. With a limit, ZeroMQ's own thread would wait for their reader.
     events_.set(zmq::sockopt::rcvhwm, 0);
-    events_.connect(endpoint);
+    uninterrupted([&] { events_.connect(endpoint); });
 }
 
 void ConnectionMonitor::update() {
     // An event is a frame of its number (16 bits) and a value, and a frame of the endpoint's name.
     zmq::message_t event;
     zmq::message_t endpoint;
-    while (events_.recv(event, zmq::recv_flags::dontwait)) {
-        std::ignore = events_.recv(endpoint);
+    while (receive(events_, event)) {
+        std::ignore = receive(events_, endpoint);
         std::uint16_t number = 0;
         std::memcpy(&number, event.data(), sizeof number);
         if (number == ZMQ_EVENT_HANDSHAKE_SUCCEEDED) {

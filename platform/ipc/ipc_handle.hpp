@@ -29,17 +29,18 @@ struct Ipc {
     /// The address that peers know this endpoint by.
     [[nodiscard]] virtual xpon::ipc::Address own_address() const noexcept = 0;
 
-    /// Asks `peer` and waits for its answer. Statuses of its own beside those of the peer: ENOTCONN for a peer that
-    /// was never connected, ECONNREFUSED, at once, when the peer's process is gone, ECONNRESET when it went while
-    /// it was asked, ETIMEDOUT when no answer came in time, EHOSTDOWN, at once, while a peer that timed out has not
-    /// come back, EPROTO when it speaks another version, EMSGSIZE for too large a payload, EIO for a fault of this
-    /// side.
+    /// Asks `peer` and waits for its answer, no longer than the time of the core::CallBudget that the caller is in. A
+    /// peer does not act on a question that it comes to after that. Statuses of its own beside those of the peer:
+    /// ENOTCONN for a peer that was never connected, ECONNREFUSED, at once, when the peer's process is gone, ECONNRESET
+    /// when it went while it was asked, ETIMEDOUT when no answer came in time, EHOSTDOWN, at once, while a peer that
+    /// timed out has not come back, EPROTO when it speaks another version, EMSGSIZE for too large a payload, EIO for a
+    /// fault of this side.
     virtual Reply request(xpon::ipc::Address peer, std::uint16_t operation, std::span<const std::byte> payload,
                           std::chrono::milliseconds deadline) noexcept = 0;
 
     /// Asks every peer that is up, all at the same time, and waits for their answers. The first in the order of
     /// addresses that says no (EPERM). A peer that gives no answer or any other one is passed over, and one that owes
-    /// its answer is not asked again before it has given it.
+    /// its answer is not asked again before it is through with the question, answered or dropped.
     virtual std::optional<xpon::ipc::Address> ask_all(std::uint16_t operation, std::span<const std::byte> payload,
                                                       std::chrono::milliseconds deadline) noexcept = 0;
 

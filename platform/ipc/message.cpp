@@ -23,7 +23,7 @@ std::optional<Message> decode(std::span<const std::byte> bytes) {
 }
 
 std::vector<std::byte> encode(MessageHeader header, std::span<const std::byte> payload) {
-    header.payload_size = static_cast<std::uint32_t>(payload.size());
+    header.payload_size = payload.size();
     const auto header_bytes = std::as_bytes(std::span(&header, 1));
     std::vector<std::byte> bytes;
     bytes.reserve(header_bytes.size() + payload.size());

@@ -2,6 +2,7 @@
 
 #include "xpon/ipc/address.hpp"
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -12,7 +13,7 @@
 namespace xpon::ipc {
 
 /// Raised with every change of a payload's layout: both sides of a device are of one release.
-inline constexpr std::uint16_t protocol_version = 2;
+inline constexpr std::uint16_t protocol_version = 3;
 inline constexpr std::uint32_t protocol_magic = 0x43504958; // "XIPC"
 
 /// No message is larger, so that a faulty peer cannot make its reader run out of memory.
@@ -34,9 +35,19 @@ struct MessageHeader {
     Address sender{};
     std::uint32_t id = 0;    ///< chosen by the asker, repeated in the answer; 0 in a notice
     std::int32_t status = 0; ///< of an answer: 0 or an errno value
-    std::uint32_t payload_size = 0;
+    std::uint64_t payload_size = 0;
+    /// Of a request: nanoseconds of CLOCK_MONOTONIC, which all processes of a machine share, until when its asker waits
+    /// for the answer; 0 when it is welcome at any time.
+    std::int64_t deadline = 0;
 };
-static_assert(std::is_trivially_copyable_v<MessageHeader> && sizeof(MessageHeader) == 28);
+static_assert(std::is_trivially_copyable_v<MessageHeader> && sizeof(MessageHeader) == 40);
+
+using Clock = std::chrono::steady_clock; // on Linux that of CLOCK_MONOTONIC
+
+/// A deadline as the header carries it.
+inline std::int64_t to_wire(Clock::time_point deadline) {
+    return std::chrono::nanoseconds(deadline.time_since_epoch()).count();
+}
 
 /// A message as it was received. `payload` points into the received bytes.
 struct Message {

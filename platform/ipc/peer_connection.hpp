@@ -15,8 +15,6 @@
 
 namespace xpon::ipc {
 
-using Clock = std::chrono::steady_clock;
-
 /// How patient an endpoint is.
 struct Timing {
     std::chrono::milliseconds handshake{3000};
@@ -43,17 +41,19 @@ public:
     /// Waits until there is a daemon to ask, if there is one: a new connection is not made at once.
     void await_first_contact();
     /// The statuses of Ipc::request.
-    Ipc::Reply request(std::uint16_t operation, std::span<const std::byte> payload, std::chrono::milliseconds deadline);
+    Ipc::Reply request(std::uint16_t operation, std::span<const std::byte> payload, Clock::time_point deadline);
     void notify(std::uint16_t operation, std::span<const std::byte> payload);
 
     /// A request whose answer is fetched later, by its number; empty when the peer is down, does not take it at once,
     /// or owes the answer to one before.
-    std::optional<std::uint32_t> begin_request(std::uint16_t operation, std::span<const std::byte> payload);
+    std::optional<std::uint32_t> begin_request(std::uint16_t operation, std::span<const std::byte> payload,
+                                               Clock::time_point deadline);
     /// Empty without an answer. A peer that takes longer may still answer other requests in their time.
     std::optional<Ipc::Reply> finish_request(std::uint32_t id, Clock::time_point deadline);
 
 private:
-    /// 0, or the errno value that says why there was no answer; the peer is marked down then.
+    /// 0, or the errno value that says why there was no answer. The peer is marked down then, unless its caller had
+    /// less time left than until `deadline`: the peer may be none the worse.
     int reach(std::uint16_t operation, std::span<const std::byte> payload, Clock::time_point deadline,
               Ipc::Reply& answer);
     /// The same, of a peer whatever its mark.
@@ -62,8 +62,7 @@ private:
     int await_answer(std::uint32_t id, Clock::time_point deadline, Ipc::Reply& answer);
     std::optional<int> take_message(std::uint32_t id, Ipc::Reply& answer);
     int probe();
-    [[nodiscard]] bool send(MessageKind kind, std::uint16_t operation, std::uint32_t id,
-                            std::span<const std::byte> payload);
+    [[nodiscard]] bool send(MessageHeader header, std::span<const std::byte> payload);
     void wait_for_change(short events, Clock::time_point deadline);
     void mark_down(int cause);
     void mark_up();

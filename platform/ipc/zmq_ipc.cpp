@@ -43,7 +43,7 @@ public:
     Reply request(Address peer, std::uint16_t operation, std::span<const std::byte> payload,
                   std::chrono::milliseconds deadline) noexcept override {
         auto reply = core::guarded(*logger_, [&]() -> core::Result<Reply> {
-            const auto begin = Clock::now();
+            const auto end = Clock::now() + deadline;
             auto found = peers_.find(peer);
             if (found == peers_.end() && connecting_ == Connecting::on_request) {
                 BOOST_OUTCOME_TRY(auto connection, make_connection(peer));
@@ -53,8 +53,7 @@ public:
             if (found == peers_.end()) {
                 return Reply{ENOTCONN, {}};
             }
-            const auto waited = std::chrono::floor<std::chrono::milliseconds>(Clock::now() - begin);
-            return found->second->request(operation, payload, deadline - waited);
+            return found->second->request(operation, payload, end);
         });
         return reply ? std::move(reply).value() : Reply{EIO, {}};
     }
@@ -65,7 +64,7 @@ public:
         const auto refusing = core::guarded(*logger_, [&]() -> core::Result<std::optional<Address>> {
             std::map<Address, std::uint32_t> asked;
             for (const auto& [address, connection] : peers_) {
-                if (const auto id = connection->begin_request(operation, payload)) {
+                if (const auto id = connection->begin_request(operation, payload, end)) {
                     asked.emplace(address, *id);
                 }
             }

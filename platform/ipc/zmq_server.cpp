@@ -54,7 +54,7 @@ public:
     void listen(const std::string& path) {
         namespace fs = std::filesystem;
         fs::create_directories(fs::path(path).parent_path());
-        socket_.bind("ipc://" + path);
+        uninterrupted([&] { socket_.bind("ipc://" + path); });
         path_ = path;
         // Who may connect may command the OLT.
         fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write);
@@ -66,8 +66,6 @@ public:
     [[nodiscard]] Address address() const {
         return address_;
     }
-
-    using Clock = std::chrono::steady_clock;
 
     /// When the next answer that was kept back is due; never without one.
     [[nodiscard]] Clock::time_point next_due() const {
@@ -96,13 +94,13 @@ public:
 private:
     /// False when nothing is there. A message of too many or too few parts comes with an empty body.
     bool receive(Envelope& envelope) {
-        if (!socket_.recv(envelope.connection, zmq::recv_flags::dontwait)) {
+        if (!ipc::receive(socket_, envelope.connection)) {
             return false;
         }
         envelope.body.rebuild();
         int parts = 1;
         for (bool more = envelope.connection.more(); more; ++parts) {
-            std::ignore = socket_.recv(envelope.body);
+            std::ignore = ipc::receive(socket_, envelope.body);
             more = envelope.body.more();
         }
         if (parts != 2) {
@@ -125,9 +123,14 @@ private:
                 handler_.notice(request);
                 return core::success();
             });
-        } else if (header.kind == MessageKind::request) {
+        } else if (header.kind == MessageKind::request && !is_given_up(header)) {
             answer(envelope, header, ask_handler(request));
         }
+    }
+
+    /// Its asker has told its own client that it failed: what it asked for must not happen any more.
+    static bool is_given_up(const MessageHeader& header) {
+        return header.deadline != 0 && header.deadline <= to_wire(Clock::now());
     }
 
     ServerAnswer ask_handler(const ServerRequest& request) {
@@ -159,8 +162,10 @@ private:
 
     /// A client that is gone or does not read loses its answer.
     void send(zmq::message_t& connection, std::span<const std::byte> bytes) {
-        if (socket_.send(connection, zmq::send_flags::dontwait | zmq::send_flags::sndmore)) {
-            std::ignore = socket_.send(zmq::buffer(bytes.data(), bytes.size()), zmq::send_flags::dontwait);
+        const auto is_sent = uninterrupted(
+            [&] { return socket_.send(connection, zmq::send_flags::dontwait | zmq::send_flags::sndmore); });
+        if (is_sent) {
+            std::ignore = ipc::send(socket_, bytes);
         }
     }
 
@@ -211,7 +216,7 @@ public:
 
     core::Result<void> serve(std::chrono::milliseconds timeout) override {
         return core::guarded(*logger_, [&]() -> core::Result<void> {
-            auto due = ServedPeer::Clock::now() + timeout;
+            auto due = Clock::now() + timeout;
             for (const auto& peer : peers_) {
                 due = std::min(due, peer->next_due());
             }
@@ -220,7 +225,7 @@ public:
             for (const auto& peer : peers_) {
                 items.push_back(poll_item(peer->socket(), ZMQ_POLLIN));
             }
-            const auto wait = std::chrono::ceil<std::chrono::milliseconds>(due - ServedPeer::Clock::now());
+            const auto wait = std::chrono::ceil<std::chrono::milliseconds>(due - Clock::now());
             wait_for(items, std::max(wait, std::chrono::milliseconds::zero()));
             for (const auto& peer : peers_) {
                 peer->send_due();

@@ -17,6 +17,15 @@ zmq::socket_t make_socket(zmq::context_t& context, zmq::socket_type type) {
     return socket;
 }
 
+bool receive(zmq::socket_ref socket, zmq::message_t& message) {
+    return uninterrupted([&] { return socket.recv(message, zmq::recv_flags::dontwait).has_value(); });
+}
+
+bool send(zmq::socket_ref socket, std::span<const std::byte> bytes) {
+    return uninterrupted(
+        [&] { return socket.send(zmq::buffer(bytes.data(), bytes.size()), zmq::send_flags::dontwait).has_value(); });
+}
+
 void wait_for(std::span<zmq_pollitem_t> items, std::chrono::milliseconds timeout) {
     const auto wait = std::max<std::chrono::milliseconds::rep>(timeout.count(), 0);
     if (zmq_poll(items.data(), static_cast<int>(items.size()), wait) < 0 && errno != EINTR) {

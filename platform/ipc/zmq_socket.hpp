@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cerrno>
 #include <chrono>
+#include <cstddef>
 #include <span>
 
 #include <zmq.hpp>
@@ -9,6 +11,26 @@ namespace xpon::ipc {
 
 /// A socket that never holds up its process: closing it drops what waits, its queues and messages are bounded.
 zmq::socket_t make_socket(zmq::context_t& context, zmq::socket_type type);
+
+/// A step of ZeroMQ's that a signal may end with EINTR, until none does.
+template <class Step>
+auto uninterrupted(Step&& step) {
+    for (;;) {
+        try {
+            return step();
+        } catch (const zmq::error_t& error) {
+            if (error.num() != EINTR) {
+                throw;
+            }
+        }
+    }
+}
+
+/// Neither waits. False when nothing is there, or nothing can be sent.
+/// @{
+bool receive(zmq::socket_ref socket, zmq::message_t& message);
+bool send(zmq::socket_ref socket, std::span<const std::byte> bytes);
+/// @}
 
 /// Waits until something `items` ask for holds, or `timeout` is over. A signal may end the wait early.
 void wait_for(std::span<zmq_pollitem_t> items, std::chrono::milliseconds timeout);

@@ -31,7 +31,7 @@ Messages hostile_forms_of(const Bytes& good) {
     }
     forms.push_back(with(good, offsetof(MessageHeader, magic), 0U));
     forms.push_back(with(good, offsetof(MessageHeader, kind), std::uint16_t{9}));
-    for (const std::uint32_t size : {0U, 1U, 0x7fffffffU, 0xffffffffU, 0xffffffe4U}) {
+    for (const std::uint64_t size : {0ULL, 1ULL, 0x7fffffffULL, ~0ULL, 0 - 1ULL * sizeof(MessageHeader)}) {
         forms.push_back(with(good, offsetof(MessageHeader, payload_size), size));
     }
     return forms;
@@ -79,6 +79,7 @@ public:
     ScriptedPeer(const test::TemporaryOltRoot& root, Script script)
         : socket_(make_socket(context_, zmq::socket_type::router)) {
         root.write("run/ipc/.keep", "");
+        socket_.set(zmq::sockopt::sndhwm, 0); // it sends whatever it likes
         socket_.bind(endpoint_name(root));
         thread_ = std::jthread([this, script](const std::stop_token& stop) {
             while (!stop.stop_requested()) {
@@ -146,7 +147,7 @@ TEST_F(IpcTest, APeerOfAnotherVersionIsRefusedByName) {
     const auto result = endpoint->connect(peer);
     ASSERT_FALSE(result);
     EXPECT_THAT(result.error().to_string(),
-                HasSubstr("Peer 0x0019fffe: it speaks version 3 of the protocol, this side version 2"));
+                HasSubstr("Peer 0x0019fffe: it speaks version 4 of the protocol, this side version 3"));
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "tests/unit/platform/ipc/peer_thread.hpp"
+#include "xpon/core/call_budget.hpp"
 
+#include <atomic>
 #include <cerrno>
 #include <latch>
 
@@ -26,6 +28,26 @@ TEST_F(IpcTest, APeerThatTimedOutFailsAtOnceUntilItAnswersAgain) {
     EXPECT_THAT(server.requests(), ElementsAre("slow", "again", "and again"));
     EXPECT_THAT(logger->texts(),
                 ElementsAre(HasSubstr("Peer 0x0019fffe is down: no answer in time"), "Peer 0x0019fffe is up again"));
+}
+
+TEST_F(IpcTest, ACallEndsWithItsCallersTimeAndThePeerIsNoneTheWorse) {
+    std::latch released(1);
+    const PeerThread server(peer, [&released](const ServerRequest& request) {
+        released.wait();
+        return PeerThread::echo_answer(request);
+    });
+    ASSERT_TRUE(endpoint->connect(peer));
+    {
+        const std::atomic<bool> goes_on{true};
+        const core::CallBudget budget(30ms, goes_on);
+        EXPECT_EQ(ask("at work", 60s).status, ETIMEDOUT);
+        EXPECT_EQ(ask("nobody waits for this", 60s).status, ETIMEDOUT);
+    }
+    released.count_down();
+    EXPECT_EQ(ask("asked again").status, 0);
+    // What nobody waited for when its turn came was not done.
+    EXPECT_THAT(server.requests(), ElementsAre("at work", "asked again"));
+    EXPECT_TRUE(logger->lines.empty());
 }
 
 TEST_F(IpcTest, APeerThatIsGoneFailsAtOnceAndARestartedOneSeesNothingOfThePast) {

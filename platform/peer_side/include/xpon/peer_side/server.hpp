@@ -63,7 +63,8 @@ public:
     virtual core::Result<void> unbind(Address peer) = 0;
 
     /// Serves what has arrived, waiting up to `timeout` for the first message, and sends answers that are due. A
-    /// message that is no well-formed request is dropped. An interrupting signal ends the wait early, with success.
+    /// message that is no well-formed request is dropped, and so is a request whose asker waits no longer. An
+    /// interrupting signal ends the wait early, with success.
     virtual core::Result<void> serve(std::chrono::milliseconds timeout) = 0;
 };
 
