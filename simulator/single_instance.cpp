@@ -22,8 +22,9 @@ namespace {
 }
 
 core::UniqueFd open_locked(const std::string& path) {
-    core::UniqueFd file(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644));
-    if (!file) {
+    // For the owner alone: whoever may open a file may lock it.
+    core::UniqueFd file(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR));
+    if (!file || ::fchmod(file.get(), S_IRUSR | S_IWUSR) != 0) {
         fail(path);
     }
     if (::flock(file.get(), LOCK_EX | LOCK_NB) == 0) {

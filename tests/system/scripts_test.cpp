@@ -1,6 +1,7 @@
 #include "tests/support/eventually.hpp"
 #include "tests/system/isolation.hpp"
 #include "tests/system/olt.hpp"
+#include "xpon/core/unique_fd.hpp"
 
 #include <csignal>
 #include <filesystem>
@@ -12,6 +13,9 @@
 #include <string_view>
 #include <vector>
 
+#include <sys/file.h>
+
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -96,6 +100,17 @@ TEST_F(RunScript, SecondOneIsRefusedAndDisturbsNothing) {
 
     EXPECT_EQ(ask_in_session(client, R"({"path":"command.rollback","method":"command"})"),
               R"({"success":true,"session_id":"1"})");
+}
+
+TEST_F(RunScript, ALockThatAnybodyCanTakeDoesNotStopIt) {
+    const core::UniqueFd folder(open(folder_.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    ASSERT_EQ(flock(folder.get(), LOCK_EX), 0);
+    auto script = run(folder_.path());
+    ASSERT_TRUE(script.wait_for_line(is_ready)) << script.output();
+    for (const auto* file : {".lock", "run/olt_simulator.pid"}) {
+        const auto permissions = std::filesystem::status(folder_.path() / file).permissions();
+        EXPECT_EQ(permissions, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write) << file;
+    }
 }
 
 TEST_F(RunScript, RefusesFoldersOfOthers) {
