@@ -42,7 +42,9 @@ class ServedPeer {
 public:
     ServedPeer(zmq::context_t& context, Address address, IPeerHandler& handler, core::ILogger& logger)
         : address_(address), handler_(handler), logger_(logger),
-          socket_(make_socket(context, zmq::socket_type::router)) {}
+          socket_(make_socket(context, zmq::socket_type::router)) {
+        socket_.set(zmq::sockopt::router_mandatory, true); // else it drops without a word what finds no room
+    }
 
     ~ServedPeer() {
         std::error_code ignored;
@@ -162,10 +164,17 @@ private:
 
     /// A client that is gone or does not read loses its answer.
     void send(zmq::message_t& connection, std::span<const std::byte> bytes) {
-        const auto is_sent = uninterrupted(
-            [&] { return socket_.send(connection, zmq::send_flags::dontwait | zmq::send_flags::sndmore); });
-        if (is_sent) {
-            std::ignore = ipc::send(socket_, bytes);
+        try {
+            const bool has_room = sent_if_room(socket_, [&] {
+                return socket_.send(connection, zmq::send_flags::dontwait | zmq::send_flags::sndmore);
+            });
+            if (has_room) {
+                std::ignore = ipc::send(socket_, bytes);
+            }
+        } catch (const zmq::error_t& error) {
+            if (error.num() != EHOSTUNREACH) {
+                throw;
+            }
         }
     }
 

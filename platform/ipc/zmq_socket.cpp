@@ -8,11 +8,14 @@
 namespace xpon::ipc {
 
 zmq::socket_t make_socket(zmq::context_t& context, zmq::socket_type type) {
-    static constexpr int queued_messages = 256;
+    // A question, a hello behind one that was not answered, a notice. A server's socket drops an answer that finds no
+    // room; what is received and not read holds up its sender.
+    static constexpr int sent_messages = 4;
+    static constexpr int received_messages = 1;
     zmq::socket_t socket(context, type);
     socket.set(zmq::sockopt::linger, 0);
-    socket.set(zmq::sockopt::sndhwm, queued_messages);
-    socket.set(zmq::sockopt::rcvhwm, queued_messages);
+    socket.set(zmq::sockopt::sndhwm, sent_messages);
+    socket.set(zmq::sockopt::rcvhwm, received_messages);
     socket.set(zmq::sockopt::maxmsgsize, max_message_bytes);
     return socket;
 }
@@ -22,8 +25,8 @@ bool receive(zmq::socket_ref socket, zmq::message_t& message) {
 }
 
 bool send(zmq::socket_ref socket, std::span<const std::byte> bytes) {
-    return uninterrupted(
-        [&] { return socket.send(zmq::buffer(bytes.data(), bytes.size()), zmq::send_flags::dontwait).has_value(); });
+    return sent_if_room(
+        socket, [&] { return socket.send(zmq::buffer(bytes.data(), bytes.size()), zmq::send_flags::dontwait); });
 }
 
 void wait_for(std::span<zmq_pollitem_t> items, std::chrono::milliseconds timeout) {

@@ -4,12 +4,14 @@
 #include <chrono>
 #include <cstddef>
 #include <span>
+#include <tuple>
 
 #include <zmq.hpp>
 
 namespace xpon::ipc {
 
-/// A socket that never holds up its process: closing it drops what waits, its queues and messages are bounded.
+/// A socket that never holds up its process: closing it drops what waits, its queues and messages are bounded. What one
+/// side has for another that does not read fits few messages: there is one question at a time.
 zmq::socket_t make_socket(zmq::context_t& context, zmq::socket_type type);
 
 /// A step of ZeroMQ's that a signal may end with EINTR, until none does.
@@ -24,6 +26,17 @@ auto uninterrupted(Step&& step) {
             }
         }
     }
+}
+
+/// Does a step that sends without waiting; false when there is no room. ZeroMQ takes note of what the other side has
+/// read only when it is asked, or after a while: with short queues a step may find no room where there is some.
+template <class Step>
+bool sent_if_room(zmq::socket_ref socket, Step&& step) {
+    if (uninterrupted(step)) {
+        return true;
+    }
+    std::ignore = uninterrupted([&] { return socket.get(zmq::sockopt::events); });
+    return uninterrupted(step).has_value();
 }
 
 /// Neither waits. False when nothing is there, or nothing can be sent.

@@ -1,3 +1,4 @@
+#include "ipc/zmq_socket.hpp"
 #include "tests/unit/platform/ipc/peer_thread.hpp"
 #include "xpon/core/call_budget.hpp"
 
@@ -48,6 +49,45 @@ TEST_F(IpcTest, ACallEndsWithItsCallersTimeAndThePeerIsNoneTheWorse) {
     // What nobody waited for when its turn came was not done.
     EXPECT_THAT(server.requests(), ElementsAre("at work", "asked again"));
     EXPECT_TRUE(logger->lines.empty());
+}
+
+/// How many messages of 1 MiB one side takes from a socket of its own before nothing goes any more.
+int most_sent(zmq::socket_t& socket, zmq::message_t* receiver) {
+    const std::vector<std::byte> message(1024 * 1024);
+    int count = 0;
+    const auto send_one = [&] {
+        zmq::message_t name;
+        if (receiver != nullptr) {
+            name.copy(*receiver);
+            if (!socket.send(name, zmq::send_flags::dontwait | zmq::send_flags::sndmore)) {
+                return false;
+            }
+        }
+        return send(socket, message);
+    };
+    while (count < 1000 && eventually(send_one, 200ms)) {
+        ++count;
+    }
+    return count;
+}
+
+TEST_F(IpcTest, WhoDoesNotReadIsSentFewMessages) {
+    root.write("run/ipc/.keep", "");
+    const auto name = "ipc://" + root.path().string() + "/run/ipc/two";
+    zmq::context_t context;
+    auto server = make_socket(context, zmq::socket_type::router);
+    server.set(zmq::sockopt::router_mandatory, true); // it tells when it would drop a message
+    server.bind(name);
+    auto client = make_socket(context, zmq::socket_type::dealer);
+    client.connect(name);
+    const int to_server = most_sent(client, nullptr);
+    EXPECT_GE(to_server, 2) << "a question and what else is under way";
+    EXPECT_LE(to_server, 8);
+    zmq::message_t connection;
+    ASSERT_TRUE(server.recv(connection));
+    const int to_client = most_sent(server, &connection);
+    EXPECT_GE(to_client, 2);
+    EXPECT_LE(to_client, 8);
 }
 
 TEST_F(IpcTest, APeerThatIsGoneFailsAtOnceAndARestartedOneSeesNothingOfThePast) {
