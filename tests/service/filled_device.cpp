@@ -49,7 +49,7 @@ constexpr Sfp_identification excluded_module{sfp_excluded_from_polling, "", "", 
 
 void fill_ports(FakeDevice& device) {
     device.link_up.size = 1 + max_uplink_ports;
-    for (const std::uint32_t port : {1, 4}) {
+    for (const std::uint32_t port : {1U, 4U}) {
         bitfield_set_bit(device.link_up.bits, device.link_up.size, port);
     }
     device.front_ports = {{1, {.speed = "10G", .sfp = module, .media = "10GBASE-LR"}},

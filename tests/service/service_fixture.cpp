@@ -3,7 +3,6 @@
 #include "xpon/core/json_tree.hpp"
 
 #include <chrono>
-#include <stdexcept>
 
 #include <fmt/format.h>
 #include <poll.h>
@@ -14,23 +13,6 @@ namespace {
 client::Deadline soon() {
     return std::chrono::steady_clock::now() + std::chrono::seconds(20);
 }
-
-class FakePamSession : public api_service::IPamSession {
-public:
-    explicit FakePamSession(int& open) : open_(open) {
-        ++open_;
-    }
-    ~FakePamSession() override {
-        --open_;
-    }
-    [[nodiscard]] std::chrono::steady_clock::time_point get_timestamp() const override {
-        return {};
-    }
-    void set_timestamp(const std::chrono::steady_clock::time_point&) override {}
-
-private:
-    int& open_;
-};
 
 /// The listener is there once `run` has got so far.
 client::Connection connect_to(const std::string& path) {
@@ -45,23 +27,6 @@ client::Connection connect_to(const std::string& path) {
 }
 
 } // namespace
-
-core::Result<void> FakePeers::connect(ipc::Address peer) {
-    return absent.contains(peer) ? core::ErrorPayload(core::Error::CommonError, "Nobody is there")
-                                 : core::ErrorPayload(core::Error::Already, "Connected");
-}
-
-core::Result<std::shared_ptr<api_service::IPamSession>> FakePam::open_session(const std::string& user,
-                                                                              const std::string& password) {
-    if (user == unavailable_for) {
-        throw std::runtime_error("PAM is away");
-    }
-    if (password != user) {
-        return core::ErrorPayload(core::Error::NoAccess, "Invalid credentials");
-    }
-    ++sessions_opened;
-    return std::make_shared<FakePamSession>(sessions_open);
-}
 
 ServiceTest::ServiceTest()
     : service(peers, logger, api_service::UnixEndpoint{root.path().string() + "/api"}, pam),

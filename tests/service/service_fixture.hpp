@@ -1,41 +1,19 @@
 #pragma once
 
 #include "api_service/api_service.hpp"
+#include "tests/service/doubles.hpp"
 #include "tests/support/recording_logger.hpp"
 #include "tests/support/temporary_olt_root.hpp"
 #include "xpon/client/connection.hpp"
 
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <thread>
 
 #include <gtest/gtest.h>
 
 namespace xpon::test {
-
-/// Takes a user's name as password, and counts.
-class FakePam : public api_service::IPamApi {
-public:
-    core::Result<std::shared_ptr<api_service::IPamSession>> open_session(const std::string& user,
-                                                                         const std::string& password) override;
-
-    int sessions_opened = 0;
-    int sessions_open = 0;
-    std::string unavailable_for; ///< opening a session for this user throws
-};
-
-/// An endpoint that has been connected to all peers. What they answer is for the custom layer's double to say.
-class FakePeers : public ipc::IIpc {
-public:
-    core::Result<void> connect(ipc::Address peer) override;
-    [[nodiscard]] Ipc* raw() const override {
-        return nullptr;
-    }
-
-    std::set<ipc::Address> absent; ///< gone since they were connected
-};
 
 /// The daemon in this process, with a thread of its own, behind a Unix socket. Only PAM and the peers are doubles.
 class ServiceTest : public testing::Test {
