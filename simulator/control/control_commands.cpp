@@ -3,6 +3,7 @@
 #include "simulator/control/command_fields.hpp"
 #include "simulator/control/ont_truth.hpp"
 #include "simulator/control/presence_commands.hpp"
+#include "simulator/control/subscriber_commands.hpp"
 #include "simulator/control/subscriber_truth.hpp"
 #include "simulator/control/truth.hpp"
 #include "xpon/core/json_tree.hpp"
@@ -228,6 +229,8 @@ constexpr std::array commands{
     CommandRow{"add", "add model serial_number", add_ont},
     CommandRow{"swap", "swap model serial_number", swap_ont},
     CommandRow{"move", "move pon", move_ont},
+    CommandRow{"lease", "lease service", change_leases},
+    CommandRow{"session", "session service", change_session},
     CommandRow{"snapshot", "snapshot", take_snapshot},
     CommandRow{"load", "load", load_snapshot},
     CommandRow{"faults", "faults", list_faults},

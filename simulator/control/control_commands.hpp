@@ -21,6 +21,8 @@ namespace xpon::simulator {
 ///   {"firmware": PATH}   {"boot": "current" | "alternate"}   {"reboot": "now"}    of the OLT
 ///   {"power": "on" | "off", "ont": PLACE}                                or "pon": PORT, or all ONTs
 ///   {"add": PLACE}   {"swap": PLACE}   {"move": PLACE, "pon": PORT}      ONTs come, are replaced, change their fibre
+///   {"lease": "renew" | "drop", "service": SERVICE}                      of all hosts of a service
+///   {"session": "drop", "service": SERVICE}                              its PPPoE client opens another one
 ///   {"snapshot": NAME}                                                   keeps plant, time and faults as they are
 ///   {"load": NAME}                                                       goes back to them; the configuration stays
 ///   {"watch": "all" | "KIND,KIND...", "target": TEXT}                    from now on its sender is told of these

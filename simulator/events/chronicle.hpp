@@ -19,6 +19,10 @@ public:
     [[nodiscard]] PlantTime next_due(const Plant& plant) const;
     /// Leases, sessions and groups; when the network has come to the present.
     void look_at_subscribers(const AccessNetwork& network);
+    /// The same, however short ago the last look was.
+    void look_at_subscribers_now(const AccessNetwork& network) {
+        subscribers_.look(network, events_);
+    }
     void add(Event event) {
         events_.push_back(std::move(event));
     }

@@ -4,6 +4,7 @@
 #include "simulator/plant/plant_description.hpp"
 #include "simulator/plant/pppoe_blocks.hpp"
 #include "simulator/plant/running_configuration.hpp"
+#include "simulator/plant/subscriber_acts.hpp"
 #include "simulator/plant/uplink_history.hpp"
 
 #include <array>
@@ -45,11 +46,12 @@ struct Circumstances {
     // What its subscribers remember of its past.
     UplinkHistory uplinks;
     PppoeBlocks pppoe_blocks;
+    SubscriberActs acts;
 
     /// What the parameters and the configuration do not say.
     template <class Archive>
     void archive(Archive& state) {
-        state(now, booted_at, boot_ends, faults, power, uplinks, pppoe_blocks);
+        state(now, booted_at, boot_ends, faults, power, uplinks, pppoe_blocks, acts);
     }
 
 private:

@@ -33,7 +33,7 @@ void Plant::change_configuration(const RunningConfiguration& configuration, cons
     ports_.follow(given_, replaced.pon);
     given_.uplinks.follow(given_, ports_);
     onts_.follow_configuration(given_, ports_, replaced, onts);
-    forget_old_uplinks();
+    forget_old_past();
 }
 
 void Plant::set_fault(const Fault& fault) {
@@ -61,6 +61,14 @@ void Plant::switch_power(const std::vector<OntPosition>& onts, bool on) {
 void Plant::plug_in(const PhysicalOnt& ont) {
     onts_.put(ont);
     change([&] { given_.power.erase(ont.position); });
+}
+
+void Plant::change_leases(const OntPosition& ont, unsigned service, bool drop) {
+    change([&] { given_.acts.at(ont, service).leases.push_back({given_.now, drop}); });
+}
+
+void Plant::end_session(const OntPosition& ont, unsigned service) {
+    change([&] { given_.pppoe_blocks.end_session(ont, service, given_.now); });
 }
 
 void Plant::boot(PlantTime takes) {
@@ -92,16 +100,21 @@ void Plant::follow(const ReplacedSettings& replaced) {
     given_.uplinks.follow(given_, ports_);
     given_.pppoe_blocks.follow(given_.faults, given_.now);
     onts_.follow(given_, ports_, replaced);
-    forget_old_uplinks();
+    forget_old_past();
 }
 
-/// What they carried is counted before it is forgotten when they were, and up to the present: which leases came of them
+/// What was carried is counted before it is forgotten when it could be, and up to the present: which leases came of it
 /// is forgotten, too.
-void Plant::forget_old_uplinks() {
-    if (const auto until = given_.uplinks.end_of_oldest_half()) {
-        onts_.count_until(given_, given_.now);
-        given_.uplinks.forget_before(*until);
-    }
+void Plant::forget_old_past() {
+    const auto forget = [&](auto& past) {
+        if (const auto until = past.end_of_oldest_half()) {
+            onts_.count_until(given_, given_.now);
+            past.forget_before(*until);
+        }
+    };
+    forget(given_.uplinks);
+    forget(given_.pppoe_blocks);
+    forget(given_.acts);
 }
 
 MeteredOnt Plant::metered(const Ont& ont) const {

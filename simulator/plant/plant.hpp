@@ -53,6 +53,11 @@ public:
         }
     }
 
+    /// All hosts of a service (from 1) renew their leases now, or give them up and ask for others.
+    void change_leases(const OntPosition& ont, unsigned service, bool drop);
+    /// The network ends the session of a service, which its client opens again.
+    void end_session(const OntPosition& ont, unsigned service);
+
     /// The OLT restarts: for as long as `takes` it does nothing at all. Faults stay.
     void boot(PlantTime takes);
     /// PON ports that `is_meant`, asked with port numbers from 1, start again as after having been enabled.
@@ -150,6 +155,9 @@ public:
     [[nodiscard]] const PppoeBlocks& pppoe_blocks() const {
         return given_.pppoe_blocks;
     }
+    [[nodiscard]] const SubscriberActs& subscriber_acts() const {
+        return given_.acts;
+    }
     /// The module in a port; null when the slot is empty.
     /// @{
     [[nodiscard]] const ModuleModel* pon_module(unsigned port) const {
@@ -172,7 +180,7 @@ public:
 private:
     /// What `mutate` changes, which is no configuration, takes effect now.
     void change(const std::function<void()>& mutate);
-    void forget_old_uplinks();
+    void forget_old_past();
     void follow(const ReplacedSettings& replaced);
 
     Circumstances given_;

@@ -1,5 +1,8 @@
 #include "simulator/plant/pppoe_blocks.hpp"
 
+#include <algorithm>
+#include <iterator>
+
 namespace xpon::simulator {
 
 void PppoeBlocks::follow(const ActiveFaults& faults, PlantTime now) {
@@ -20,6 +23,24 @@ void PppoeBlocks::follow(const ActiveFaults& faults, PlantTime now) {
         if (blocks.back().until == never) {
             blocks_[key].back().until = now;
         }
+    }
+}
+
+std::optional<PlantTime> PppoeBlocks::end_of_oldest_half() const {
+    constexpr std::size_t most_blocks = 256;
+    for (const auto& [service, blocks] : blocks_) {
+        if (blocks.size() > most_blocks) {
+            return blocks[blocks.size() / 2].since;
+        }
+    }
+    return std::nullopt;
+}
+
+void PppoeBlocks::forget_before(PlantTime time) {
+    for (auto& [service, blocks] : blocks_) {
+        const auto kept = std::ranges::find_if(blocks, [&](const Stretch& block) { return block.until >= time; });
+        // The last one says when the present session may have begun.
+        blocks.erase(blocks.begin(), std::min(kept, std::prev(blocks.end())));
     }
 }
 

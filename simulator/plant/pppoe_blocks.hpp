@@ -5,18 +5,27 @@
 #include "simulator/plant/plant_time.hpp"
 
 #include <map>
+#include <optional>
 #include <utility>
 #include <vector>
 
 namespace xpon::simulator {
 
-/// When the network refused the sessions of a service, which is a fault.
+/// When the network refused the sessions of a service, which is a fault, or ended one, which takes no time.
 class PppoeBlocks {
 public:
     void follow(const ActiveFaults& faults, PlantTime now);
+    /// The session of a service that is not refused now is ended.
+    void end_session(const OntPosition& ont, unsigned service, PlantTime now) {
+        blocks_[{ont, service}].push_back({now, now});
+    }
 
     /// Of the service (from 1) of a physical ONT, ascending.
     [[nodiscard]] const std::vector<Stretch>& of(const OntPosition& ont, unsigned service) const;
+
+    /// When there are more of one service than are to be kept: until when they may be forgotten.
+    [[nodiscard]] std::optional<PlantTime> end_of_oldest_half() const;
+    void forget_before(PlantTime time);
 
     template <class Archive>
     void archive(Archive& state) {

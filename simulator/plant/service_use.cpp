@@ -23,13 +23,13 @@ std::vector<Stretch> united(std::vector<Stretch> stretches) {
 }
 
 std::vector<Stretch> leased(const ServiceHosts& hosts, const ServiceSettings& service, PlantTime since,
-                            const std::vector<Stretch>& uplinks) {
+                            const std::vector<Stretch>& uplinks, const std::vector<LeaseAct>& acts) {
     if (service.static_ip != 0) {
         return uplinks; // the first host needs no lease
     }
     std::vector<Stretch> stretches;
     for (unsigned host = 0; host < hosts.count(); ++host) {
-        std::ranges::copy(LeaseTimes(hosts, host, since, uplinks).usable(), std::back_inserter(stretches));
+        std::ranges::copy(LeaseTimes(hosts, host, since, uplinks, acts).usable(), std::back_inserter(stretches));
     }
     return united(std::move(stretches));
 }
@@ -43,7 +43,7 @@ std::vector<Stretch> usable(const ServiceHosts& hosts, const Circumstances& give
     std::vector<Stretch> stretches;
     const auto add = [&](const std::vector<Stretch>& more) { std::ranges::copy(more, std::back_inserter(stretches)); };
     if (service.dhcp_agent) {
-        add(leased(hosts, service, since, uplinks));
+        add(leased(hosts, service, since, uplinks, given.acts.of(ont.position, service.number).leases));
     }
     if (service.pppoe_agent) {
         const auto& blocks = given.pppoe_blocks.of(ont.position, service.number);

@@ -4,7 +4,7 @@ _olt_sim() {
     local faults peers="system-mgr dhcp-ra pppoe igmp fsm-pon bcm-custom dna ipc-broker"
     case "$previous" in
     olt_sim)
-        words="fault clear faults step clock state power add swap move firmware boot reboot watch snapshot load at run
+        words="fault clear faults step clock state power add swap move lease session firmware boot reboot watch snapshot load at run
             make-image --json --help --version" ;;
     state) words="summary all ont pon subscribers" ;;
     power) words="ont pon all" ;;
@@ -23,6 +23,8 @@ _olt_sim() {
         case "${COMP_WORDS[1]}" in
         fault) words="value for" ;;
         power) words="on off" ;;
+        lease) words="renew drop" ;;
+        session) words="drop" ;;
         add | swap) words="model serial" ;;
         state) words="--json" ;;
         watch) words="--of --count --json" ;;

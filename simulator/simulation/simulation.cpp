@@ -220,6 +220,16 @@ void Simulation::plug_in(const PhysicalOnt& ont) {
     keep_state();
 }
 
+void Simulation::change_subscribers(const Event& what, const std::function<void(Plant&)>& change) {
+    advance();
+    network_.happen(change);
+    chronicle_.add(what);
+    chronicle_.look(network_);
+    chronicle_.look_at_subscribers_now(network_);
+    tell_events();
+    keep_state();
+}
+
 void Simulation::reboot() {
     advance();
     follower_.restart();

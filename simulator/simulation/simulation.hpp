@@ -72,6 +72,8 @@ public:
 
     void switch_power(const std::vector<OntPosition>& onts, bool on);
     void plug_in(const PhysicalOnt& ont);
+    /// A tester has subscribers do something, now, which goes into the events as `what`.
+    void change_subscribers(const Event& what, const std::function<void(Plant&)>& change);
 
     [[nodiscard]] const Firmware& firmware() const {
         return firmware_;

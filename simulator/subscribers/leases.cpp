@@ -11,10 +11,11 @@ std::optional<PlantTime> Leases::last_grant(const SubscriberLine& line, unsigned
         return std::nullopt;
     }
     const auto now = plant_.now();
+    const auto& acts = plant_.subscriber_acts().of(line.ont->hardware->position, service.number);
     std::optional<PlantTime> last;
     for (const auto& served : {line.served, line.served_before}) {
         if (!last && served) {
-            last = LeaseTimes(line.hosts, host, served->since, uplinks_.of(service.s_vid))
+            last = LeaseTimes(line.hosts, host, served->since, uplinks_.of(service.s_vid), acts.leases)
                        .last_grant(std::min(served->until, now + PlantTime(1)));
         }
     }

@@ -68,6 +68,20 @@ TEST_F(BenchTest, EachChangeOfStateIsOneLine) {
     EXPECT_THAT(root.read("var/log/pppoe.log"), HasSubstr("1/1/1: PPPoE session "));
 }
 
+TEST_F(BenchTest, SubscribersDoWhatTheyAreTold) {
+    must({"at", "10", "session", "1/1/1", "drop"});
+    must({"step", "60"});
+    must({"lease", "1/1/3", "drop"});
+    must({"step", "60"});
+    must({"lease", "1/1/3", "renew"});
+    const auto events = root.read("var/log/events.log");
+    for (const auto* line :
+         {" 263530.000 session 1/1/1 PPPoE session dropped by a tester\n", " session 1/1/1 PPPoE session 0x",
+          " 263580.000 session 1/1/3 1 leases dropped by a tester\n", " 263640.000 session 1/1/3 1 leases renewed"}) {
+        EXPECT_THAT(events, HasSubstr(line));
+    }
+}
+
 TEST_F(BenchTest, AttenuationDegradesAndFailsTheSignalAndLosesIt) {
     const std::pair<const char*, const char*> cases[] = {
         {"5", "SDi raised"}, {"6", "SFi raised"}, {"10", "LOSi raised"}};
@@ -104,6 +118,10 @@ TEST_F(BenchTest, RefusesWhatIsNotThere) {
         {{"swap", "1/1", "serial", "SIMUA0010002"}, "ONT 1/2 has this serial number already"},
         {{"move", "1/1", "1"}, "ONT 1/1 is on PON port 1 already"},
         {{"state", "ont", "1/9"}, "there is no ONT 1/9"},
+        {{"lease", "1/1", "drop"}, "'1/1' is no service"},
+        {{"lease", "1/9/1", "drop"}, "there is no ONT 1/9"},
+        {{"lease", "1/4/1", "drop"}, "1/4/1 is not in service"},
+        {{"session", "1/1/3", "drop"}, "1/1/3 has no session"},
     };
     for (const auto& [words, complaint] : cases) {
         EXPECT_THAT(command(words), HasSubstr(complaint));

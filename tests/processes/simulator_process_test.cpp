@@ -73,6 +73,7 @@ TEST_F(SimulatorTest, GoesOnWhereAKilledOneLeftOff) {
     const std::vector<std::string> options{"--clock-rate", "0", "--onts", "64", "--configured", "32"};
     const auto ask = [](const std::vector<std::string>& words) { return ControlClient().ask(command_of(words)); };
     std::string before;
+    std::string subscribers;
     {
         Simulator first(options);
         ASSERT_TRUE(first.wait_for_line(ready));
@@ -80,6 +81,10 @@ TEST_F(SimulatorTest, GoesOnWhereAKilledOneLeftOff) {
         ask({"fault", "ont_los", "1/2", "for", "3000"});
         ask({"fault", "pppoe_blocked", "2/1/1"});
         ask({"at", "1000", "fault", "ont_dying_gasp", "3/1"});
+        ask({"lease", "1/1/3", "drop"});
+        ask({"step", "20"});
+        ask({"session", "1/1/1", "drop"});
+        subscribers = ask({"state", "subscribers"});
         before = ask({"state"});
         first.end(SIGKILL);
     }
@@ -90,6 +95,7 @@ TEST_F(SimulatorTest, GoesOnWhereAKilledOneLeftOff) {
         Simulator second(later);
         ASSERT_TRUE(second.wait_for_line(ready));
         EXPECT_EQ(ask({"state"}), before);
+        EXPECT_EQ(ask({"state", "subscribers"}), subscribers);
         ask({"step", "5000"});
         stepped = ask({"state"});
         EXPECT_THAT(stepped, HasSubstr(R"("scheduled":0)"));

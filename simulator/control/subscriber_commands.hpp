@@ -1,0 +1,18 @@
+#pragma once
+
+#include "simulator/control/command_fields.hpp"
+#include "simulator/simulation/simulation.hpp"
+#include "xpon/core/json_tree.hpp"
+
+namespace xpon::simulator {
+
+// Commands about what subscribers do. SERVICE is one of a physical ONT that is in service, "3/17/1". They throw
+// CommandError.
+
+/// {"lease": "renew" | "drop", "service": SERVICE}: all its hosts renew now, or give their leases up and ask for
+/// others.
+core::JsonTree change_leases(Simulation& simulation, const CommandFields& fields);
+/// {"session": "drop", "service": SERVICE}: the network ends the PPPoE session; the client opens another one.
+core::JsonTree change_session(Simulation& simulation, const CommandFields& fields);
+
+} // namespace xpon::simulator
