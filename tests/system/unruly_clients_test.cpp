@@ -4,10 +4,14 @@
 #include <chrono>
 #include <csignal>
 #include <string>
+#include <vector>
 
+#include <sys/prctl.h>
 #include <sys/socket.h>
 
 #include <gtest/gtest.h>
+#include <linux/capability.h>
+#include <poll.h>
 
 namespace xpon::test {
 namespace {
@@ -88,6 +92,48 @@ TEST(UnrulyClients, GetNoMemoryForGood) {
     }
     expect_served(client);
     EXPECT_TRUE(eventually(is_idle_again)) << olt.daemon().resident_kib() << " KiB, before: " << idle;
+}
+
+/// Everything that comes until the other end closes the connection.
+std::string receive_all(const client::Connection& connection) {
+    std::string all;
+    std::vector<char> buffer(1U << 20U);
+    pollfd entry{.fd = connection.descriptor(), .events = POLLIN, .revents = 0};
+    while (poll(&entry, 1, 20'000) > 0) {
+        const auto count = recv(entry.fd, buffer.data(), buffer.size(), 0);
+        if (count <= 0) {
+            return all;
+        }
+        all.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+    ADD_FAILURE() << "the connection stays open";
+    return all;
+}
+
+// Without the right to force the size of a send buffer, as a user's daemon is.
+TEST(UnrulyClients, GetNothingBehindACutAnswer) {
+    Olt olt;
+    ASSERT_EQ(prctl(PR_CAPBSET_DROP, CAP_NET_ADMIN), 0); // for the programs that are started from here on
+    olt.start();
+    const auto log = [&] { return read_file(olt.root() / "var/log/api-service.log"); };
+    if (log().find("Answers of more than ") == std::string::npos) {
+        GTEST_SKIP() << "net.core.wmem_max lets every answer through";
+    }
+    const std::string text(32U << 20U, 'x');
+    auto slow = Olt::connect();
+    ASSERT_TRUE(slow.connection().send_frame(R"({"path":"test.echo","method":"echo","data":")" + text + "\"}",
+                                             std::chrono::steady_clock::now() + std::chrono::minutes(1)));
+    const std::string line = "Answer of test.echo: ";
+    ASSERT_TRUE(eventually([&] { return log().find(line) != std::string::npos; }, std::chrono::minutes(1)));
+    const auto received = receive_all(slow.connection());
+    const auto whole = "{\n\t\"success\":\ttrue,\n\t\"session_id\":\t\"\",\n\t\"data\":\t\"" + text + "\"\n}";
+    EXPECT_FALSE(received.empty());
+    EXPECT_LT(received.size(), whole.size());
+    EXPECT_TRUE(whole.starts_with(received)) << "something else stands behind the cut answer";
+    EXPECT_EQ(log().find(line, log().find(line) + 1), std::string::npos) << "told once";
+    EXPECT_NE(log().find(" of 335544"), std::string::npos) << "with the bytes wanted";
+    auto polite = Olt::connect();
+    expect_served(polite);
 }
 
 } // namespace
