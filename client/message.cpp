@@ -42,6 +42,25 @@ AnswerError parse_error(const cJSON* object) {
 
 } // namespace
 
+std::string AnswerError::message() const {
+    std::string filled = text;
+    for (std::size_t i = 0; i < params.size(); ++i) {
+        const auto placeholder = fmt::format("{{p{}}}", i);
+        if (const auto at = filled.find(placeholder); at != std::string::npos) {
+            filled.replace(at, placeholder.size(), params[i]);
+        } else {
+            filled += fmt::format(" ({})", params[i]);
+        }
+    }
+    return filled;
+}
+
+bool Answer::session_is_unknown() const {
+    // Who is known and may not gets the same error, but in the name of a session.
+    return !success && session_id.empty() && errors.size() == 1 && errors.front().path == "api_service" &&
+           errors.front().text == "Access denied";
+}
+
 Result<std::string> print_request(const Request& request, const std::string& session_id) {
     const Json tree(cJSON_CreateObject());
     bool complete = tree != nullptr;

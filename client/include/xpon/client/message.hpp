@@ -25,6 +25,9 @@ struct AnswerError {
     std::string text;
     std::vector<std::string> params; ///< p0, p1, ... ; numbers as they are printed
     std::string path;
+
+    /// The text with the parameters in their places; parameters that it does not name stand behind it.
+    [[nodiscard]] std::string message() const;
 };
 
 /// One answer, taken apart.
@@ -33,6 +36,13 @@ struct Answer {
     std::string session_id;
     Json data = {}; ///< null when the answer carries none
     std::vector<AnswerError> errors = {};
+
+    /// Whether the request was carried out and nothing was wrong with it: a refused commit has success and an error.
+    [[nodiscard]] bool is_good() const {
+        return success && errors.empty();
+    }
+    /// Whether the daemon does not know the session of the request: it ended, or the daemon has been started since.
+    [[nodiscard]] bool session_is_unknown() const;
 };
 
 /// The text of a request. `session_id` is empty for none.
