@@ -146,7 +146,7 @@ TEST_F(RunScript, HandsOptionsOn) {
 }
 
 TEST(Programs, TellTheirVersion) {
-    for (const std::string path : {API_SERVICE, OLT_SIMULATOR, OLT_SIM}) {
+    for (const std::string path : {API_SERVICE, OLT_SIMULATOR, OLT_SIM, OLTCTL}) {
         Process version({path, "--version"}, {});
         EXPECT_EQ(version.wait(), 0);
         EXPECT_EQ(version.output(), std::filesystem::path(path).filename().string() + " " VERSION "\n");

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "client/oltctl/output/table.hpp"
+#include "client/oltctl/service.hpp"
+#include "xpon/core/json_tree.hpp"
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <span>
+
+namespace CLI { // NOLINT(readability-identifier-naming): the library's name
+class App;
+} // namespace CLI
+
+namespace xpon::oltctl {
+
+/// What all commands share: the options in front of them, and the service.
+class Context {
+public:
+    bool as_json = false;
+    bool yes = false; ///< nobody wants to be asked
+    std::uint16_t port = 9999;
+    unsigned patience_s = 30;
+
+    Service& service() {
+        if (!service_) {
+            service_.emplace(port, std::chrono::seconds(patience_s));
+        }
+        return *service_;
+    }
+
+    /// The rows of an array as a table, or all of it as JSON.
+    void show_rows(const cJSON* array, std::span<const Column> columns) const;
+    /// An object as a tree, or as JSON.
+    void show_object(const cJSON* object) const;
+    /// Prints the question unless `yes` is set, and ends the command unless the answer is yes.
+    void confirm(const std::string& question) const;
+
+    /// What the chosen command does. Set while the command line is read, called afterwards.
+    std::function<void()> action;
+
+private:
+    std::optional<Service> service_;
+};
+
+// Each adds the commands of its file.
+void add_session_commands(CLI::App& app, Context& context);
+void add_request_commands(CLI::App& app, Context& context);
+void add_edit_commands(CLI::App& app, Context& context);
+void add_candidate_commands(CLI::App& app, Context& context);
+void add_document_commands(CLI::App& app, Context& context);
+void add_status_commands(CLI::App& app, Context& context);
+void add_ont_commands(CLI::App& app, Context& context);
+void add_provision_command(CLI::App& app, Context& context);
+
+} // namespace xpon::oltctl

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "xpon/core/json_tree.hpp"
+
+#include <span>
+#include <string>
+#include <vector>
+
+namespace xpon::oltctl {
+
+/// One column of a table: what stands in it is told by a path into the row's object, such as "ont_info.rssi".
+struct Column {
+    const char* title;
+    const char* path;
+    std::string (*text_of)(const cJSON* value) = nullptr; ///< null: as the value is
+    bool is_number = false;                               ///< stands at the right
+};
+
+/// The value of a row at the path, or null. Array positions count from 0.
+const cJSON* value_at(const cJSON* row, const char* path);
+/// A value in one line: texts as they are, numbers with as many digits as tell them from others, up to 2^53.
+std::string cell_text(const cJSON* value);
+/// The value of the row in that column.
+std::string cell_text(const cJSON* row, const Column& column);
+
+/// Rows below a line of titles. Columns in which nothing stands are left out, and what does not fit into `width` is cut
+/// from the last columns on. Without rows it says so.
+std::string table_of(std::span<const cJSON* const> rows, std::span<const Column> columns, std::size_t width);
+
+} // namespace xpon::oltctl

@@ -1,0 +1,62 @@
+#include "client/oltctl/session/session_file.hpp"
+
+#include "client/oltctl/failure.hpp"
+#include "client/oltctl/session/private_file.hpp"
+#include "xpon/core/json_tree.hpp"
+
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+
+#include <fmt/format.h>
+
+namespace xpon::oltctl {
+namespace {
+
+std::filesystem::path path_of(std::uint16_t port) {
+    const char* const folder = std::getenv("XDG_RUNTIME_DIR");
+    if (folder == nullptr || *folder != '/') {
+        throw Failure(ExitStatus::no_session,
+                      "XDG_RUNTIME_DIR names no folder to keep the session in. Set it to a folder "
+                      "that only you can read, such as /run/user/$(id -u).");
+    }
+    return std::filesystem::path(folder) / fmt::format("oltctl-{}.json", port);
+}
+
+std::string text_of(const cJSON* object, const char* key) {
+    const char* const text = cJSON_GetStringValue(cJSON_GetObjectItemCaseSensitive(object, key));
+    return text == nullptr ? "" : text;
+}
+
+} // namespace
+
+std::optional<KeptSession> read_kept_session(std::uint16_t port) {
+    const auto path = path_of(port);
+    if (!std::filesystem::exists(path)) {
+        return std::nullopt;
+    }
+    const core::JsonTree tree(cJSON_Parse(read_private_file(path).c_str()));
+    KeptSession session{.id = text_of(tree.get(), "session_id"),
+                        .user = text_of(tree.get(), "user"),
+                        .privilege = text_of(tree.get(), "privilege"),
+                        .port = port};
+    if (session.id.empty()) {
+        return std::nullopt; // nothing that could be used
+    }
+    return session;
+}
+
+void keep_session(const KeptSession& session) {
+    const core::JsonTree tree(cJSON_CreateObject());
+    cJSON_AddStringToObject(tree.get(), "session_id", session.id.c_str());
+    cJSON_AddStringToObject(tree.get(), "user", session.user.c_str());
+    cJSON_AddStringToObject(tree.get(), "privilege", session.privilege.c_str());
+    write_private_file(path_of(session.port), core::print_line(tree.get()).get());
+}
+
+void forget_session(std::uint16_t port) {
+    std::error_code ignored; // there is none left then, either
+    std::filesystem::remove(path_of(port), ignored);
+}
+
+} // namespace xpon::oltctl

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace xpon::oltctl {
+
+/// What one call of the program hands on to the next. The password is not in it.
+struct KeptSession {
+    std::string id;
+    std::string user;
+    std::string privilege; ///< "viewer", "operator" or "administrator"
+    std::uint16_t port = 0;
+};
+
+/// The session that was kept for the service on `port`. A file that others may read or that belongs to somebody else is
+/// refused with a Failure, as is a missing XDG_RUNTIME_DIR.
+std::optional<KeptSession> read_kept_session(std::uint16_t port);
+/// Keeps it in a file of mode 0600 below XDG_RUNTIME_DIR, whole or not at all.
+void keep_session(const KeptSession& session);
+void forget_session(std::uint16_t port);
+
+} // namespace xpon::oltctl
