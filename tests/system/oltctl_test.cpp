@@ -104,6 +104,32 @@ TEST_F(OltctlUser, ExportDefaultImportLeavesNoDifference) {
     EXPECT_EQ(status_, 0);
 }
 
+TEST_F(OltctlUser, ProvisionsAListWholeOrNotAtAll) {
+    olt_.start({"--plant", "empty"});
+    log_in("admin");
+    const auto write = [&](const std::string& lines) {
+        std::ofstream(runtime_folder() / "list.csv") << "serial,port,description,template\r\n" << lines;
+    };
+    std::string lines;
+    for (int number = 0; number < 300; ++number) {
+        lines += fmt::format("SIMU{:08X},{},\"House, {}\",bridged\r\n", number + 1, number / 256 + 3, number);
+    }
+    write(lines + "SIMU00000007,1,twice,bridged\nSIMU0000F000,1,,nothing\n");
+    EXPECT_THAT(run("oltctl provision list list.csv 2>&1"),
+                testing::AllOf(HasSubstr("0 of 302 ONTs"), HasSubstr("SIMU00000007 is configured already, as ONT 3/7"),
+                               HasSubstr("There is no ONT template 'nothing'")));
+    EXPECT_EQ(status_, 1);
+    EXPECT_EQ(run("oltctl diff"), "");
+    write(lines);
+    EXPECT_THAT(run("oltctl provision list list.csv"), HasSubstr("300 of 300 ONTs"));
+    EXPECT_EQ(status_, 0);
+    EXPECT_THAT(run("oltctl get --candidate configuration.ZebGCfg.pon.ont 4 44"), HasSubstr("House, 299\n"));
+    EXPECT_EQ(run("oltctl commit >commit.txt 2>&1; oltctl diff"), "");
+    write("SIMU0000F000,x,,bridged\n");
+    EXPECT_THAT(run("oltctl provision list list.csv 2>&1"), HasSubstr("Line 2 of the list: 'x' is no number"));
+    EXPECT_EQ(status_, 2);
+}
+
 TEST_F(OltctlUser, LearnsFromTheStatusWhatWentWrong) {
     olt_.start({"--plant", "empty"});
     struct Case {
