@@ -231,6 +231,8 @@ constexpr std::array commands{
     CommandRow{"move", "move pon", move_ont},
     CommandRow{"lease", "lease service", change_leases},
     CommandRow{"session", "session service", change_session},
+    CommandRow{"group", "group service address", change_groups},
+    CommandRow{"traffic", "traffic service profile", change_traffic},
     CommandRow{"snapshot", "snapshot", take_snapshot},
     CommandRow{"load", "load", load_snapshot},
     CommandRow{"faults", "faults", list_faults},

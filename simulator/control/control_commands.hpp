@@ -23,6 +23,8 @@ namespace xpon::simulator {
 ///   {"add": PLACE}   {"swap": PLACE}   {"move": PLACE, "pon": PORT}      ONTs come, are replaced, change their fibre
 ///   {"lease": "renew" | "drop", "service": SERVICE}                      of all hosts of a service
 ///   {"session": "drop", "service": SERVICE}                              its PPPoE client opens another one
+///   {"group": "join" | "leave", "service": SERVICE, "address": TEXT}     {"group": "release", "service": SERVICE}
+///   {"traffic": "start", "service": SERVICE, "profile": NAME}            {"traffic": "stop", "service": SERVICE}
 ///   {"snapshot": NAME}                                                   keeps plant, time and faults as they are
 ///   {"load": NAME}                                                       goes back to them; the configuration stays
 ///   {"watch": "all" | "KIND,KIND...", "target": TEXT}                    from now on its sender is told of these

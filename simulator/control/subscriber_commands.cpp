@@ -4,8 +4,12 @@
 #include "simulator/subscribers/pppoe_sessions.hpp"
 
 #include <algorithm>
+#include <charconv>
+#include <cstdint>
 #include <functional>
 #include <initializer_list>
+#include <optional>
+#include <string>
 #include <string_view>
 
 #include <fmt/format.h>
@@ -57,6 +61,44 @@ std::string one_of(const CommandFields& fields, const char* member, std::initial
     return value;
 }
 
+/// "239.0.0.N" as N - 1.
+std::uint8_t group_of(const CommandFields& fields) {
+    constexpr std::string_view before_number = "239.0.0.";
+    const auto text = fields.text("address");
+    unsigned number = 0;
+    if (text.starts_with(before_number)) {
+        const auto* const end = text.data() + text.size();
+        const auto read = std::from_chars(text.data() + before_number.size(), end, number);
+        number = read.ptr == end ? number : 0;
+    }
+    if (number < 1 || number > multicast_groups) {
+        throw CommandError(fmt::format("address must be 239.0.0.1 to 239.0.0.{}, not '{}'", multicast_groups, text));
+    }
+    return static_cast<std::uint8_t>(number - 1);
+}
+
+/// The groups that a service is to have, with one more or less than now.
+JoinedGroups changed_groups(const Plant& plant, const SubscriberLine& line, std::uint8_t group, bool joins) {
+    if (line.service->multicast_vid == 0 || line.hosts.count() == 0) {
+        throw CommandError("nobody watches television there");
+    }
+    auto groups = line.membership(plant).at(plant.now()).joined;
+    if (groups.contains(group) == joins) {
+        throw CommandError(fmt::format("239.0.0.{} is {} already", group + 1, joins ? "joined" : "left"));
+    }
+    if (!joins) {
+        groups.remove(group);
+        return groups;
+    }
+    if (groups.count < most_joined_groups) {
+        groups.add(group);
+    }
+    if (admitted(plant.random(), ViewingLimits(*line.ont->settings), groups) != groups || !groups.contains(group)) {
+        throw CommandError(fmt::format("the ONT does not admit 239.0.0.{} beside the others", group + 1));
+    }
+    return groups;
+}
+
 } // namespace
 
 core::JsonTree change_leases(Simulation& simulation, const CommandFields& fields) {
@@ -99,6 +141,48 @@ core::JsonTree change_session(Simulation& simulation, const CommandFields& field
                                    .target = place.text,
                                    .text = "PPPoE session dropped by a tester"},
                                   [&](Plant& plant) { plant.end_session(place.ont, place.service); });
+    return core::JsonTree(cJSON_CreateObject());
+}
+
+core::JsonTree change_groups(Simulation& simulation, const CommandFields& fields) {
+    const auto action = one_of(fields, "group", {"join", "leave", "release"});
+    const auto place = service_of(simulation, fields);
+    std::optional<JoinedGroups> held;
+    std::string what = "viewers released by a tester";
+    if (action != "release") {
+        const bool joins = action == "join";
+        const auto group = group_of(fields);
+        visit_line(simulation, place,
+                   [&](const SubscriberLine& line) { held = changed_groups(simulation.plant(), line, group, joins); });
+        what = fmt::format("239.0.0.{} {} by a tester", group + 1, joins ? "joined" : "left");
+    } else if (fields.find("address") != nullptr) {
+        throw CommandError("release takes no address");
+    }
+    simulation.change_subscribers(
+        {.at = simulation.plant().now(), .kind = EventKind::group, .target = place.text, .text = what},
+        [&](Plant& plant) { plant.choose_groups(place.ont, place.service, held); });
+    return core::JsonTree(cJSON_CreateObject());
+}
+
+core::JsonTree change_traffic(Simulation& simulation, const CommandFields& fields) {
+    const bool starts = one_of(fields, "traffic", {"start", "stop"}) == "start";
+    const auto place = service_of(simulation, fields);
+    const auto name = fields.text("profile");
+    const auto* const found = std::ranges::find(traffic_profile_names, starts ? name : "usual");
+    if (starts ? found == traffic_profile_names.end() || found == traffic_profile_names.begin() : !name.empty()) {
+        throw CommandError(
+            fmt::format("traffic starts with the profile {}, and stops without",
+                        fmt::join(traffic_profile_names.begin() + 1, traffic_profile_names.end(), " or ")));
+    }
+    const auto profile = static_cast<TrafficProfile>(found - traffic_profile_names.begin());
+    if (!starts && simulation.plant().subscriber_acts().of(place.ont, place.service).profile == profile) {
+        throw CommandError(fmt::format("{} has its usual traffic", place.text));
+    }
+    simulation.change_subscribers({.at = simulation.plant().now(),
+                                   .kind = EventKind::session,
+                                   .target = place.text,
+                                   .text = fmt::format("traffic {} by a tester", *found)},
+                                  [&](Plant& plant) { plant.set_profile(place.ont, place.service, profile); });
     return core::JsonTree(cJSON_CreateObject());
 }
 

@@ -14,5 +14,11 @@ namespace xpon::simulator {
 core::JsonTree change_leases(Simulation& simulation, const CommandFields& fields);
 /// {"session": "drop", "service": SERVICE}: the network ends the PPPoE session; the client opens another one.
 core::JsonTree change_session(Simulation& simulation, const CommandFields& fields);
+/// {"group": "join" | "leave" | "release", "service": SERVICE, "address": "239.0.0.N"}: from the first join or leave on
+/// the viewers of the service stay with the groups that they have then, but for this one, until they are released.
+core::JsonTree change_groups(Simulation& simulation, const CommandFields& fields);
+/// {"traffic": "start", "service": SERVICE, "profile": NAME}, {"traffic": "stop", "service": SERVICE}: how a service is
+/// used; in service or not.
+core::JsonTree change_traffic(Simulation& simulation, const CommandFields& fields);
 
 } // namespace xpon::simulator

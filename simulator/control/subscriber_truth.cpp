@@ -36,6 +36,8 @@ public:
         add(entry, "leases", leases_of(line));
         add(entry, "session", session_of(line));
         add(entry, "groups", groups_of(line));
+        const auto profile = plant_.subscriber_acts().of(line.ont->hardware->position, service.number).profile;
+        add(entry, "traffic", std::string(traffic_profile_names.at(static_cast<std::size_t>(profile))));
     }
 
 private:
@@ -54,11 +56,9 @@ private:
         if (!line.served || line.hosts.count() == 0 || line.service->multicast_vid == 0) {
             return "";
         }
-        const auto viewing = Viewer(plant_.random(), line.ont->hardware->position, line.service->number,
-                                    ViewingLimits(*line.ont->settings))
-                                 .at(plant_.now());
+        const auto viewing = line.membership(plant_).at(plant_.now());
         std::string text;
-        for (const auto group : viewing.groups()) {
+        for (const auto group : viewing.joined.groups()) {
             text += fmt::format("{}239.0.0.{}", text.empty() ? "" : " ", group + 1);
         }
         return text;

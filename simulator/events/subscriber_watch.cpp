@@ -59,10 +59,8 @@ SubscriberWatch::Table SubscriberWatch::table_of(const AccessNetwork& network) {
             table.entries[{target, which}] = {since, EventKind::session, peers::pppoe, came, went};
         }
         if (line.served && line.hosts.count() != 0 && line.service->multicast_vid != 0) {
-            const auto viewing = Viewer(plant.random(), line.ont->hardware->position, line.service->number,
-                                        ViewingLimits(*line.ont->settings))
-                                     .at(plant.now());
-            for (const auto group : viewing.groups()) {
+            const auto viewing = line.membership(plant).at(plant.now());
+            for (const auto group : viewing.joined.groups()) {
                 const auto address = fmt::format("239.0.0.{}", group + 1);
                 table.entries[{target, address}] = {
                     std::max(viewing.since, line.served->since), EventKind::group, peers::igmp,

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <iterator>
 
 namespace xpon::simulator {
 namespace {
@@ -17,7 +18,29 @@ std::uint8_t popular_one(double share, unsigned count) {
     return static_cast<std::uint8_t>(share * share * count);
 }
 
+/// Whether a group may be joined beside others.
+bool has_room(const Random& random, const ViewingLimits& limits, const JoinedGroups& joined, std::uint8_t group) {
+    const unsigned most =
+        limits.most_groups == 0 ? most_joined_groups : std::min(limits.most_groups, most_joined_groups);
+    return joined.count < most &&
+           (limits.most_kbps == 0 || stream_kbps(random, joined) + stream_kbps(random, group) <= limits.most_kbps);
+}
+
 } // namespace
+
+bool JoinedGroups::contains(std::uint8_t wanted) const {
+    return std::ranges::binary_search(groups(), wanted);
+}
+
+void JoinedGroups::add(std::uint8_t joined) {
+    group.at(count++) = joined;
+    std::ranges::sort(std::span(group).first(count));
+}
+
+void JoinedGroups::remove(std::uint8_t left) {
+    std::ranges::remove(std::span(group).first(count), left);
+    group.at(--count) = 0;
+}
 
 ViewingLimits::ViewingLimits(const OntSettings& settings)
     : most_groups(settings.max_groups), most_kbps(settings.max_multicast_kbps) {
@@ -35,6 +58,24 @@ ViewingLimits::ViewingLimits(const OntSettings& settings)
 
 double stream_kbps(const Random& random, std::uint8_t group) {
     return random.between(4500, 7500, Purpose::stream_rate, {group});
+}
+
+double stream_kbps(const Random& random, const JoinedGroups& joined) {
+    double sum = 0;
+    for (const auto group : joined.groups()) {
+        sum += stream_kbps(random, group);
+    }
+    return sum;
+}
+
+JoinedGroups admitted(const Random& random, const ViewingLimits& limits, const JoinedGroups& wanted) {
+    JoinedGroups joined;
+    for (const auto group : wanted.groups()) {
+        if (std::ranges::binary_search(limits.groups, group) && has_room(random, limits, joined, group)) {
+            joined.add(group);
+        }
+    }
+    return joined;
 }
 
 Viewer::Viewer(const Random& random, const OntPosition& ont, unsigned service, const ViewingLimits& limits)
@@ -64,18 +105,17 @@ Viewer::Choice Viewer::choose(const Random& random, const ViewingLimits& limits,
     const unsigned wanted = key(Purpose::viewing_pattern, 0) < 0.5 ? 1 : 2;
     auto left = limits.groups;
     Choice choice;
-    while (choice.count < wanted && !left.empty() && (limits.most_groups == 0 || choice.count < limits.most_groups)) {
-        const auto place = popular_one(key(Purpose::viewing_groups, choice.count), static_cast<unsigned>(left.size()));
+    while (choice.joined.count < wanted && !left.empty()) {
+        const auto place =
+            popular_one(key(Purpose::viewing_groups, choice.joined.count), static_cast<unsigned>(left.size()));
         const auto group = left.at(place);
-        const double kbps = choice.kbps + stream_kbps(random, group);
-        if (limits.most_kbps != 0 && kbps > limits.most_kbps) {
+        if (!has_room(random, limits, choice.joined, group)) {
             break;
         }
-        choice.kbps = kbps;
-        choice.group.at(choice.count++) = group;
+        choice.joined.add(group);
         left.erase(left.begin() + place);
     }
-    std::ranges::sort(std::span(choice.group).first(choice.count));
+    choice.kbps = stream_kbps(random, choice.joined);
     return choice;
 }
 
@@ -86,10 +126,7 @@ std::int64_t Viewer::viewing_at(PlantTime time) const {
 Viewing Viewer::at(PlantTime time) const {
     const auto nth = viewing_at(time);
     const auto& choice = choices_.at(static_cast<std::uint64_t>(nth) % cycle);
-    return {.since = nth * length_ - under_way_,
-            .until = (nth + 1) * length_ - under_way_,
-            .count = choice.count,
-            .group = choice.group};
+    return {.since = nth * length_ - under_way_, .until = (nth + 1) * length_ - under_way_, .joined = choice.joined};
 }
 
 double Viewer::kbit_until(PlantTime time) const {
@@ -98,6 +135,22 @@ double Viewer::kbit_until(PlantTime time) const {
     const auto in_viewing = time + under_way_ - nth * length_;
     return static_cast<double>(floor_division(nth, cycle)) * kbit_in_cycle_ + choice.kbit_before +
            choice.kbps * seconds_of(in_viewing);
+}
+
+Viewing Membership::at(PlantTime time) const {
+    const auto next = std::ranges::upper_bound(choices_, time, {}, &GroupChoice::at);
+    const auto until = next == choices_.end() ? never : next->at;
+    if (next == choices_.begin()) {
+        auto viewing = viewer_.at(time);
+        viewing.until = std::min(viewing.until, until);
+        return viewing;
+    }
+    const auto& choice = *std::prev(next);
+    if (choice.held) {
+        return {.since = choice.at, .until = until, .joined = admitted(random_, limits_, *choice.held)};
+    }
+    auto viewing = viewer_.at(time);
+    return {std::max(viewing.since, choice.at), std::min(viewing.until, until), viewing.joined};
 }
 
 } // namespace xpon::simulator

@@ -68,16 +68,15 @@ void add_words(FecTally& tally, double bits, double wrong_bits, double bit_error
 /// Adds what an ONT does in a time of unchanging conditions.
 class Counting {
 public:
-    Counting(const MeteredOnt& ont, const LineConditions& line, PlantTime from, PlantTime to)
-        : ont_(ont), line_(line), from_(from), to_(to),
+    Counting(const MeteredOnt& ont, const OntTraffic& traffic, const LineConditions& line, PlantTime from, PlantTime to)
+        : ont_(ont), traffic_(traffic), line_(line), from_(from), to_(to),
           up_(BitErrorRate::upstream(ont.given.random, ont.hardware, ont.split, line)),
           down_(BitErrorRate::downstream(ont.given.random, ont.hardware, ont.split, line)),
           lost_up_(lost_shares(up_.mean(), ont.settings.upstream_fec)),
           lost_down_(lost_shares(down_.mean(), line.downstream_fec)) {}
 
     void add(OntTally& tally) const {
-        const auto& traffic = ont_.traffic;
-        for (const auto& service : traffic.services) {
+        for (const auto& service : traffic_.services) {
             auto& counts = tally.service(service.number);
             add_up(counts.up, service);
             add_flow(counts.down, service.down, service.use.usable, {lost_down_, key_of(service.number, 1)});
@@ -86,11 +85,12 @@ public:
                          {lost_down_, key_of(service.number, 2)});
             }
         }
-        if (traffic.broadcast) {
-            add_frames(tally.broadcast, {lost_down_, key_of(0, 0)},
-                       [&](std::size_t bin) { return static_cast<double>(traffic.broadcast->count(bin, from_, to_)); });
+        if (traffic_.broadcast) {
+            add_frames(tally.broadcast, {lost_down_, key_of(0, 0)}, [&](std::size_t bin) {
+                return static_cast<double>(traffic_.broadcast->count(bin, from_, to_));
+            });
         }
-        add_line(tally, traffic.granted);
+        add_line(tally, traffic_.granted);
     }
 
 private:
@@ -171,6 +171,7 @@ private:
     }
 
     const MeteredOnt& ont_;
+    const OntTraffic& traffic_;
     const LineConditions& line_;
     PlantTime from_;
     PlantTime to_;
@@ -248,17 +249,24 @@ OntTally OntMeter::read(const MeteredOnt& ont, PlantTime time) const {
         ++tally.provisionings;
         tally.provided_services += static_cast<unsigned>(ont.settings.services.size());
     }
-    const auto count = [&](const LineConditions& line, PlantTime until) {
-        const auto to = std::min(until, time);
-        if (from < to) {
-            Counting(ont, line, from, to).add(tally);
-            from = to;
-        }
+    const auto count = [&](const OntTraffic& traffic, const LineConditions& line, PlantTime to) {
+        Counting(ont, traffic, line, from, to).add(tally);
+        from = to;
     };
     for (const auto& part : parts_) {
-        count(part.line, part.until);
+        const auto to = std::min(part.until, time);
+        if (from >= to) {
+            continue;
+        }
+        if (part.usage == ont.usage) {
+            count(ont.traffic, part.line, to);
+        } else {
+            count({ont.given, ont.hardware, ont.settings, ont.since, part.usage}, part.line, to);
+        }
     }
-    count(ont.line, time);
+    if (from < time) {
+        count(ont.traffic, ont.line, time);
+    }
     return tally;
 }
 
@@ -268,7 +276,7 @@ void OntMeter::count_until(const MeteredOnt& ont, PlantTime time) {
     std::erase_if(parts_, [&](const Part& part) { return part.until <= time; });
 }
 
-void OntMeter::line_changes(const MeteredOnt& ont, PlantTime now) {
+void OntMeter::conditions_change(const MeteredOnt& ont, PlantTime now) {
     if (now <= ont.since || (!parts_.empty() && now <= parts_.back().until)) {
         return; // no time has passed under these conditions
     }
@@ -277,7 +285,7 @@ void OntMeter::line_changes(const MeteredOnt& ont, PlantTime now) {
     if (parts_.size() == most_parts) {
         count_until(ont, parts_.front().until);
     }
-    parts_.push_back({now, ont.line});
+    parts_.push_back({now, ont.line, ont.usage});
 }
 
 void OntMeter::service_ends(const MeteredOnt& ont, PlantTime now) {

@@ -96,7 +96,8 @@ struct MeteredOnt {
     unsigned split;
     LineConditions line;
     PlantTime since; ///< in service, with these settings
-    OntTraffic traffic = {given, hardware, settings, since};
+    const OntUsage& usage;
+    OntTraffic traffic = {given, hardware, settings, since, usage};
 };
 
 /// Counts an ONT from its activation on. Only events are stored; between them the counts are worked out when they are
@@ -110,8 +111,8 @@ public:
         return counted_.get();
     }
 
-    /// The ONT goes on under other conditions than those of `ont`.
-    void line_changes(const MeteredOnt& ont, PlantTime now);
+    /// The ONT goes on under other conditions than those of `ont`, or is used otherwise.
+    void conditions_change(const MeteredOnt& ont, PlantTime now);
     /// The service ends; what was counted goes into the next.
     void service_ends(const MeteredOnt& ont, PlantTime now);
     /// Counts up to a time, whatever becomes unknown of the time before.
@@ -135,6 +136,12 @@ private:
     struct Part {
         PlantTime until;
         LineConditions line;
+        OntUsage usage;
+
+        template <class Archive>
+        void archive(Archive& state) {
+            state(until, line, usage);
+        }
     };
 
     void count_until(const MeteredOnt& ont, PlantTime time);

@@ -71,6 +71,14 @@ void Plant::end_session(const OntPosition& ont, unsigned service) {
     change([&] { given_.pppoe_blocks.end_session(ont, service, given_.now); });
 }
 
+void Plant::choose_groups(const OntPosition& ont, unsigned service, const std::optional<JoinedGroups>& held) {
+    change([&] { given_.acts.at(ont, service).groups.push_back({given_.now, held}); });
+}
+
+void Plant::set_profile(const OntPosition& ont, unsigned service, TrafficProfile profile) {
+    change([&] { given_.acts.at(ont, service).profile = profile; });
+}
+
 void Plant::boot(PlantTime takes) {
     change([&] {
         given_.booted_at = given_.now;
@@ -123,7 +131,8 @@ MeteredOnt Plant::metered(const Ont& ont) const {
             .settings = *ont.settings,
             .split = given_.parameters.plant->split_of(ont.situation->seen_port),
             .line = *ont.line,
-            .since = ont.point.since};
+            .since = ont.point.since,
+            .usage = *ont.usage};
 }
 
 std::optional<OntTally> Plant::counted(const Ont& ont) const {

@@ -57,6 +57,10 @@ public:
     void change_leases(const OntPosition& ont, unsigned service, bool drop);
     /// The network ends the session of a service, which its client opens again.
     void end_session(const OntPosition& ont, unsigned service);
+    /// The viewers of a service have these groups joined from now on; without: those that they like.
+    void choose_groups(const OntPosition& ont, unsigned service, const std::optional<JoinedGroups>& held);
+    /// A service is used like this from now on.
+    void set_profile(const OntPosition& ont, unsigned service, TrafficProfile profile);
 
     /// The OLT restarts: for as long as `takes` it does nothing at all. Faults stay.
     void boot(PlantTime takes);

@@ -26,6 +26,13 @@ void PppoeBlocks::follow(const ActiveFaults& faults, PlantTime now) {
     }
 }
 
+void PppoeBlocks::end_session(const OntPosition& ont, unsigned service, PlantTime now) {
+    auto& blocks = blocks_[{ont, service}];
+    if (blocks.empty() || blocks.back().until != never) {
+        blocks.push_back({now, now});
+    }
+}
+
 std::optional<PlantTime> PppoeBlocks::end_of_oldest_half() const {
     constexpr std::size_t most_blocks = 256;
     for (const auto& [service, blocks] : blocks_) {

@@ -15,10 +15,8 @@ namespace xpon::simulator {
 class PppoeBlocks {
 public:
     void follow(const ActiveFaults& faults, PlantTime now);
-    /// The session of a service that is not refused now is ended.
-    void end_session(const OntPosition& ont, unsigned service, PlantTime now) {
-        blocks_[{ont, service}].push_back({now, now});
-    }
+    /// The session of a service is ended, if it is not refused anyway.
+    void end_session(const OntPosition& ont, unsigned service, PlantTime now);
 
     /// Of the service (from 1) of a physical ONT, ascending.
     [[nodiscard]] const std::vector<Stretch>& of(const OntPosition& ont, unsigned service) const;

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "simulator/plant/multicast.hpp"
 #include "simulator/plant/ont_layout.hpp"
 #include "simulator/plant/plant_time.hpp"
+#include "simulator/plant/service_usage.hpp"
 
 #include <map>
 #include <optional>
@@ -19,10 +21,12 @@ struct LeaseAct {
 /// What testers had the subscribers of a service do, each list ascending.
 struct ServiceActs {
     std::vector<LeaseAct> leases;
+    std::vector<GroupChoice> groups;
+    TrafficProfile profile = TrafficProfile::usual; ///< now
 
     template <class Archive>
     void archive(Archive& state) {
-        state(leases);
+        state(leases, groups, profile);
     }
 };
 
@@ -36,6 +40,8 @@ public:
     [[nodiscard]] ServiceActs& at(const OntPosition& ont, unsigned service) {
         return acts_[{ont, service}];
     }
+    /// How the services of an ONT are used now.
+    [[nodiscard]] OntUsage usage_of(const OntPosition& ont) const;
 
     /// When there are more of one service than are to be kept: until when they may be forgotten.
     [[nodiscard]] std::optional<PlantTime> end_of_oldest_half() const;

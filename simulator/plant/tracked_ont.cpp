@@ -42,7 +42,8 @@ OntNow TrackedOnt::describe(const Circumstances& given) const {
             .last_service = last_service_,
             .has_local_data = has_local_data_,
             .meter = &meter_,
-            .line = &line_};
+            .line = &line_,
+            .usage = &usage_};
 }
 
 PlantTime TrackedOnt::changes_at(const Circumstances& given) const {
@@ -137,18 +138,20 @@ LineConditions TrackedOnt::line_in(const Circumstances& given, const Ports& port
 void TrackedOnt::update_meter(const Circumstances& given, const OntPoint& was, const OntPoint& is,
                               const LineConditions& line, const ReplacedSettings& replaced) {
     const bool was_in_service = was.state == ont_operational;
+    auto usage = given.acts.usage_of(position());
     const bool ends = was_in_service && is.state != ont_operational;
     if (!keeps_activation(is.state)) {
         meter_.reset();
-    } else if (ends || (was_in_service && line != line_)) {
+    } else if (ends || (was_in_service && (line != line_ || usage != usage_))) {
         const auto was_configured = replaced.onts.find(*situation_.configured);
         const auto& settings = was_configured != replaced.onts.end()
                                    ? was_configured->second
                                    : given.configuration.onts.at(*situation_.configured);
         const auto metered = this->metered(given, settings, was.since);
-        ends ? meter_.service_ends(metered, given.now) : meter_.line_changes(metered, given.now);
+        ends ? meter_.service_ends(metered, given.now) : meter_.conditions_change(metered, given.now);
     }
     line_ = line;
+    usage_ = std::move(usage);
 }
 
 MeteredOnt TrackedOnt::metered(const Circumstances& given, const OntSettings& settings, PlantTime since) const {
@@ -157,7 +160,8 @@ MeteredOnt TrackedOnt::metered(const Circumstances& given, const OntSettings& se
             .settings = settings,
             .split = given.parameters.plant->split_of(situation_.seen_port),
             .line = line_,
-            .since = since};
+            .since = since,
+            .usage = usage_};
 }
 
 void TrackedOnt::count_until(const Circumstances& given, PlantTime time) {

@@ -20,6 +20,7 @@ struct OntNow {
     bool has_local_data;                 ///< what its user set on the ONT itself
     const OntMeter* meter;
     const LineConditions* line;
+    const OntUsage* usage;
 };
 
 /// One ONT through its life: where its way went on from at the last event, and what is counted of it. `given` is what
@@ -57,7 +58,7 @@ public:
     /// All but the hardware.
     template <class Archive>
     void archive(Archive& state) {
-        state(situation_, anchor_, last_service_, has_local_data_, meter_, line_);
+        state(situation_, anchor_, last_service_, has_local_data_, meter_, line_, usage_);
     }
     [[nodiscard]] const PhysicalOnt& hardware() const {
         return hardware_;
@@ -85,6 +86,7 @@ private:
     bool has_local_data_ = true;
     OntMeter meter_;
     LineConditions line_;
+    OntUsage usage_;
 };
 
 } // namespace xpon::simulator

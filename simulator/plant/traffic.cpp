@@ -42,25 +42,41 @@ constexpr std::array demands{
 };
 static_assert(demands.size() == static_cast<std::size_t>(ServiceType::management) + 1);
 
+/// What is left of a gigabit for what is in its frames.
+constexpr Demand speed_test{940'000, 940'000, &downloads, &downloads};
+
+/// Bounds of a rate as shares of its mean, by profile.
+constexpr std::array<RateRange, traffic_profile_names.size()> shares{
+    {{RateCurve::least, RateCurve::most}, {0.002, 0.01}, {1.3, RateCurve::most}, {0.97, 1}}};
+
 /// Makes the flows of one ONT.
 class Maker {
 public:
-    Maker(const Circumstances& given, const PhysicalOnt& ont, const OntSettings& settings, PlantTime since)
-        : given_(given), ont_(ont), settings_(settings), since_(since) {}
+    Maker(const Circumstances& given, const PhysicalOnt& ont, const OntSettings& settings, PlantTime since,
+          const OntUsage& usage)
+        : given_(given), ont_(ont), settings_(settings), since_(since), usage_(usage) {}
 
     [[nodiscard]] ServiceTraffic service(const ServiceSettings& service) const {
-        const auto& demand = demands.at(static_cast<std::size_t>(service.type));
+        const auto found = usage_.find(service.number);
+        const auto usage = found == usage_.end() ? ServiceUsage{} : found->second;
+        const bool is_test = usage.profile == TrafficProfile::speed_test;
+        const auto& demand = is_test ? speed_test : demands.at(static_cast<std::size_t>(service.type));
         const bool is_voice = service.type == ServiceType::voip;
-        const FlowTimes times = is_voice ? calls(service.number) : Always{};
+        const FlowTimes times = is_voice && !is_test ? calls(service.number) : Always{};
         // Nobody calls without a telephone.
         const bool has_users = !is_voice || (settings_.has_telephone && ont_.model->telephone_ports != 0);
+        const auto kbps = [&](double mean) {
+            const auto& share = shares.at(static_cast<std::size_t>(usage.profile));
+            return has_users ? RateRange{mean * share.least, mean * share.most} : RateRange{0, 0};
+        };
         const ServiceUse use(given_, ont_, settings_, service, since_);
         return {.number = service.number,
                 .use = use,
-                .down = {*demand.down_mix, has_users ? demand.down_kbps : 0, times, curve(service.number, down)},
-                .up = {*demand.up_mix, has_users ? demand.up_kbps : 0, times, curve(service.number, up)},
+                .down = {*demand.down_mix, kbps(demand.down_kbps), times, curve(service.number, down)},
+                .up = {*demand.up_mix, kbps(demand.up_kbps), times, curve(service.number, up)},
                 .retries = {use.hosts, service},
-                .multicast = service.type == ServiceType::iptv ? std::optional(streams_of(service)) : std::nullopt};
+                .multicast =
+                    service.type == ServiceType::iptv ? std::optional(streams_of(service, usage)) : std::nullopt};
     }
 
 private:
@@ -77,14 +93,17 @@ private:
         const double turn_s = choose(2400, 7200, 0);
         return Calls{turn_s, choose(0, turn_s, 1)};
     }
-    [[nodiscard]] StreamFlow streams_of(const ServiceSettings& service) const {
-        return StreamFlow(Viewer(given_.random, ont_.position, service.number, ViewingLimits(settings_)));
+    [[nodiscard]] StreamFlow streams_of(const ServiceSettings& service, const ServiceUsage& usage) const {
+        const ViewingLimits limits(settings_);
+        return usage.held ? StreamFlow(stream_kbps(given_.random, admitted(given_.random, limits, *usage.held)))
+                          : StreamFlow(Viewer(given_.random, ont_.position, service.number, limits));
     }
 
     const Circumstances& given_;
     const PhysicalOnt& ont_;
     const OntSettings& settings_;
     PlantTime since_;
+    const OntUsage& usage_;
 };
 
 /// Whatever flows, as one that limits apply to.
@@ -132,10 +151,9 @@ double Calls::flowed(PlantTime time) const {
     return turns * call_s + std::min(at - turns * turn_s, call_s);
 }
 
-Flow::Flow(const FrameMix& mix, double mean_kbps, const FlowTimes& times, const RateCurve& curve)
-    : mix_(&mix),
-      wanted_{mean_kbps * octets_per_kbit * RateCurve::least, mean_kbps * octets_per_kbit * RateCurve::most},
-      allowed_(wanted_), times_(times), curve_(curve) {}
+Flow::Flow(const FrameMix& mix, const RateRange& kbps, const FlowTimes& times, const RateCurve& curve)
+    : mix_(&mix), wanted_{kbps.least * octets_per_kbit, kbps.most * octets_per_kbit}, allowed_(wanted_), times_(times),
+      curve_(curve) {}
 
 FlowAmount Flow::until(PlantTime time) const {
     // The curve is walked while the traffic flows: on average as fast as time passes, with halts in
@@ -160,7 +178,9 @@ void Flow::limit(double factor) {
 }
 
 FlowAmount StreamFlow::until(PlantTime time) const {
-    const double octets = viewer_.kbit_until(time) * octets_per_kbit;
+    const auto* const viewer = std::get_if<Viewer>(&viewer_);
+    const double kbit = viewer == nullptr ? std::get<double>(viewer_) * seconds_of(time) : viewer->kbit_until(time);
+    const double octets = kbit * octets_per_kbit;
     return {octets * passed_share_, octets * (1 - passed_share_)};
 }
 
@@ -169,7 +189,9 @@ const FrameMix& StreamFlow::mix() {
 }
 
 double StreamFlow::peak() const {
-    return viewer_.peak_kbps() * octets_per_kbit * passed_share_;
+    const auto* const viewer = std::get_if<Viewer>(&viewer_);
+    const double kbps = viewer == nullptr ? std::get<double>(viewer_) : viewer->peak_kbps();
+    return kbps * octets_per_kbit * passed_share_;
 }
 
 Retries::Retries(const ServiceHosts& hosts, const ServiceSettings& service) : hosts_(hosts.count()) {
@@ -185,7 +207,7 @@ std::uint64_t Retries::count(PlantTime from, PlantTime to) const {
 }
 
 SharedFlow::SharedFlow(const Circumstances& given, unsigned pon_port)
-    : flow_(announcements, broadcast_kbps, Always{},
+    : flow_(announcements, {broadcast_kbps * RateCurve::least, broadcast_kbps * RateCurve::most}, Always{},
             {given.random, given.random.number(Purpose::traffic_curve, {pon_port, Way::broadcast})}),
       usable_(given.uplinks.stretches()) {}
 
@@ -200,9 +222,9 @@ std::uint64_t SharedFlow::count(std::size_t bin, PlantTime from, PlantTime to) c
     return static_cast<std::uint64_t>(sum);
 }
 
-OntTraffic::OntTraffic(const Circumstances& given, const PhysicalOnt& ont, const OntSettings& settings,
-                       PlantTime since) {
-    const Maker maker(given, ont, settings, since);
+OntTraffic::OntTraffic(const Circumstances& given, const PhysicalOnt& ont, const OntSettings& settings, PlantTime since,
+                       const OntUsage& usage) {
+    const Maker maker(given, ont, settings, since, usage);
     services.reserve(settings.services.size());
     bool has_broadcast = false;
     Flows all_down;

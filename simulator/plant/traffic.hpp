@@ -2,6 +2,7 @@
 
 #include "simulator/plant/multicast.hpp"
 #include "simulator/plant/rate_curve.hpp"
+#include "simulator/plant/service_usage.hpp"
 #include "simulator/plant/service_use.hpp"
 
 #include <array>
@@ -44,11 +45,18 @@ struct FlowAmount {
     double refused;
 };
 
+/// Bounds of a rate in kbit/s.
+struct RateRange {
+    double least;
+    double most;
+};
+
 /// One way of the traffic of one service. All amounts count from a fixed time that is the same for equal settings, so
 /// that only their differences mean something.
 class Flow {
 public:
-    Flow(const FrameMix& mix, double mean_kbps, const FlowTimes& times, const RateCurve& curve);
+    /// Its rate moves with the curve from the least to the most.
+    Flow(const FrameMix& mix, const RateRange& kbps, const FlowTimes& times, const RateCurve& curve);
 
     [[nodiscard]] FlowAmount until(PlantTime time) const;
     [[nodiscard]] const FrameMix& mix() const {
@@ -77,6 +85,8 @@ private:
 class StreamFlow {
 public:
     explicit StreamFlow(const Viewer& viewer) : viewer_(viewer) {}
+    /// The same streams all the time.
+    explicit StreamFlow(double kbps) : viewer_(kbps) {}
 
     [[nodiscard]] FlowAmount until(PlantTime time) const;
     [[nodiscard]] static const FrameMix& mix();
@@ -87,7 +97,7 @@ public:
     }
 
 private:
-    Viewer viewer_;
+    std::variant<Viewer, double> viewer_; ///< or in kbit/s
     double passed_share_ = 1;
 };
 
@@ -136,7 +146,8 @@ private:
 /// What flows to and from an ONT in service, within the limits of its services, T-CONTs and the ONT itself.
 struct OntTraffic {
     /// `since`: in service.
-    OntTraffic(const Circumstances& given, const PhysicalOnt& ont, const OntSettings& settings, PlantTime since);
+    OntTraffic(const Circumstances& given, const PhysicalOnt& ont, const OntSettings& settings, PlantTime since,
+               const OntUsage& usage);
 
     std::vector<ServiceTraffic> services; ///< as the settings have them
     std::optional<SharedFlow> broadcast;  ///< when a service gets it

@@ -4,7 +4,8 @@ _olt_sim() {
     local faults peers="system-mgr dhcp-ra pppoe igmp fsm-pon bcm-custom dna ipc-broker"
     case "$previous" in
     olt_sim)
-        words="fault clear faults step clock state power add swap move lease session firmware boot reboot watch snapshot load at run
+        words="fault clear faults step clock state power add swap move lease session group traffic
+            firmware boot reboot watch snapshot load at run
             make-image --json --help --version" ;;
     state) words="summary all ont pon subscribers" ;;
     power) words="ont pon all" ;;
@@ -25,6 +26,8 @@ _olt_sim() {
         power) words="on off" ;;
         lease) words="renew drop" ;;
         session) words="drop" ;;
+        group) words="join leave release" ;;
+        traffic) words="start stop idle evening speed_test" ;;
         add | swap) words="model serial" ;;
         state) words="--json" ;;
         watch) words="--of --count --json" ;;

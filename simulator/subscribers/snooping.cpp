@@ -24,16 +24,15 @@ public:
         if (line.service->multicast_vid == 0 || line.hosts.count() == 0) {
             return;
         }
-        const Viewer viewer(plant_.random(), line.ont->hardware->position, line.service->number,
-                            ViewingLimits(*line.ont->settings));
+        const auto membership = line.membership(plant_);
         if (line.served) {
-            add(line, viewer, *line.served);
+            add(line, membership, *line.served);
         }
         // Nobody says that an ONT is lost, except the PON port that goes down with it.
         const auto& situation = *line.ont->situation;
         if (const auto& before = line.served_before;
             before && situation.channel_is_up && situation.channel_since <= before->since) {
-            add(line, viewer, *before);
+            add(line, membership, *before);
         }
     }
 
@@ -42,11 +41,11 @@ public:
     }
 
 private:
-    void add(const SubscriberLine& line, const Viewer& viewer, const Stretch& served) {
+    void add(const SubscriberLine& line, const Membership& membership, const Stretch& served) {
         const auto heard_last = std::min(plant_.now(), served.until);
-        const auto viewing = viewer.at(heard_last);
+        const auto viewing = membership.at(heard_last);
         const auto joined = std::max(viewing.since, served.since);
-        for (const auto group : viewing.groups()) {
+        for (const auto group : viewing.joined.groups()) {
             add(line, group,
                 {last_report(line, joined, heard_last) + membership_interval, true, names_no_source(line)});
         }
@@ -54,9 +53,9 @@ private:
         if (!changed || line.ont->settings->immediate_leave) {
             return;
         }
-        const auto before = viewer.at(viewing.since - PlantTime(1));
-        for (const auto group : before.groups()) {
-            if (std::ranges::find(viewing.groups(), group) == viewing.groups().end()) {
+        const auto before = membership.at(viewing.since - PlantTime(1));
+        for (const auto group : before.joined.groups()) {
+            if (!viewing.joined.contains(group)) {
                 add(line, group, {viewing.since + last_member_query_time, false, names_no_source(line)});
             }
         }

@@ -4,6 +4,12 @@
 
 namespace xpon::simulator {
 
+Membership SubscriberLine::membership(const Plant& plant) const {
+    const auto& position = ont->hardware->position;
+    return {plant.random(), position, service->number, ViewingLimits(*ont->settings),
+            plant.subscriber_acts().of(position, service->number).groups};
+}
+
 MacAddress SubscriberLine::mac_of(unsigned host) const {
     return {0x02,
             0x53,

@@ -28,6 +28,8 @@ struct SubscriberLine {
     [[nodiscard]] std::uint16_t gem_port() const {
         return gem_port_of(index, service->number);
     }
+    /// What is joined behind it, by time.
+    [[nodiscard]] Membership membership(const Plant& plant) const;
     [[nodiscard]] MacAddress mac_of(unsigned host) const;
     [[nodiscard]] Ipv4Address ip_of(unsigned host) const;
 };

@@ -74,10 +74,24 @@ TEST_F(BenchTest, SubscribersDoWhatTheyAreTold) {
     must({"lease", "1/1/3", "drop"});
     must({"step", "60"});
     must({"lease", "1/1/3", "renew"});
+    unsigned left = 0; // of whatever is watched
+    for (unsigned number = 1; number <= 64; ++number) {
+        const auto answer = command({"group", "1/1/2", "leave", "239.0.0." + std::to_string(number)});
+        left += answer.find("\"ok\":true") != std::string::npos ? 1 : 0;
+    }
+    EXPECT_TRUE(left == 1 || left == 2) << left;
+    must({"group", "1/1/2", "join", "239.0.0.63"});
+    must({"traffic", "1/1/1", "start", "speed_test"});
+    const auto state = command({"state", "ont", "1/1"});
+    EXPECT_THAT(state, HasSubstr(R"("groups":"239.0.0.63")"));
+    EXPECT_THAT(state, HasSubstr(R"("traffic":"speed_test")"));
+    must({"traffic", "1/1/1", "stop"});
+    must({"group", "1/1/2", "release"});
     const auto events = root.read("var/log/events.log");
     for (const auto* line :
          {" 263530.000 session 1/1/1 PPPoE session dropped by a tester\n", " session 1/1/1 PPPoE session 0x",
-          " 263580.000 session 1/1/3 1 leases dropped by a tester\n", " 263640.000 session 1/1/3 1 leases renewed"}) {
+          " 263580.000 session 1/1/3 1 leases dropped by a tester\n", " 263640.000 session 1/1/3 1 leases renewed",
+          " group 1/1/2 joined 239.0.0.63 in VLAN ", " session 1/1/1 traffic speed_test by a tester"}) {
         EXPECT_THAT(events, HasSubstr(line));
     }
 }
@@ -122,6 +136,10 @@ TEST_F(BenchTest, RefusesWhatIsNotThere) {
         {{"lease", "1/9/1", "drop"}, "there is no ONT 1/9"},
         {{"lease", "1/4/1", "drop"}, "1/4/1 is not in service"},
         {{"session", "1/1/3", "drop"}, "1/1/3 has no session"},
+        {{"group", "1/1/2", "join", "239.0.0.65"}, "address must be 239.0.0.1 to 239.0.0.64"},
+        {{"group", "1/1/1", "join", "239.0.0.1"}, "nobody watches television there"},
+        {{"traffic", "1/1/1", "start", "usual"}, "traffic starts with the profile idle or evening or speed_test"},
+        {{"traffic", "1/1/1", "stop"}, "1/1/1 has its usual traffic"},
     };
     for (const auto& [words, complaint] : cases) {
         EXPECT_THAT(command(words), HasSubstr(complaint));

@@ -84,6 +84,8 @@ TEST_F(SimulatorTest, GoesOnWhereAKilledOneLeftOff) {
         ask({"lease", "1/1/3", "drop"});
         ask({"step", "20"});
         ask({"session", "1/1/1", "drop"});
+        ask({"group", "1/1/2", "release"});
+        ask({"traffic", "1/1/1", "start", "evening"});
         subscribers = ask({"state", "subscribers"});
         before = ask({"state"});
         first.end(SIGKILL);

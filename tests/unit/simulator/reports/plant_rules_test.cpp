@@ -68,7 +68,7 @@ private:
         auto configuration = plant().configuration();
         auto& ont = configuration.onts.at(index);
         restarted_.clear();
-        switch (choose(1, 9)) {
+        switch (choose(1, 13)) {
         case 0:
             for (auto& port : configuration.front) {
                 port.enabled = !port.enabled;
@@ -99,6 +99,19 @@ private:
         case 7:
             restarted_ = {index};
             toggle({.kind = FaultKind::ont_los, .target = ont_target(place)});
+            return;
+        case 8:
+            network_.happen(&Plant::set_profile, place, 1U, static_cast<TrafficProfile>(choose(2, 4)));
+            return;
+        case 9:
+            network_.happen(&Plant::choose_groups, place, 2U,
+                            steps_ % 3 == 0 ? std::nullopt : std::optional(JoinedGroups{.count = 2, .group = {1, 60}}));
+            return;
+        case 10:
+            network_.happen(&Plant::change_leases, place, 3U, steps_ % 2 == 0);
+            return;
+        case 11:
+            network_.happen(&Plant::end_session, place, 1U);
             return;
         default:
             network_.happen(&Plant::command_onts, OntCommand::reboot, [&](auto told) { return told == index; });

@@ -42,9 +42,13 @@ protected:
         carried[4095].down = record.bc.received_gem_frames;
         return carried;
     }
-    /// In the next interval, which both sides see alike.
-    CarriedByPort carried_in_interval() {
+    /// In the next interval, in the midst of which something may happen, and which both sides see alike.
+    CarriedByPort carried_in_interval(const std::function<void(Plant&)>& happen = {}) {
         const auto before = at_olt();
+        if (happen) {
+            pass(7min);
+            happen(plant);
+        }
         finish_interval();
         auto carried = at_ont();
         for (const auto& [port, sums] : at_olt()) {
@@ -102,6 +106,48 @@ TEST_F(ServiceUseTest, NothingFlowsWhereNobodyCanUseIt) {
             finish_interval();
             EXPECT_GT(at_ont()[1].down, 1000U);
         }
+    }
+}
+
+TEST_F(ServiceUseTest, ServicesAreUsedAsTestersHaveIt) {
+    constexpr OntPosition ont{.port = 1, .ont = 1};
+    using Act = std::function<void(Plant&)>;
+    const auto use = [&](TrafficProfile profile) {
+        return Act([=](Plant& changed) { changed.set_profile(ont, 1, profile); });
+    };
+    const auto hold = [&](const std::optional<JoinedGroups>& groups) {
+        return Act([=](Plant& changed) { changed.choose_groups(ont, 2, groups); });
+    };
+    const JoinedGroups five{.count = 5, .group = {3, 9, 27, 40, 63}};
+    const struct {
+        const char* name;
+        Act start;
+        Act stop;
+        unsigned port;
+        double least; ///< carried down, of what is usual
+        double most;
+    } cases[] = {
+        {"idle", use(TrafficProfile::idle), use(TrafficProfile::usual), 1, 0.001, 0.05},
+        {"evening", use(TrafficProfile::evening), use(TrafficProfile::usual), 1, 0.9, 5},
+        {"speed test", use(TrafficProfile::speed_test), use(TrafficProfile::usual), 1, 100, 1000},
+        {"groups left", hold(JoinedGroups{}), hold(std::nullopt), 4094, 0, 0},
+        {"groups joined", hold(five), hold(std::nullopt), 4094, 1.5, 8},
+    };
+    auto usual = carried_in_interval();
+    const auto in_service = plant;
+    for (const auto& [name, start, stop, port, least, most] : cases) {
+        SCOPED_TRACE(name);
+        plant = in_service;
+        start(plant);
+        const auto share = [&](const CarriedByPort& carried) {
+            return static_cast<double>(carried.at(port).down) / static_cast<double>(usual[port].down);
+        };
+        const auto started = share(carried_in_interval());
+        EXPECT_TRUE(started >= least && started <= most) << started;
+        const auto stopped = share(carried_in_interval(stop));
+        EXPECT_TRUE(stopped > std::min(started, 0.1) && stopped < std::max(started, 3.0)) << stopped;
+        const auto after = share(carried_in_interval());
+        EXPECT_TRUE(after > 0.2 && after < 5) << after;
     }
 }
 
