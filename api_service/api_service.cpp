@@ -15,6 +15,10 @@
 namespace xpon::api_service {
 namespace {
 
+/// After this long the loop looks for new requests before it serves more of those that it has. So a request waits for
+/// those that came before it, and not for all that the others send meanwhile.
+constexpr std::chrono::milliseconds longest_turn{1};
+
 /// What the device's daemons may take of one request, all calls together: the other clients wait meanwhile.
 constexpr std::chrono::seconds peers_time{5};
 
@@ -36,19 +40,21 @@ Result<void> ApiService::run(const service::ServiceCtx&) {
     }
     try_send_buffer(*logger_);
     Poller poller(logger_, std::make_unique<ListenerSocket>(endpoint_));
+    std::vector<std::shared_ptr<IClientSocket>> waiting; // one entry a frame to serve, oldest first
     while (running_.load(std::memory_order_acquire)) {
         changes_.tell_held_back();
-        const auto clients = poller.poll(std::chrono::milliseconds(1000));
+        auto clients = poller.poll(std::chrono::milliseconds(waiting.empty() ? 1000 : 0));
         if (!clients) {
             log_error(*logger_, "{}", clients.error().to_string());
             return clients.error();
         }
-        for (const auto& client : clients.value()) {
-            {
-                const RequestMemory::Scope memory;
-                serve_client(client);
-            }
-            give_back_freed_memory(std::exchange(memory_used_, 0));
+        const auto queued = core::guarded(*logger_, [&]() -> Result<void> {
+            waiting.insert(waiting.end(), clients.value().begin(), clients.value().end());
+            return core::success();
+        });
+        serve_turn(waiting);
+        while (!queued && !clients.value().empty()) { // without memory for the queue nobody waits
+            serve_turn(clients.value());
         }
     }
     return core::success();
@@ -76,6 +82,24 @@ Result<void> ApiService::register_routes() {
             core::exception_text_unpadded));
     }
     return core::success();
+}
+
+void ApiService::serve_turn(std::vector<std::shared_ptr<IClientSocket>>& waiting) {
+    using Clock = std::chrono::steady_clock;
+    // A request alone, as most are, needs no clock.
+    const auto end = waiting.size() > 1 ? Clock::now() + longest_turn : Clock::time_point();
+    auto next = waiting.begin();
+    while (next != waiting.end()) {
+        {
+            const RequestMemory::Scope memory;
+            serve_client(*next++);
+        }
+        give_back_freed_memory(std::exchange(memory_used_, 0));
+        if (next != waiting.end() && Clock::now() >= end) {
+            break;
+        }
+    }
+    waiting.erase(waiting.begin(), next);
 }
 
 void ApiService::serve_client(const std::shared_ptr<IClientSocket>& socket) {

@@ -52,6 +52,8 @@ private:
     Result<void> answer(IClientSocket& socket, Response response, const std::string& path);
     Result<void> answer_with_error(IClientSocket& socket, const std::shared_ptr<Session>& session, Json_errors index,
                                    const std::string& path);
+    /// Serves one frame of each, until it is time to look for more.
+    void serve_turn(std::vector<std::shared_ptr<IClientSocket>>& waiting);
     void serve_client(const std::shared_ptr<IClientSocket>& socket);
 
     std::shared_ptr<ipc::IIpc> ipc_;

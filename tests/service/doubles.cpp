@@ -31,6 +31,9 @@ core::Result<void> FakePeers::connect(ipc::Address peer) {
 
 core::Result<std::shared_ptr<api_service::IPamSession>> FakePam::open_session(const std::string& user,
                                                                               const std::string& password) {
+    if (while_opening) {
+        while_opening(user);
+    }
     if (user == unavailable_for) {
         throw std::runtime_error("PAM is away");
     }

@@ -3,6 +3,7 @@
 #include "api_service/auth/pam_interfaces.hpp"
 #include "xpon/ipc/ipc.hpp"
 
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -17,7 +18,8 @@ public:
 
     int sessions_opened = 0;
     int sessions_open = 0;
-    std::string unavailable_for; ///< opening a session for this user throws
+    std::string unavailable_for;                                ///< opening a session for this user throws
+    std::function<void(const std::string& user)> while_opening; ///< runs in the service's thread
 };
 
 /// An endpoint that has been connected to all peers. What they answer is for the custom layer's double to say.

@@ -3,6 +3,11 @@
 #include "api_service/protocol/route_table.hpp"
 #include "tests/service/service_fixture.hpp"
 
+#include <chrono>
+#include <functional>
+#include <map>
+#include <vector>
+
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 
@@ -52,6 +57,41 @@ TEST_F(Pipeline, Refusals) {
         EXPECT_EQ(ask(fmt::format(R"({{"session_id":"{}","path":"nowhere","method":"get"}})", unknown)),
                   access_denied(""));
     }
+}
+
+// Two clients whose requests take long ask again at once; a third one waits for theirs of now, not for their next ones.
+TEST_F(Pipeline, RequestsAreServedInTheOrderOfTheirArrival) {
+    const auto path = root.path().string() + "/api";
+    const auto soon = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    std::vector<client::Connection> clients;
+    for (int i = 0; i < 3; ++i) {
+        clients.push_back(client::Connection::open(client::UnixEndpoint{path}).value());
+        EXPECT_TRUE(clients.back().send_frame(R"({"path":"test.echo","method":"echo"})", soon));
+        EXPECT_TRUE(clients.back().receive_frame(soon)); // it has been accepted
+    }
+    const auto send = [&](std::size_t client, const std::string& user) {
+        constexpr auto frame = R"({{"path":"auth","method":"auth","data":{{"user":"{0}","password":"{0}"}}}})";
+        EXPECT_TRUE(clients[client].send_frame(fmt::format(frame, user), soon));
+    };
+    const std::map<std::string, std::function<void()>> sent_meanwhile{
+        {"begin", [&] { send(0, "first"), send(1, "second"); }},
+        {"first", [&] { send(2, "third"); }},
+        {"second", [&] { send(0, "first again"); }}};
+    std::vector<std::string> served;
+    pam->while_opening = [&](const std::string& user) {
+        served.push_back(user);
+        if (const auto more = sent_meanwhile.find(user); more != sent_meanwhile.end()) {
+            more->second();
+        }
+        for (const auto begin = std::chrono::steady_clock::now();
+             std::chrono::steady_clock::now() < begin + std::chrono::milliseconds(2);) {
+        } // as long as a real one takes at least
+    };
+    ask(R"({"path":"auth","method":"auth","data":{"user":"begin","password":"begin"}})");
+    for (const std::size_t client : {0, 1, 2, 0}) {
+        EXPECT_TRUE(clients[client].receive_frame(soon));
+    }
+    EXPECT_THAT(served, testing::ElementsAre("begin", "first", "second", "third", "first again"));
 }
 
 } // namespace
