@@ -76,6 +76,9 @@ void ChangeLog::unknown_session(const Request& request, int client) {
 }
 
 void ChangeLog::tell_held_back() {
+    if (!refusals_.has_held_back() && !unknown_sessions_.has_held_back()) {
+        return; // the loop asks at every turn
+    }
     const auto now = LineLimit::Clock::now();
     const std::pair<LineLimit*, const char*> limits[] = {{&refusals_, "changes"},
                                                          {&unknown_sessions_, "requests of unknown sessions"}};

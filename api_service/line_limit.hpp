@@ -27,6 +27,10 @@ public:
         return false;
     }
 
+    [[nodiscard]] bool has_held_back() const {
+        return held_back_ > 0;
+    }
+
     /// How many were held back and not told yet; 0 as long as their period lasts.
     std::size_t take_held_back(Clock::time_point now) {
         if (now - begin_ < period_) {

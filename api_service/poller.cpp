@@ -78,7 +78,10 @@ Result<std::vector<std::shared_ptr<IClientSocket>>> Poller::poll(std::chrono::mi
 }
 
 void Poller::collect_descriptors() {
-    const bool accepting = Clock::now() >= accept_again_;
+    const bool accepting = !accept_again_ || Clock::now() >= *accept_again_;
+    if (accepting) {
+        accept_again_.reset();
+    }
     std::erase_if(held_back_, [this](int fd) {
         const auto client = clients_.find(fd);
         return client == clients_.end() || client->second->takes_requests();

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <vector>
 
@@ -53,8 +54,8 @@ private:
     std::vector<pollfd> fds_;
     /// Clients that have sent more without having taken their answer; they are left alone until they have.
     std::set<int> held_back_;
-    Clock::time_point accept_again_; ///< the listener is left alone until then
-    int refused_ = 0;                ///< connections closed at once, not logged yet
+    std::optional<Clock::time_point> accept_again_; ///< the listener is left alone until then
+    int refused_ = 0;                               ///< connections closed at once, not logged yet
     Clock::time_point tell_refused_again_;
 };
 
