@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <fstream>
 #include <stdexcept>
 #include <utility>
@@ -14,9 +15,9 @@
 namespace xpon::bench {
 namespace {
 
-/// The value that `share` of all are not above.
+/// The least value that at least `share` of all are not above.
 double quantile(std::vector<double>& values, double share) {
-    const auto at = static_cast<std::ptrdiff_t>(share * static_cast<double>(values.size() - 1));
+    const auto at = static_cast<std::ptrdiff_t>(std::ceil(share * static_cast<double>(values.size()))) - 1;
     std::nth_element(values.begin(), values.begin() + at, values.end());
     return values[static_cast<std::size_t>(at)];
 }
