@@ -35,7 +35,7 @@ public:
 
     /// Something happens to the plant now: `event` is one of its members, or takes it first. Gives what that gives.
     template <class Event, class... Arguments>
-    auto happen(Event event, Arguments&&... arguments) {
+    auto happen(const Event& event, Arguments&&... arguments) {
         if constexpr (std::is_void_v<std::invoke_result_t<Event, Plant&, Arguments...>>) {
             std::invoke(event, plant_, std::forward<Arguments>(arguments)...);
             remember();
