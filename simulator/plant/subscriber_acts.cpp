@@ -1,6 +1,6 @@
 #include "simulator/plant/subscriber_acts.hpp"
 
-#include <algorithm>
+#include <algorithm> // NOLINT(misc-include-cleaner): std::ranges::upper_bound
 #include <iterator>
 
 namespace xpon::simulator {

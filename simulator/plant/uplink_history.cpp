@@ -4,7 +4,7 @@
 #include "simulator/plant/ports.hpp"
 #include "simulator/plant/uplinks.hpp"
 
-#include <algorithm>
+#include <algorithm> // NOLINT(misc-include-cleaner): std::ranges::upper_bound
 #include <set>
 
 namespace xpon::simulator {

@@ -1,6 +1,5 @@
 #include "api_service/handlers/monitoring/ont_counters_handler.hpp"
 
-#include "api_service/handlers/library_buffers.hpp"
 #include "api_service/handlers/record_fields.hpp"
 #include "xpon/core/call_sequence.hpp"
 

@@ -1,6 +1,5 @@
 #include "api_service/handlers/monitoring/pon_port_state_handler.hpp"
 
-#include "api_service/handlers/library_buffers.hpp"
 #include "api_service/handlers/monitoring/port_answers.hpp"
 #include "api_service/handlers/record_fields.hpp"
 

@@ -1,6 +1,5 @@
 #include "api_service/handlers/monitoring/sessions_handler.hpp"
 
-#include "api_service/handlers/library_buffers.hpp"
 #include "api_service/handlers/monitoring/wire_texts.hpp"
 #include "api_service/handlers/record_fields.hpp"
 

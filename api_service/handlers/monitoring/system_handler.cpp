@@ -2,7 +2,6 @@
 
 #include "api_service/handlers/monitoring/device_info.hpp"
 #include "api_service/handlers/record_fields.hpp"
-#include "xpon/core/c_status.hpp"
 
 namespace xpon::api_service {
 namespace {

@@ -9,6 +9,7 @@
 #include <iterator>
 #include <list>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -158,11 +159,10 @@ void show_ont(Context& context, const std::string& text) {
     const auto ont = parse_ont_number(text);
     const core::JsonTree screen(cJSON_CreateObject());
     for (const auto& part : ont_parts) {
-        client::Request request{.path = part.path, .method = "get", .indices = indices_for(part, ont)};
-        if (part.config_type != nullptr) {
-            request.config_type = part.config_type;
-        }
-        auto answer = context.service().ask(request);
+        const auto config_type =
+            part.config_type == nullptr ? std::nullopt : std::optional<std::string>(part.config_type);
+        auto answer = context.service().ask(
+            {.path = part.path, .method = "get", .indices = indices_for(part, ont), .config_type = config_type});
         const bool is_single = cJSON_GetArraySize(answer.data.get()) == 1 && part.asked == OntPart::Asked::ont;
         cJSON_AddItemToObject(screen.get(), part.title,
                               is_single ? cJSON_DetachItemFromArray(answer.data.get(), 0) : answer.data.release());
