@@ -144,8 +144,7 @@ void JsonWriter::begin_line(std::size_t depth) {
 }
 
 void JsonWriter::append(std::string_view piece) {
-    std::memcpy(room(piece.size()), piece.data(), piece.size());
-    used_ += piece.size();
+    used_ += piece.copy(room(piece.size()), piece.size());
 }
 
 void JsonWriter::append_quoted(std::string_view value) {
