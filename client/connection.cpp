@@ -87,9 +87,7 @@ Result<Connection> Connection::open(const Endpoint& endpoint) {
 }
 
 Result<void> Connection::send_frame(std::string_view text, Deadline deadline) {
-    std::string frame(text);
-    frame.push_back('\0');
-    return send_bytes(frame, deadline);
+    return send_bytes(make_frame(text), deadline);
 }
 
 Result<void> Connection::send_bytes(std::string_view bytes, Deadline deadline) {
@@ -109,19 +107,15 @@ Result<void> Connection::send_bytes(std::string_view bytes, Deadline deadline) {
 }
 
 Result<std::string> Connection::receive_frame(Deadline deadline) {
-    std::size_t searched = 0; // no NUL before this position
     while (true) {
-        if (const auto end = received_.find('\0', searched); end != std::string::npos) {
-            std::string frame = received_.substr(0, end);
-            received_.erase(0, end + 1);
-            return frame;
+        if (auto frame = received_.next()) {
+            return *std::move(frame);
         }
-        searched = received_.size();
         BOOST_OUTCOME_TRY(wait_for(descriptor_.get(), POLLIN, deadline));
         std::array<char, 65536> buffer; // filled by recv
         const auto count = recv(descriptor_.get(), buffer.data(), buffer.size(), 0);
         if (count > 0) {
-            received_.append(buffer.data(), static_cast<std::size_t>(count));
+            received_.append({buffer.data(), static_cast<std::size_t>(count)});
         } else if (count == 0 || errno == ECONNRESET) {
             return ErrorPayload(Error::Empty, "The daemon has closed the connection");
         } else if (errno != EAGAIN && errno != EINTR) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "xpon/client/frame.hpp"
 #include "xpon/core/result.hpp"
 #include "xpon/core/unique_fd.hpp"
 
@@ -45,7 +46,7 @@ private:
     explicit Connection(core::UniqueFd descriptor) : descriptor_(std::move(descriptor)) {}
 
     core::UniqueFd descriptor_;
-    std::string received_; // bytes behind the last frame that was handed out
+    FrameReader received_; // what stands behind the last frame that was handed out
 };
 
 } // namespace xpon::client
