@@ -22,6 +22,10 @@ public:
     void log_out();
     /// The session that is kept. Failure (no_session) when there is none.
     const KeptSession& session();
+    /// From now on this session, whichever is kept.
+    void use(const KeptSession& session) {
+        session_ = session;
+    }
 
     /// The answer to a good request. Failure when it is refused. When the session has expired and a person is there,
     /// the password is asked for and the request repeated.

@@ -1,6 +1,5 @@
-#include "tests/system/olt.hpp"
+#include "tests/system/oltctl_user.hpp"
 
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <regex>
@@ -45,38 +44,6 @@ std::string without_values(const std::string& text) {
     static const std::regex number(R"( *-?\b[0-9][0-9.:]*\b)");
     return std::regex_replace(text, number, " #");
 }
-
-/// A user who works with oltctl on the machine of an OLT.
-class OltctlUser : public testing::Test {
-protected:
-    void SetUp() override {
-        std::filesystem::create_directory(runtime_folder());
-    }
-
-    [[nodiscard]] std::filesystem::path runtime_folder() const {
-        return olt_.root() / "tmp/user";
-    }
-
-    /// What the shell command printed; its exit status is in `status_`.
-    std::string run(const std::string& command) {
-        const auto bin = std::filesystem::path(OLTCTL).parent_path().string() + ":" +
-                         std::filesystem::path(OLT_SIM).parent_path().string() + ":/usr/bin:/bin";
-        Process shell({"/bin/sh", "-c", "exec </dev/null; cd \"$XDG_RUNTIME_DIR\"; " + command},
-                      {{"PATH", bin}, {"XDG_RUNTIME_DIR", runtime_folder()}, {"OLT_ROOT", olt_.root()}});
-        status_ = shell.wait().value_or(-1);
-        return shell.output();
-    }
-    /// The same of oltctl, in a session of that user.
-    void log_in(const std::string& user) {
-        std::ofstream(runtime_folder() / "password") << user << "\n";
-        std::filesystem::permissions(runtime_folder() / "password", std::filesystem::perms(0600));
-        run("oltctl login " + user + " --password-file password");
-        ASSERT_EQ(status_, 0);
-    }
-
-    Olt olt_;
-    int status_ = 0;
-};
 
 TEST_F(OltctlUser, FollowsThePageFromAnEmptyOltToASubscriberOnline) {
     olt_.start({"--onts", "1", "--configured", "0"});
@@ -162,12 +129,7 @@ TEST_F(OltctlUser, LearnsFromTheStatusWhatWentWrong) {
             {"--port-of-service 1 system", 3, "not logged in"},
             {"--port-of-service 1 login admin --password-file password", 4, "Is api_service running"}});
     // A restart ends all sessions.
-    olt_.daemon().send_signal(SIGTERM);
-    ASSERT_EQ(olt_.daemon().wait(), 0);
-    expect({{"system", 4, "Is api_service running"}});
-    EXPECT_EQ(olt_.next_notification(), shutting_down);
-    olt_.start_daemon();
-    olt_.wait_until_ready();
+    restart_daemon();
     expect({{"system", 3, "has expired. Log in: oltctl login USER"}});
 }
 

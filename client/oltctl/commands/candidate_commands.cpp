@@ -1,39 +1,89 @@
 #include "client/oltctl/commands/context.hpp"
 #include "client/oltctl/configuration/difference.hpp"
+#include "client/oltctl/configuration/document.hpp"
+#include "client/oltctl/confirmation/guard.hpp"
+#include "client/oltctl/failure.hpp"
 #include "client/oltctl/output/terminal.hpp"
 
+#include <chrono>
 #include <iostream>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 #include <CLI/CLI.hpp>
+#include <fmt/format.h>
 
 namespace xpon::oltctl {
 namespace {
 
-std::vector<FieldDifference> all_differences(Context& context) {
+std::vector<DifferingRecords> all_differences(Context& context) {
     ConfigurationAccess access(context.service());
-    return differences(context.service(), access);
+    return differing_records(context.service(), access);
 }
 
-void show(const Context& context, const std::vector<FieldDifference>& found) {
+void show(const Context& context, const std::vector<DifferingRecords>& records) {
+    const auto found = differences(records);
     print(context.as_json ? json_of(found) : text_of(found));
 }
 
-void commit(Context& context, bool dry_run) {
-    const auto found = all_differences(context);
-    show(context, found);
-    if (dry_run) {
+struct Commit {
+    bool dry_run = false;
+    unsigned seconds_to_confirm = 0; ///< 0: it holds at once
+};
+
+/// Who may not write a record cannot bring its former value back.
+void check_that_it_can_be_taken_back(Context& context, const std::vector<DifferingRecords>& changes) {
+    for (const auto& change : changes) {
+        const std::string_view writer(change.element->writer);
+        if (context.service().session().privilege != "administrator" && writer == "administrator") {
+            throw Failure(ExitStatus::refused,
+                          fmt::format("You could not take this commit back: only an administrator writes {}.",
+                                      change.element->path));
+        }
+    }
+}
+
+void commit_for_the_time_being(Context& context, const std::vector<DifferingRecords>& changes, unsigned seconds) {
+    check_that_it_can_be_taken_back(context, changes);
+    start_guard({.session = context.service().session(),
+                 .deadline = std::chrono::steady_clock::now() + std::chrono::seconds(seconds),
+                 .before = document_of(changes, &DifferingRecords::running),
+                 .trouble = ""},
+                std::chrono::seconds(context.patience_s));
+    try {
+        context.service().ask({.path = "command.commit", .method = "command"});
+    } catch (const Failure& failure) {
+        if (failure.status() == ExitStatus::refused) { // else it may have been made
+            confirm(context.port);
+        }
+        throw;
+    }
+    std::cerr << fmt::format("In force for {} s, unless `oltctl confirm` keeps it for good.\n", seconds);
+}
+
+void commit(Context& context, const Commit& how) {
+    const auto changes = all_differences(context);
+    show(context, changes);
+    if (how.dry_run) {
         return;
     }
-    if (found.empty()) {
+    if (is_commit_unconfirmed(context.port)) {
+        throw Failure(ExitStatus::refused, "The last commit waits to be confirmed: `oltctl confirm` keeps it, `oltctl "
+                                           "confirm --restore` takes it back.");
+    }
+    if (changes.empty()) {
         std::cerr << "There is nothing to commit.\n";
         return;
     }
     if (a_person_is_there()) { // the candidate is everybody's: what was shown may be the work of others as well
         context.confirm("Put this into force? It may hold what others have edited.");
     }
-    context.service().ask({.path = "command.commit", .method = "command"});
+    if (how.seconds_to_confirm != 0) {
+        commit_for_the_time_being(context, changes, how.seconds_to_confirm);
+    } else {
+        context.service().ask({.path = "command.commit", .method = "command"});
+    }
 }
 
 /// A command of the service that takes nothing.
@@ -62,9 +112,29 @@ void add_candidate_commands(CLI::App& app, Context& context) {
         ->callback([&context] { context.action = [&context] { show(context, all_differences(context)); }; });
 
     auto* const committer = app.add_subcommand("commit", "Show what was edited and put it into force, all or nothing");
-    const auto dry_run = std::make_shared<bool>(false);
-    committer->add_flag("--dry-run", *dry_run, "only show it");
-    committer->callback([&context, dry_run] { context.action = [&context, dry_run] { commit(context, *dry_run); }; });
+    const auto how = std::make_shared<Commit>();
+    auto* const dry_run = committer->add_flag("--dry-run", how->dry_run, "only show it");
+    constexpr unsigned day = 86400;
+    committer
+        ->add_option("--confirm", how->seconds_to_confirm,
+                     "the configuration of before comes back after so many seconds, unless `oltctl confirm` was called")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(1U, day))
+        ->excludes(dry_run);
+    committer->callback([&context, how] { context.action = [&context, how] { commit(context, *how); }; });
+
+    auto* const confirmer = app.add_subcommand("confirm", "Keep what `commit --confirm` has put into force");
+    const auto take_back = std::make_shared<bool>(false);
+    confirmer->add_flag("--restore", *take_back, "take it back instead, at once");
+    confirmer->callback([&context, take_back] {
+        context.action = [&context, take_back] {
+            if (*take_back) {
+                restore_now(context.port, std::chrono::seconds(context.patience_s));
+            } else {
+                confirm(context.port);
+            }
+        };
+    });
 
     for (const auto& command : plain_commands) {
         app.add_subcommand(command.name, command.meaning)->callback([&context, &command] {

@@ -1,8 +1,10 @@
 #include "client/oltctl/commands/context.hpp"
 
+#include "client/oltctl/confirmation/guard.hpp"
 #include "client/oltctl/output/terminal.hpp"
 #include "client/oltctl/output/tree.hpp"
 
+#include <iostream>
 #include <new>
 #include <string>
 #include <vector>
@@ -19,6 +21,17 @@ std::string json_text(const cJSON* value) {
 }
 
 } // namespace
+
+Service& Context::service() {
+    if (!service_) {
+        const auto patience = std::chrono::seconds(patience_s);
+        if (const auto news = news_of_commit(port, patience); !news.empty()) {
+            std::cerr << news << "\n";
+        }
+        service_.emplace(port, patience);
+    }
+    return *service_;
+}
 
 void Context::show_rows(const cJSON* array, std::span<const Column> columns) const {
     if (as_json) {

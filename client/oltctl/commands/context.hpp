@@ -24,12 +24,8 @@ public:
     std::uint16_t port = 9999;
     unsigned patience_s = 30;
 
-    Service& service() {
-        if (!service_) {
-            service_.emplace(port, std::chrono::seconds(patience_s));
-        }
-        return *service_;
-    }
+    /// The first call tells the user what has become of a commit that waited to be confirmed.
+    Service& service();
 
     /// The rows of an array as a table, or all of it as JSON.
     void show_rows(const cJSON* array, std::span<const Column> columns) const;

@@ -1,4 +1,6 @@
 #include "client/oltctl/commands/context.hpp"
+#include "client/oltctl/confirmation/guard.hpp"
+#include "client/oltctl/failure.hpp"
 #include "client/oltctl/output/terminal.hpp"
 #include "client/oltctl/session/password.hpp"
 
@@ -41,11 +43,18 @@ void add_session_commands(CLI::App& app, Context& context) {
         context.action = [&context, words] {
             const auto password = read_password(words->source, fmt::format("Password of {}: ", words->user));
             show_session(context, context.service().log_in(words->user, password));
+            hurry_guard(context.port);
         };
     });
 
     app.add_subcommand("logout", "End the session")->callback([&context] {
-        context.action = [&context] { context.service().log_out(); };
+        context.action = [&context] {
+            if (is_commit_unconfirmed(context.port)) {
+                throw Failure(ExitStatus::refused, "The last commit waits to be confirmed, and could not be taken back "
+                                                   "without this session: `oltctl confirm` first.");
+            }
+            context.service().log_out();
+        };
     });
 
     app.add_subcommand("whoami", "Who is logged in, and with which privilege")->callback([&context] {

@@ -62,20 +62,36 @@ std::string shown(const FieldDifference& difference, const std::string& value) {
 
 } // namespace
 
-std::vector<FieldDifference> differences(Service& service, ConfigurationAccess& access) {
-    std::vector<FieldDifference> found;
+std::vector<DifferingRecords> differing_records(Service& service, ConfigurationAccess& access) {
+    std::vector<DifferingRecords> all;
     for (const auto& element : elements()) {
         const auto running = service.text_of_answer_to(access.request_for_all(element, "running"));
         const auto candidate = service.text_of_answer_to(access.request_for_all(element, "candidate"));
         if (running == candidate) {
             continue; // most of the time, and much quicker than to take both apart
         }
-        const auto runs = access.records_of(element, running);
-        const auto edited = access.records_of(element, candidate);
-        for (const auto& [index, record] : edited.records) {
+        auto& found = all.emplace_back(DifferingRecords{.element = &element,
+                                                        .running = access.records_of(element, running),
+                                                        .candidate = access.records_of(element, candidate)});
+        std::erase_if(found.candidate.records, [&](const auto& row) {
+            const auto at = found.running.records.find(row.first);
+            const bool is_same = is_equal(at->second, row.second);
+            if (is_same) {
+                found.running.records.erase(at);
+            }
+            return is_same;
+        });
+    }
+    return all;
+}
+
+std::vector<FieldDifference> differences(const std::vector<DifferingRecords>& records) {
+    std::vector<FieldDifference> found;
+    for (const auto& [element, running, candidate] : records) {
+        for (const auto& [index, record] : candidate.records) {
             const FieldDifference place{
-                .element = element.path, .index = text_of(index), .field = "", .running = "", .candidate = ""};
-            compare(runs.records.at(index), record, place, found);
+                .element = element->path, .index = text_of(index), .field = "", .running = "", .candidate = ""};
+            compare(running.records.at(index), record, place, found);
         }
     }
     return found;

@@ -16,8 +16,17 @@ struct FieldDifference {
     std::string candidate;
 };
 
-/// All of them, by element, index and field.
-std::vector<FieldDifference> differences(Service& service, ConfigurationAccess& access);
+/// The records of an element that candidate and running have different: the same indices on both sides.
+struct DifferingRecords {
+    const Element* element;
+    ConfigurationAccess::Read running;
+    ConfigurationAccess::Read candidate;
+};
+/// Those of all elements that have any.
+std::vector<DifferingRecords> differing_records(Service& service, ConfigurationAccess& access);
+
+/// Their fields, by element, index and key path.
+std::vector<FieldDifference> differences(const std::vector<DifferingRecords>& records);
 
 /// For people: a line for each record, below it one for each field.
 std::string text_of(const std::vector<FieldDifference>& differences);

@@ -3,6 +3,7 @@
 #include "client/oltctl/failure.hpp"
 
 #include <algorithm>
+#include <functional>
 #include <unordered_map>
 #include <utility>
 
@@ -34,6 +35,31 @@ std::vector<Row> rows_of(const Element& element, const Records& records) {
     }
     std::ranges::sort(rows, {}, &Row::first); // no two rows share an index
     return rows;
+}
+
+/// What a document says of one element.
+struct Part {
+    const Element* element = nullptr;
+    const Records* records = nullptr;
+};
+
+/// The parts as `next` hands them out, until it has no more.
+std::string print_document(const std::function<bool(Part&)>& next) {
+    std::string text = "{";
+    for (Part part; next(part);) {
+        text += fmt::format("{}\n\"{}\": ", text == "{" ? "" : ",", part.element->path);
+        if (part.element->depth() == 0) {
+            text += core::print_line(part.records->at(Index{})).get();
+            continue;
+        }
+        const char* separator = "{";
+        for (const auto& row : rows_of(*part.element, *part.records)) {
+            text += fmt::format("{}\n  \"{}\": {}", separator, row.key, row.record);
+            separator = ",";
+        }
+        text += "\n}";
+    }
+    return text + "\n}\n";
 }
 
 std::vector<std::string> lists_of_key(const Element& element, const std::string& key) {
@@ -82,7 +108,7 @@ Records differences(const Element& element, Records wanted, const Records& prese
         }
         return is_equal(row.second, found->second);
     });
-    if (!wanted.empty() && !element.is_writable) {
+    if (!wanted.empty() && element.writer == nullptr) {
         throw Failure(ExitStatus::refused,
                       fmt::format("{} can be read only, and differs. Nothing was written.", element.path));
     }
@@ -92,22 +118,30 @@ Records differences(const Element& element, Records wanted, const Records& prese
 } // namespace
 
 std::string export_document(ConfigurationAccess& access, const char* type) {
-    std::string text = "{";
-    for (const auto& element : elements()) {
-        const auto read = access.read_all(element, type);
-        text += fmt::format("{}\n\"{}\": ", text == "{" ? "" : ",", element.path);
-        if (element.depth() == 0) {
-            text += core::print_line(read.tree.get()).get();
-            continue;
+    const auto all = elements();
+    auto element = all.begin();
+    ConfigurationAccess::Read read;
+    return print_document([&](Part& part) {
+        if (element == all.end()) {
+            return false;
         }
-        const char* separator = "{";
-        for (const auto& row : rows_of(element, read.records)) {
-            text += fmt::format("{}\n  \"{}\": {}", separator, row.key, row.record);
-            separator = ",";
+        read = access.read_all(*element, type);
+        part = {&*element++, &read.records};
+        return true;
+    });
+}
+
+std::string document_of(const std::vector<DifferingRecords>& records,
+                        ConfigurationAccess::Read DifferingRecords::* side) {
+    auto element = records.begin();
+    return print_document([&](Part& part) {
+        if (element == records.end()) {
+            return false;
         }
-        text += "\n}";
-    }
-    return text + "\n}\n";
+        part = {element->element, &((*element).*side).records};
+        ++element;
+        return true;
+    });
 }
 
 Imported import_document(ConfigurationAccess& access, const std::string& text) {

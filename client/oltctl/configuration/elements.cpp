@@ -14,8 +14,8 @@ constexpr Element all[] = {
     {"configuration.CommonGCfg.system.oob", {}},
     {"configuration.CommonGCfg.system.ntp", {}},
     {"configuration.CommonGCfg.system.snmp", {}},
-    {"configuration.CommonGCfg.system.fan_speed", {}, false},
-    {"configuration.CommonGCfg.system.reset_status", {}, false},
+    {"configuration.CommonGCfg.system.fan_speed", {}, nullptr},
+    {"configuration.CommonGCfg.system.reset_status", {}, nullptr},
     {"configuration.CommonGCfg.system.settings.ont_sn_format", {}},
     {"configuration.ZebGCfg.switch_config.front_port", {"FRONT_PORT_COUNT"}},
     {"configuration.ZebGCfg.switch_config.port_channel", {"PORT_CHANNEL_COUNT"}},
@@ -26,7 +26,7 @@ constexpr Element all[] = {
     {"configuration.CommonGCfg.profiles.profiles_ont.dba", {"PROFILE_DBA_COUNT"}},
     {"configuration.CommonGCfg.profiles.profiles_ont.shaping", {"PROFILE_SHAPING_COUNT"}},
     {"configuration.CommonGCfg.profiles.profiles_ont.ont_template", {"ONT_TEMPLATE_COUNT"}},
-    {"configuration.ZebGCfg.pon.ont", {"PON_PORT_COUNT", onts_of_a_port}},
+    {"configuration.ZebGCfg.pon.ont", {"PON_PORT_COUNT", onts_of_a_port}, "operator"},
     {"configuration.ZebGCfg.pon.ont.service", {"PON_PORT_COUNT", onts_of_a_port, services_of_an_ont}},
 };
 

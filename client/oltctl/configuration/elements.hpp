@@ -11,7 +11,8 @@ struct Element {
     const char* path;
     /// The last number of each index, or the constant of the service that tells it; null behind the last index.
     std::array<const char*, 3> last;
-    bool is_writable = true;
+    /// Who may write it; null when nobody may.
+    const char* writer = "administrator";
 
     [[nodiscard]] unsigned depth() const;
 };

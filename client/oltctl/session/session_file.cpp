@@ -14,13 +14,7 @@ namespace xpon::oltctl {
 namespace {
 
 std::filesystem::path path_of(std::uint16_t port) {
-    const char* const folder = std::getenv("XDG_RUNTIME_DIR");
-    if (folder == nullptr || *folder != '/') {
-        throw Failure(ExitStatus::no_session,
-                      "XDG_RUNTIME_DIR names no folder to keep the session in. Set it to a folder "
-                      "that only you can read, such as /run/user/$(id -u).");
-    }
-    return std::filesystem::path(folder) / fmt::format("oltctl-{}.json", port);
+    return runtime_folder() / fmt::format("oltctl-{}.json", port);
 }
 
 std::string text_of(const cJSON* object, const char* key) {
@@ -29,6 +23,16 @@ std::string text_of(const cJSON* object, const char* key) {
 }
 
 } // namespace
+
+std::filesystem::path runtime_folder() {
+    const char* const folder = std::getenv("XDG_RUNTIME_DIR");
+    if (folder == nullptr || *folder != '/') {
+        throw Failure(ExitStatus::no_session,
+                      "XDG_RUNTIME_DIR names no folder to keep the session in. Set it to a folder "
+                      "that only you can read, such as /run/user/$(id -u).");
+    }
+    return folder;
+}
 
 std::optional<KeptSession> read_kept_session(std::uint16_t port) {
     const auto path = path_of(port);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -13,6 +14,9 @@ struct KeptSession {
     std::string privilege; ///< "viewer", "operator" or "administrator"
     std::uint16_t port = 0;
 };
+
+/// XDG_RUNTIME_DIR: the folder of the user alone, emptied when the machine starts. Failure (no_session) without one.
+std::filesystem::path runtime_folder();
 
 /// The session that was kept for the service on `port`. A file that others may read or that belongs to somebody else is
 /// refused with a Failure, as is a missing XDG_RUNTIME_DIR.
