@@ -9,6 +9,7 @@
 #include <utility>
 
 #include <sys/socket.h>
+#include <sys/uio.h>
 
 #include <fmt/format.h>
 
@@ -83,10 +84,11 @@ Result<void> ClientSocket::send_frame(std::string_view payload) {
 
 std::size_t ClientSocket::send_in_one_piece(std::string_view payload) {
     const SendBufferRoom room(get_fd(), payload.size() + 1);
-    nul_follows_ = true;
+    nul_ = Nul::follows;
     const auto sent = static_cast<std::size_t>(std::max<ssize_t>(do_send(payload.data(), payload.size()), 0));
-    nul_follows_ = false;
-    return sent == payload.size() && do_send("", 1) == 1 ? sent + 1 : sent;
+    const bool is_complete = sent == payload.size() && do_send("", 1) == 1;
+    nul_ = Nul::none;
+    return is_complete ? sent + 1 : sent;
 }
 
 bool ClientSocket::takes_requests() {
@@ -158,9 +160,24 @@ void ClientSocket::cut_frames(std::string_view received) {
 }
 
 ssize_t ClientSocket::do_send(const void* data, std::size_t size) {
-    // What more is to follow joins the last segment, which would else be one segment and one wake-up of the peer more:
-    // a quarter of the throughput. TCP_NODELAY sends the NUL, and the segment with it, at once.
-    return ::send(get_fd(), data, size, MSG_NOSIGNAL | (nul_follows_ ? MSG_MORE : 0));
+    if (nul_ == Nul::has_left) {
+        return 1;
+    }
+    if (nul_ == Nul::none) {
+        return ::send(get_fd(), data, size, MSG_NOSIGNAL);
+    }
+    // The NUL leaves together with the text: by itself it is a system call more, and maybe a segment and a wake-up of
+    // the peer. Without room for it there, its own turn tries again.
+    char nul = '\0';
+    std::array parts{iovec{.iov_base = const_cast<void*>(data), .iov_len = size},
+                     iovec{.iov_base = &nul, .iov_len = 1}};
+    msghdr message{};
+    message.msg_iov = parts.data();
+    message.msg_iovlen = parts.size();
+    const ssize_t sent = ::sendmsg(get_fd(), &message, MSG_NOSIGNAL);
+    const bool is_whole = sent == static_cast<ssize_t>(size) + 1;
+    nul_ = is_whole ? Nul::has_left : Nul::none;
+    return is_whole ? sent - 1 : sent;
 }
 
 ssize_t ClientSocket::do_recv(void* data, std::size_t size) {

@@ -96,7 +96,13 @@ private:
     std::queue<std::string> frames_;
     std::size_t frames_bytes_ = 0; ///< memory that frames_ takes
     std::size_t answered_ = 0;     ///< bytes, since the peer was seen to have taken all
-    bool nul_follows_ = false;     ///< what is being sent is an answer's text
+    /// Of the answer that is being sent.
+    enum class Nul : std::uint8_t {
+        none,
+        follows,  ///< what is sent now is the text in front of it
+        has_left, ///< with the text
+    };
+    Nul nul_ = Nul::none;
     bool is_shut_down_ = false;
     bool has_had_a_frame_ = false;
     bool speaks_http_ = false;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <limits>
+#include <span>
 #include <tuple>
 #include <utility>
 
@@ -66,8 +67,11 @@ Result<std::vector<std::shared_ptr<IClientSocket>>> Poller::poll(std::chrono::mi
         log_error(*logger_, "poll() returned {}", count);
         return ErrorPayload(Error::CommonError, fmt::format("poll() failed: {}", cause));
     }
-    for (std::size_t i = 1; i < fds_.size(); ++i) {
-        if (auto client = serve(fds_[i])) {
+    for (const auto& entry : std::span(fds_).subspan(1)) {
+        if (entry.revents == 0) {
+            continue; // of hundreds of clients mostly few have sent something
+        }
+        if (auto client = serve(entry)) {
             ready.push_back(std::move(client));
         }
     }
@@ -82,17 +86,25 @@ void Poller::collect_descriptors() {
     if (accepting) {
         accept_again_.reset();
     }
-    std::erase_if(held_back_, [this](int fd) {
+    const auto released = std::erase_if(held_back_, [this](int fd) {
         const auto client = clients_.find(fd);
         return client == clients_.end() || client->second->takes_requests();
     });
+    if (released > 0 || fds_are_old_) {
+        list_descriptors();
+    }
+    fds_.front().fd = accepting ? listener_->get_fd() : -1; // poll() passes over a negative descriptor
+}
+
+void Poller::list_descriptors() {
+    fds_are_old_ = true; // also when there is no memory
     fds_.clear();
-    // poll() passes over a negative descriptor.
-    fds_.push_back({.fd = accepting ? listener_->get_fd() : -1, .events = POLLIN | POLLERR, .revents = 0});
+    fds_.push_back({.fd = -1, .events = POLLIN | POLLERR, .revents = 0});
     for (const auto& [fd, client] : clients_) {
         const auto awaited = held_back_.contains(fd) ? short{POLLERR} : short{POLLIN | POLLERR};
         fds_.push_back({.fd = fd, .events = awaited, .revents = 0});
     }
+    fds_are_old_ = false;
 }
 
 std::shared_ptr<IClientSocket> Poller::serve(const pollfd& entry) {
@@ -102,6 +114,7 @@ std::shared_ptr<IClientSocket> Poller::serve(const pollfd& entry) {
     if (has_sent && !client->takes_requests()) {
         std::ignore = core::guarded(*logger_, [&]() -> Result<void> {
             held_back_.insert(entry.fd);
+            fds_are_old_ = true;
             return core::success();
         });
     } else if (has_sent) {
@@ -130,6 +143,7 @@ std::shared_ptr<IClientSocket> Poller::serve(const pollfd& entry) {
 void Poller::close_client(int fd) {
     core::log(*logger_, core::LogLevel::Debug, "Closing socket {}", fd);
     auto client = clients_.extract(fd);
+    fds_are_old_ = true;
     const auto bytes = client.mapped()->get_bytes_waiting();
     client.mapped().reset();
     give_back_freed_memory(bytes);
@@ -150,6 +164,7 @@ void Poller::accept_client() {
             return core::success(); // which closes it
         }
         clients_.insert_or_assign(fd, std::move(client));
+        fds_are_old_ = true;
         return core::success();
     });
     if (!accepted) {

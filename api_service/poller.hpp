@@ -40,6 +40,7 @@ private:
     using Clock = std::chrono::steady_clock;
 
     void collect_descriptors();
+    void list_descriptors();
     /// The client when it received data and holds a frame.
     std::shared_ptr<IClientSocket> serve(const pollfd& entry);
     void close_client(int fd);
@@ -51,7 +52,8 @@ private:
     /// The map and the results of one poll are the only owners of a client, and a client is the only owner of its
     /// descriptor: whoever lets go last closes it, once.
     std::map<int, std::shared_ptr<IClientSocket>> clients_;
-    std::vector<pollfd> fds_;
+    std::vector<pollfd> fds_; ///< the listener's, then the clients', as long as those are the same
+    bool fds_are_old_ = true;
     /// Clients that have sent more without having taken their answer; they are left alone until they have.
     std::set<int> held_back_;
     std::optional<Clock::time_point> accept_again_; ///< the listener is left alone until then

@@ -47,18 +47,19 @@ Result<void> ApiService::dispatch(IClientSocket& socket, Request& request) {
             return answer_with_error(socket, nullptr, Json_errors::access_denied, own_path);
         }
     }
-    BOOST_OUTCOME_TRY(const auto route, logged(*logger_, route_manager_.lookup_route(request.path, request.method)));
+    BOOST_OUTCOME_TRY(const auto* const route,
+                      logged(*logger_, route_manager_.find_route(request.path, request.method)));
     const ChangeRecord change(request);
     const auto privilege = session == nullptr ? PrivilegeLevel::Nothing : session->privilege;
-    if (privilege < route.privilege) {
+    if (privilege < route->privilege) {
         changes_.refused(change, socket.get_fd());
         return answer_with_error(socket, session, Json_errors::access_denied, own_path);
     }
-    if (auto hooked = run_pre_hooks(route, session, request); !hooked) {
+    if (auto hooked = run_pre_hooks(*route, session, request); !hooked) {
         changes_.failed(change, socket.get_fd()); // the answer does not say why, the lines before do
         return hooked;
     }
-    auto response = core::guarded(*logger_, [&] { return route.handler(request, session); });
+    auto response = core::guarded(*logger_, [&] { return route->handler(request, session); });
     if (!response) {
         // The client learns no cause: the log names the request and its cause, before the outcome.
         log_error(*logger_, "{} {}: {}", request.method, request.path, response.error().to_string());

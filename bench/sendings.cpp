@@ -1,8 +1,11 @@
 #include "bench/sendings.hpp"
 
+#include <array>
+#include <cstddef>
 #include <stdexcept>
 
 #include <sys/socket.h>
+#include <sys/uio.h>
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -61,9 +64,24 @@ void send_with_more_pushed(int fd, std::string_view text) {
     }
 }
 
+/// From two places in memory.
+void send_gathered(int fd, std::string_view text) {
+    const auto nul = nul_behind(text);
+    std::array parts{iovec{.iov_base = const_cast<char*>(text.data()), .iov_len = text.size()},
+                     iovec{.iov_base = const_cast<char*>(nul.data()), .iov_len = nul.size()}};
+    msghdr message{};
+    message.msg_iov = parts.data();
+    message.msg_iovlen = parts.size();
+    const auto sent = ::sendmsg(fd, &message, MSG_NOSIGNAL);
+    if (sent > 0) { // the rest of a text that found no room
+        send_bytes(fd, {text.data() + sent, text.size() + 1 - static_cast<std::size_t>(sent)});
+    }
+}
+
 constexpr Sending sendings[] = {
     {.name = "one", .no_delay = true, .send = send_at_once},
     {.name = "two", .no_delay = true, .send = send_text_and_nul},
+    {.name = "gathered", .no_delay = true, .send = send_gathered},
     {.name = "cork", .no_delay = true, .send = send_corked},
     {.name = "more", .no_delay = false, .send = send_with_more},
     {.name = "more-nodelay", .no_delay = true, .send = send_with_more},

@@ -10,6 +10,11 @@ Result<void> RouteManager::add_route(const std::string& path, const std::string&
 }
 
 Result<RouteHandler> RouteManager::lookup_route(const std::string& path, const std::string& method) const {
+    BOOST_OUTCOME_TRY(const auto* const handler, find_route(path, method));
+    return *handler;
+}
+
+Result<const RouteHandler*> RouteManager::find_route(const std::string& path, const std::string& method) const {
     const auto route = routes_.find(path);
     if (route == routes_.end()) {
         log_error(*logger_, "Path {} not found", path);
@@ -20,7 +25,7 @@ Result<RouteHandler> RouteManager::lookup_route(const std::string& path, const s
         log_error(*logger_, "Method {} not found for path {}", method, path);
         return ErrorPayload(Error::Empty);
     }
-    return handler->second;
+    return &handler->second;
 }
 
 } // namespace xpon::api_service

@@ -20,6 +20,9 @@ public:
     /// A copy of what is registered, or an error of code Empty.
     [[nodiscard]] Result<RouteHandler> lookup_route(const std::string& path, const std::string& method) const;
 
+    /// The same without a copy: what is registered now.
+    [[nodiscard]] Result<const RouteHandler*> find_route(const std::string& path, const std::string& method) const;
+
 private:
     std::shared_ptr<ILogger> logger_;
     std::map<std::string, Route> routes_;

@@ -132,7 +132,7 @@ def sending(name, title, document, clients, ways):
     return Row(name, title, measure, {f"per_s {way} / one": None for way in ways})
 
 
-WAYS = ("two", "cork", "more", "more-nodelay", "more-pushed")
+WAYS = ("gathered", "two", "cork", "more", "more-nodelay", "more-pushed")
 READER = Run(ALL_ONTS)
 SMALL_ELEMENTS = (("host name", HOST_NAME), ("one ONT", ONE_ONT))
 EDITS = (("commit a host name", TWO_HOST_NAMES), ("commit an ONT", TWO_ONTS))

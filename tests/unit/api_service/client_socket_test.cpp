@@ -1,8 +1,12 @@
 #include "api_service/client_socket.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <string>
+#include <string_view>
+
+#include <sys/socket.h>
 
 #include <gtest/gtest.h>
 
@@ -55,6 +59,19 @@ TEST(ClientSocket, EndsEveryFrameWithANulAndSendsNothingBehindACutOne) {
         EXPECT_EQ(static_cast<bool>(client.send_frame("12345")), room == 6U);
         EXPECT_EQ(client.sent, "12345\0"s.substr(0, room));
         EXPECT_EQ(client.is_shut_down(), room == 5U || room == 3U) << room;
+    }
+}
+
+TEST(ClientSocket, SendsTextAndNulTogether) {
+    std::array<int, 2> ends{};
+    ASSERT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends.data()), 0); // keeps what was sent at a time apart
+    const core::UniqueFd peer(ends[1]);
+    ClientSocket client{core::UniqueFd(ends[0])};
+    for (const std::string text : {"first", ""}) {
+        ASSERT_TRUE(client.send_frame(text));
+        std::array<char, 16> received{};
+        const auto count = ::recv(peer.get(), received.data(), received.size(), MSG_DONTWAIT);
+        EXPECT_EQ(std::string_view(received.data(), static_cast<std::size_t>(count)), text + '\0');
     }
 }
 
