@@ -15,26 +15,24 @@ inline constexpr std::chrono::milliseconds patience_with_others{500};
 class Attendant {
 public:
     Attendant();
-    /// A thread that still waits is left behind, with what its step owns.
+    /// A thread that still waits is left behind, with what its steps own.
     ~Attendant();
     Attendant(const Attendant&) = delete;
     Attendant& operator=(const Attendant&) = delete;
 
     using Step = std::function<void()>;
 
-    /// Runs `step` and waits for its end, for up to `limit`. False when that was not enough: then the step is given up,
-    /// and whenever it ends, `undo` is run. Both own what they use. Until then no other step begins. What the step
-    /// throws in time is thrown here.
-    [[nodiscard]] bool run(const Step& step, const Step& undo, std::chrono::milliseconds limit);
-
-    /// Runs `step`, which waits for nobody and throws nothing, and waits for its end. What was begun must be ended also
-    /// when there is no memory: none is taken here, nor for a step that holds no more than two pointers.
-    void run_to_end(const Step& step) noexcept;
+    /// Runs `enter`, which may have to wait for others, and then `work`, which waits for nobody, and waits for their
+    /// end. False when `enter` took longer than `limit`: then it is given up, and whenever it ends, `leave` is run
+    /// instead of the work; both own what they use. Until then nothing else begins. What a step throws in time is
+    /// thrown here, and no step comes after it.
+    [[nodiscard]] bool run(Step enter, const Step& work, Step leave, std::chrono::milliseconds limit);
 
 private:
     struct State;
 
     std::shared_ptr<State> state_;
+    bool owes_end_ = false; ///< of a step that was given up
     std::thread thread_;
 };
 

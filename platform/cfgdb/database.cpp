@@ -70,25 +70,28 @@ Candidate present_candidate(const Transaction& transaction) {
 
 /// The changes of the candidate, which has passed all checks; nothing happens to it.
 core::Result<std::vector<RecordId>> check_candidate(const Environment& environment, Candidate& candidate) {
-    WriteTransaction transaction(environment);
-    candidate = present_candidate(transaction);
-    BOOST_OUTCOME_TRY(auto applied, apply_candidate(transaction));
-    return std::move(applied.changes);
+    return in_write_transaction(environment, [&](WriteTransaction& transaction) -> core::Result<std::vector<RecordId>> {
+        candidate = present_candidate(transaction);
+        BOOST_OUTCOME_TRY(auto applied, apply_candidate(transaction));
+        return std::move(applied.changes);
+    });
 }
 
 /// The number of the commit, or none when the candidate is no longer the one that was accepted.
 core::Result<std::optional<std::uint64_t>> run_candidate(const Environment& environment, const Candidate* accepted,
                                                          ipc::Address by) {
-    WriteTransaction transaction(environment);
-    if (accepted != nullptr && present_candidate(transaction) != *accepted) {
-        return std::optional<std::uint64_t>();
-    }
-    BOOST_OUTCOME_TRY(const auto applied, apply_candidate(transaction));
-    const auto number = log_commit(
-        transaction,
-        {.by = by, .changes = notice_of(applied.changes), .onts = {applied.onts.begin(), applied.onts.end()}});
-    transaction.commit();
-    return std::optional(number);
+    using Number = std::optional<std::uint64_t>;
+    return in_write_transaction(environment, [&](WriteTransaction& transaction) -> core::Result<Number> {
+        if (accepted != nullptr && present_candidate(transaction) != *accepted) {
+            return Number();
+        }
+        BOOST_OUTCOME_TRY(const auto applied, apply_candidate(transaction));
+        const auto number = log_commit(
+            transaction,
+            {.by = by, .changes = notice_of(applied.changes), .onts = {applied.onts.begin(), applied.onts.end()}});
+        transaction.commit();
+        return Number(number);
+    });
 }
 
 void copy_record(const Records& records, Store store, const RecordId& id, std::byte* out) {
@@ -200,12 +203,13 @@ void Database::finish_sequence() const {
 }
 
 void Database::write_changes(std::span<const Change> changes) const {
-    WriteTransaction transaction(environment_);
-    RecordWriter writer(transaction);
-    for (const auto& [id, record] : changes) {
-        writer.set_candidate(id, *record);
-    }
-    transaction.commit();
+    in_write_transaction(environment_, [&](WriteTransaction& transaction) {
+        RecordWriter writer(transaction);
+        for (const auto& [id, record] : changes) {
+            writer.set_candidate(id, *record);
+        }
+        transaction.commit();
+    });
 }
 
 core::Result<std::uint64_t> Database::commit(const Acceptance& accept, ipc::Address by) const {
@@ -229,9 +233,10 @@ core::Result<std::uint64_t> Database::commit(const Acceptance& accept, ipc::Addr
 void Database::rollback() const {
     finish_sequence();
     with_room([&] {
-        WriteTransaction transaction(environment_);
-        transaction.erase_all(Key(Store::candidate));
-        transaction.commit();
+        in_write_transaction(environment_, [](WriteTransaction& transaction) {
+            transaction.erase_all(Key(Store::candidate));
+            transaction.commit();
+        });
     });
 }
 
@@ -248,14 +253,15 @@ void Database::save(const std::string& path) const {
 void Database::set_candidate_to_factory() const {
     finish_sequence();
     with_room([&] {
-        WriteTransaction transaction(environment_);
-        RecordWriter writer(transaction);
-        for (const auto store : {Store::candidate, Store::running}) {
-            for (const auto& id : writer.list(store)) {
-                writer.set_candidate(id, factory_record(id));
+        in_write_transaction(environment_, [](WriteTransaction& transaction) {
+            RecordWriter writer(transaction);
+            for (const auto store : {Store::candidate, Store::running}) {
+                for (const auto& id : writer.list(store)) {
+                    writer.set_candidate(id, factory_record(id));
+                }
             }
-        }
-        transaction.commit();
+            transaction.commit();
+        });
     });
 }
 

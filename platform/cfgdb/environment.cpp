@@ -135,7 +135,7 @@ void Environment::open_files_anew() const {
     };
     const auto opened = std::make_shared<Opened>();
     const auto step = [opened, folder = folder_] { opened->handle = open_files(folder, opened->damage); };
-    throw_when_late(attendant_.run(step, [] {}, patience_), "mdb_env_open");
+    throw_when_late(attendant_.run(step, [] {}, [] {}, patience_), "mdb_env_open");
     environment_ = opened->handle;
     damage_ = opened->damage;
     opened_in(folder_) = environment_;
@@ -181,9 +181,9 @@ MDB_txn* Environment::begin_reading() const {
         mdb_txn_abort(reader);
     }
     MDB_txn* reader = nullptr;
-    int status = begin(MDB_RDONLY, reader);
+    int status = begin_reader(reader);
     if (status == MDB_READERS_FULL && clear_dead_readers()) {
-        status = begin(MDB_RDONLY, reader);
+        status = begin_reader(reader);
     }
     check_lmdb(status, "mdb_txn_begin");
     return reader;
@@ -198,7 +198,17 @@ void Environment::release_reader(MDB_txn* reader) const {
     idle_reader_ = reader;
 }
 
-int Environment::begin(unsigned flags, MDB_txn*& transaction) const {
+int Environment::begin_reader(MDB_txn*& reader) const {
+    int status = 0;
+    begin(MDB_RDONLY, [&](int begun, MDB_txn* transaction) {
+        status = begun;
+        reader = transaction;
+    });
+    return status;
+}
+
+/// `use` is given the transaction, or a status of LMDB that says why there is none.
+void Environment::begin(unsigned flags, const std::function<void(int status, MDB_txn*)>& use) const {
     struct Begun {
         Handle environment; // outlives a wait that is given up
         MDB_txn* transaction = nullptr;
@@ -207,6 +217,7 @@ int Environment::begin(unsigned flags, MDB_txn*& transaction) const {
     const auto begun = std::make_shared<Begun>(Begun{environment_});
     const bool in_time = attendant_.run(
         [=] { begun->status = mdb_txn_begin(begun->environment.get(), nullptr, flags, &begun->transaction); },
+        [&] { use(begun->status, begun->transaction); },
         [=] {
             if (begun->transaction != nullptr) {
                 mdb_txn_abort(begun->transaction);
@@ -214,31 +225,28 @@ int Environment::begin(unsigned flags, MDB_txn*& transaction) const {
         },
         patience_);
     throw_when_late(in_time, "mdb_txn_begin");
-    transaction = begun->transaction;
-    return begun->status;
 }
 
-MDB_txn* Environment::begin_writing() const {
+void Environment::write(const std::function<void(MDB_txn*)>& work) const {
     if (++writes_ % writes_between_checks == 0) {
         clear_dead_readers();
     }
     follow_new_files();
-    MDB_txn* writer = nullptr;
-    check_lmdb(begin(0, writer), "mdb_txn_begin");
-    ++transactions_;
-    return writer;
+    begin(0, [&](int status, MDB_txn* writer) {
+        check_lmdb(status, "mdb_txn_begin");
+        ++transactions_;
+        work(writer);
+    });
 }
 
 void Environment::commit(MDB_txn* writer) const {
     --transactions_;
-    int status = 0;
-    attendant_.run_to_end([&] { status = mdb_txn_commit(writer); });
-    check_lmdb(status, "mdb_txn_commit");
+    check_lmdb(mdb_txn_commit(writer), "mdb_txn_commit");
 }
 
 void Environment::abort(MDB_txn* writer) const {
     --transactions_;
-    attendant_.run_to_end([=] { mdb_txn_abort(writer); });
+    mdb_txn_abort(writer);
 }
 
 bool Environment::clear_dead_readers() const {
@@ -246,7 +254,7 @@ bool Environment::clear_dead_readers() const {
     const auto cleared = std::make_shared<int>(0);
     const auto status = std::make_shared<int>(0);
     const bool in_time =
-        attendant_.run([=] { *status = mdb_reader_check(environment.get(), cleared.get()); }, [] {}, patience_);
+        attendant_.run([=] { *status = mdb_reader_check(environment.get(), cleared.get()); }, [] {}, [] {}, patience_);
     throw_when_late(in_time, "mdb_reader_check");
     check_lmdb(*status, "mdb_reader_check");
     return *cleared > 0;

@@ -3,6 +3,7 @@
 #include "cfgdb/attendant.hpp"
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -58,10 +59,11 @@ public:
     void release_reader(MDB_txn* reader) const;
     /// @}
 
-    /// The one writing transaction that there is at a time, and its end. All of its kind are begun and ended by one
-    /// thread, which LMDB's lock belongs to.
+    /// Hands `work` the one writing transaction that there is at a time. All of their kind are begun and ended by one
+    /// thread, which LMDB's lock belongs to: it does the work, too, which must end the transaction.
+    void write(const std::function<void(MDB_txn*)>& work) const;
+    /// Its end.
     /// @{
-    [[nodiscard]] MDB_txn* begin_writing() const;
     void commit(MDB_txn* writer) const;
     void abort(MDB_txn* writer) const;
     /// @}
@@ -81,7 +83,8 @@ private:
     void follow_new_files() const;
     [[nodiscard]] bool is_replaced() const;
     [[nodiscard]] MDB_txn* begin_reading() const;
-    [[nodiscard]] int begin(unsigned flags, MDB_txn*& transaction) const;
+    void begin(unsigned flags, const std::function<void(int status, MDB_txn*)>& use) const;
+    [[nodiscard]] int begin_reader(MDB_txn*& reader) const;
 
     std::string folder_;
     mutable Handle environment_;

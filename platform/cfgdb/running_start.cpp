@@ -6,6 +6,7 @@
 #include "cfgdb/references.hpp"
 
 #include <algorithm>
+#include <cstdint>
 #include <iterator>
 #include <map>
 #include <stdexcept>
@@ -139,40 +140,46 @@ void leave_out(RecordMap& records, const std::map<RecordId, std::string>& left_o
     }
 }
 
+enum class Round : std::uint8_t { not_wanted, runs, does_not_fit };
+
 } // namespace
 
 bool run_what_fits(const Environment& environment, RecordList list, const Filling& filling, StartReport& report) {
     RecordMap records(std::make_move_iterator(list.begin()), std::make_move_iterator(list.end()));
     // What depends on a record fails in the same round or the next; more rounds than this follow no such chain.
     constexpr int most_rounds = 50;
-    for (int round = 0;; ++round) {
-        WriteTransaction transaction(environment);
-        if (!filling.prepare(transaction)) {
-            return false;
-        }
-        RecordWriter writer(transaction);
-        for (const auto& [id, record] : records) {
-            writer.set_candidate(id, record);
-        }
-        const auto applied = apply_and_check(transaction);
-        if (applied.faults.empty()) {
-            filling.complete(transaction);
-            transaction.commit();
-            return true;
-        }
-        if (records.empty()) {
-            throw std::runtime_error("The factory configuration fails its own checks: " + applied.faults.report());
-        }
-        Selection selection(transaction, records);
-        for (const auto& fault : applied.faults.all()) {
-            selection.blame(fault);
-        }
-        if (selection.left_out().empty() || round == most_rounds) {
-            report.add(fmt::format("All records are left out: {}", applied.faults.all().front().text));
-            records.clear();
-        }
-        leave_out(records, selection.left_out(), report);
+    auto outcome = Round::does_not_fit;
+    for (int round = 0; outcome == Round::does_not_fit; ++round) {
+        outcome = in_write_transaction(environment, [&](WriteTransaction& transaction) {
+            if (!filling.prepare(transaction)) {
+                return Round::not_wanted;
+            }
+            RecordWriter writer(transaction);
+            for (const auto& [id, record] : records) {
+                writer.set_candidate(id, record);
+            }
+            const auto applied = apply_and_check(transaction);
+            if (applied.faults.empty()) {
+                filling.complete(transaction);
+                transaction.commit();
+                return Round::runs;
+            }
+            if (records.empty()) {
+                throw std::runtime_error("The factory configuration fails its own checks: " + applied.faults.report());
+            }
+            Selection selection(transaction, records);
+            for (const auto& fault : applied.faults.all()) {
+                selection.blame(fault);
+            }
+            if (selection.left_out().empty() || round == most_rounds) {
+                report.add(fmt::format("All records are left out: {}", applied.faults.all().front().text));
+                records.clear();
+            }
+            leave_out(records, selection.left_out(), report);
+            return Round::does_not_fit;
+        });
     }
+    return outcome == Round::runs;
 }
 
 } // namespace xpon::cfgdb

@@ -78,9 +78,6 @@ ReadTransaction::~ReadTransaction() {
     environment_.release_reader(transaction_);
 }
 
-WriteTransaction::WriteTransaction(const Environment& environment)
-    : Transaction(environment, environment.begin_writing()) {}
-
 WriteTransaction::~WriteTransaction() {
     if (transaction_ != nullptr) {
         environment_.abort(transaction_);

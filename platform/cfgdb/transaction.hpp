@@ -7,6 +7,8 @@
 #include <functional>
 #include <optional>
 #include <span>
+#include <type_traits>
+#include <utility>
 
 namespace xpon::cfgdb {
 
@@ -43,11 +45,11 @@ public:
     ~ReadTransaction();
 };
 
-/// There is one at a time, in all processes together; the next waits, but not for ever: std::system_error ETIMEDOUT.
-/// Without commit() nothing happens.
+/// There is one at a time, in all processes together. Without commit() nothing happens.
 class WriteTransaction : public Transaction {
 public:
-    explicit WriteTransaction(const Environment& environment);
+    /// Takes over what Environment::write() gave.
+    WriteTransaction(const Environment& environment, MDB_txn* transaction) : Transaction(environment, transaction) {}
     ~WriteTransaction();
 
     void put(Bytes key, Bytes value);
@@ -64,5 +66,25 @@ private:
     std::uint64_t sum_change_ = 0; ///< of the shares of all entries, modulo 2^64
     bool has_changed_ = false;
 };
+
+/// The outcome of `work`, which is called with a WriteTransaction, in another thread, while the caller waits; it must
+/// not begin any other. Waits for its turn, but not for ever: std::system_error ETIMEDOUT.
+template <class Work>
+std::invoke_result_t<Work, WriteTransaction&> in_write_transaction(const Environment& environment, const Work& work) {
+    using Outcome = std::invoke_result_t<Work, WriteTransaction&>;
+    if constexpr (std::is_void_v<Outcome>) {
+        environment.write([&](MDB_txn* begun) {
+            WriteTransaction transaction(environment, begun);
+            work(transaction);
+        });
+    } else {
+        std::optional<Outcome> outcome;
+        environment.write([&](MDB_txn* begun) {
+            WriteTransaction transaction(environment, begun);
+            outcome.emplace(work(transaction));
+        });
+        return *std::move(outcome);
+    }
+}
 
 } // namespace xpon::cfgdb

@@ -38,8 +38,7 @@ bool describe_ont(const std::string& ont) {
 void hold_writing() {
     const cfgdb::CfgDbWrapper client("CHILD");
     test::apply(client, {test::edit_hostname("olt-7")});
-    const cfgdb::WriteTransaction transaction(test::database_of(client).environment());
-    hold();
+    cfgdb::in_write_transaction(test::database_of(client).environment(), [](cfgdb::WriteTransaction&) { hold(); });
 }
 
 void hold_reading() {

@@ -48,30 +48,32 @@ OtherRelease::OtherRelease(const std::function<void(Fields&)>& alter)
 }
 
 void OtherRelease::take_over(const cfgdb::Database& database, const std::function<void(cJSON&)>& change) const {
-    cfgdb::WriteTransaction transaction(database.environment());
-    cfgdb::RecordWriter writer(transaction);
-    for (const auto store : {Store::running, Store::candidate}) {
-        for (const auto& id : writer.list(store)) {
-            if (id.element != cfgdb::element_of<cfgdb::PonOnt>) {
-                continue;
+    cfgdb::in_write_transaction(database.environment(), [&](cfgdb::WriteTransaction& transaction) {
+        cfgdb::RecordWriter writer(transaction);
+        for (const auto store : {Store::running, Store::candidate}) {
+            for (const auto& id : writer.list(store)) {
+                if (id.element != cfgdb::element_of<cfgdb::PonOnt>) {
+                    continue;
+                }
+                const auto present = *writer.find(store, id);
+                const std::vector<std::byte> aligned(present.begin(), present.end());
+                const auto data = serializer::owned(cJSON_CreateObject());
+                serializer::FieldErrors errors;
+                write_object(ont_table_of_this_release(), aligned.data(), *data, errors, nullptr);
+                change(*data);
+                std::vector<std::byte> value(sizeof(table_.stamp) + table_.size);
+                std::memcpy(value.data(), &table_.stamp, sizeof(table_.stamp));
+                std::vector<std::byte> record(table_.size);
+                serializer::read_what_fits(table_, *data, record.data());
+                std::ranges::copy(record, value.begin() + sizeof(table_.stamp));
+                transaction.put(record_key(store, id), value);
             }
-            const auto present = *writer.find(store, id);
-            const std::vector<std::byte> aligned(present.begin(), present.end());
-            const auto data = serializer::owned(cJSON_CreateObject());
-            serializer::FieldErrors errors;
-            write_object(ont_table_of_this_release(), aligned.data(), *data, errors, nullptr);
-            change(*data);
-            std::vector<std::byte> value(sizeof(table_.stamp) + table_.size);
-            std::memcpy(value.data(), &table_.stamp, sizeof(table_.stamp));
-            std::vector<std::byte> record(table_.size);
-            serializer::read_what_fits(table_, *data, record.data());
-            std::ranges::copy(record, value.begin() + sizeof(table_.stamp));
-            transaction.put(record_key(store, id), value);
         }
-    }
-    transaction.put(cfgdb::Key(Store::meta).add("layout").add(table_.stamp), bytes_of(serializer::describe(table_)));
-    transaction.put(cfgdb::Key(Store::meta).add("filled"), bytes_of("another release"));
-    transaction.commit();
+        transaction.put(cfgdb::Key(Store::meta).add("layout").add(table_.stamp),
+                        bytes_of(serializer::describe(table_)));
+        transaction.put(cfgdb::Key(Store::meta).add("filled"), bytes_of("another release"));
+        transaction.commit();
+    });
 }
 
 void add_colour(OtherRelease::Fields& fields) {
