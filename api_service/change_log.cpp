@@ -1,33 +1,16 @@
 #include "api_service/change_log.hpp"
 
-#include "api_service/local_peer.hpp"
 #include "xpon/core/printable_text.hpp"
 
 #include <exception>
 #include <string>
 #include <utility>
 
+#include <sys/stat.h>
+
 #include <fmt/format.h>
 
 namespace xpon::api_service {
-namespace {
-
-/// " (uid 65534, pid 4711)", or nothing, also for lack of memory: what was done is not undone by its line.
-std::string peer_text(int client, bool with_process) noexcept {
-    try {
-        const auto peer = find_local_peer(client);
-        if (!peer) {
-            return {};
-        }
-        const auto process = with_process ? find_process_of(*peer) : std::nullopt;
-        return process ? fmt::format(" (uid {}, pid {})", peer->uid, *process) : fmt::format(" (uid {})", peer->uid);
-    } catch (const std::exception&) {
-        return {};
-    }
-}
-
-} // namespace
-
 ChangeLog::ChangeLog(std::shared_ptr<ILogger> logger)
     : service_logger_(std::move(logger)), own_logger_(service_logger_) {}
 
@@ -65,6 +48,31 @@ void ChangeLog::answered(const ChangeRecord& change, int client, const Result<Re
 void ChangeLog::write(const ChangeRecord& change, std::string_view session_id, int client, std::string_view outcome) {
     core::log(logger(), core::LogLevel::Notice, "Session {}: {}: {}{}", session_id.empty() ? "none" : session_id,
               change.subject, outcome, peer_text(client, change.is_login));
+}
+
+/// " (uid 65534, pid 4711)", or nothing, also for lack of memory: what was done is not undone by its line.
+std::string ChangeLog::peer_text(int client, bool with_process) noexcept {
+    try {
+        const auto peer = peer_of(client);
+        if (!peer) {
+            return {};
+        }
+        const auto process = with_process ? find_process_of(*peer) : std::nullopt;
+        return process ? fmt::format(" (uid {}, pid {})", peer->uid, *process) : fmt::format(" (uid {})", peer->uid);
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
+std::optional<LocalPeer> ChangeLog::peer_of(int client) {
+    struct stat own{};
+    if (::fstat(client, &own) == 0 && own.st_ino == last_asked_) {
+        return last_peer_;
+    }
+    const auto peer = find_local_peer(client);
+    last_asked_ = peer ? own.st_ino : 0;
+    last_peer_ = peer.value_or(LocalPeer{});
+    return peer;
 }
 
 void ChangeLog::unknown_session(const Request& request, int client) {

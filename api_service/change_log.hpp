@@ -3,9 +3,12 @@
 #include "api_service/change_record.hpp"
 #include "api_service/core_names.hpp"
 #include "api_service/line_limit.hpp"
+#include "api_service/local_peer.hpp"
 #include "api_service/protocol/response.hpp"
 
 #include <memory>
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace xpon::api_service {
@@ -36,9 +39,15 @@ public:
 private:
     void write(const ChangeRecord& change, std::string_view session_id, int client, std::string_view outcome);
     ILogger& logger();
+    std::string peer_text(int client, bool with_process) noexcept;
+    std::optional<LocalPeer> peer_of(int client);
 
     std::shared_ptr<ILogger> service_logger_;
     std::shared_ptr<ILogger> own_logger_;
+    /// The other end of the connection that was last asked about: a client mostly changes one thing after another, and
+    /// asking takes six system calls. No two sockets that are open have the same inode, none is without.
+    LocalPeer last_peer_;
+    ino_t last_asked_ = 0;
     LineLimit refusals_{60, std::chrono::minutes(1)};
     LineLimit unknown_sessions_{10, std::chrono::minutes(1)};
 };

@@ -147,6 +147,8 @@ void RequestMemory::use() {
     constexpr int most_kept_in_heap = 512 * 1024;
     ::mallopt(M_MMAP_THRESHOLD, least_mapping);
     ::mallopt(M_TRIM_THRESHOLD, most_kept_in_heap);
+    // The threads beside the one that serves requests allocate little: a heap of its own for each would be waste.
+    ::mallopt(M_ARENA_MAX, 1);
     if (arena.open()) {
         cJSON_Hooks hooks{.malloc_fn = allocate, .free_fn = release};
         cJSON_InitHooks(&hooks);
