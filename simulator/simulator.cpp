@@ -55,7 +55,7 @@ core::Result<void> run(const Options& options, const std::shared_ptr<core::ILogg
     host_name.follow(simulation.plant().configuration().hostname);
     ready();
     while (!stop_requested()) {
-        BOOST_OUTCOME_TRY(server->serve(longest_wait));
+        BOOST_OUTCOME_TRY(server->serve(longest_wait, control.awaited()));
         control.serve();
         simulation.advance();
         simulation.work();

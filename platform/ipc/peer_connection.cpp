@@ -37,7 +37,7 @@ core::Result<void> PeerConnection::shake_hands() {
     while (Clock::now() < deadline) {
         monitor_.update();
         if (!monitor_.is_connected()) {
-            wait_for_change(0, deadline);
+            wait_for_connection(deadline);
             continue;
         }
         Ipc::Reply answer;
@@ -64,7 +64,7 @@ core::Result<void> PeerConnection::check_presence() {
 void PeerConnection::await_first_contact() {
     const auto deadline = Clock::now() + timing_.first_contact;
     for (monitor_.update(); !monitor_.is_connected() && Clock::now() < deadline; monitor_.update()) {
-        wait_for_change(0, deadline);
+        wait_for_connection(deadline);
     }
     is_up_ = true; // until a request shows that it is not
 }
@@ -150,7 +150,7 @@ int PeerConnection::exchange(std::uint16_t operation, std::span<const std::byte>
         if (Clock::now() >= deadline) {
             return ETIMEDOUT;
         }
-        wait_for_change(ZMQ_POLLOUT, deadline);
+        wait_for_change(deadline);
     }
     return await_answer(id, deadline, answer);
 }
@@ -160,9 +160,13 @@ int PeerConnection::await_answer(std::uint32_t id, Clock::time_point deadline, I
     int late_messages = 256;
     const auto breaks_before = monitor_.breaks();
     for (;;) {
-        // Before the look at the messages: an answer may have come just before the end.
-        monitor_.update();
-        const auto outcome = take_message(id, answer);
+        auto outcome = take_message(id, answer);
+        if (!outcome) {
+            monitor_.update();
+            if (monitor_.breaks() != breaks_before) {
+                outcome = take_message(id, answer); // which may have come just before the end
+            }
+        }
         if (outcome && *outcome != EAGAIN) {
             return *outcome;
         }
@@ -174,7 +178,7 @@ int PeerConnection::await_answer(std::uint32_t id, Clock::time_point deadline, I
             return ETIMEDOUT;
         }
         if (!outcome) {
-            wait_for_change(ZMQ_POLLIN, deadline);
+            wait_for_change(deadline);
         }
     }
 }
@@ -238,8 +242,13 @@ bool PeerConnection::send(MessageHeader header, std::span<const std::byte> paylo
     return ipc::send(socket_, bytes);
 }
 
-void PeerConnection::wait_for_change(short events, Clock::time_point deadline) {
-    std::array items{poll_item(socket_, events), poll_item(monitor_.events(), ZMQ_POLLIN)};
+void PeerConnection::wait_for_connection(Clock::time_point deadline) {
+    std::array items{news_of(monitor_.events())};
+    wait_for(items, ceil<milliseconds>(deadline - Clock::now()));
+}
+
+void PeerConnection::wait_for_change(Clock::time_point deadline) {
+    std::array items{news_of(socket_), news_of(monitor_.events())};
     wait_for(items, ceil<milliseconds>(deadline - Clock::now()));
 }
 

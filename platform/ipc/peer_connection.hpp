@@ -63,7 +63,10 @@ private:
     std::optional<int> take_message(std::uint32_t id, Ipc::Reply& answer);
     int probe();
     [[nodiscard]] bool send(MessageHeader header, std::span<const std::byte> payload);
-    void wait_for_change(short events, Clock::time_point deadline);
+    /// Until something happens to the connection.
+    void wait_for_connection(Clock::time_point deadline);
+    /// The same, or to the socket, which had nothing to receive or no room to send.
+    void wait_for_change(Clock::time_point deadline);
     void mark_down(int cause);
     void mark_up();
     [[nodiscard]] std::string explain(int cause) const;

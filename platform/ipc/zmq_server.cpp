@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cstring>
 #include <filesystem>
+#include <iterator>
 #include <map>
 #include <system_error>
 #include <utility>
@@ -77,17 +78,26 @@ public:
     void send_due() {
         while (next_due() <= Clock::now()) {
             auto kept = kept_answers_.extract(kept_answers_.begin());
+            is_empty_ = false;
             send(kept.mapped().connection, kept.mapped().message);
         }
+    }
+
+    /// Whether there was nothing left to receive when last asked, and nothing was sent since: ZeroMQ tells of what
+    /// comes once, also whoever is sending then.
+    [[nodiscard]] bool is_empty() const {
+        return is_empty_;
     }
 
     /// Serves what has arrived; a busy client cannot keep the others waiting.
     void serve() {
         static constexpr int messages_per_turn = 64;
         Envelope envelope;
-        for (int count = 0; count < messages_per_turn && receive(envelope); ++count) {
-            const auto message = decode({envelope.body.data<std::byte>(), envelope.body.size()});
-            if (message) {
+        is_empty_ = false;
+        for (int count = 0; count < messages_per_turn && !is_empty_; ++count) {
+            if (!receive(envelope)) {
+                is_empty_ = true;
+            } else if (const auto message = decode({envelope.body.data<std::byte>(), envelope.body.size()})) {
                 process(envelope, *message);
             }
         }
@@ -191,6 +201,7 @@ private:
     zmq::socket_t socket_;
     std::multimap<Clock::time_point, KeptAnswer> kept_answers_;
     std::string path_; ///< of the socket that this object made; empty before
+    bool is_empty_ = false;
 };
 
 class ZmqServer : public IServer {
@@ -223,25 +234,22 @@ public:
         return core::success();
     }
 
-    core::Result<void> serve(std::chrono::milliseconds timeout) override {
+    core::Result<void> serve(std::chrono::milliseconds timeout, std::span<pollfd> others) override {
         return core::guarded(*logger_, [&]() -> core::Result<void> {
             auto due = Clock::now() + timeout;
+            std::vector<pollfd> items;
             for (const auto& peer : peers_) {
-                due = std::min(due, peer->next_due());
+                due = std::min(due, peer->is_empty() ? peer->next_due() : Clock::time_point());
+                items.push_back(news_of(peer->socket()));
             }
-            std::vector<zmq_pollitem_t> items;
-            items.reserve(peers_.size());
-            for (const auto& peer : peers_) {
-                items.push_back(poll_item(peer->socket(), ZMQ_POLLIN));
-            }
-            const auto wait = std::chrono::ceil<std::chrono::milliseconds>(due - Clock::now());
-            wait_for(items, std::max(wait, std::chrono::milliseconds::zero()));
-            for (const auto& peer : peers_) {
-                peer->send_due();
-            }
-            for (std::size_t index = 0; index < items.size(); ++index) {
-                if ((items.at(index).revents & ZMQ_POLLIN) != 0) {
-                    peers_.at(index)->serve();
+            items.insert(items.end(), others.begin(), others.end());
+            wait_for(items, std::chrono::ceil<std::chrono::milliseconds>(due - Clock::now()));
+            std::copy(items.end() - std::ssize(others), items.end(), others.begin());
+            for (std::size_t index = 0; index < peers_.size(); ++index) {
+                auto& peer = *peers_.at(index);
+                peer.send_due();
+                if (items.at(index).revents != 0 || !peer.is_empty()) {
+                    peer.serve();
                 }
             }
             return core::success();

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <system_error>
 
 namespace xpon::ipc {
 
@@ -29,15 +30,16 @@ bool send(zmq::socket_ref socket, std::span<const std::byte> bytes) {
         socket, [&] { return socket.send(zmq::buffer(bytes.data(), bytes.size()), zmq::send_flags::dontwait); });
 }
 
-void wait_for(std::span<zmq_pollitem_t> items, std::chrono::milliseconds timeout) {
-    const auto wait = std::max<std::chrono::milliseconds::rep>(timeout.count(), 0);
-    if (zmq_poll(items.data(), static_cast<int>(items.size()), wait) < 0 && errno != EINTR) {
-        throw zmq::error_t();
-    }
+pollfd news_of(zmq::socket_ref socket) {
+    return {.fd = socket.get(zmq::sockopt::fd), .events = POLLIN, .revents = 0};
 }
 
-zmq_pollitem_t poll_item(zmq::socket_ref socket, short events) {
-    return {.socket = socket.handle(), .fd = 0, .events = events, .revents = 0};
+void wait_for(std::span<pollfd> items, std::chrono::milliseconds timeout) {
+    constexpr std::chrono::milliseconds longest = std::chrono::hours(1);
+    const auto wait = std::clamp(timeout, std::chrono::milliseconds::zero(), longest);
+    if (::poll(items.data(), items.size(), static_cast<int>(wait.count())) < 0 && errno != EINTR) {
+        throw std::system_error(errno, std::generic_category(), "poll");
+    }
 }
 
 } // namespace xpon::ipc

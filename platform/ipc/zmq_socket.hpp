@@ -6,6 +6,7 @@
 #include <span>
 #include <tuple>
 
+#include <poll.h>
 #include <zmq.hpp>
 
 namespace xpon::ipc {
@@ -45,10 +46,12 @@ bool receive(zmq::socket_ref socket, zmq::message_t& message);
 bool send(zmq::socket_ref socket, std::span<const std::byte> bytes);
 /// @}
 
-/// Waits until something `items` ask for holds, or `timeout` is over. A signal may end the wait early.
-void wait_for(std::span<zmq_pollitem_t> items, std::chrono::milliseconds timeout);
+/// For wait_for: whatever may happen to `socket`. ZeroMQ tells once, so nothing must be left of what it told before:
+/// the last step that was tried was to receive, and nothing was there, or to send, and there was no room.
+pollfd news_of(zmq::socket_ref socket);
 
-/// For wait_for: `events` (ZMQ_POLLIN, ZMQ_POLLOUT) of `socket`.
-zmq_pollitem_t poll_item(zmq::socket_ref socket, short events);
+/// Waits until something happens to one of `items`, or `timeout` is over. A signal may end the wait early. ZeroMQ's own
+/// function for that asks every socket before and behind the wait, at several system calls each.
+void wait_for(std::span<pollfd> items, std::chrono::milliseconds timeout);
 
 } // namespace xpon::ipc

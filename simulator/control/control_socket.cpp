@@ -54,8 +54,26 @@ ControlSocket::~ControlSocket() {
     ::unlink(path_.c_str());
 }
 
+std::span<pollfd> ControlSocket::awaited() {
+    awaited_.assign(1, {.fd = clients_.size() < most_clients ? listener_.get() : -1, .events = POLLIN, .revents = 0});
+    for (const auto& client : clients_) {
+        const auto receiving = may_receive(client) ? POLLIN : 0;
+        const auto sending = client.to_send.empty() ? 0 : POLLOUT;
+        awaited_.push_back(
+            {.fd = client.socket.get(), .events = static_cast<short>(receiving | sending), .revents = 0});
+    }
+    return awaited_;
+}
+
 void ControlSocket::serve() {
-    accept_clients();
+    auto found = awaited_.begin();
+    const bool has_new_clients = found->revents != 0;
+    for (auto& client : clients_) {
+        client.is_readable = (++found)->revents != 0;
+    }
+    if (has_new_clients) {
+        accept_clients();
+    }
     std::erase_if(clients_, [this](Client& client) { return !serve(client); });
 }
 
@@ -76,24 +94,36 @@ void ControlSocket::accept_clients() {
         if (!socket) {
             return;
         }
-        clients_.push_back({std::move(socket)});
+        clients_.push_back({.socket = std::move(socket), .is_readable = true}); // mostly its first line is there, too
     }
 }
 
 bool ControlSocket::serve(Client& client) {
-    receive(client);
+    if (std::exchange(client.is_readable, false)) {
+        receive(client);
+    }
     run_commands(client);
+    return send(client) && !client.is_too_slow && !(client.has_ended && client.to_send.empty());
+}
+
+bool ControlSocket::send(Client& client) {
+    if (client.to_send.empty()) {
+        return true;
+    }
     const auto sent = ::send(client.socket.get(), client.to_send.data(), client.to_send.size(), MSG_NOSIGNAL);
     if (sent > 0) {
         client.to_send.erase(0, static_cast<std::size_t>(sent));
     }
-    const bool is_gone = sent < 0 && errno != EAGAIN && errno != EINTR;
-    return !is_gone && !client.is_too_slow && !(client.has_ended && client.to_send.empty());
+    return sent >= 0 || errno == EAGAIN || errno == EINTR;
+}
+
+bool ControlSocket::may_receive(const Client& client) {
+    return !client.has_ended && client.received.size() <= longest_line;
 }
 
 void ControlSocket::receive(Client& client) {
     std::array<char, 4096> bytes;
-    while (!client.has_ended && client.received.size() <= longest_line) {
+    while (may_receive(client)) {
         const auto count = ::recv(client.socket.get(), bytes.data(), bytes.size(), 0);
         if (count > 0) {
             client.received.append(bytes.data(), static_cast<std::size_t>(count));

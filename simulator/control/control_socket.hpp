@@ -10,6 +10,9 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include <poll.h>
 
 namespace xpon::simulator {
 
@@ -26,7 +29,9 @@ public:
     ControlSocket(const ControlSocket&) = delete;
     ControlSocket& operator=(const ControlSocket&) = delete;
 
-    /// Serves what has arrived; never waits.
+    /// What to wait for, as for poll(), until there is something to do. Filled in by whoever waits, for serve().
+    std::span<pollfd> awaited();
+    /// Serves what has arrived, as the wait has found; never waits.
     void serve();
     /// Tells the clients that watch. One that does not read what it is told is cut off.
     void publish(std::span<const Event> events);
@@ -37,6 +42,7 @@ private:
         std::string received{};
         std::string to_send{};
         std::optional<EventFilter> watch{};
+        bool is_readable = false;
         bool has_ended = false;   ///< it sends no more
         bool is_too_slow = false; ///< and goes
     };
@@ -44,13 +50,17 @@ private:
     void accept_clients();
     /// False when the client is to go.
     bool serve(Client& client);
-    void receive(Client& client);
+    /// The same.
+    static bool send(Client& client);
+    static bool may_receive(const Client& client);
+    static void receive(Client& client);
     void run_commands(Client& client);
 
     Command command_;
     std::string path_;
     core::UniqueFd listener_;
     std::list<Client> clients_;
+    std::vector<pollfd> awaited_; ///< of the listener and the clients
 };
 
 } // namespace xpon::simulator

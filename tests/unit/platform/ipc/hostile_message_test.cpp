@@ -83,20 +83,21 @@ public:
         socket_.bind(endpoint_name(root));
         thread_ = std::jthread([this, script](const std::stop_token& stop) {
             while (!stop.stop_requested()) {
-                std::array items{poll_item(socket_, ZMQ_POLLIN)};
-                wait_for(items, 2ms);
-                if (items.front().revents != 0) {
-                    answer(script);
+                while (answer(script)) {
                 }
+                std::array items{news_of(socket_)};
+                wait_for(items, 2ms);
             }
         });
     }
 
 private:
-    void answer(const Script& script) {
+    bool answer(const Script& script) {
         zmq::message_t client;
         zmq::message_t request;
-        std::ignore = socket_.recv(client);
+        if (!receive(socket_, client)) {
+            return false;
+        }
         std::ignore = socket_.recv(request);
         for (const auto& bytes : script(decode({request.data<std::byte>(), request.size()}).value())) {
             zmq::message_t name;
@@ -104,6 +105,7 @@ private:
             socket_.send(name, zmq::send_flags::sndmore);
             socket_.send(zmq::buffer(bytes));
         }
+        return true;
     }
 
     zmq::context_t context_;

@@ -21,7 +21,7 @@ PeerThread::PeerThread(Address address, Answer answer) : answer_(std::move(answe
         throw std::runtime_error(bound.error().to_string());
     }
     thread_ = std::jthread([this](const std::stop_token& stop) {
-        while (!stop.stop_requested() && server_->serve(2ms)) {
+        while (!stop.stop_requested() && server_->serve(2ms, {})) {
         }
     });
 }

@@ -11,6 +11,8 @@
 #include <span>
 #include <vector>
 
+#include <poll.h>
+
 namespace xpon::ipc {
 
 /// A request that reached a peer. `payload` is valid during the call of the handler only.
@@ -64,8 +66,8 @@ public:
 
     /// Serves what has arrived, waiting up to `timeout` for the first message, and sends answers that are due. A
     /// message that is no well-formed request is dropped, and so is a request whose asker waits no longer. An
-    /// interrupting signal ends the wait early, with success.
-    virtual core::Result<void> serve(std::chrono::milliseconds timeout) = 0;
+    /// interrupting signal ends the wait early, with success, and so does whatever `others` wait for, as for poll().
+    virtual core::Result<void> serve(std::chrono::milliseconds timeout, std::span<pollfd> others) = 0;
 };
 
 /// A server over ZeroMQ. What a handler throws is written to `logger` and answered with EIO.
