@@ -7,7 +7,7 @@ import os
 import pathlib
 import subprocess
 
-from torture_loops.olt import PORT, Broken, Connection, Olt
+from torture_loops.olt import Broken, Olt, olt_api
 
 # Two OLTs, alike but for their size. Their clocks stand, so that an answer stays the same to the byte.
 OLTS = {"small": ("--plant", "full", "--onts", "16", "--configured", "16", "--clock-rate", "0"),
@@ -57,12 +57,12 @@ class RunningOlt:
         return self.olt.daemon.child.pid
 
     def text_of(self, request):
-        return request.replace(SESSION, self.client.session).encode()
+        return request.replace(SESSION, self.client.session_id).encode()
 
     def answers(self, sample):
         """What the daemon says to its requests."""
         if sample not in self.known:
-            self.known[sample] = [self.client.exchange(self.text_of(request)) for request in sample]
+            self.known[sample] = [self.client.connection.exchange(self.text_of(request)) for request in sample]
             for answer in self.known[sample]:
                 if not json.loads(answer)["success"]:
                     raise Unmeasurable(f"{sample} gives {answer[:500]}")
@@ -93,7 +93,7 @@ class Machine:
                 self.make_room()
             try:
                 self.olts[name] = RunningOlt(self.build, OLTS[name])
-            except (Broken, OSError) as fault:
+            except (Broken, olt_api.ApiError, OSError) as fault:
                 raise Unmeasurable(fault) from fault
         if self.has_networks:
             LIBC.setns(self.olts[name].network, CLONE_NEWNET)
@@ -124,10 +124,10 @@ class Machine:
         answers = olt.answers(run.sample)
         size = sum(len(answer) + 1 for answer in answers)
         if not run.floor:
-            return olt.daemon, PORT, size
+            return olt.daemon, olt_api.PORT, size
         pid, port = self.floor(olt, *run.floor, answers[0])
         request = olt.text_of(run.sample[0])
-        answer = Connection(port).exchange(request)
+        answer = olt_api.Connection(port=port).exchange(request)
         if answer != (request if run.floor[0] == "echo" else answers[0]):
             raise Unmeasurable(f"the floor {run.floor} does not answer as the daemon does: {answer[:500]}")
         return pid, port, len(answer) + 1

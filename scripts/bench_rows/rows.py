@@ -107,7 +107,7 @@ def memory(machine):
             (process / "clear_refs").write_text("5")
         except PermissionError:
             pass
-        olt.client.exchange(olt.text_of(sample[0]))
+        olt.client.connection.exchange(olt.text_of(sample[0]))
         return megabytes("VmHWM")
 
     found = {"idle, MB": megabytes("VmRSS"), "peak in ONT records, MB": peak(ALL_ONTS)}

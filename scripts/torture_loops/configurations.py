@@ -10,7 +10,7 @@ import zlib
 from .olt import Olt, Process, require
 from .processes import pause, rename
 
-ONT = "ZebGCfg.pon.ont"
+ONT = "configuration.ZebGCfg.pon.ont"
 ALL_ONTS = ("1-2", "1-256")
 PAGE = 4096
 
@@ -30,8 +30,8 @@ class Log:
 
 def describe(client, text):
     """Gives all ONTs a description, and lets it run."""
-    client.must(client.set(ONT, {"description": text}, *ALL_ONTS))
-    client.must(client.command("commit"))
+    client.set(ONT, {"description": text}, *ALL_ONTS)
+    client.commit()
 
 
 def descriptions(client):
@@ -79,7 +79,7 @@ def damaged_database(options, progress):
     with Olt(options.build) as olt:
         client = start(olt)
         describe(client, "saved")
-        client.must(client.command("save"))
+        client.save()
         describe(client, "runs")
         stop(olt)
         whole = (olt.database / "data.mdb").read_bytes()
@@ -141,7 +141,7 @@ def foreign_file(options, progress):
             client = start(olt)
             serials = json.dumps(client.get(ONT, *ALL_ONTS)).count('"serial": [1, 1, 1, 1, ')
             require(serials > 256, f"round {number}: {serials} of 512 ONTs are left")
-            client.must(client.command("save"))
+            client.save()
             stop(olt)
             originals = [file.read_text() for file in folder.glob("save-config.original-*")]
             require(originals == [text], f"round {number}: the original is lost")
@@ -160,9 +160,9 @@ def killed_save(options, progress):
     with Olt(options.build) as olt:
         client = start(olt)
         rename(client, "olt")
-        client.must(client.command("save"))
+        client.save()
         describe(client, "saved")
-        client.must(client.command("save"))
+        client.save()
         for number in progress:
             rename(client, f"olt-{number}")
             client.send("command.save", "command")

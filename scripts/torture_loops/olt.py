@@ -12,7 +12,9 @@ import sys
 import tempfile
 
 CHECKOUT = pathlib.Path(__file__).resolve().parents[2]
-PORT = 9999
+sys.path.append(str(CHECKOUT / "client/python"))
+import olt_api  # noqa: E402
+
 PATIENCE = 30  # seconds, for what takes a second on a busy machine
 
 
@@ -34,71 +36,6 @@ def isolate():
         if subprocess.run([*command, "true"], stderr=subprocess.DEVNULL, check=False).returncode == 0:
             os.environ["IS_ISOLATED"] = "1"
             os.execvp(command[0], [*command, *inside])
-
-
-class Connection:
-    """Carries texts, each ended by a NUL."""
-
-    def __init__(self, port=PORT):
-        self.socket = socket.create_connection(("127.0.0.1", port), PATIENCE)
-        self.socket.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
-        self.received = b""
-
-    def send_text(self, text):
-        self.socket.sendall(text + b"\0")
-
-    def receive_text(self):
-        """The next text; raises ConnectionError when the daemon is gone."""
-        while b"\0" not in self.received:
-            data = self.socket.recv(1 << 20)
-            if not data:
-                raise ConnectionError("the daemon closed the connection")
-            self.received += data
-        text, self.received = self.received.split(b"\0", 1)
-        return text
-
-    def exchange(self, text):
-        self.send_text(text)
-        return self.receive_text()
-
-
-class Client(Connection):
-    """A session of the administrator."""
-
-    def __init__(self):
-        super().__init__()
-        self.session = None
-        self.session = self.ask("auth", "auth", data={"user": "admin", "password": "admin"})["session_id"]
-
-    def send(self, path, method, **more):
-        request = {"path": path, "method": method, **more}
-        if self.session:
-            request["session_id"] = self.session
-        self.send_text(json.dumps(request).encode())
-
-    def receive(self):
-        return json.loads(self.receive_text())
-
-    def ask(self, path, method, **more):
-        self.send(path, method, **more)
-        return self.receive()
-
-    def set(self, element, data, *indices):
-        return self.ask(f"configuration.{element}", "set", config_type="candidate", data=data,
-                        **({"indices": list(indices)} if indices else {}))
-
-    def get(self, element, *indices, config_type="running"):
-        answer = self.ask(f"configuration.{element}", "get", config_type=config_type,
-                          **({"indices": list(indices)} if indices else {}))
-        require(answer["success"], f"get {element}: {answer}")
-        return answer["data"]
-
-    def command(self, name):
-        return self.ask(f"command.{name}", "command")
-
-    def must(self, answer):
-        require(answer["success"] and "errors" not in answer, f"refused: {answer}")
-        return answer
 
 
 class Process:
@@ -167,12 +104,15 @@ class Olt:
             require("failed" not in text and "Error" not in text, f"api_service does not start: {text}")
 
     def log_in(self):
-        """The daemon says that it is ready just before it listens."""
+        """A session of the administrator. The daemon says that it is ready just before it listens."""
         while True:
             try:
-                return Client()
-            except ConnectionRefusedError:
+                client = olt_api.Client(patience=PATIENCE)
+            except olt_api.TransportError:
                 require(self.daemon.is_running(0.002), "api_service has ended")
+            else:
+                client.login("admin", "admin")
+                return client
 
     def start(self, *simulator_options):
         self.start_simulator(*simulator_options)

@@ -31,7 +31,7 @@ def traces(options, progress):
             data = {"user": "admin", "password": password, "more": [password] * 100}
             request = json.dumps({"path": "auth", "method": "auth", "data": data}).encode() + b"\0"
             for part in (request[:number % len(request)], request[number % len(request):]):
-                client.socket.sendall(part)
+                client.connection.socket.sendall(part)
             require(not client.receive()["success"], "a wrong password was accepted")
         client.ask("test.echo", "echo")  # the request before is done with, not only answered
         pid = olt.daemon.child.pid
