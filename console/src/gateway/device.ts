@@ -1,0 +1,42 @@
+import type {ApiRequest} from "../model/answers.ts";
+import type {Constants, FrontPort, PonPort, System} from "../model/device.ts";
+import {configuration, elements, paths} from "../model/paths.ts";
+import type {SerialFormat} from "../model/serial.ts";
+import {useLive, type Live} from "./live.ts";
+
+/** Intervals in s: what moves fast, what moves slowly, what hardly moves. */
+const lively = 5;
+const slow = 15;
+const rare = 60;
+
+const get = (path: string, indices?: string[]): ApiRequest => ({path, method: "get", ...(indices && {indices})});
+
+export const useConstants = (): Live<Constants> => useLive(get(paths.constants), 3600);
+export const useSystem = (): Live<System> => useLive(get(paths.system), lively);
+
+export function useFrontPorts(): Live<FrontPort[]> {
+  const count = useConstants().data?.FRONT_PORT_COUNT;
+  return useLive(count ? get(paths.frontPorts, [`1-${count}`]) : undefined, slow);
+}
+
+export function usePonPorts(): Live<PonPort[]> {
+  const count = useConstants().data?.PON_PORT_COUNT;
+  return useLive(count ? get(paths.ponPorts, [`1-${count}`]) : undefined, slow);
+}
+
+export interface PonPortConfiguration {
+  enabled: boolean;
+  description: string;
+  odn_class: string;
+}
+
+/** Of all PON ports, the first one first. */
+export function usePonPortConfigurations(): Live<PonPortConfiguration[]> {
+  const count = useConstants().data?.PON_PORT_COUNT;
+  return useLive(count ? {...get(configuration(elements.ponPort), [`1-${count}`]), config_type: "running"} : undefined, rare);
+}
+
+export function useSerialFormat(): SerialFormat {
+  const {data} = useLive<{format: SerialFormat}>({...get(configuration(elements.serialFormat)), config_type: "running"}, rare);
+  return data?.format ?? "vendor_hex";
+}
