@@ -33,6 +33,11 @@ export interface AskOptions {
   isBackground?: boolean;
 }
 
+const loginRefusals: Readonly<Record<string, string>> = {
+  InvalidCredentials: "Wrong user name or password.",
+  PrivilegeNotSet: "This user may not use the console.",
+};
+
 const headers = {"Content-Type": "application/json", "X-OLT-Console": "1"};
 
 async function send(method: "GET" | "POST", path: string, body?: unknown, more: Record<string, string> = {}): Promise<Response> {
@@ -50,7 +55,7 @@ async function read<T>(response: Response): Promise<T> {
   if (response.ok) return answer as T;
   if (response.status === 401 && answer.error === "no_session") throw new LoggedOut(answer.reason ?? null);
   if (response.status === 502 || response.status === 504) throw new Unreachable(answer.message);
-  throw new Error(answer.reason || answer.message);
+  throw new Error(loginRefusals[answer.reason] ?? answer.message);
 }
 
 export const login = async (user: string, password: string) => read<Session>(await send("POST", "/api/login", {user, password}));

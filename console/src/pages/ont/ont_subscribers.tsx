@@ -18,7 +18,7 @@ export function OntSubscribers({port, ont}: {port: number; ont: number}) {
       <header><h2>Subscribers</h2></header>
       <div class="body">
         <List title="Leases" rows={leases?.filter(isHere)} row={lease => (
-          <tr key={lease.mac}><td>{lease.ip}</td><td class="mono">{lease.mac}</td><td class="muted">service {lease.service_id}, VLAN {lease.outer_vid}</td><td class="number muted">{duration(lease.life_time_msec / 1000)}</td></tr>)}/>
+          <tr key={lease.mac}><td>{lease.ip}</td><td class="mono">{lease.mac}</td><td title="Service, VLAN">{lease.service_id} <span class="muted">VLAN {lease.outer_vid}</span></td><td class="number muted">{duration(lease.life_time_msec / 1000)}</td></tr>)}/>
         <List title="PPPoE sessions" rows={sessions?.filter(isHere)} row={session => (
           <tr key={session.client_mac}><td>{session.session_id > 0 ? session.session_id : <span class="text-bad">blocked</span>}</td><td class="mono">{session.client_mac}</td><td class="muted">GEM port {session.gem_port}</td>
             <td class="number muted">{session.session_id > 0 ? duration(session.duration_sec) : `${session.unblock_rest_sec} s left`}</td></tr>)}/>
