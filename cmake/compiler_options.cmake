@@ -12,6 +12,11 @@ if(XPON_SANITIZERS)
     add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
 endif()
 
+# For all sources, programs too, so that the precompiled headers fit them all.
+if(XPON_SHARED_PLATFORM)
+    add_compile_options(-fPIC)
+endif()
+
 find_program(CCACHE ccache)
 if(CCACHE)
     # The cache takes sources with precompiled headers only if it is told to trust them and sees which ones are read.
