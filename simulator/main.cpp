@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <iostream>
 
+#include <systemd/sd-daemon.h>
+
 namespace {
 
 /// Warnings and errors as "olt_simulator: TEXT" on standard error.
@@ -34,8 +36,10 @@ int main(int count, char** arguments) {
     const auto result = core::guarded(
         *logger,
         [&] {
-            return simulator::run(std::get<simulator::Options>(options), logger,
-                                  [] { std::cout << "olt_simulator is ready" << std::endl; });
+            return simulator::run(std::get<simulator::Options>(options), logger, [] {
+                std::cout << "olt_simulator is ready" << std::endl;
+                ::sd_notify(0, "READY=1"); // for a service manager; without one it does nothing
+            });
         },
         "{}");
     // An exception has been logged where it ended.
