@@ -40,6 +40,7 @@ Result<void> ApiService::run(const service::ServiceCtx&) {
     }
     try_send_buffer(*logger_);
     Poller poller(logger_, std::make_unique<ListenerSocket>(endpoint_));
+    give_back_pages_of_start();
     std::vector<std::shared_ptr<IClientSocket>> waiting; // one entry a frame to serve, oldest first
     while (running_.load(std::memory_order_acquire)) {
         changes_.tell_held_back();
