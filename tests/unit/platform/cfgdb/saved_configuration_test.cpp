@@ -95,6 +95,11 @@ std::string framed(const std::string& records) {
     return fmt::format(R"({{"format":"olt-config","version":1,"crc32":{},"records":{}}})", checksum(text), text);
 }
 
+TEST(Checksum, IsThatOfTheStandard) {
+    EXPECT_EQ(checksum("123456789"), 0xCBF43926U);
+    EXPECT_EQ(checksum(""), 0U);
+}
+
 TEST_F(SavedConfiguration, OneThatIsDamagedGivesWayToTheOneBefore) {
     run_hostname("a");
     save();
