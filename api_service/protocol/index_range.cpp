@@ -27,6 +27,10 @@ Result<void> add_item(IndexSet& set, std::string_view item) {
     if (first > last) {
         return ErrorPayload(Error::InvalidInputArg);
     }
+    if (first == last) { // as most are; shifts go over the whole set
+        set.set(first - 1);
+        return core::success();
+    }
     set |= ~IndexSet() >> (max_index - 1 - (last - first)) << (first - 1);
     return core::success();
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <utility>
 
@@ -24,6 +25,43 @@ constexpr auto escapes = [] {
 
 constexpr char escape_of(char character) {
     return escapes[static_cast<unsigned char>(character)];
+}
+
+using Block = std::uint64_t;
+
+constexpr Block in_each_byte(unsigned char byte) {
+    return ~Block{0} / 0xFF * byte;
+}
+
+/// Whether one of the bytes does not stand for itself: a control character, '"' or '\\'. A byte without its highest bit
+/// has it after the subtraction when it was less than what was taken off.
+constexpr bool has_escapes(Block block) {
+    const auto quotes = block ^ in_each_byte('"');
+    const auto backslashes = block ^ in_each_byte('\\');
+    const auto found = ((block - in_each_byte(0x20)) & ~block) | ((quotes - in_each_byte(1)) & ~quotes) |
+                       ((backslashes - in_each_byte(1)) & ~backslashes);
+    return (found & in_each_byte(0x80)) != 0;
+}
+
+/// Writes to `end`; returns the new one.
+char* escape(std::string_view piece, char* end) {
+    for (const char character : piece) {
+        const char escape = escape_of(character);
+        if (escape == 0) {
+            *end++ = character;
+            continue;
+        }
+        *end++ = '\\';
+        *end++ = escape;
+        if (escape == 'u') {
+            constexpr std::string_view digits = "0123456789abcdef";
+            const auto code = static_cast<unsigned char>(character);
+            end = std::copy_n("00", 2, end);
+            *end++ = digits[code >> 4U];
+            *end++ = digits[code & 0xFU];
+        }
+    }
+    return end;
 }
 
 constexpr std::size_t longest_escape = std::string_view("\\u001f").size();
@@ -139,7 +177,12 @@ void JsonWriter::begin_value() {
 }
 
 void JsonWriter::begin_line(std::size_t depth) {
-    std::memset(room(depth), '\t', depth);
+    constexpr std::string_view usual_depths = "\t\t\t\t\t\t\t\t"; // up to
+    if (depth <= usual_depths.size()) {
+        std::memcpy(room(usual_depths.size()), usual_depths.data(), usual_depths.size());
+    } else {
+        std::memset(room(depth), '\t', depth);
+    }
     used_ += depth;
 }
 
@@ -159,23 +202,17 @@ void JsonWriter::append_quoted(std::string_view value) {
 void JsonWriter::append_escaped(std::string_view piece) {
     char* const begin = room(longest_escape * piece.size());
     char* end = begin;
-    for (const char character : piece) {
-        const char escape = escape_of(character);
-        if (escape == 0) {
-            *end++ = character;
-            continue;
-        }
-        *end++ = '\\';
-        *end++ = escape;
-        if (escape == 'u') {
-            constexpr std::string_view digits = "0123456789abcdef";
-            const auto code = static_cast<unsigned char>(character);
-            end = std::copy_n("00", 2, end);
-            *end++ = digits[code >> 4U];
-            *end++ = digits[code & 0xFU];
+    Block block = 0;
+    for (; piece.size() >= sizeof(block); piece.remove_prefix(sizeof(block))) {
+        std::memcpy(&block, piece.data(), sizeof(block));
+        if (has_escapes(block)) {
+            end = escape(piece.substr(0, sizeof(block)), end);
+        } else {
+            std::memcpy(end, &block, sizeof(block));
+            end += sizeof(block);
         }
     }
-    used_ += static_cast<std::size_t>(end - begin);
+    used_ += static_cast<std::size_t>(escape(piece, end) - begin);
 }
 
 void JsonWriter::append_number(const cJSON& number) {
@@ -262,13 +299,6 @@ bool JsonWriter::append_object(const cJSON& object) {
     begin_line(depth_);
     append("}");
     return true;
-}
-
-char* JsonWriter::room(std::size_t size) {
-    if (text_.size() - used_ < size) {
-        grow(size);
-    }
-    return text_.data() + used_;
 }
 
 void JsonWriter::grow(std::size_t size) {

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <concepts>
 #include <cstddef>
+#include <cstring>
 #include <limits>
 #include <string>
 #include <string_view>
@@ -67,6 +68,12 @@ private:
     void begin_value();
     void begin_line(std::size_t depth);
     void append(std::string_view piece);
+    /// Punctuation: a move or two instead of a call.
+    template <std::size_t size>
+    void append(const char (&punctuation)[size]) {
+        std::memcpy(room(size - 1), punctuation, size - 1);
+        used_ += size - 1;
+    }
     void append_quoted(std::string_view value);
     void append_escaped(std::string_view piece);
     void append_number(const cJSON& number);
@@ -74,7 +81,12 @@ private:
     bool append_array(const cJSON& array);
     bool append_object(const cJSON& object);
     /// Room for so many bytes behind what is written.
-    char* room(std::size_t size);
+    char* room(std::size_t size) {
+        if (text_.size() - used_ < size) {
+            grow(size);
+        }
+        return text_.data() + used_;
+    }
     void grow(std::size_t size);
 
     std::string text_; ///< longer than what is written

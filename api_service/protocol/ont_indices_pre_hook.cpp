@@ -23,7 +23,7 @@ Result<void> add_flat_positions(IndexSet& flat, const IndexSet& ports, const Ind
         if (first_ont < onts_per_pon_port) {
             flat.set(port * onts_per_pon_port + first_ont); // throws beyond the last position
         }
-        if ((onts >> onts_per_pon_port).any()) {
+        if (onts._Find_next(onts_per_pon_port - 1) < onts.size()) {
             return ErrorPayload(Error::OutOfRange, "ONT index is out of range");
         }
         flat |= onts << (port * onts_per_pon_port);
