@@ -78,7 +78,7 @@ function Side({at}: {at: string}) {
       <nav aria-label="Pages">
         {link("", "Overview")}
         {link("onts", "ONTs")}
-        {link("unactivated", "Unactivated ONTs", unactivated > 0 && <span class="pill new">{unactivated}</span>)}
+        {link("unactivated", "Unactivated", unactivated > 0 && <span class="pill new">{unactivated}</span>)}
         {link("subscribers", "Subscribers")}
         {link("configuration", "Configuration", pending > 0 && <span class="pill warn" title="Pending changes">{pending}</span>)}
         {link("system", "System")}
