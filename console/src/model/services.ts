@@ -7,6 +7,7 @@ export interface OntRecord {
 }
 export interface Template {
   name: string;
+  description: string;
   services: {cross_connect: number; dba: number}[];
 }
 export interface ServiceRecord {

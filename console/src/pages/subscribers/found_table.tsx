@@ -44,5 +44,8 @@ export function FoundTable<Row>({label, live, rows, keyOf, ontOf, columns, text,
   </>;
 }
 
+/** So that 10.0.0.10 is sorted behind 10.0.0.9; is found by the address as it is written, too. */
+export const addressOrder = (address: string) => `${address.split(".").map(octet => octet.padStart(3, "0")).join(".")} ${address}`;
+
 /** So that "3/17" is sorted behind "3/2". */
 export const placeOrder = (port: number, ont: number) => `${String(port).padStart(2, "0")}/${String(ont).padStart(3, "0")} ${port}/${ont}`;

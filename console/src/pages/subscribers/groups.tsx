@@ -3,7 +3,7 @@ import {counted} from "../../model/format.ts";
 import {paths} from "../../model/paths.ts";
 import {rangeText} from "../../model/ranges.ts";
 import type {MulticastGroup} from "../../model/subscribers.ts";
-import {FoundTable} from "./found_table.tsx";
+import {addressOrder, FoundTable} from "./found_table.tsx";
 
 const none: MulticastGroup[] = [];
 
@@ -21,7 +21,7 @@ export function Groups({text}: {text: string}) {
   return <FoundTable label="Multicast groups" live={live} rows={live.data?.igmp_groups ?? none} text={text}
     keyOf={row => `${row.group_address} ${row.vlan}`} ontOf={() => ""}
     columns={[
-      {id: "group", title: "Group", width: "minmax(110px, 1fr)", value: row => row.group_address, cell: row => <strong>{row.group_address}</strong>},
+      {id: "group", title: "Group", width: "minmax(110px, 1fr)", value: row => addressOrder(row.group_address), cell: row => <strong>{row.group_address}</strong>},
       {id: "vlan", title: "VLAN", width: "64px", isNumber: true, value: row => row.vlan, cell: row => row.vlan},
       {id: "count", title: "Members", width: "84px", isNumber: true, value: row => row.ports.length, cell: row => row.ports.length},
       {id: "ports", title: "Ports", width: "minmax(160px, 2fr)", value: members, cell: members},

@@ -4,7 +4,7 @@ import {duration} from "../../model/format.ts";
 import {paths} from "../../model/paths.ts";
 import {serialText} from "../../model/serial.ts";
 import type {Lease} from "../../model/subscribers.ts";
-import {FoundTable, placeOrder} from "./found_table.tsx";
+import {addressOrder, FoundTable, placeOrder} from "./found_table.tsx";
 
 const none: Lease[] = [];
 
@@ -14,7 +14,7 @@ export function Leases({text}: {text: string}) {
   return <FoundTable label="DHCP leases" live={live} rows={live.data?.sessions ?? none} text={text}
     keyOf={({mac, pon_port_id, ont_id, service_id}) => `${mac} ${pon_port_id} ${ont_id} ${service_id}`} ontOf={({pon_port_id, ont_id}) => `${pon_port_id}/${ont_id}`}
     columns={[
-      {id: "ip", title: "IP address", width: "minmax(110px, 1fr)", value: ({ip}) => ip, cell: ({ip}) => <strong>{ip}</strong>},
+      {id: "ip", title: "IP address", width: "minmax(110px, 1fr)", value: ({ip}) => addressOrder(ip), cell: ({ip}) => <strong>{ip}</strong>},
       {id: "mac", title: "Client", width: "minmax(140px, 1fr)", value: ({mac}) => mac, cell: ({mac}) => <span class="mono">{mac}</span>},
       {id: "ont", title: "ONT", width: "72px", value: row => placeOrder(row.pon_port_id, row.ont_id), cell: row => `${row.pon_port_id}/${row.ont_id}`},
       {id: "serial", title: "Serial", width: "minmax(120px, 1fr)", value: row => serialText(row.ont_serial, format), cell: row => <span class="mono">{serialText(row.ont_serial, format)}</span>},

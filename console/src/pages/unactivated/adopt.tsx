@@ -2,13 +2,14 @@ import {useEffect, useState} from "preact/hooks";
 
 import {noteEdit} from "../../gateway/edits.ts";
 import {findPending, pending} from "../../gateway/pending.ts";
-import {readRecords, setRecord} from "../../gateway/records.ts";
+import {readRecords, setRecord, useRecords} from "../../gateway/records.ts";
 import {errorText, Refused, type ApiError} from "../../model/answers.ts";
 import {linkTo, nameOf, recordOf} from "../../model/elements.ts";
 import {counted} from "../../model/format.ts";
 import type {Ont} from "../../model/onts.ts";
 import {elements} from "../../model/paths.ts";
 import {isSet, type Serial} from "../../model/serial.ts";
+import type {Template} from "../../model/services.ts";
 import {useStore} from "../../model/store.ts";
 import {Dialog} from "../../ui/dialog.tsx";
 import {commit} from "../configuration/commands.ts";
@@ -17,7 +18,10 @@ import {noteAdopted} from "./adopted.tsx";
 
 /** Configures an ONT where it is seen: on the first free number of its port, with a template, and commits. */
 export function Adopt({ont, onClose}: {ont: Ont; onClose: () => void}) {
-  const templates = useNames(elements.template);
+  const {data: records} = useRecords<Template[]>(elements.template, ["1-32"], "candidate");
+  const crossConnects = useNames(elements.crossConnect);
+  const templates = (records ?? []).map((record, index) => ({...record, number: index + 1})).filter(({name}) => name !== "");
+  const servicesOf = (one: Template) => one.services.flatMap(({cross_connect}) => crossConnects.find(({number}) => number === cross_connect)?.name ?? []).join(", ");
   const changes = useStore(pending);
   const [number, setNumber] = useState<number>();
   const [template, setTemplate] = useState<number>();
@@ -63,7 +67,7 @@ export function Adopt({ont, onClose}: {ont: Ont; onClose: () => void}) {
         <legend>Template</legend>
         {templates.map(one => (
           <label key={one.number}><input type="radio" name="template" checked={template === one.number} onChange={() => setTemplate(one.number)}/>
-            <span><strong>{one.name}</strong>{one.description && <small class="muted">{one.description}</small>}</span></label>
+            <span><strong>{one.name}</strong><small class="muted">{[one.description, servicesOf(one)].filter(text => text !== "").join(": ")}</small></span></label>
         ))}
         {templates.length === 0 && <p class="muted">No template is defined; an administrator can <a href={`#/configuration/${elements.template}`}>add one</a>.</p>}
       </fieldset>
