@@ -3,6 +3,7 @@ import type {Constants, FrontPort, PonPort, System} from "../model/device.ts";
 import {configuration, elements, paths} from "../model/paths.ts";
 import type {SerialFormat} from "../model/serial.ts";
 import {useLive, type Live} from "./live.ts";
+import {constantsRequest} from "./session.ts";
 
 /** Intervals in s: what moves fast, what moves slowly, what hardly moves. */
 const lively = 5;
@@ -11,7 +12,7 @@ const rare = 60;
 
 const get = (path: string, indices?: string[]): ApiRequest => ({path, method: "get", ...(indices && {indices})});
 
-export const useConstants = (): Live<Constants> => useLive(get(paths.constants), 3600);
+export const useConstants = (): Live<Constants> => useLive(constantsRequest, 3600);
 export const useSystem = (): Live<System> => useLive(get(paths.system), lively);
 
 export function useFrontPorts(): Live<FrontPort[]> {

@@ -103,6 +103,11 @@ export function useLive<T>(request: ApiRequest | undefined, every: number): Live
   return ((key && entries.get(key)?.live) ?? nothing) as Live<T>;
 }
 
+/** What is known already need not be waited for. */
+export function remember(request: ApiRequest, data: unknown): void {
+  entries.set(JSON.stringify(request), {request, every: Infinity, live: {data, at: Date.now()}, readers: new Map()});
+}
+
 /** After a logout: what was seen belongs to the one who saw it. */
 export function forgetAll(): void {
   entries.clear();

@@ -1,4 +1,4 @@
-import {elements, paths} from "../model/paths.ts";
+import {elements} from "../model/paths.ts";
 import type {Constants} from "../model/device.ts";
 import {differences, type Change} from "../model/difference.ts";
 import {allElements, type Element} from "../model/elements.ts";
@@ -6,7 +6,7 @@ import {schemaOf} from "../model/schema.ts";
 import {Store} from "../model/store.ts";
 import {editedServices} from "./edits.ts";
 import {readRecords} from "./records.ts";
-import {request} from "./session.ts";
+import {constantsRequest, request} from "./session.ts";
 
 /** What differs between candidate and running, as far as it was looked for last; undefined before that. */
 export const pending = new Store<readonly Change[] | undefined>(undefined);
@@ -61,7 +61,7 @@ export async function findPending(all: boolean): Promise<void> {
 }
 
 async function find(all: boolean): Promise<void> {
-  const device = await request<Constants>({path: paths.constants, method: "get"}, own);
+  const device = await request<Constants>(constantsRequest, own);
   const changes: Change[] = [];
   for (const element of allElements) {
     if (!schemaOf(element.path)?.setBy || element.path === elements.service) continue;

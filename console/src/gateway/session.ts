@@ -1,6 +1,7 @@
 import {ask, login, logout, LoggedOut, session, stay, type AskOptions, type EndReason, type Session} from "./http.ts";
-import {forgetAll, timeLeft, whenSessionEnds} from "./live.ts";
+import {forgetAll, remember, timeLeft, whenSessionEnds} from "./live.ts";
 import type {ApiRequest} from "../model/answers.ts";
+import {paths} from "../model/paths.ts";
 import {mayAct, type Privilege} from "../model/privilege.ts";
 import {Store, useStore} from "../model/store.ts";
 
@@ -25,13 +26,22 @@ function end(reason: EndReason | null): void {
   current.set(null);
 }
 
+export const constantsRequest: ApiRequest = {path: paths.constants, method: "get"};
+
+/** The numbers of ports come first: what is asked for follows from them. */
+async function enter(begun: Session): Promise<void> {
+  await ask(constantsRequest, {isBackground: true}).then(data => remember(constantsRequest, data), () => undefined);
+  farewell.set("");
+  current.set(begun);
+}
+
 /** Goes on with the session that this browser has. */
 export async function findSession(): Promise<void> {
   whenSessionEnds(end);
   try {
     const found = await session();
     if ("ended" in found) end(found.ended);
-    else current.set(found);
+    else await enter(found);
   } catch (error) {
     end(null);
     farewell.set((error as Error).message);
@@ -39,9 +49,7 @@ export async function findSession(): Promise<void> {
 }
 
 export async function begin(user: string, password: string): Promise<void> {
-  const begun = await login(user, password);
-  farewell.set("");
-  current.set(begun);
+  await enter(await login(user, password));
 }
 
 export async function leave(): Promise<void> {
