@@ -42,6 +42,14 @@ Character first_character(std::string_view text) {
     return {.size = static_cast<std::size_t>(end - text.data()), .printable = printable};
 }
 
+/// How many bytes at the beginning are printable characters of ASCII, as mostly all are.
+std::size_t plain_beginning(std::string_view text, std::string_view also_escaped) {
+    const auto* const end = std::ranges::find_if(text, [&](char character) {
+        return character < ' ' || character > '~' || also_escaped.find(character) != std::string_view::npos;
+    });
+    return static_cast<std::size_t>(end - text.begin());
+}
+
 struct Escaped {
     std::string text;
     std::size_t read; ///< bytes of the original
@@ -49,10 +57,16 @@ struct Escaped {
 
 Escaped escape(std::string_view text, std::size_t limit, std::string_view also_escaped) {
     Escaped escaped{.text = {}, .read = 0};
-    while (escaped.read < text.size()) {
+    for (;;) {
+        const auto plain = plain_beginning(text.substr(escaped.read, limit - escaped.read), also_escaped);
+        escaped.text += text.substr(escaped.read, plain);
+        escaped.read += plain;
+        if (escaped.read == text.size()) {
+            return escaped;
+        }
         const auto character = first_character(text.substr(escaped.read));
         if (escaped.read + character.size > limit) {
-            break;
+            return escaped;
         }
         const auto bytes = text.substr(escaped.read, character.size);
         if (character.printable && also_escaped.find(bytes) == std::string_view::npos) {
@@ -64,7 +78,6 @@ Escaped escape(std::string_view text, std::size_t limit, std::string_view also_e
         }
         escaped.read += character.size;
     }
-    return escaped;
 }
 
 std::string size_when_cut(const Escaped& escaped, std::size_t size) {
