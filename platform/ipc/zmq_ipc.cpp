@@ -2,24 +2,40 @@
 
 #include "ipc/socket_path.hpp"
 #include "xpon/core/guard.hpp"
+#include "xpon/core/unique_fd.hpp"
 #include "xpon/logger/logger.hpp"
 
+#include <array>
 #include <cerrno>
 #include <map>
+#include <system_error>
 #include <utility>
+
+#include <sys/eventfd.h>
 
 #include <fmt/format.h>
 
 namespace xpon::ipc {
 namespace {
 
+/// Throws when there are fewer descriptors than a context and its first connection take.
+void check_descriptors_left() {
+    std::array<core::UniqueFd, 24> taken;
+    for (auto& descriptor : taken) {
+        descriptor = core::UniqueFd(::eventfd(0, EFD_CLOEXEC));
+        if (!descriptor) {
+            throw std::system_error(errno, std::generic_category(), "Connections to peers");
+        }
+    }
+}
+
 class PeerConnections : public Ipc {
 public:
     PeerConnections(Address own, const std::shared_ptr<core::ILogger>& logger, const Timing& timing,
                     Connecting connecting)
         : own_(own), logger_(logger), timing_(timing), connecting_(connecting) {
-        // A context takes its descriptors with its first socket, and ends the process when there are none left. At this
-        // time there are.
+        // A context takes its descriptors with its first socket, and ends the process when there are none left.
+        check_descriptors_left();
         const zmq::socket_t first(context_, zmq::socket_type::dealer);
     }
 

@@ -1,7 +1,6 @@
 #include "simulator/control/presence_commands.hpp"
 
 #include <algorithm>
-#include <charconv>
 #include <vector>
 
 #include <fmt/format.h>

@@ -6,6 +6,9 @@
 
 #include <chrono>
 #include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <optional>
 #include <string_view>
 #include <tuple>
 #include <vector>
@@ -51,6 +54,35 @@ TEST(Descriptors, EveryRouteAnswersWithFewLeft) {
     std::ignore = Olt::log_in("admin");
     olt.daemon().send_signal(SIGTERM);
     EXPECT_EQ(olt.daemon().wait(), 0) << olt.daemon().output();
+}
+
+TEST(Descriptors, AreEnoughOrTheStartIsRefused) {
+    Olt olt;
+    olt.start_simulator();
+    const auto limited = olt.root() / "limited_daemon";
+    int refused = 0;
+    for (int limit = 3;; limit += 4) {
+        ASSERT_LT(limit, 256) << "never started";
+        std::ofstream(limited) << "#!/bin/sh\nulimit -n " << limit << "\nexec " API_SERVICE "\n";
+        std::filesystem::permissions(limited, std::filesystem::perms::owner_all);
+        olt.start_daemon(limited);
+        std::optional<int> status;
+        ASSERT_TRUE(eventually([&] {
+            status = olt.daemon().wait(std::chrono::milliseconds(0));
+            return status || client::Connection::open(client::TcpEndpoint{}).has_value();
+        }));
+        if (status) {
+            std::ignore = olt.notifications_until_end(); // too many unread ones would stop the next daemon
+            ASSERT_NE(*status, 0) << "with " << limit << " descriptors";
+            ASSERT_LT(*status, 128) << "ended by a signal with " << limit << " descriptors\n" << olt.daemon().output();
+            ++refused;
+            continue;
+        }
+        olt.daemon().send_signal(SIGTERM);
+        EXPECT_EQ(olt.daemon().wait(), 0) << olt.daemon().output();
+        break;
+    }
+    EXPECT_GT(refused, 5);
 }
 
 TEST(Descriptors, AreKeptBackFromClients) {

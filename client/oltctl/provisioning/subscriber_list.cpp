@@ -58,14 +58,16 @@ std::vector<Line> lines_of(std::string_view text) {
 }
 
 unsigned number_in(const Line& line, const std::string& text) {
+    std::vector<unsigned> numbers;
     try {
-        const auto numbers = numbers_of(text);
-        if (numbers.size() == 1) {
-            return numbers.front();
-        }
-    } catch (const Failure&) { // told below, with the line
+        numbers = numbers_of(text);
+    } catch (const Failure&) {
+        numbers.clear(); // told here, with the line
     }
-    refuse(line.number, fmt::format("'{}' is no number from 1.", text));
+    if (numbers.size() != 1) {
+        refuse(line.number, fmt::format("'{}' is no number from 1.", text));
+    }
+    return numbers.front();
 }
 
 } // namespace
