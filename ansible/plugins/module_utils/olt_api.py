@@ -1,0 +1,1 @@
+../../../client/python/olt_api.py
