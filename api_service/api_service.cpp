@@ -78,7 +78,7 @@ Result<void> ApiService::register_routes() {
             [&] {
                 return route_manager_.add_route(
                     row.path, row.method,
-                    RouteHandler(row.make_handler(services), row.privilege, row.make_pre_hooks(services)));
+                    RouteHandler(row.target.make_handler(services), row.privilege, row.make_pre_hooks(services)));
             },
             core::exception_text_unpadded));
     }

@@ -7,12 +7,19 @@
 namespace xpon::api_service {
 namespace {
 
+constexpr const char* privileges[] = {"viewer", "operator", "administrator"};
+constexpr Member credentials_members[] = {{"user", &shapes::text}, {"password", &shapes::text}};
+constexpr Member session_members[] = {{"session_id", &shapes::text}, {"web_privilege", &text_among<privileges>}};
+
 PrivilegeLevel privilege_of(const cfgdb::User_record& user) {
     constexpr auto highest = static_cast<std::uint8_t>(PrivilegeLevel::Administrator);
     return user.web_privilege <= highest ? static_cast<PrivilegeLevel>(user.web_privilege) : PrivilegeLevel::Nothing;
 }
 
 } // namespace
+
+constinit const RouteShape AuthHandler::shape{.request = &object_of<credentials_members>,
+                                              .answer = &object_of<session_members>};
 
 Result<AuthRequestPayload> AuthRequestPayload::from_payload(const Payload& payload) {
     const char* user = cJSON_GetStringValue(cJSON_GetObjectItemCaseSensitive(payload.get(), "user"));

@@ -4,6 +4,7 @@
 #include "api_service/auth/session_manager.hpp"
 #include "api_service/protocol/request.hpp"
 #include "api_service/protocol/response.hpp"
+#include "api_service/protocol/shape.hpp"
 
 #include <memory>
 
@@ -30,6 +31,8 @@ struct AuthResponsePayload {
 /// names none: neither one that is closed again nor the one in which the request came.
 class AuthHandler {
 public:
+    static const RouteShape shape;
+
     AuthHandler(const std::shared_ptr<ILogger>& logger, const std::shared_ptr<SessionManager>& session_manager,
                 const std::shared_ptr<IPamApi>& pam);
 

@@ -5,6 +5,7 @@
 #include "api_service/handlers/library_buffers.hpp"
 #include "api_service/protocol/request.hpp"
 #include "api_service/protocol/response.hpp"
+#include "api_service/protocol/shape.hpp"
 #include "xpon/core/c_status.hpp"
 #include "xpon/core/guard.hpp"
 #include "xpon/ipc/ipc.hpp"

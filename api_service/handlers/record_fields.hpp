@@ -3,6 +3,7 @@
 #include "api_service/core_names.hpp"
 #include "api_service/protocol/json_writer.hpp"
 #include "api_service/protocol/payload.hpp"
+#include "api_service/protocol/shape.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -20,12 +21,25 @@
 
 namespace xpon::api_service {
 
-/// One member of an object: its key, and what writes its value from the record.
+/// What writes a value from the record, and what values those are.
+template <class Record>
+struct FieldValue {
+    Result<void> (*write)(JsonWriter& writer, const Record& record);
+    const Shape* shape;
+};
+
+/// One member of an object: its key, its value, and what clients have to know of it.
 template <class Record>
 struct JsonField {
     std::string_view key;
-    Result<void> (*write)(JsonWriter& writer, const Record& record);
+    FieldValue<Record> value;
+    const char* about = "";
 };
+
+template <class Record>
+constexpr Member as_member(const JsonField<Record>& field) {
+    return {.key = field.key, .shape = field.value.shape, .about = field.about};
+}
 
 /// The text in a buffer of the device, up to its NUL or its end, made printable: never an error, for one ONT that names
 /// itself oddly must not make all others unreadable.
@@ -80,19 +94,23 @@ struct MemberPointer;
 template <class Record, class T>
 struct MemberPointer<T Record::*> {
     using Owner = Record;
+    using Type = T;
 };
-
-/// The field of a table that is a member as it stands: a number, a text, or an array of numbers.
 template <auto pointer>
-Result<void> member(JsonWriter& writer, const typename MemberPointer<decltype(pointer)>::Owner& record) {
-    return write_value(writer, record.*pointer);
-}
+using OwnerOf = typename MemberPointer<decltype(pointer)>::Owner;
 
-/// The field of a table that is a flag of a record: the number 0 or 1.
+/// The value of a field that is a member as it stands: a number, a text, or an array of numbers.
 template <auto pointer>
-Result<void> flag(JsonWriter& writer, const typename MemberPointer<decltype(pointer)>::Owner& record) {
-    return write_value(writer, record.*pointer != 0 ? 1 : 0);
-}
+inline constexpr FieldValue<OwnerOf<pointer>> member{
+    [](JsonWriter& writer, const OwnerOf<pointer>& record) { return write_value(writer, record.*pointer); },
+    &shape_of<typename MemberPointer<decltype(pointer)>::Type>};
+
+/// The value of a field that is a flag of a record: the number 0 or 1.
+template <auto pointer>
+inline constexpr FieldValue<OwnerOf<pointer>> flag{[](JsonWriter& writer, const OwnerOf<pointer>& record) {
+                                                       return write_value(writer, record.*pointer != 0 ? 1 : 0);
+                                                   },
+                                                   &shapes::flag};
 
 template <class Record>
 using JsonFields = std::type_identity_t<std::span<const JsonField<Record>>>;
@@ -102,7 +120,7 @@ template <class Record>
 Result<void> write_fields(JsonWriter& writer, const Record& record, JsonFields<Record> fields) {
     for (const auto& field : fields) {
         writer.key(field.key);
-        auto written = field.write(writer, record);
+        auto written = field.value.write(writer, record);
         if (!written && written.error().code == Error::InvalidInputArg && written.error().info) {
             return ErrorPayload(written.error().code, fmt::format("{}: {}", field.key, written.error().info->message));
         }

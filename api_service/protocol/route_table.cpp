@@ -33,6 +33,8 @@ namespace {
 using namespace elements;
 using enum PrivilegeLevel;
 
+constexpr RouteShape echo_shape{.request = &shapes::anything, .answer = &shapes::anything};
+
 /// Answers with the request's own data: a client can probe the connection and its privilege.
 Result<Response> echo(const std::shared_ptr<ILogger>& logger, const Request& request,
                       const std::shared_ptr<Session>& session) {
@@ -51,17 +53,32 @@ Value given(const HandlerServices&, Value value) {
     return value;
 }
 
-/// Makes a handler from the logger and from what the row names in `arguments`.
-template <class HandlerType, auto... arguments>
-Handler make(const HandlerServices& services) {
-    return HandlerType(services.logger, given(services, arguments)...);
+template <class HandlerType>
+const RouteShape& shape_at(std::string_view path) {
+    if constexpr (requires { HandlerType::shape_at(path); }) {
+        return HandlerType::shape_at(path);
+    } else if constexpr (requires { HandlerType::shape; }) {
+        return HandlerType::shape;
+    } else {
+        return acknowledgement;
+    }
 }
 
-/// The same for a handler that is a function.
-template <auto function>
-Handler make(const HandlerServices& services) {
-    return std::bind_front(function, services.logger);
-}
+/// A handler made from the logger and from what the row names in `arguments`.
+template <class HandlerType, auto... arguments>
+constexpr RouteTarget make{
+    [](const HandlerServices& services) -> Handler {
+        return HandlerType(services.logger, given(services, arguments)...);
+    },
+    shape_at<HandlerType>,
+};
+
+/// One that is a function.
+template <auto function, const RouteShape& shape>
+constexpr RouteTarget call{
+    [](const HandlerServices& services) -> Handler { return std::bind_front(function, services.logger); },
+    [](std::string_view) -> const RouteShape& { return shape; },
+};
 
 constexpr auto ipc = &HandlerServices::ipc;
 constexpr auto sessions = &HandlerServices::session_manager;
@@ -82,9 +99,9 @@ std::vector<PreHook> ont_indices(const HandlerServices& services) {
 
 // The privileges are deliberately uneven: the ONT list and commit need only an operator, rollback an administrator.
 constexpr RouteRow routes[] = {
-    {"test.echo", "echo", Nothing, make<echo>},
-    {"test.echo.view", "echo", Viewer, make<echo>},
-    {"test.echo.admin", "echo", Administrator, make<echo>},
+    {"test.echo", "echo", Nothing, call<echo, echo_shape>},
+    {"test.echo.view", "echo", Viewer, call<echo, echo_shape>},
+    {"test.echo.admin", "echo", Administrator, call<echo, echo_shape>},
     {"auth", "auth", Nothing, make<AuthHandler, sessions, pam>},
     {"unauth", "auth", Nothing, make<UnauthHandler, sessions>},
     {"monitoring.system", "get", Viewer, make<MonitoringSystemHandler, ipc>},
@@ -108,8 +125,8 @@ constexpr RouteRow routes[] = {
      make<MonitoringOntCountersHandler, ipc>},
     {"monitoring.interface.ont.counters.olt_side.gem_port", "get", Viewer, make<MonitoringOntCountersHandler, ipc>},
     {"monitoring.interface.ont.counters.olt_side.pon", "get", Viewer, make<MonitoringOntCountersHandler, ipc>},
-    {"utils.text.obfuscate", "call", Administrator, make<text_obfuscate_handler>},
-    {"utils.text.deobfuscate", "call", Administrator, make<text_deobfuscate_handler>},
+    {"utils.text.obfuscate", "call", Administrator, call<text_obfuscate_handler, text_handler_shape>},
+    {"utils.text.deobfuscate", "call", Administrator, call<text_deobfuscate_handler, text_handler_shape>},
     {"utils.ont.find", "call", Viewer, make<MonitoringOntStateBySerialHandler, ipc>},
     {"command.default", "command", Administrator, make<ConfigurationSetDefaultHandler, ipc>},
     {"command.save", "command", Administrator, make<ConfigurationSaveHandler, ipc>},

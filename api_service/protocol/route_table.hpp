@@ -4,10 +4,12 @@
 #include "api_service/auth/session_manager.hpp"
 #include "api_service/core_names.hpp"
 #include "api_service/protocol/route_handler.hpp"
+#include "api_service/protocol/shape.hpp"
 #include "xpon/ipc/ipc.hpp"
 
 #include <memory>
 #include <span>
+#include <string_view>
 #include <vector>
 
 namespace xpon::api_service {
@@ -25,12 +27,19 @@ inline std::vector<PreHook> no_pre_hooks(const HandlerServices&) {
     return {};
 }
 
+/// What serves a route: how it is made, and what is asked and answered at a path. Those of configuration elements have
+/// no shape of their own: they take and give the element's records.
+struct RouteTarget {
+    Handler (*make_handler)(const HandlerServices&);
+    const RouteShape& (*shape_at)(std::string_view path);
+};
+
 /// One route of the API.
 struct RouteRow {
     const char* path;
     const char* method;
     PrivilegeLevel privilege;
-    Handler (*make_handler)(const HandlerServices&);
+    RouteTarget target;
     std::vector<PreHook> (*make_pre_hooks)(const HandlerServices&) = no_pre_hooks;
 };
 

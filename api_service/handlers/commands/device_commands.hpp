@@ -32,12 +32,16 @@ class ReconfigurePonPortHandler : HandlerFrame {
 public:
     using HandlerFrame::HandlerFrame;
 
+    static constexpr RouteShape shape{.indices = IndexCount::one};
+
     Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const;
 };
 
 /// Does something with ONTs, which the indices name: one set each, "1-2/1-8,12".
 class OntActionHandler : HandlerFrame {
 public:
+    static constexpr RouteShape shape{.indices = IndexCount::some};
+
     using Action = std::function<int(Ipc* ipc, const Bitmap_ont_range* range)>;
 
     OntActionHandler(const std::shared_ptr<ILogger>& logger, const std::shared_ptr<ipc::IIpc>& ipc, Action action);

@@ -8,7 +8,11 @@ namespace {
 /// What the error of bad data is about. No route has this name: clients know the command by it.
 constexpr const char* command_name = R"(command.upload_firmware)";
 
+constexpr Member request_members[] = {{"path", &shapes::text, "of the file on the device"}};
+
 } // namespace
+
+constinit const RouteShape UploadFirmware::shape{.request = &object_of<request_members>};
 
 Result<UploadFirmwareRequest> UploadFirmwareRequest::get_from_payload(const Payload& payload) {
     const char* path = cJSON_GetStringValue(cJSON_GetObjectItemCaseSensitive(payload.get(), "path"));

@@ -27,6 +27,8 @@ class UploadFirmware : HandlerFrame {
 public:
     using HandlerFrame::HandlerFrame;
 
+    static const RouteShape shape;
+
     /// Data that names no file is an error response.
     Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const;
 };

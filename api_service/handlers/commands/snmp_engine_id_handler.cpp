@@ -4,6 +4,13 @@
 #include "api_service/protocol/json_building.hpp"
 
 namespace xpon::api_service {
+namespace {
+
+constexpr Shape engine_id{.form = Shape::Form::text, .min = 10, .max = 64, .pattern = "^([0-9a-f]{2})*$"};
+
+} // namespace
+
+constinit const RouteShape GenerateSnmpEngineIDHandler::shape{.answer = &engine_id};
 
 Result<Response> GenerateSnmpEngineIDHandler::operator()(const Request&,
                                                          const std::shared_ptr<Session>& session) const {

@@ -12,6 +12,8 @@ class GenerateSnmpEngineIDHandler : HandlerFrame {
 public:
     using HandlerFrame::HandlerFrame;
 
+    static const RouteShape shape;
+
     /// The data is the id itself, a string.
     Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const;
 

@@ -12,6 +12,8 @@
 namespace xpon::api_service {
 namespace {
 
+constexpr Member members[] = {{"text", &shapes::text}};
+
 Result<const char*> get_text(const Request& request) {
     const cJSON* text = cJSON_GetObjectItemCaseSensitive(request.data.get(), "text");
     if (text == nullptr) {
@@ -46,6 +48,8 @@ std::size_t size_of_plain_text(const char* text) {
 }
 
 } // namespace
+
+constinit const RouteShape text_handler_shape{.request = &object_of<members>, .answer = &object_of<members>};
 
 Result<Response> text_obfuscate_handler(const std::shared_ptr<ILogger>& logger, const Request& request,
                                         const std::shared_ptr<Session>& session) {

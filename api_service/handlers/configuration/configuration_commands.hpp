@@ -13,6 +13,8 @@ class CommitHandler : HandlerFrame {
 public:
     using HandlerFrame::HandlerFrame;
 
+    static constexpr RouteShape shape{.has_errors_with_success = true};
+
     /// A commit with nothing pending succeeds. A refused one is a success response that carries an error.
     Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const;
 

@@ -18,7 +18,20 @@ constexpr Constant constants[] = {
     {"PROFILE_DBA_COUNT", 255},  {"PROFILE_SHAPING_COUNT", 32},        {"ONT_SERIAL_BIN_DATAMODEL_SIZE", 10},
 };
 
+constexpr Member as_member(const Constant& constant) {
+    return {.key = constant.key, .shape = &shape_of<std::uint16_t>};
+}
+
+constexpr Member board_members[] = {
+    {"DEVICE_NAME_SHORT", &shapes::text},
+    {"PON_PORT_COUNT", &shape_of<std::uint8_t>},
+    {"FRONT_PORT_COUNT", &shape_of<std::uint8_t>},
+};
+constexpr Shape constants_shape = named("Constants", object_of<board_members, constants>);
+
 } // namespace
+
+constinit const RouteShape MonitoringConstants::shape{.answer = &constants_shape};
 
 Result<Response> MonitoringConstants::operator()(const Request&, const std::shared_ptr<Session>& session) const {
     return answer_with_data(session, [&] { return serialize_payload(); });

@@ -11,6 +11,8 @@ class MonitoringConstants : HandlerFrame {
 public:
     using HandlerFrame::HandlerFrame;
 
+    static const RouteShape shape;
+
     /// Needs no session.
     Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const;
 

@@ -14,6 +14,22 @@
 
 namespace xpon::api_service {
 
+/// Under which keys clients find the objects of an ONT.
+/// @{
+inline constexpr const char service_key[] = "service {}";
+inline constexpr const char port_key[] = "{}";
+inline constexpr const char gem_port_key[] = "GEM port {}";
+inline constexpr const char multicast_key[] = "MC";
+inline constexpr const char broadcast_key[] = "BC";
+inline constexpr const char veip_key[] = "veip";
+inline constexpr const char downstream_gem_ports_key[] = "Downstream counters for gem";
+inline constexpr const char upstream_gem_ports_key[] = "Upstream counters for gem";
+inline constexpr const char downstream_ports_key[] = "Downstream counters for ports";
+inline constexpr const char upstream_ports_key[] = "Upstream counters for ports";
+inline constexpr const char multicast_ports_key[] = "Multicast";
+inline constexpr const char broadcast_ports_key[] = "Broadcast";
+/// @}
+
 /// Stands for the group in tables of kinds that have none.
 struct NoGroup {};
 
@@ -25,6 +41,11 @@ struct Counter {
     std::uint32_t Group::* group = nullptr;
 };
 
+template <class Values, class Group>
+constexpr Member as_member(const Counter<Values, Group>& counter) {
+    return {.key = counter.label, .shape = &shape_of<std::uint32_t>};
+}
+
 /// What the instances of a record are called: by the service where the record has its number, else from "1" on.
 template <class Record>
 Result<std::vector<std::string>> instance_keys(const Record& record) {
@@ -32,9 +53,9 @@ Result<std::vector<std::string>> instance_keys(const Record& record) {
     std::vector<std::string> keys(count);
     for (std::size_t i = 0; i < count; ++i) {
         if constexpr (requires { record.number; }) {
-            keys[i] = fmt::format("service {}", record.number[i]);
+            keys[i] = fmt::format(service_key, record.number[i]);
         } else {
-            keys[i] = fmt::format("{}", i + 1);
+            keys[i] = fmt::format(port_key, i + 1);
         }
     }
     return keys;
@@ -74,8 +95,8 @@ void write_group(JsonWriter& object, std::string_view key, const Group& group,
 /// Writes what the record has of the multicast and of the broadcast GEM port.
 template <class Record, class Values, class Group, std::size_t N>
 void write_gem_groups(JsonWriter& object, const Record& record, const Counter<Values, Group> (&table)[N]) {
-    write_group(object, "MC", record.mc, table);
-    write_group(object, "BC", record.bc, table);
+    write_group(object, multicast_key, record.mc, table);
+    write_group(object, broadcast_key, record.bc, table);
 }
 
 /// Writes an object of what `fill` writes under `key`, unless that is nothing.

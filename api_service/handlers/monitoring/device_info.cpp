@@ -35,6 +35,13 @@ constexpr JsonField<Factory_info> factory_info_fields[] = {
     {"mac_address", member<&Factory_info::mac_address>},
 };
 
+} // namespace
+
+constinit const Shape device_info_shape = named("DeviceInfo", object_of<device_info_fields>);
+constinit const Shape factory_info_shape = named("FactoryInfo", object_of<factory_info_fields>);
+
+namespace {
+
 Result<std::string> get_hostname(ILogger& logger) {
     utsname names{};
     BOOST_OUTCOME_TRY(core::call_c_api(logger, ::uname, &names));

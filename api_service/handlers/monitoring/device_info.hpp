@@ -2,6 +2,7 @@
 
 #include "api_service/core_names.hpp"
 #include "api_service/protocol/json_writer.hpp"
+#include "api_service/protocol/shape.hpp"
 #include "xpon/custom_layer/device.h"
 #include "xpon/custom_layer/system.h"
 
@@ -10,6 +11,9 @@
 #include <cjson/cJSON.h>
 
 namespace xpon::api_service {
+
+extern const Shape device_info_shape;
+extern const Shape factory_info_shape;
 
 /// Adds "device_info": what runs on the board, and since when. The board's own versions come from `environment`.
 Result<void> add_device_info(ILogger& logger, JsonWriter& root, const System_environment_data& environment);

@@ -13,22 +13,36 @@ using PortInfo = MonitoringFrontPortStateHandler::PortInfo;
 
 namespace {
 
+constexpr const char* statuses[] = {"SHUTDOWN", "DOWN", "UP"};
+enum Status : std::uint8_t { shut_down, down, up };
+
 constexpr JsonField<PortInfo> port_fields[] = {
     {"port", member<&PortInfo::port>},
-    {"status", member<&PortInfo::status>},
-    {"speed", [](JsonWriter& to, const PortInfo& port) { return write_value(to, port.info.speed); }},
+    {"status",
+     {[](JsonWriter& to, const PortInfo& port) { return write_value(to, port.status); }, &text_among<statuses>}},
+    {"speed",
+     {[](JsonWriter& to, const PortInfo& port) { return write_value(to, port.info.speed); }, &shapes::text},
+     "\"10G\", \"1G\" or \"100M\"; \"none\" without link"},
 };
 
 constexpr JsonField<Front_port_info> media_fields[] = {
-    {"media", member<&Front_port_info::media>},
+    {"media", member<&Front_port_info::media>, "such as \"10GBASE-LR\""},
 };
 
 constexpr JsonField<Front_port_sfp_eddi> eddi_fields[] = {
-    {"temperature_c", member<&Front_port_sfp_eddi::temperature>},
-    {"voltage_v", member<&Front_port_sfp_eddi::voltage>},
-    {"tx_bias_current_ma", member<&Front_port_sfp_eddi::bias>},
-    {"tx_power_mw", member<&Front_port_sfp_eddi::power>},
+    {"temperature_c", member<&Front_port_sfp_eddi::temperature>, "degrees Celsius"},
+    {"voltage_v", member<&Front_port_sfp_eddi::voltage>, "V"},
+    {"tx_bias_current_ma", member<&Front_port_sfp_eddi::bias>, "mA"},
+    {"tx_power_mw", member<&Front_port_sfp_eddi::power>, "mW"},
 };
+
+constexpr Member module_members[] = {{"sfp", &object_of<sfp_fields, media_fields>}};
+constexpr Member eddi_members[] = {{"eddi", &object_of<eddi_fields>, "what the module measures"}};
+
+constexpr Shape port_shape =
+    named("FrontPortState",
+          one_of<object_of<port_fields, condition_fields>, object_of<port_fields, condition_fields, module_members>,
+                 object_of<port_fields, condition_fields, module_members, eddi_members>>);
 
 Result<void> fill_port(JsonWriter& object, const PortInfo& port) {
     BOOST_OUTCOME_TRY(write_fields(object, port, port_fields));
@@ -48,6 +62,9 @@ Result<void> fill_port(JsonWriter& object, const PortInfo& port) {
 }
 
 } // namespace
+
+constinit const RouteShape MonitoringFrontPortStateHandler::shape{.indices = IndexCount::one,
+                                                                  .answer = &array_of<port_shape>};
 
 /// What is asked once for all ports.
 struct MonitoringFrontPortStateHandler::Sources {
@@ -111,11 +128,11 @@ Result<PortInfo> MonitoringFrontPortStateHandler::describe(const Sources& source
 
 Result<const char*> MonitoringFrontPortStateHandler::get_status(const Sources& sources, std::uint8_t port) const {
     if (sources.configured.at(port).enabled == 0) {
-        return "SHUTDOWN";
+        return statuses[shut_down];
     }
     std::uint8_t is_up = 0;
     BOOST_OUTCOME_TRY(core::call_c_api(*logger_, get_bitmap_uplink_port_ids_value, &sources.link_up, port, &is_up));
-    return is_up != 0 ? "UP" : "DOWN";
+    return statuses[is_up != 0 ? up : down];
 }
 
 } // namespace xpon::api_service

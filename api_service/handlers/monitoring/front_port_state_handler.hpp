@@ -24,6 +24,8 @@ public:
 
     using HandlerFrame::HandlerFrame;
 
+    static const RouteShape shape;
+
     Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const;
 
     [[nodiscard]] Result<Bitmap_uplink_port_range> process_request(const Request& request) const;

@@ -10,32 +10,52 @@
 namespace xpon::api_service {
 namespace {
 
+constexpr const char* filter_modes[] = {"INCLUDE", "EXCLUDE"};
+
 const char* filter_mode_text(Igmp_filter_mode mode) {
-    return mode == igmp_include ? "INCLUDE" : "EXCLUDE";
+    return filter_modes[mode == igmp_include ? 0 : 1];
 }
 
 constexpr JsonField<Igmp_group> group_fields[] = {
     {"group_address",
-     [](JsonWriter& to, const Igmp_group& group) { return write_value(to, ipv4_text(group.address)); }},
-    {"is_in_deletion_queue", flag<&Igmp_group::is_in_deletion_queue>},
+     {[](JsonWriter& to, const Igmp_group& group) { return write_value(to, ipv4_text(group.address)); },
+      &shapes::ipv4}},
+    {"is_in_deletion_queue", flag<&Igmp_group::is_in_deletion_queue>, "1 = its last member has left"},
     {"filter_mode",
-     [](JsonWriter& to, const Igmp_group& group) { return write_value(to, filter_mode_text(group.filter_mode)); }},
+     {[](JsonWriter& to, const Igmp_group& group) { return write_value(to, filter_mode_text(group.filter_mode)); },
+      &text_among<filter_modes>}},
     {"vlan", member<&Igmp_group::vlan>},
 };
 
 constexpr JsonField<Igmp_source> source_fields[] = {
-    {"ip_address", [](JsonWriter& to, const Igmp_source& source) { return write_value(to, ipv4_text(source.ip)); }},
+    {"ip_address",
+     {[](JsonWriter& to, const Igmp_source& source) { return write_value(to, ipv4_text(source.ip)); }, &shapes::ipv4}},
     {"filter_mode",
-     [](JsonWriter& to, const Igmp_source& source) { return write_value(to, filter_mode_text(source.filter_mode)); }},
+     {[](JsonWriter& to, const Igmp_source& source) { return write_value(to, filter_mode_text(source.filter_mode)); },
+      &text_among<filter_modes>}},
 };
 
 constexpr JsonField<Igmp_member_port> port_fields[] = {
     {"port",
-     [](JsonWriter& to, const Igmp_member_port& port) {
-         return write_value(to, switch_port_text(port.kind, port.unit, port.number));
-     }},
+     {[](JsonWriter& to, const Igmp_member_port& port) {
+          return write_value(to, switch_port_text(port.kind, port.unit, port.number));
+      },
+      &switch_port_shape}},
     {"is_static", flag<&Igmp_member_port::is_static>},
-    {"expires_sec", member<&Igmp_member_port::expires_sec>},
+    {"expires_sec", member<&Igmp_member_port::expires_sec>, "s; 0 for a static member"},
+};
+
+constexpr Member group_lists[] = {
+    {"ip_sources", &array_of<object_of<source_fields>>},
+    {"ports", &array_of<object_of<port_fields>>},
+};
+constexpr Shape group_shape = named("IgmpGroup", object_of<group_fields, group_lists>);
+
+constexpr Shape vlan_shape = integer_shape<std::uint16_t>(1, 4094);
+constexpr Member answer_members[] = {
+    {"vlans", &array_of<vlan_shape>, "those in which the OLT looks into IGMP"},
+    {"igmp_groups_count", &shape_of<std::uint32_t>},
+    {"igmp_groups", &array_of<group_shape>},
 };
 
 Result<void> fill_group(JsonWriter& object, const Igmp_group& group) {
@@ -55,6 +75,8 @@ Result<Bitmap_vlan> get_all_vlans(ILogger& logger) {
 }
 
 } // namespace
+
+constinit const RouteShape MonitoringIgmpGroupsHandler::shape{.answer = &object_of<answer_members>};
 
 Result<Response> MonitoringIgmpGroupsHandler::operator()(const Request&,
                                                          const std::shared_ptr<Session>& session) const {

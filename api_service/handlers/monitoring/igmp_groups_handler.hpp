@@ -18,6 +18,8 @@ public:
 
     using HandlerFrame::HandlerFrame;
 
+    static const RouteShape shape;
+
     Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const;
 
     /// Adds an object to the array for each group of the VLAN.

@@ -27,7 +27,11 @@ struct NameList {
     std::uint32_t count = 0;
 };
 
+constexpr Member answer_members[] = {{"log_files", &array_of<shapes::text>}};
+
 } // namespace
+
+constinit const RouteShape MonitoringLogFiles::shape{.answer = &object_of<answer_members>};
 
 Result<Response> MonitoringLogFiles::operator()(const Request&, const std::shared_ptr<Session>& session) const {
     BOOST_OUTCOME_TRY(const auto db, database_of(session));

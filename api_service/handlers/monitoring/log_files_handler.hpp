@@ -14,6 +14,8 @@ class MonitoringLogFiles : HandlerFrame {
 public:
     using HandlerFrame::HandlerFrame;
 
+    static const RouteShape shape;
+
     Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const;
 
     /// In the order of the custom layer. Throws std::logic_error for a null name.

@@ -9,27 +9,40 @@ namespace {
 /// By Mac_entry_type.
 constexpr const char* entry_types[] = {"dynamic", "static"};
 
+constexpr Shape ont_shape{.form = Shape::Form::text, .pattern = "^([1-9][0-9]*/[1-9][0-9]*)?$"};
+
 std::string ont_text(const Bcm_mac_entry& entry) {
     const bool is_behind_ont = entry.kind == switch_port_pon && entry.ont_id != 0;
     return is_behind_ont ? fmt::format("{}/{}", entry.number, entry.ont_id) : std::string();
 }
 
 constexpr JsonField<Bcm_mac_entry> entry_fields[] = {
-    {"mac", [](JsonWriter& to, const Bcm_mac_entry& entry) { return write_value(to, mac_text(entry.mac)); }},
+    {"mac",
+     {[](JsonWriter& to, const Bcm_mac_entry& entry) { return write_value(to, mac_text(entry.mac)); }, &shapes::mac}},
     {"port",
-     [](JsonWriter& to, const Bcm_mac_entry& entry) {
-         return write_value(to, switch_port_text(entry.kind, entry.unit, entry.number));
-     }},
+     {[](JsonWriter& to, const Bcm_mac_entry& entry) {
+          return write_value(to, switch_port_text(entry.kind, entry.unit, entry.number));
+      },
+      &switch_port_shape}},
     {"svid", member<&Bcm_mac_entry::svid>},
-    {"cvid", member<&Bcm_mac_entry::cvid>},
-    {"uvid", member<&Bcm_mac_entry::uvid>},
-    {"ont", [](JsonWriter& to, const Bcm_mac_entry& entry) { return write_value(to, ont_text(entry)); }},
-    {"gem", member<&Bcm_mac_entry::gem>},
-    {"type", [](JsonWriter& to,
-                const Bcm_mac_entry& entry) { return write_value(to, text_of_value(entry_types, entry.type)); }},
+    {"cvid", member<&Bcm_mac_entry::cvid>, "0 = one tag"},
+    {"uvid", member<&Bcm_mac_entry::uvid>, "at the subscriber's port; 0 = untagged"},
+    {"ont",
+     {[](JsonWriter& to, const Bcm_mac_entry& entry) { return write_value(to, ont_text(entry)); }, &ont_shape},
+     "PON port/ONT; empty = behind none"},
+    {"gem", member<&Bcm_mac_entry::gem>, "0 = none"},
+    {"type",
+     {[](JsonWriter& to, const Bcm_mac_entry& entry) {
+          return write_value(to, text_of_value(entry_types, entry.type));
+      },
+      &text_among<entry_types>}},
 };
+constexpr Shape entry_shape = named("MacEntry", object_of<entry_fields>);
 
 } // namespace
+
+constinit const RouteShape MonitoringMacTable::shape{.indices = IndexCount::none_or_one,
+                                                     .answer = &array_of<entry_shape>};
 
 Result<Response> MonitoringMacTable::operator()(const Request& request, const std::shared_ptr<Session>& session) const {
     BOOST_OUTCOME_TRY(check_session(session));

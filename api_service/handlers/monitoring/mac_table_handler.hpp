@@ -14,6 +14,8 @@ class MonitoringMacTable : HandlerFrame {
 public:
     using HandlerFrame::HandlerFrame;
 
+    static const RouteShape shape;
+
     /// Without indices all addresses, with one those behind the ONTs that it names ("1-2/1-8,12").
     Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const;
 

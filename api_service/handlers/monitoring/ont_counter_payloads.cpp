@@ -31,12 +31,12 @@ Result<void> fill(JsonWriter& object, const Record& record) {
 
 Result<void> fill_nctp(JsonWriter& object, const Ont_gem_port_nctp_pm& record) {
     BOOST_OUTCOME_TRY(const auto keys, instance_keys(record));
-    BOOST_OUTCOME_TRY(write_unless_empty(object, "Downstream counters for gem", [&]() -> Result<void> {
+    BOOST_OUTCOME_TRY(write_unless_empty(object, downstream_gem_ports_key, [&]() -> Result<void> {
         write_instances(object, keys, record.downstream, counter_tables::nctp_downstream);
         write_gem_groups(object, record, counter_tables::nctp_downstream);
         return core::success();
     }));
-    return write_unless_empty(object, "Upstream counters for gem", [&]() -> Result<void> {
+    return write_unless_empty(object, upstream_gem_ports_key, [&]() -> Result<void> {
         write_instances(object, keys, record.upstream, counter_tables::nctp_upstream);
         return core::success();
     });
@@ -47,7 +47,7 @@ using GemPorts = std::span<const Ont_gem_port_counters>;
 Result<void> write_gem_ports(JsonWriter& object, GemPorts gem_ports, Gem_port_group group) {
     for (const auto& gem_port : gem_ports) {
         if (gem_port.group == group) {
-            const auto key = fmt::format("GEM port {}", gem_port.gem_port);
+            const auto key = fmt::format(gem_port_key, gem_port.gem_port);
             BOOST_OUTCOME_TRY(write_record(object, key, gem_port, counter_tables::olt_gem_port));
         }
     }
@@ -60,9 +60,9 @@ Result<void> fill_gem_ports(JsonWriter& object, const Ont__get_gem_port_counters
         BOOST_OUTCOME_TRY(bounded_count(gem_port.group, gem_port_broadcast, "group"));
     }
     BOOST_OUTCOME_TRY(write_gem_ports(object, gem_ports, gem_port_unicast));
-    BOOST_OUTCOME_TRY(write_unless_empty(object, "Multicast",
+    BOOST_OUTCOME_TRY(write_unless_empty(object, multicast_ports_key,
                                          [&] { return write_gem_ports(object, gem_ports, gem_port_multicast); }));
-    return write_unless_empty(object, "Broadcast",
+    return write_unless_empty(object, broadcast_ports_key,
                               [&] { return write_gem_ports(object, gem_ports, gem_port_broadcast); });
 }
 
@@ -129,9 +129,8 @@ CountersHandler::get_payload_for_pon_counters(JsonWriter& array,
 
 Result<void> CountersHandler::fill_eth_frame_ext_pm(JsonWriter& object, const Ont_eth_frame_ext_pm& record) {
     BOOST_OUTCOME_TRY(const auto keys, instance_keys(record));
-    BOOST_OUTCOME_TRY(
-        add_eth_frame_ext_pm_counters_to_json(object, "Upstream counters for ports", keys, record.upstream));
-    return add_eth_frame_ext_pm_counters_to_json(object, "Downstream counters for ports", keys, record.downstream);
+    BOOST_OUTCOME_TRY(add_eth_frame_ext_pm_counters_to_json(object, upstream_ports_key, keys, record.upstream));
+    return add_eth_frame_ext_pm_counters_to_json(object, downstream_ports_key, keys, record.downstream);
 }
 
 Result<void> CountersHandler::add_eth_frame_ext_pm_counters_to_json(JsonWriter& object, std::string_view key,
@@ -139,7 +138,7 @@ Result<void> CountersHandler::add_eth_frame_ext_pm_counters_to_json(JsonWriter& 
                                                                     const Ont_eth_frame_ext_pm::Direction& counters) {
     return write_unless_empty(object, key, [&]() -> Result<void> {
         write_instances(object, instances, counters, counter_tables::frame_extended);
-        write_group(object, "veip", counters.veip, counter_tables::frame_extended);
+        write_group(object, veip_key, counters.veip, counter_tables::frame_extended);
         return core::success();
     });
 }

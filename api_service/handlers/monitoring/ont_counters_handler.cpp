@@ -1,6 +1,6 @@
 #include "api_service/handlers/monitoring/ont_counters_handler.hpp"
 
-#include "api_service/handlers/record_fields.hpp"
+#include "api_service/handlers/monitoring/counter_shapes.hpp"
 #include "xpon/core/call_sequence.hpp"
 
 #include <algorithm>
@@ -14,30 +14,41 @@ using CountersHandler = MonitoringOntCountersHandler;
 struct MonitoringOntCountersHandler::Kind {
     std::string_view path_end;
     Result<std::string> (MonitoringOntCountersHandler::*get_array)(const Bitmap_ont_range& range) const;
+    const RouteShape* shape;
 };
 
 // clang-format off
 constexpr CountersHandler::Kind CountersHandler::kinds[] = {
-    {".ont_side.gem_port_performance_monitoring",                   &CountersHandler::get_array<ont_information_gem_port_pm,           Ont_gem_port_pm,                     get_payload_for_pm_history_data>},
-    {".ont_side.gem_port_nctp_performance_monitoring",              &CountersHandler::get_array<ont_information_gem_port_nctp_pm,      Ont_gem_port_nctp_pm,                get_payload_for_nctp_pm_history_data>},
-    {".ont_side.ethernet_performance_monitoring_history_data",      &CountersHandler::get_array<ont_information_eth_pm_history_data,   Ont_eth_pm_history_data,             get_payload_for_eth_pm_history_data>},
-    {".ont_side.ethernet_performance_monitoring_history_data_2",    &CountersHandler::get_array<ont_information_ethernet_pm_2,         Ont_ethernet_pm_2,                   get_payload_for_eth_pm_history_data_2>},
-    {".ont_side.ethernet_performance_monitoring_history_data_3",    &CountersHandler::get_array<ont_information_eth_pm_history_data_3, Ont_eth_pm_history_data_3,           get_payload_for_eth_pm_history_data_3>},
-    {".ont_side.gal_ethernet_performance_monitoring_history_data",  &CountersHandler::get_array<ont_information_gal_eth_pm,            Ont_gal_eth_pm,                      get_payload_for_gal_eth_pm_history_data>},
-    {".ont_side.fec_performance_monitoring_history_data",           &CountersHandler::get_array<ont_information_fec_pm,                Ont_fec_pm_counters,                 get_payload_for_fec_pm_history_data>},
-    {".ont_side.ethernet_frame_extended_performance_monitoring",    &CountersHandler::get_array<ont_information_eth_frame_ext_pm,      Ont_eth_frame_ext_pm,                get_payload_for_eth_frame_ext_pm>},
-    {".olt_side.gem_port",                                          &CountersHandler::get_array<ont_information_olt_gem_port,          Ont__get_gem_port_counters_response, get_payload_for_gem_port_counters>},
-    {".olt_side.pon",                                               &CountersHandler::get_array<ont_information_olt_pon,               Ont__get_pon_counters_response,      get_payload_for_pon_counters>},
+    {".ont_side.gem_port_performance_monitoring",                   &CountersHandler::get_array<ont_information_gem_port_pm,           Ont_gem_port_pm,                     get_payload_for_pm_history_data>,         &counter_shapes::route<counter_shapes::gem_port>},
+    {".ont_side.gem_port_nctp_performance_monitoring",              &CountersHandler::get_array<ont_information_gem_port_nctp_pm,      Ont_gem_port_nctp_pm,                get_payload_for_nctp_pm_history_data>,    &counter_shapes::route<counter_shapes::nctp>},
+    {".ont_side.ethernet_performance_monitoring_history_data",      &CountersHandler::get_array<ont_information_eth_pm_history_data,   Ont_eth_pm_history_data,             get_payload_for_eth_pm_history_data>,     &counter_shapes::route<counter_shapes::ethernet>},
+    {".ont_side.ethernet_performance_monitoring_history_data_2",    &CountersHandler::get_array<ont_information_ethernet_pm_2,         Ont_ethernet_pm_2,                   get_payload_for_eth_pm_history_data_2>,   &counter_shapes::route<counter_shapes::ethernet_2>},
+    {".ont_side.ethernet_performance_monitoring_history_data_3",    &CountersHandler::get_array<ont_information_eth_pm_history_data_3, Ont_eth_pm_history_data_3,           get_payload_for_eth_pm_history_data_3>,   &counter_shapes::route<counter_shapes::ethernet_3>},
+    {".ont_side.gal_ethernet_performance_monitoring_history_data",  &CountersHandler::get_array<ont_information_gal_eth_pm,            Ont_gal_eth_pm,                      get_payload_for_gal_eth_pm_history_data>, &counter_shapes::route<counter_shapes::gal_ethernet>},
+    {".ont_side.fec_performance_monitoring_history_data",           &CountersHandler::get_array<ont_information_fec_pm,                Ont_fec_pm_counters,                 get_payload_for_fec_pm_history_data>,     &counter_shapes::route<counter_shapes::fec>},
+    {".ont_side.ethernet_frame_extended_performance_monitoring",    &CountersHandler::get_array<ont_information_eth_frame_ext_pm,      Ont_eth_frame_ext_pm,                get_payload_for_eth_frame_ext_pm>,        &counter_shapes::route<counter_shapes::frame_extended>},
+    {".olt_side.gem_port",                                          &CountersHandler::get_array<ont_information_olt_gem_port,          Ont__get_gem_port_counters_response, get_payload_for_gem_port_counters>,       &counter_shapes::route<counter_shapes::olt_gem_port>},
+    {".olt_side.pon",                                               &CountersHandler::get_array<ont_information_olt_pon,               Ont__get_pon_counters_response,      get_payload_for_pon_counters>,            &counter_shapes::route<counter_shapes::olt_pon>},
 };
 // clang-format on
+
+const MonitoringOntCountersHandler::Kind* MonitoringOntCountersHandler::find_kind(std::string_view path) {
+    const auto* const kind =
+        std::ranges::find_if(kinds, [&](const Kind& known) { return path.ends_with(known.path_end); });
+    return kind == std::end(kinds) ? nullptr : kind;
+}
+
+const RouteShape& MonitoringOntCountersHandler::shape_at(std::string_view path) {
+    const auto* const kind = find_kind(path);
+    return kind == nullptr ? acknowledgement : *kind->shape;
+}
 
 Result<Response> MonitoringOntCountersHandler::operator()(const Request& request,
                                                           const std::shared_ptr<Session>& session) const {
     BOOST_OUTCOME_TRY(check_session(session));
     return answer_with_data(session, [&]() -> Result<std::string> {
-        const auto* const kind =
-            std::ranges::find_if(kinds, [&](const Kind& known) { return request.path.ends_with(known.path_end); });
-        if (kind == std::end(kinds)) {
+        const auto* const kind = find_kind(request.path);
+        if (kind == nullptr) {
             return ErrorPayload(Error::InvalidInputArg, fmt::format("There are no counters at {}", request.path));
         }
         BOOST_OUTCOME_TRY(const auto range, get_ont_range(request));

@@ -25,6 +25,9 @@ class MonitoringOntCountersHandler : HandlerFrame {
 public:
     using HandlerFrame::HandlerFrame;
 
+    /// That of the kind of counters which the path ends with.
+    static const RouteShape& shape_at(std::string_view path);
+
     /// An array with an object for each ONT of the range, also for those that have no counters.
     Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const;
 
@@ -56,6 +59,9 @@ public:
 private:
     struct Kind;
     static const Kind kinds[];
+
+    /// Null for a path that ends with none.
+    static const Kind* find_kind(std::string_view path);
 
     [[nodiscard]] Result<Bitmap_ont_range> get_ont_range(const Request& request) const;
     /// The records of the next ONTs of the range; none after the last.

@@ -55,7 +55,24 @@ Result<void> fill_unactivated(JsonWriter& object, const OntReports& reports, con
     return write_fields(object, *found, unactivated_ont_fields);
 }
 
+constexpr Member request_members[] = {{"serial", &shapes::serial}};
+
+/// As in the answer about states; nothing of an ONT that nobody knows.
+constexpr Shape unknown_ont_shape{.form = Shape::Form::object};
+constexpr Shape found_ont_shape =
+    named("FoundOnt", one_of<object_of<configured_ont_fields, activated_ont_fields>,
+                             object_of<configured_ont_fields, unactivated_ont_fields>, object_of<configured_ont_fields>,
+                             object_of<unactivated_ont_serial_fields, unactivated_ont_fields>, unknown_ont_shape>);
+constexpr Shape configuration_shape{.form = Shape::Form::element, .path = "ZebGCfg.pon.ont"};
+constexpr Member answer_members[] = {
+    {"monitoring", &found_ont_shape},
+    {"configuration", &configuration_shape, "of an ONT that is configured", true},
+};
+
 } // namespace
+
+constinit const RouteShape MonitoringOntStateBySerialHandler::shape{
+    .request = &object_of<request_members>, .answer = &object_of<answer_members>, .takes_config_type = true};
 
 Result<Response> MonitoringOntStateBySerialHandler::operator()(const Request& request,
                                                                const std::shared_ptr<Session>& session) const {

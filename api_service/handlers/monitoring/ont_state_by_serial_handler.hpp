@@ -15,6 +15,8 @@ class MonitoringOntStateBySerialHandler : HandlerFrame {
 public:
     using HandlerFrame::HandlerFrame;
 
+    static const RouteShape shape;
+
     /// A serial number that cannot be read is an error response; an ONT that is nowhere is an empty "monitoring".
     Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const;
 

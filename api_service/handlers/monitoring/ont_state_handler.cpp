@@ -16,15 +16,27 @@ constexpr JsonField<Ont__state_info> ont_info_fields[] = {
     {"equipment_id", member<&Ont__state_info::equipment_id>},
     {"hardware_version", member<&Ont__state_info::hardware_version>},
     {"software_version", member<&Ont__state_info::software_version>},
-    {"equalization_delay", member<&Ont__state_info::equalization_delay>},
-    {"fec_state", member<&Ont__state_info::fec_state>},
-    {"distance", member<&Ont__state_info::distance>},
-    {"rssi", member<&Ont__state_info::rssi>},
+    {"equalization_delay", member<&Ont__state_info::equalization_delay>, "bit times of 1.24416 Gbit/s"},
+    {"fec_state", member<&Ont__state_info::fec_state>, "0 or 1, upstream"},
+    {"distance", member<&Ont__state_info::distance>, "m"},
+    {"rssi", member<&Ont__state_info::rssi>, "dBm at the OLT"},
 };
 
 constexpr JsonField<Ont_unactivated_entry> password_fields[] = {
     {"password", member<&Ont_unactivated_entry::password>},
 };
+
+constexpr Member activated_members[] = {
+    {"ont_info", &object_of<ont_info_fields>, "what the ONT says of itself and what is measured of it"},
+    {"alloc_ids", &array_of<shape_of<std::uint16_t>>, "the first is that of the management channel"},
+};
+
+/// In operation or on the way there, seen but not activated, not seen, and seen but not configured.
+constexpr Shape ont_shape = named(
+    "OntState", one_of<object_of<configured_ont_fields, configuration_fields, activated_ont_fields, activated_members>,
+                       object_of<configured_ont_fields, configuration_fields, unactivated_ont_fields>,
+                       object_of<configured_ont_fields, configuration_fields>,
+                       object_of<unactivated_ont_serial_fields, password_fields, unactivated_ont_fields>>);
 
 Result<void> fill_activated(JsonWriter& object, const Ont__state_info& state) {
     BOOST_OUTCOME_TRY(write_fields(object, state, activated_ont_fields));
@@ -71,6 +83,9 @@ Result<void> write_onts(JsonWriter& writer, OntWalk& walk) {
 }
 
 } // namespace
+
+constinit const RouteShape MonitoringOntStateHandler::shape{.indices = IndexCount::none_or_two,
+                                                            .answer = &array_of<ont_shape>};
 
 Result<Response> MonitoringOntStateHandler::operator()(const Request& request,
                                                        const std::shared_ptr<Session>& session) const {

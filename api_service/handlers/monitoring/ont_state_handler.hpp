@@ -13,6 +13,8 @@ class MonitoringOntStateHandler : HandlerFrame {
 public:
     using HandlerFrame::HandlerFrame;
 
+    static const RouteShape shape;
+
     Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const;
 
     /// No indices stand for all ONTs, two for a range of PON ports and one of ONTs.

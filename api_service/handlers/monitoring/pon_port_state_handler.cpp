@@ -11,20 +11,43 @@ using PortInfo = MonitoringPonPortStateHandler::PortInfo;
 
 namespace {
 
+constexpr Shape state_shape{.form = Shape::Form::text, .text_of = [](unsigned value) {
+                                return channel_state_to_str(static_cast<Pon_channel_state>(value));
+                            }};
+constexpr Shape type_shape{.form = Shape::Form::text, .text_of = [](unsigned value) {
+                               return Pon_port_type_to_str(static_cast<Pon_port_type>(value));
+                           }};
+
 constexpr JsonField<PortInfo> port_fields[] = {
     {"port", member<&PortInfo::port>},
-    {"state", [](JsonWriter& to,
-                 const PortInfo& port) { return write_value(to, channel_state_to_str(port.state.channel_state)); }},
-    {"pon_type", [](JsonWriter& to, const PortInfo& port) { return write_value(to, Pon_port_type_to_str(port.type)); }},
-    {"ont_count", [](JsonWriter& to, const PortInfo& port) { return write_value(to, port.state.ont_count); }},
+    {"state",
+     {[](JsonWriter& to, const PortInfo& port) {
+          return write_value(to, channel_state_to_str(port.state.channel_state));
+      },
+      &state_shape}},
+    {"pon_type",
+     {[](JsonWriter& to, const PortInfo& port) { return write_value(to, Pon_port_type_to_str(port.type)); },
+      &type_shape}},
+    {"ont_count",
+     {[](JsonWriter& to, const PortInfo& port) { return write_value(to, port.state.ont_count); },
+      &shape_of<decltype(Pon_port_state::ont_count)>},
+     "ONTs that hold an ONU-ID"},
 };
 
 constexpr JsonField<Pon_port_sfp_info> eddi_fields[] = {
-    {"temperature_c", member<&Pon_port_sfp_info::temperature>},
-    {"voltage_v", member<&Pon_port_sfp_info::voltage>},
-    {"tx_bias_current_ma", member<&Pon_port_sfp_info::bias>},
-    {"tx_power_dbm", member<&Pon_port_sfp_info::power>},
+    {"temperature_c", member<&Pon_port_sfp_info::temperature>, "degrees Celsius"},
+    {"voltage_v", member<&Pon_port_sfp_info::voltage>, "V"},
+    {"tx_bias_current_ma", member<&Pon_port_sfp_info::bias>, "mA"},
+    {"tx_power_dbm", member<&Pon_port_sfp_info::power>, "dBm"},
 };
+
+constexpr Member module_members[] = {{"sfp", &object_of<sfp_fields>}};
+constexpr Member eddi_members[] = {{"eddi", &object_of<eddi_fields>, "what the module measures"}};
+
+constexpr Shape port_shape =
+    named("PonPortState",
+          one_of<object_of<port_fields, condition_fields>, object_of<port_fields, condition_fields, module_members>,
+                 object_of<port_fields, condition_fields, module_members, eddi_members>>);
 
 Result<void> fill_port(JsonWriter& object, const PortInfo& port) {
     BOOST_OUTCOME_TRY(write_fields(object, port, port_fields));
@@ -52,6 +75,9 @@ Result<Entry> entry_of(const Entry (&entries)[N], std::size_t count, std::uint8_
 }
 
 } // namespace
+
+constinit const RouteShape MonitoringPonPortStateHandler::shape{.indices = IndexCount::one,
+                                                                .answer = &array_of<port_shape>};
 
 Result<Response> MonitoringPonPortStateHandler::operator()(const Request& request,
                                                            const std::shared_ptr<Session>& session) const {

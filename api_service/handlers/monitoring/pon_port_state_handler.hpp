@@ -23,6 +23,8 @@ public:
 
     using HandlerFrame::HandlerFrame;
 
+    static const RouteShape shape;
+
     Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const;
 
     [[nodiscard]] Result<Bitmap_pon_port_range> process_request(const Request& request) const;

@@ -3,12 +3,6 @@
 namespace xpon::api_service {
 namespace {
 
-constexpr JsonField<Sfp_identification> sfp_fields[] = {
-    {"vendor", member<&Sfp_identification::vendor>},
-    {"part_number", member<&Sfp_identification::part_number>},
-    {"revision", member<&Sfp_identification::revision>},
-};
-
 Result<std::string> text_of_condition(const Sfp_identification& sfp) {
     switch (sfp.condition) {
     case sfp_absent:
@@ -21,12 +15,11 @@ Result<std::string> text_of_condition(const Sfp_identification& sfp) {
     return ErrorPayload(Error::InvalidInputArg, fmt::format("unknown value {}", static_cast<unsigned>(sfp.condition)));
 }
 
-constexpr JsonField<Sfp_identification> condition_fields[] = {
-    {"sfp_condition",
-     [](JsonWriter& to, const Sfp_identification& sfp) { return write_value(to, text_of_condition(sfp)); }},
-};
-
 } // namespace
+
+Result<void> write_condition(JsonWriter& writer, const Sfp_identification& sfp) {
+    return write_value(writer, text_of_condition(sfp));
+}
 
 Result<bool> add_sfp_condition(JsonWriter& object, const Sfp_identification& sfp) {
     BOOST_OUTCOME_TRY(write_fields(object, sfp, condition_fields));

@@ -44,6 +44,19 @@ Result<std::string> compose_ports(const std::vector<PortInfo>& ports,
     });
 }
 
+/// Whether there is a module, and how it is: "Absent", "ExcludePolling", or what the device says of it.
+Result<void> write_condition(JsonWriter& writer, const Sfp_identification& sfp);
+
+inline constexpr JsonField<Sfp_identification> condition_fields[] = {
+    {"sfp_condition", {write_condition, &shapes::text}, "\"Absent\", \"ExcludePolling\", or how the module is"},
+};
+
+inline constexpr JsonField<Sfp_identification> sfp_fields[] = {
+    {"vendor", member<&Sfp_identification::vendor>},
+    {"part_number", member<&Sfp_identification::part_number>},
+    {"revision", member<&Sfp_identification::revision>},
+};
+
 /// Adds "sfp_condition". True when there is a module to describe.
 Result<bool> add_sfp_condition(JsonWriter& object, const Sfp_identification& sfp);
 

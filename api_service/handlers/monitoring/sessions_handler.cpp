@@ -13,15 +13,20 @@ struct SessionTable;
 template <>
 struct SessionTable<Dhcp_get_sessions_msg> {
     static constexpr auto fetch = custom_layer__get_dhcp_session;
+    static constexpr const char* name = "DhcpSession";
     static constexpr JsonField<Dhcp_session> fields[] = {
         {"pon_port_id", member<&Dhcp_session::pon_port>},
         {"ont_id", member<&Dhcp_session::ont_id>},
-        {"mac", [](JsonWriter& to, const Dhcp_session& lease) { return write_value(to, mac_text(lease.mac)); }},
+        {"mac",
+         {[](JsonWriter& to, const Dhcp_session& lease) { return write_value(to, mac_text(lease.mac)); },
+          &shapes::mac}},
         {"service_id", member<&Dhcp_session::service_id>},
         {"gem_port", member<&Dhcp_session::gem_port>},
         {"outer_vid", member<&Dhcp_session::outer_vid>},
-        {"ip", [](JsonWriter& to, const Dhcp_session& lease) { return write_value(to, ipv4_text(lease.ip)); }},
-        {"life_time_msec", member<&Dhcp_session::life_time_msec>},
+        {"ip",
+         {[](JsonWriter& to, const Dhcp_session& lease) { return write_value(to, ipv4_text(lease.ip)); },
+          &shapes::ipv4}},
+        {"life_time_msec", member<&Dhcp_session::life_time_msec>, "ms left of the lease"},
         {"ont_serial", member<&Dhcp_session::ont_serial>},
     };
 };
@@ -29,20 +34,32 @@ struct SessionTable<Dhcp_get_sessions_msg> {
 template <>
 struct SessionTable<Pppoe_get_sessions_msg> {
     static constexpr auto fetch = custom_layer__get_pppoe_session;
+    static constexpr const char* name = "PppoeSession";
     static constexpr JsonField<Pppoe_session> fields[] = {
         {"pon_port_id", member<&Pppoe_session::pon_port>},
         {"ont_id", member<&Pppoe_session::ont_id>},
         {"gem_port", member<&Pppoe_session::gem_port>},
-        {"session_id", member<&Pppoe_session::session_id>},
+        {"session_id", member<&Pppoe_session::session_id>, "0 = blocked after too many failed attempts"},
         {"ont_serial", member<&Pppoe_session::ont_serial>},
-        {"duration_sec", member<&Pppoe_session::duration_sec>},
-        {"unblock_rest_sec", member<&Pppoe_session::unblock_rest_sec>},
+        {"duration_sec", member<&Pppoe_session::duration_sec>, "s since it was opened"},
+        {"unblock_rest_sec", member<&Pppoe_session::unblock_rest_sec>,
+         "s until a blocked client may try again; 0 = it is not blocked"},
         {"client_mac",
-         [](JsonWriter& to, const Pppoe_session& session) { return write_value(to, mac_text(session.client_mac)); }},
+         {[](JsonWriter& to, const Pppoe_session& session) { return write_value(to, mac_text(session.client_mac)); },
+          &shapes::mac}},
     };
 };
 
+template <class SessionList>
+constexpr Shape session_shape = named(SessionTable<SessionList>::name, object_of<SessionTable<SessionList>::fields>);
+template <class SessionList>
+constexpr Member answer_members[] = {{"sessions", &array_of<session_shape<SessionList>>}};
+
 } // namespace
+
+template <class SessionList>
+constinit const RouteShape MonitoringSessionsHandler<SessionList>::shape{.answer =
+                                                                             &object_of<answer_members<SessionList>>};
 
 template <class SessionList>
 Result<Response> MonitoringSessionsHandler<SessionList>::operator()(const Request&,

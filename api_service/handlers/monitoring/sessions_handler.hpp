@@ -14,11 +14,11 @@ class MonitoringSessionsHandler : HandlerFrame {
 public:
     using HandlerFrame::HandlerFrame;
 
+    static const RouteShape shape;
+
     Result<Response> operator()(const Request& request, const std::shared_ptr<Session>& session) const;
 
     static Result<std::string> serialize_payload(const SessionList& sessions);
-
-private:
 };
 
 using MonitoringDhcpSessionsHandler = MonitoringSessionsHandler<Dhcp_get_sessions_msg>;
