@@ -30,6 +30,10 @@ const schemas = {
   },
 };
 
+// For the type check, and for editors.
+await mkdir(path.join(here, "generated"), {recursive: true});
+await cp(path.join(values.schemas, "olt_api.d.ts"), path.join(here, "generated/olt_api.d.ts"));
+
 const {metafile} = await build({
   entryPoints: [path.join(here, "src/main.tsx"), path.join(here, "src/style/main.css")],
   entryNames: "[name]-[hash]",

@@ -1,6 +1,8 @@
 import assert from "node:assert/strict";
 import {test} from "node:test";
 
+import type {OntState} from "olt_api";
+
 import {ratesBetween} from "../src/model/counters.ts";
 import {differences} from "../src/model/difference.ts";
 import {recordOf} from "../src/model/elements.ts";
@@ -53,13 +55,14 @@ test("rates; none where counters begin anew", () => {
 
 test("ONTs: states, filter, and order with those unknown last", () => {
   const info = (rssi: number) => ({equipment_id: "M", hardware_version: "1", software_version: "2", equalization_delay: 0, fec_state: 1, distance: 1, rssi});
-  const onts = [
+  const states: Omit<OntState, "password">[] = [
     {cfg_port: 1, cfg_ont_id: 1, serial, state: "OPERATIONAL", port: 1, ont_info: info(-27)},
     {cfg_port: 1, cfg_ont_id: 2, serial, description: "House 7"},
     {cfg_port: 1, cfg_ont_id: 3, serial, state: "UNACTIVATED", port: 2},
     {serial, state: "UNACTIVATED", port: 1},
     {cfg_port: 1, cfg_ont_id: 10, serial, state: "OPERATIONAL", port: 1, ont_info: info(-18)},
-  ].map(raw => ontOf(raw, "vendor_hex", () => "b_plus"));
+  ];
+  const onts = states.map(raw => ontOf({password: "", ...raw}, "vendor_hex", () => "b_plus"));
   assert.deepEqual(onts.map(({group}) => group), ["online", "offline", "failed", "unactivated", "online"]);
   assert.deepEqual(onts.map(({reception}) => reception?.level), ["warn", undefined, undefined, undefined, "good"]);
   const all = {text: "", group: "" as const, port: 0, optics: "" as const};

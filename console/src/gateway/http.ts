@@ -1,6 +1,7 @@
 /** Everything that the page sends over the network. */
+import type {Privilege} from "olt_api";
+
 import {Refused, Unreachable, type ApiAnswer, type ApiRequest} from "../model/answers.ts";
-import type {Privilege} from "../model/privilege.ts";
 
 export interface Session extends TimeLeft {
   user: string;

@@ -1,5 +1,7 @@
+import type {OntState} from "olt_api";
+
 import {paths} from "../model/paths.ts";
-import {ontOf, type Ont, type OntState} from "../model/onts.ts";
+import {ontOf, type Ont} from "../model/onts.ts";
 import {usePonPortConfigurations, useSerialFormat} from "./device.ts";
 import {useLive} from "./live.ts";
 

@@ -1,5 +1,5 @@
 import {elements} from "../model/paths.ts";
-import type {Constants} from "../model/device.ts";
+import type {Constants} from "olt_api";
 import {differences, type Change} from "../model/difference.ts";
 import {allElements, type Element} from "../model/elements.ts";
 import {schemaOf} from "../model/schema.ts";

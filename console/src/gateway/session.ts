@@ -1,8 +1,10 @@
+import type {Privilege} from "olt_api";
+
 import {ask, login, logout, LoggedOut, session, stay, type AskOptions, type EndReason, type Session} from "./http.ts";
 import {forgetAll, remember, timeLeft, whenSessionEnds} from "./live.ts";
 import type {ApiRequest} from "../model/answers.ts";
 import {paths} from "../model/paths.ts";
-import {mayAct, type Privilege} from "../model/privilege.ts";
+import {mayAct} from "../model/privilege.ts";
 import {Store, useStore} from "../model/store.ts";
 
 /** Who is logged in: undefined before that is known, null for nobody. */

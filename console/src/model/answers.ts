@@ -1,3 +1,7 @@
+import type {ApiError} from "olt_api";
+
+export type {ApiError};
+
 /** What the API takes and gives. */
 
 export interface ApiRequest {
@@ -8,11 +12,6 @@ export interface ApiRequest {
   data?: unknown;
 }
 
-export interface ApiError {
-  message: {key: string; params: Record<string, string | number>};
-  path: string;
-}
-
 export interface ApiAnswer<T> {
   success: boolean;
   data?: T;
@@ -21,7 +20,7 @@ export interface ApiAnswer<T> {
 
 /** The error's own text, with its parameters filled in. */
 export function errorText(error: ApiError): string {
-  return error.message.key.replace(/\{(p\d+)\}/g, (whole, name: string) => String(error.message.params[name] ?? whole));
+  return error.message.key.replace(/\{(p\d+)\}/g, (whole, name: string) => String(error.message.params[name as `p${number}`] ?? whole));
 }
 
 /** What the API refused, in its words. */

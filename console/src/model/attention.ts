@@ -1,5 +1,5 @@
 import {degraded, failed, type Rates} from "./counters.ts";
-import type {FrontPort, PonPort, System} from "./device.ts";
+import type {FrontPortState, PonPortState, SystemState} from "olt_api";
 import {counted} from "./format.ts";
 import type {Ont} from "./onts.ts";
 import type {PortSummary} from "./summary.ts";
@@ -15,9 +15,9 @@ export interface Concern {
 export interface Seen {
   onts: readonly Ont[];
   byPort: ReadonlyMap<number, PortSummary>;
-  ponPorts: readonly PonPort[];
-  frontPorts: readonly FrontPort[];
-  system?: System;
+  ponPorts: readonly PonPortState[];
+  frontPorts: readonly FrontPortState[];
+  system?: SystemState;
   rates: ReadonlyMap<string, Rates>;
 }
 

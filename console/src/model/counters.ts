@@ -1,7 +1,7 @@
-/** The OLT's counters of one ONT's share of the PON; {} where there are none. */
-export type PonCounters = Partial<Record<
-  "Rx Bytes" | "Tx Bytes" | "Rx Packets" | "Tx Packets" | "BIP Errors" | "BIP Units" | "FEC Codewords" |
-  "FEC Codewords Corrected" | "FEC Codewords Uncorrected" | "Rx OMCI Packets CRC Error", number>>;
+import type {OltPonCounters} from "olt_api";
+
+/** The OLT's counters of one ONT's share of the PON. */
+export type PonCounters = Partial<OltPonCounters>;
 
 export interface Rates {
   /** From the ONT, in bit/s. */

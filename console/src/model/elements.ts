@@ -1,4 +1,4 @@
-import type {Constants} from "./device.ts";
+import type {Constants} from "olt_api";
 
 /** An element of the configuration as the page presents it. */
 export interface Element {
@@ -30,16 +30,16 @@ export const sections: readonly {title: string; elements: readonly Element[]}[] 
      columns: ["enabled", "description", "odn_class", "reach_max_km", "ont_limit", "onu_auth"]},
   ]},
   {title: "Profiles", elements: [
-    {path: `${profile}ont_template`, title: "ONT templates", one: "ONT template", sizes: () => [32], definedBy: "name", columns: ["name", "description", "ports_profile", "management_profile", "shaping_profile"]},
-    {path: `${profile}cross_connect`, title: "Cross-connect", one: "Cross-connect profile", sizes: () => [255], definedBy: "name", columns: ["name", "service_type", "termination", "vlan_model", "s_vid", "c_vid"]},
-    {path: `${profile}dba`, title: "Bandwidth (DBA)", one: "DBA profile", sizes: () => [255], definedBy: "name", columns: ["name", "tcont_type", "fixed_kbps", "assured_kbps", "maximum_kbps"]},
-    {path: `${profile}ports`, title: "User ports", one: "Ports profile", sizes: () => [64], definedBy: "name", columns: ["name", "veip_enabled", "igmp_mode", "max_groups", "codec"]},
-    {path: `${profile}management`, title: "ONT management", one: "Management profile", sizes: () => [32], definedBy: "name", columns: ["name", "mode", "mib_audit_s", "pm_collection"]},
-    {path: `${profile}shaping`, title: "Shaping", one: "Shaping profile", sizes: () => [32], definedBy: "name", columns: ["name", "downstream_kbps", "upstream_kbps"]},
+    {path: `${profile}ont_template`, title: "ONT templates", one: "ONT template", sizes: ({ONT_TEMPLATE_COUNT: most}) => [most], definedBy: "name", columns: ["name", "description", "ports_profile", "management_profile", "shaping_profile"]},
+    {path: `${profile}cross_connect`, title: "Cross-connect", one: "Cross-connect profile", sizes: ({PROFILE_CROSS_CONNECT_COUNT: most}) => [most], definedBy: "name", columns: ["name", "service_type", "termination", "vlan_model", "s_vid", "c_vid"]},
+    {path: `${profile}dba`, title: "Bandwidth (DBA)", one: "DBA profile", sizes: ({PROFILE_DBA_COUNT: most}) => [most], definedBy: "name", columns: ["name", "tcont_type", "fixed_kbps", "assured_kbps", "maximum_kbps"]},
+    {path: `${profile}ports`, title: "User ports", one: "Ports profile", sizes: ({PROFILE_PORTS_COUNT: most}) => [most], definedBy: "name", columns: ["name", "veip_enabled", "igmp_mode", "max_groups", "codec"]},
+    {path: `${profile}management`, title: "ONT management", one: "Management profile", sizes: ({PROFILE_MANAGEMENT_COUNT: most}) => [most], definedBy: "name", columns: ["name", "mode", "mib_audit_s", "pm_collection"]},
+    {path: `${profile}shaping`, title: "Shaping", one: "Shaping profile", sizes: ({PROFILE_SHAPING_COUNT: most}) => [most], definedBy: "name", columns: ["name", "downstream_kbps", "upstream_kbps"]},
   ]},
   {title: "Network", elements: [
     {path: "ZebGCfg.switch_config.front_port", title: "Front ports", one: "Front port", sizes: ({FRONT_PORT_COUNT}) => [FRONT_PORT_COUNT], columns: ["enabled", "description", "speed", "max_frame_size", "pvid", "tagged_vlans"]},
-    {path: "ZebGCfg.switch_config.port_channel", title: "Port channels", one: "Port channel", sizes: () => [10], columns: ["enabled", "description", "members", "mode", "min_links"]},
+    {path: "ZebGCfg.switch_config.port_channel", title: "Port channels", one: "Port channel", sizes: ({PORT_CHANNEL_COUNT: most}) => [most], columns: ["enabled", "description", "members", "mode", "min_links"]},
     {path: "CommonGCfg.management", title: "In-band management", one: "In-band management", sizes: single},
     {path: "CommonGCfg.system.oob", title: "Out-of-band port", one: "Out-of-band port", sizes: single},
   ]},
@@ -61,7 +61,7 @@ export function elementOf(path: string): Element | undefined {
 
 /** How many indices name one record. */
 export function depthOf(element: Element): number {
-  return element.sizes({DEVICE_NAME_SHORT: "", PON_PORT_COUNT: 0, FRONT_PORT_COUNT: 0}).length;
+  return element.sizes({} as Constants).length;
 }
 
 /** "ONT 3/17", "Front port 4", "SNMP". */

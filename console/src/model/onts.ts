@@ -1,28 +1,7 @@
+import type {OntState} from "olt_api";
+
 import {reception, type Reception} from "./optics.ts";
 import {isSet, serialText, type Serial, type SerialFormat} from "./serial.ts";
-
-/** An ONT as the state of ONTs has it; what is missing is not known of it. */
-export interface OntState {
-  cfg_port?: number;
-  cfg_ont_id?: number;
-  serial: Serial;
-  password?: string;
-  description?: string;
-  /** Missing: configured, and nothing is heard of it. */
-  state?: string;
-  /** Where it is seen. */
-  port?: number;
-  ont_info?: {
-    equipment_id: string;
-    hardware_version: string;
-    software_version: string;
-    equalization_delay: number;
-    fec_state: number;
-    distance: number;
-    rssi: number;
-  };
-  alloc_ids?: number[];
-}
 
 export type Group = "online" | "starting" | "failed" | "offline" | "disabled" | "unactivated";
 
@@ -38,7 +17,7 @@ export const groups: readonly {id: Group; title: string; level: "good" | "busy" 
 export const levelOf = (group: Group) => groups.find(({id}) => id === group)!.level;
 
 /** What each state means to an operator. */
-const meanings: Readonly<Record<string, {group: Group; text: string}>> = {
+const meanings: Readonly<Record<NonNullable<OntState["state"]>, {group: Group; text: string}>> = {
   INITIAL: {group: "starting", text: "Switched on, nothing received of it yet"},
   STANDBY: {group: "starting", text: "Waits for its parameters"},
   SERIAL_NUMBER: {group: "starting", text: "Its serial number is being asked for"},
@@ -110,6 +89,6 @@ function stateOf(raw: OntState, isConfigured: boolean): {state: string; group: G
   if (raw.state === "UNACTIVATED" && isConfigured) {
     return {state: "ELSEWHERE", group: "failed", text: `Seen on PON port ${raw.port}, where it is not configured`};
   }
-  const meaning = meanings[raw.state] ?? meanings["UNKNOWN"]!;
+  const meaning = meanings[raw.state];
   return {state: raw.state, group: meaning.group, text: meaning.text};
 }

@@ -1,4 +1,8 @@
+import type {Path} from "olt_api";
+
 /** The paths of the API that the page uses, apart from those of the elements, which the schemas name. */
+type Counters = "monitoring.interface.ont.counters.";
+
 export const paths = {
   constants: "monitoring.constants",
   system: "monitoring.system",
@@ -26,7 +30,7 @@ export const paths = {
   firmwareAlternate: "command.olt.firmware.select_image.alternate",
   obfuscate: "utils.text.obfuscate",
   engineId: "configuration.CommonGCfg.system.snmp.engineID",
-} as const;
+} as const satisfies Record<string, Path | Counters>;
 
 /** Elements that pages other than that of the configuration know by themselves; behind "configuration.". */
 export const elements = {

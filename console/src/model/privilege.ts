@@ -1,4 +1,4 @@
-export type Privilege = "nothing" | "viewer" | "operator" | "administrator";
+import type {Privilege} from "olt_api";
 
 const ranks: readonly Privilege[] = ["nothing", "viewer", "operator", "administrator"];
 

@@ -1,34 +1,6 @@
+import type {OntServices, OntTemplate, ProfileOntCrossConnect, ProfileOntDba} from "olt_api";
+
 /** What a service of an ONT becomes once template, profiles and its own record are put together. */
-
-export interface OntRecord {
-  description: string;
-  enabled: boolean;
-  ont_template: number;
-}
-export interface Template {
-  name: string;
-  description: string;
-  services: {cross_connect: number; dba: number}[];
-}
-export interface ServiceRecord {
-  mode: "template" | "custom" | "off";
-  cross_connect: number;
-  dba: number;
-  s_vid: number;
-  c_vid: number;
-  downstream_kbps: number;
-  upstream_kbps: number;
-}
-export interface CrossConnect {
-  name: string;
-  service_type: string;
-  s_vid: number;
-  c_vid: number;
-}
-export interface Dba {
-  name: string;
-}
-
 export interface EffectiveService {
   number: number;
   /** Of its cross-connect profile; empty without one. */
@@ -42,8 +14,8 @@ export interface EffectiveService {
   limits?: readonly [number, number];
 }
 
-export function effectiveServices(template: Template | undefined, services: readonly ServiceRecord[],
-                                  crossConnects: readonly CrossConnect[], dbas: readonly Dba[]): EffectiveService[] {
+export function effectiveServices(template: OntTemplate | undefined, services: readonly OntServices[],
+                                  crossConnects: readonly ProfileOntCrossConnect[], dbas: readonly ProfileOntDba[]): EffectiveService[] {
   return services.map((own, index) => {
     const source = own.mode === "custom" ? own : own.mode === "off" ? undefined : template?.services[index];
     const profile = source && crossConnects[source.cross_connect - 1];

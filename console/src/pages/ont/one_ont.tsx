@@ -1,10 +1,11 @@
+import type {OntState} from "olt_api";
 import {useMemo} from "preact/hooks";
 
 import {usePonPortConfigurations, useSerialFormat} from "../../gateway/device.ts";
 import {useLive} from "../../gateway/live.ts";
 import {useMay} from "../../gateway/session.ts";
 import type {PonCounters} from "../../model/counters.ts";
-import {ontOf, type OntState} from "../../model/onts.ts";
+import {ontOf} from "../../model/onts.ts";
 import {paths} from "../../model/paths.ts";
 import {OntStatus} from "../../ui/status.tsx";
 import {OntActions} from "../onts/ont_actions.tsx";

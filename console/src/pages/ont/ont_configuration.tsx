@@ -1,16 +1,18 @@
+import type {OntServices, OntTemplate, PonOnt, ProfileOntCrossConnect, ProfileOntDba} from "olt_api";
+
 import {useRecords} from "../../gateway/records.ts";
 import {elements} from "../../model/paths.ts";
-import {effectiveServices, type CrossConnect, type Dba, type OntRecord, type ServiceRecord, type Template} from "../../model/services.ts";
+import {effectiveServices} from "../../model/services.ts";
 import {count} from "../../model/format.ts";
 import {choiceText} from "../configuration/values.ts";
 
 /** What is configured of the ONT, and what follows for its services; with the ways to the forms. */
 export function OntConfiguration({port, ont}: {port: number; ont: number}) {
-  const {data: records, error} = useRecords<OntRecord[]>(elements.ont, [port, ont], "running");
-  const {data: services} = useRecords<ServiceRecord[]>(elements.service, [port, ont, "1-8"], "running");
-  const {data: templates} = useRecords<Template[]>(elements.template, ["1-32"], "running");
-  const {data: crossConnects} = useRecords<CrossConnect[]>(elements.crossConnect, ["1-255"], "running");
-  const {data: dbas} = useRecords<Dba[]>(elements.dba, ["1-255"], "running");
+  const {data: records, error} = useRecords<PonOnt[]>(elements.ont, [port, ont], "running");
+  const {data: services} = useRecords<OntServices[]>(elements.service, [port, ont, "1-8"], "running");
+  const {data: templates} = useRecords<OntTemplate[]>(elements.template, ["1-32"], "running");
+  const {data: crossConnects} = useRecords<ProfileOntCrossConnect[]>(elements.crossConnect, ["1-255"], "running");
+  const {data: dbas} = useRecords<ProfileOntDba[]>(elements.dba, ["1-255"], "running");
   const record = records?.[0];
   const template = record && templates?.[record.ont_template - 1];
   const edit = `#/configuration/${elements.ont}/${port}/${ont}`;

@@ -3,14 +3,14 @@ import type {ComponentChildren} from "preact";
 import {useLive} from "../../gateway/live.ts";
 import {duration} from "../../model/format.ts";
 import {paths} from "../../model/paths.ts";
-import type {Lease, MacEntry, MulticastGroup, PppoeSession} from "../../model/subscribers.ts";
+import type {DhcpSession, MacEntry, IgmpGroup, PppoeSession} from "olt_api";
 
 /** Addresses, leases and sessions behind the ONT, and the groups of its PON port. */
 export function OntSubscribers({port, ont}: {port: number; ont: number}) {
   const macs = useLive<MacEntry[]>({path: paths.macs, method: "get", indices: [`${port}/${ont}`]}, 10);
-  const leases = useLive<{sessions: Lease[]}>({path: paths.leases, method: "get"}, 30).data?.sessions;
+  const leases = useLive<{sessions: DhcpSession[]}>({path: paths.leases, method: "get"}, 30).data?.sessions;
   const sessions = useLive<{sessions: PppoeSession[]}>({path: paths.pppoe, method: "get"}, 30).data?.sessions;
-  const groups = useLive<{igmp_groups: MulticastGroup[]}>({path: paths.groups, method: "get"}, 30).data?.igmp_groups;
+  const groups = useLive<{igmp_groups: IgmpGroup[]}>({path: paths.groups, method: "get"}, 30).data?.igmp_groups;
   const isHere = (row: {pon_port_id: number; ont_id: number}) => row.pon_port_id === port && row.ont_id === ont;
   const ponPort = `pon-port 1/${port}`;
   return (

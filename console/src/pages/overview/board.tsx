@@ -1,8 +1,8 @@
-import type {System} from "../../model/device.ts";
+import type {SystemState} from "olt_api";
 import {Meter, Status} from "../../ui/status.tsx";
 
 /** Versions, load, memory, temperatures, fans and supplies. */
-export function Board({system}: {system?: System}) {
+export function Board({system}: {system?: SystemState}) {
   if (!system) return <section class="card board"/>;
   const {device_info: device, ram, disk, avg_load: load} = system;
   const used = (space: {free: number; total: number}) => space.total - space.free;

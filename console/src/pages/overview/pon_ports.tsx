@@ -1,19 +1,18 @@
-import type {PonPortConfiguration} from "../../gateway/device.ts";
 import type {Rates} from "../../model/counters.ts";
-import type {PonPort} from "../../model/device.ts";
+import type {PonPort, PonPortState} from "olt_api";
 import {bitRate} from "../../model/format.ts";
 import type {PortSummary} from "../../model/summary.ts";
 import {PowerStrip, strongest, weakest} from "../../ui/power_strip.tsx";
 import {GroupBar, sentence, Status, type Level} from "../../ui/status.tsx";
 
 interface Properties {
-  ports: readonly PonPort[];
+  ports: readonly PonPortState[];
   byPort: ReadonlyMap<number, PortSummary>;
   rates: ReadonlyMap<string, Rates>;
-  configurations: readonly PonPortConfiguration[];
+  configurations: readonly PonPort[];
 }
 
-const levels: Readonly<Record<PonPort["state"], Level>> = {
+const levels: Readonly<Record<PonPortState["state"], Level>> = {
   ACTIVE: "good", STARTING: "busy", FAULT: "bad", NO_MODULE: "off", DISABLED: "off", UNKNOWN: "warn",
 };
 

@@ -1,12 +1,12 @@
 import type {Rates} from "../../model/counters.ts";
-import type {FrontPort} from "../../model/device.ts";
+import type {FrontPortState} from "olt_api";
 import {bitRate} from "../../model/format.ts";
 import {Status, type Level} from "../../ui/status.tsx";
 
-const levels: Readonly<Record<FrontPort["status"], Level>> = {UP: "good", DOWN: "off", SHUTDOWN: "off"};
-const texts: Readonly<Record<FrontPort["status"], string>> = {UP: "Up", DOWN: "Down", SHUTDOWN: "Shut"};
+const levels: Readonly<Record<FrontPortState["status"], Level>> = {UP: "good", DOWN: "off", SHUTDOWN: "off"};
+const texts: Readonly<Record<FrontPortState["status"], string>> = {UP: "Up", DOWN: "Down", SHUTDOWN: "Shut"};
 
-export function Uplinks({ports, rates}: {ports: readonly FrontPort[]; rates: ReadonlyMap<string, Rates>}) {
+export function Uplinks({ports, rates}: {ports: readonly FrontPortState[]; rates: ReadonlyMap<string, Rates>}) {
   const sum = (way: "up" | "down") => [...rates.values()].reduce((total, rate) => total + rate[way], 0);
   return (
     <section class="card uplinks" aria-label="Uplinks">
@@ -27,7 +27,7 @@ export function Uplinks({ports, rates}: {ports: readonly FrontPort[]; rates: Rea
   );
 }
 
-function describe(port: FrontPort): string {
+function describe(port: FrontPortState): string {
   if (!port.sfp) return `Front port ${port.port}: no module`;
   const light = port.eddi ? `, ${port.eddi.temperature_c.toFixed(0)} °C, ${port.eddi.tx_power_mw.toFixed(2)} mW` : "";
   return `Front port ${port.port}: ${port.sfp.vendor} ${port.sfp.part_number}${light}`;

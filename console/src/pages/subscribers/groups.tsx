@@ -2,13 +2,13 @@ import {useLive} from "../../gateway/live.ts";
 import {counted} from "../../model/format.ts";
 import {paths} from "../../model/paths.ts";
 import {rangeText} from "../../model/ranges.ts";
-import type {MulticastGroup} from "../../model/subscribers.ts";
+import type {IgmpGroup} from "olt_api";
 import {addressOrder, FoundTable} from "./found_table.tsx";
 
-const none: MulticastGroup[] = [];
+const none: IgmpGroup[] = [];
 
 /** "PON ports 1-4, front port 2" of the members. */
-function members({ports}: MulticastGroup): string {
+function members({ports}: IgmpGroup): string {
   const numbers = (kind: string) => ports.filter(({port}) => port.startsWith(kind)).map(({port}) => Number(port.split("/")[1]));
   const pon = numbers("pon-port");
   const others = ports.filter(({port}) => !port.startsWith("pon-port")).map(({port}) => port.replace(" 1/", " "));
@@ -16,8 +16,8 @@ function members({ports}: MulticastGroup): string {
 }
 
 export function Groups({text}: {text: string}) {
-  const live = useLive<{igmp_groups: MulticastGroup[]}>({path: paths.groups, method: "get"}, 10);
-  const sources = (row: MulticastGroup) => `${row.filter_mode.toLowerCase()}${row.ip_sources.length > 0 ? ` ${row.ip_sources.map(({ip_address}) => ip_address).join(", ")}` : ""}`;
+  const live = useLive<{igmp_groups: IgmpGroup[]}>({path: paths.groups, method: "get"}, 10);
+  const sources = (row: IgmpGroup) => `${row.filter_mode.toLowerCase()}${row.ip_sources.length > 0 ? ` ${row.ip_sources.map(({ip_address}) => ip_address).join(", ")}` : ""}`;
   return <FoundTable label="Multicast groups" live={live} rows={live.data?.igmp_groups ?? none} text={text}
     keyOf={row => `${row.group_address} ${row.vlan}`} ontOf={() => ""}
     columns={[

@@ -3,13 +3,13 @@ import {useLive} from "../../gateway/live.ts";
 import {duration} from "../../model/format.ts";
 import {paths} from "../../model/paths.ts";
 import {serialText} from "../../model/serial.ts";
-import type {Lease} from "../../model/subscribers.ts";
+import type {DhcpSession} from "olt_api";
 import {addressOrder, FoundTable, placeOrder} from "./found_table.tsx";
 
-const none: Lease[] = [];
+const none: DhcpSession[] = [];
 
 export function Leases({text}: {text: string}) {
-  const live = useLive<{sessions: Lease[]}>({path: paths.leases, method: "get"}, 15);
+  const live = useLive<{sessions: DhcpSession[]}>({path: paths.leases, method: "get"}, 15);
   const format = useSerialFormat();
   return <FoundTable label="DHCP leases" live={live} rows={live.data?.sessions ?? none} text={text}
     keyOf={({mac, pon_port_id, ont_id, service_id}) => `${mac} ${pon_port_id} ${ont_id} ${service_id}`} ontOf={({pon_port_id, ont_id}) => `${pon_port_id}/${ont_id}`}

@@ -1,6 +1,6 @@
 import {useLive} from "../../gateway/live.ts";
 import {paths} from "../../model/paths.ts";
-import type {MacEntry} from "../../model/subscribers.ts";
+import type {MacEntry} from "olt_api";
 import {FoundTable, placeOrder} from "./found_table.tsx";
 
 const none: MacEntry[] = [];

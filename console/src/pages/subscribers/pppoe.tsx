@@ -3,7 +3,7 @@ import {useLive} from "../../gateway/live.ts";
 import {duration} from "../../model/format.ts";
 import {paths} from "../../model/paths.ts";
 import {serialText} from "../../model/serial.ts";
-import type {PppoeSession} from "../../model/subscribers.ts";
+import type {PppoeSession} from "olt_api";
 import {Status} from "../../ui/status.tsx";
 import {FoundTable, placeOrder} from "./found_table.tsx";
 

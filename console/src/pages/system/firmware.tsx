@@ -1,7 +1,7 @@
 import {useEffect, useState} from "preact/hooks";
 
 import {request, useMay} from "../../gateway/session.ts";
-import type {System} from "../../model/device.ts";
+import type {SystemState} from "olt_api";
 import {duration} from "../../model/format.ts";
 import {paths} from "../../model/paths.ts";
 import {notify} from "../../ui/notice.tsx";
@@ -12,7 +12,7 @@ import {Status} from "../../ui/status.tsx";
 const patience = 600;
 
 /** The two slots, an image for the one that does not run, and which one runs after the next boot. */
-export function Firmware({system}: {system?: System}) {
+export function Firmware({system}: {system?: SystemState}) {
   const mayChange = useMay("administrator");
   const [path, setPath] = useState("");
   const [began, setBegan] = useState<number>();

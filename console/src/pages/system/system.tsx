@@ -2,7 +2,7 @@ import {useState} from "preact/hooks";
 
 import {useSystem} from "../../gateway/device.ts";
 import {request} from "../../gateway/session.ts";
-import type {System} from "../../model/device.ts";
+import type {SystemState} from "olt_api";
 import {paths} from "../../model/paths.ts";
 import {Board} from "../overview/board.tsx";
 import {Commands} from "./commands.tsx";
@@ -31,7 +31,7 @@ export function SystemPage() {
   );
 }
 
-function Identity({system}: {system?: System}) {
+function Identity({system}: {system?: SystemState}) {
   const factory = system?.factory_info;
   return (
     <section class="card" aria-label="Identity">

@@ -1,3 +1,4 @@
+import type {OntTemplate} from "olt_api";
 import {useEffect, useState} from "preact/hooks";
 
 import {noteEdit} from "../../gateway/edits.ts";
@@ -9,7 +10,6 @@ import {counted} from "../../model/format.ts";
 import type {Ont} from "../../model/onts.ts";
 import {elements} from "../../model/paths.ts";
 import {isSet, type Serial} from "../../model/serial.ts";
-import type {Template} from "../../model/services.ts";
 import {useStore} from "../../model/store.ts";
 import {Dialog} from "../../ui/dialog.tsx";
 import {commit} from "../configuration/commands.ts";
@@ -18,10 +18,10 @@ import {noteAdopted} from "./adopted.tsx";
 
 /** Configures an ONT where it is seen: on the first free number of its port, with a template, and commits. */
 export function Adopt({ont, onClose}: {ont: Ont; onClose: () => void}) {
-  const {data: records} = useRecords<Template[]>(elements.template, ["1-32"], "candidate");
+  const {data: records} = useRecords<OntTemplate[]>(elements.template, ["1-32"], "candidate");
   const crossConnects = useNames(elements.crossConnect);
   const templates = (records ?? []).map((record, index) => ({...record, number: index + 1})).filter(({name}) => name !== "");
-  const servicesOf = (one: Template) => one.services.flatMap(({cross_connect}) => crossConnects.find(({number}) => number === cross_connect)?.name ?? []).join(", ");
+  const servicesOf = (one: OntTemplate) => one.services.flatMap(({cross_connect}) => crossConnects.find(({number}) => number === cross_connect)?.name ?? []).join(", ");
   const changes = useStore(pending);
   const [number, setNumber] = useState<number>();
   const [template, setTemplate] = useState<number>();
