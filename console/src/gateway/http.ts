@@ -93,6 +93,8 @@ export interface StreamListener {
   onTrouble: (text: string) => void;
   onTimeLeft: (left: TimeLeft) => void;
   onEnd: (reason: EndReason) => void;
+  /** The gateway refuses the stream; the browser does not try again. */
+  onRefused: () => void;
 }
 
 /** What the watches give, until the function that is returned is called. */
@@ -109,6 +111,9 @@ export function openStream(watches: readonly Watch[], listener: StreamListener):
     source.close();
     listener.onEnd(reason);
   });
-  source.onerror = () => listener.onTrouble("The console's gateway cannot be reached.");
+  source.onerror = () => {
+    if (source.readyState === EventSource.CLOSED) listener.onRefused();
+    else listener.onTrouble("The console's gateway cannot be reached.");
+  };
   return () => source.close();
 }

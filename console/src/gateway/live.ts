@@ -32,9 +32,19 @@ const keptWithoutReaders = 40;
 /** What is left of the session, and when that was said, in ms. */
 export const timeLeft = new Store<(TimeLeft & {at: number}) | undefined>(undefined);
 let onEnd: (reason: EndReason) => void = () => undefined;
+let isOver: () => Promise<boolean> = async () => false;
 
-export function whenSessionEnds(listener: (reason: EndReason) => void): void {
+/** Who hears of the end of the session, and who finds out whether it is over when a stream is refused. */
+export function whenSessionEnds(listener: (reason: EndReason) => void, find: () => Promise<boolean>): void {
   onEnd = listener;
+  isOver = find;
+}
+
+/** In ms between attempts to get a stream. */
+const patience = 3000;
+
+async function openAgain(): Promise<void> {
+  if (!await isOver()) setTimeout(open, patience);
 }
 
 function open(): void {
@@ -51,6 +61,7 @@ function open(): void {
       onTrouble: text => trouble.set(text),
       onTimeLeft: left => timeLeft.set({...left, at: Date.now()}),
       onEnd: reason => onEnd(reason),
+      onRefused: () => void openAgain(),
     });
   }
   closeFormer?.(); // only now, so that the gateway keeps what both watch

@@ -37,9 +37,17 @@ async function enter(begun: Session): Promise<void> {
   current.set(begun);
 }
 
+/** Whether the gateway knows nothing of the session any more; it has ended here then, too. */
+async function isOver(): Promise<boolean> {
+  const found = await session().catch(() => undefined);
+  if (found === undefined || !("ended" in found)) return false;
+  end(found.ended);
+  return true;
+}
+
 /** Goes on with the session that this browser has. */
 export async function findSession(): Promise<void> {
-  whenSessionEnds(end);
+  whenSessionEnds(end, isOver);
   try {
     const found = await session();
     if ("ended" in found) end(found.ended);
