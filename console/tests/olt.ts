@@ -52,7 +52,7 @@ export class Olt {
   }
 
   async startGateway(options: readonly string[]): Promise<void> {
-    this.#gateway = this.#run("gateway/olt_console", ["--config", path.join(this.root, "etc/olt_console.conf"), "--pages", pages, ...options], {});
+    this.#gateway = this.#run("gateway/olt_console", ["--pages", pages, ...options], {});
     const line = await printed(this.#gateway, "olt_console is ready on ");
     this.url = line.slice(line.indexOf("http"));
   }

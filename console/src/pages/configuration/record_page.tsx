@@ -40,7 +40,8 @@ export function RecordPage({element, indices}: {element: Element; indices: reado
     return () => { isCurrent = false; };
   }, [turn, fault]);
   useEffect(() => {
-    const first = document.querySelector<HTMLElement>(".record [aria-invalid='true'], .record .wrong");
+    // A list as a whole has no control that could be wrong.
+    const first = document.querySelector<HTMLElement>(".record [aria-invalid='true']") ?? document.querySelector<HTMLElement>(".record .list.wrong");
     first?.scrollIntoView({block: "center"});
     first?.focus();
   }, [errors]);
