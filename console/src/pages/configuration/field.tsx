@@ -112,7 +112,7 @@ export function aboutText(key: string, schema: Schema): string {
   const unit = unitOf(key);
   const parts: string[] = [];
   // The unit stands behind the control.
-  const meaning = (schema.description ?? "").split("; ").filter(part => part !== "s" && part !== unit && !/^(kbit\/s|bytes|km|%|packets per second|degrees Celsius)$/.test(part)).join("; ");
+  const meaning = (schema.description ?? "").split("; ").filter(part => part !== "s" && part !== unit && !/^(kbit\/s|bytes|km|%|packets per second|degrees Celsius|lengths count bytes.*)$/.test(part)).join("; ");
   if (meaning) parts.push(meaning);
   if (schema.minimum !== undefined && !schema["x-names"]) parts.push(`${schema.minimum} to ${schema.maximum}${schema.multipleOf ? `, multiples of ${schema.multipleOf}` : ""}`);
   if (schema.maxLength && kindOf(schema) === "text") parts.push(`at most ${schema.maxLength} bytes`);
