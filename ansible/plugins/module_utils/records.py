@@ -51,7 +51,7 @@ def _list(key, wanted, present, path):
         numbers = [_plain(item, 0) for item in wanted]
         return sorted(numbers) if all(isinstance(number, int) for number in numbers) else numbers
     if key in ITEMS:  # as long as is wanted; the items are new ones
-        return [{**ITEMS[key], **_object(item, {**dict.fromkeys(item, ""), **ITEMS[key]}, f"{path}.{position}")}
+        return [_object(item, {**dict.fromkeys(item, ""), **ITEMS[key]}, f"{path}.{position}")
                 if isinstance(item, dict) else item for position, item in enumerate(wanted)]
     # As long as ever: what is not wanted of it stays.
     items = [_value("", item, present[position], f"{path}.{position}") if position < len(present) else item
