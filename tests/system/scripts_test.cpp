@@ -3,6 +3,7 @@
 #include "tests/system/olt.hpp"
 #include "xpon/core/unique_fd.hpp"
 
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -22,7 +23,9 @@
 namespace xpon::test {
 namespace {
 
+using namespace std::chrono_literals;
 using testing::HasSubstr;
+using testing::Not;
 
 const std::string is_ready = "api_service is ready on 127.0.0.1:9999";
 
@@ -64,12 +67,33 @@ TEST_F(RunScript, LeavesNoProcessBehindHoweverItEnds) {
         ASSERT_TRUE(script.wait_for_line(is_ready)) << script.output();
         const auto daemon = pid_from("api_service.pid");
         const auto simulator = pid_from("olt_simulator.pid");
-        ASSERT_FALSE(is_gone(daemon) || is_gone(simulator));
+        ASSERT_TRUE(eventually([&] { return script.output().find("\nConsole: ") != std::string::npos; }));
+        const auto console = pid_from("olt_console.pid");
+        ASSERT_FALSE(is_gone(daemon) || is_gone(simulator) || is_gone(console));
         EXPECT_EQ(Olt::log_in("admin").session_id(), "1");
         kill(victim == nullptr ? script.pid() : pid_from(victim), signal);
         EXPECT_EQ(script.wait(), status) << script.output();
-        EXPECT_TRUE(eventually([&] { return is_gone(daemon) && is_gone(simulator); }));
+        EXPECT_TRUE(eventually([&] { return is_gone(daemon) && is_gone(simulator) && is_gone(console); }));
     }
+}
+
+TEST_F(RunScript, ConsoleTakesAFreePortAndCanBeLeftOut) {
+    {
+        const Process other({OLT_CONSOLE, "--port", "8080"}, {});
+        ASSERT_TRUE(eventually([] { return client::Connection::open(client::TcpEndpoint{.port = 8080}).has_value(); }));
+        auto script = run(folder_.path());
+        EXPECT_TRUE(eventually(
+            [&] { return script.output().find("\nConsole: http://127.0.0.1:8081") != std::string::npos; }, 30s))
+            << script.output();
+        script.send_signal(SIGTERM);
+        EXPECT_EQ(script.wait(), 0);
+        EXPECT_THAT(script.output(), Not(HasSubstr("olt_console ended")));
+    }
+    auto script = run(folder_.path(), {"--no-console"});
+    EXPECT_TRUE(script.wait_for_line("Stop with Ctrl-C.")) << script.output();
+    script.send_signal(SIGTERM);
+    EXPECT_EQ(script.wait(), 0);
+    EXPECT_THAT(script.output(), Not(HasSubstr("Console")));
 }
 
 TEST_F(RunScript, SignalWhileStartingEndsItToo) {
@@ -146,7 +170,7 @@ TEST_F(RunScript, HandsOptionsOn) {
 }
 
 TEST(Programs, TellTheirVersion) {
-    for (const std::string path : {API_SERVICE, OLT_SIMULATOR, OLT_SIM, OLTCTL}) {
+    for (const std::string path : {API_SERVICE, OLT_CONSOLE, OLT_SIMULATOR, OLT_SIM, OLTCTL}) {
         Process version({path, "--version"}, {});
         EXPECT_EQ(version.wait(), 0);
         EXPECT_EQ(version.output(), std::filesystem::path(path).filename().string() + " " VERSION "\n");
