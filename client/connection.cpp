@@ -27,13 +27,17 @@ ErrorPayload system_error(std::string_view what) {
     return {Error::CommonError, fmt::format("{}: {}", what, std::generic_category().message(errno))};
 }
 
+ErrorPayload unreachable(std::string_view endpoint) {
+    return {Error::NoAccess, fmt::format("Cannot connect to {}: {}", endpoint, std::generic_category().message(errno))};
+}
+
 Result<void> connect_to(int descriptor, const TcpEndpoint& endpoint) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_port = htons(endpoint.port);
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     if (connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-        return system_error(fmt::format("Cannot connect to 127.0.0.1:{}", endpoint.port));
+        return unreachable(fmt::format("127.0.0.1:{}", endpoint.port));
     }
     // A request is one small segment that must not wait for the acknowledgement of the one before.
     const int on = 1;
@@ -49,7 +53,7 @@ Result<void> connect_to(int descriptor, const UnixEndpoint& endpoint) {
     }
     std::ranges::copy(endpoint.path, address.sun_path);
     if (connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-        return system_error(fmt::format("Cannot connect to '{}'", endpoint.path));
+        return unreachable(fmt::format("'{}'", endpoint.path));
     }
     return core::success();
 }

@@ -14,7 +14,7 @@ ErrorPayload out_of_memory() {
 }
 
 ErrorPayload no_answer(std::string_view why) {
-    return {Error::CommonError, fmt::format("Not an answer of the daemon: {}", why)};
+    return {Error::InvalidState, fmt::format("Not an answer of the daemon: {}", why)};
 }
 
 std::string string_member(const cJSON* object, const char* key) {

@@ -25,8 +25,7 @@ using Endpoint = std::variant<TcpEndpoint, UnixEndpoint>;
 using Deadline = std::chrono::steady_clock::time_point;
 
 /// A connection to the daemon that carries frames: texts, each ended by one NUL byte. Movable; the destructor closes
-/// it. Errors of all calls: CommonError with the cause, Empty when the daemon has closed the connection, Overflow
-/// when the deadline passed (the connection is useless then: an answer may still be under way).
+/// it. Errors of all calls are told apart by fault_of.
 class Connection {
 public:
     static core::Result<Connection> open(const Endpoint& endpoint);

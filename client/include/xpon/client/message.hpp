@@ -48,7 +48,7 @@ struct Answer {
 /// The text of a request. `session_id` is empty for none.
 core::Result<std::string> print_request(const Request& request, const std::string& session_id);
 
-/// Error CommonError with the reason when the text is no answer.
+/// Fault no_answer with the reason when the text is no answer.
 core::Result<Answer> parse_answer(const std::string& text);
 
 } // namespace xpon::client
