@@ -36,8 +36,9 @@ int main(int count, char** arguments) {
     app.set_version_flag("--version", "oltctl " XPON_VERSION);
     app.fallthrough(); // options may stand behind the command, too
     app.get_formatter()->label("SUBCOMMAND", "COMMAND");
-    for (const auto add : {add_session_commands, add_status_commands, add_ont_commands, add_provision_command,
-                           add_request_commands, add_edit_commands, add_candidate_commands, add_document_commands}) {
+    for (const auto add : {add_session_commands, add_status_commands, add_ont_commands, add_live_commands,
+                           add_device_commands, add_provision_command, add_request_commands, add_edit_commands,
+                           add_editor_command, add_candidate_commands, add_document_commands, add_shell_commands}) {
         add(app, context);
     }
     app.require_subcommand(1);
@@ -45,7 +46,7 @@ int main(int count, char** arguments) {
     try {
         app.parse(count, arguments);
         context.action();
-        return status_of(ExitStatus::done);
+        return context.status;
     } catch (const CLI::RequiredError& error) {
         const auto words = app.remaining();
         std::cerr << (words.empty() || !app.get_subcommands().empty() ? std::string(error.what())

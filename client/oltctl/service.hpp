@@ -5,9 +5,10 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
-#include <vector>
+#include <utility>
 
 namespace xpon::oltctl {
 
@@ -27,6 +28,11 @@ public:
         session_ = session;
     }
 
+    /// Called before the user is asked for the password again, for a program that draws on the terminal.
+    void before_asking(std::function<void()> call) {
+        before_asking_ = std::move(call);
+    }
+
     /// The answer to a good request. Failure when it is refused. When the session has expired and a person is there,
     /// the password is asked for and the request repeated.
     client::Answer ask(const client::Request& request);
@@ -43,6 +49,7 @@ private:
     std::chrono::milliseconds patience_;
     std::optional<client::Client> client_;
     std::optional<KeptSession> session_;
+    std::function<void()> before_asking_ = [] {};
 };
 
 /// The errors of an answer, one a line, as `what`'s.

@@ -1,4 +1,5 @@
 #include "client/oltctl/commands/context.hpp"
+#include "client/oltctl/configuration/authors.hpp"
 #include "client/oltctl/configuration/difference.hpp"
 #include "client/oltctl/configuration/document.hpp"
 #include "client/oltctl/confirmation/guard.hpp"
@@ -76,8 +77,10 @@ void commit(Context& context, const Commit& how) {
         std::cerr << "There is nothing to commit.\n";
         return;
     }
-    if (a_person_is_there()) { // the candidate is everybody's: what was shown may be the work of others as well
-        context.confirm("Put this into force? It may hold what others have edited.");
+    // The candidate is everybody's: what was shown may be the work of others as well.
+    std::cerr << text_of_other_authors(changes, context.service().session().id);
+    if (a_person_is_there()) {
+        context.confirm("Put this into force?");
     }
     if (how.seconds_to_confirm != 0) {
         commit_for_the_time_being(context, changes, how.seconds_to_confirm);

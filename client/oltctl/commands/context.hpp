@@ -36,6 +36,8 @@ public:
 
     /// What the chosen command does. Set while the command line is read, called afterwards.
     std::function<void()> action;
+    /// What the program ends with when that did not fail.
+    int status = 0;
 
 private:
     std::optional<Service> service_;
@@ -49,6 +51,10 @@ void add_candidate_commands(CLI::App& app, Context& context);
 void add_document_commands(CLI::App& app, Context& context);
 void add_status_commands(CLI::App& app, Context& context);
 void add_ont_commands(CLI::App& app, Context& context);
+void add_editor_command(CLI::App& app, Context& context);
+void add_device_commands(CLI::App& app, Context& context);
+void add_live_commands(CLI::App& app, Context& context);
+void add_shell_commands(CLI::App& app, Context& context);
 void add_provision_command(CLI::App& app, Context& context);
 
 } // namespace xpon::oltctl

@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <CLI/CLI.hpp>
@@ -34,15 +35,15 @@ constexpr Column ont_columns[] = {
 };
 
 /// What ONTs can be sorted by.
-struct Order {
+struct SortKey {
     const char* name;
     const char* path;
 };
-constexpr Order orders[] = {{"rssi", "ont_info.rssi"},
-                            {"distance", "ont_info.distance"},
-                            {"state", "state"},
-                            {"description", "description"},
-                            {"model", "ont_info.equipment_id"}};
+constexpr SortKey sort_keys[] = {{"rssi", "ont_info.rssi"},
+                                 {"distance", "ont_info.distance"},
+                                 {"state", "state"},
+                                 {"description", "description"},
+                                 {"model", "ont_info.equipment_id"}};
 
 struct Choice {
     std::string ports; ///< a list; empty for all
@@ -87,8 +88,8 @@ void show_onts(Context& context, const Choice& choice) {
         rows.push_back(cJSON_DetachItemViaPointer(answer.data.get(), answer.data->child));
     }
     const core::JsonTree chosen(cJSON_CreateArray());
-    const auto* const order = std::ranges::find(orders, choice.order, &Order::name);
-    if (order != std::end(orders)) {
+    const auto* const order = std::ranges::find(sort_keys, choice.order, &SortKey::name);
+    if (order != std::end(sort_keys)) {
         rows.sort([&](const auto* a, const auto* b) { return comes_before(a, b, order->path); });
     }
     for (auto* row : rows) {
@@ -117,6 +118,21 @@ constexpr OntPart ont_parts[] = {
     {"addresses", "monitoring.mac", nullptr, OntPart::Asked::slash},
 };
 
+constexpr const char* ont_counters[] = {
+    "gem_port_performance_monitoring",
+    "gem_port_nctp_performance_monitoring",
+    "ethernet_performance_monitoring_history_data",
+    "ethernet_performance_monitoring_history_data_2",
+    "ethernet_performance_monitoring_history_data_3",
+    "gal_ethernet_performance_monitoring_history_data",
+    "fec_performance_monitoring_history_data",
+    "ethernet_frame_extended_performance_monitoring",
+};
+constexpr std::pair<const char*, const char*> ont_sessions[] = {
+    {"leases", "monitoring.ip.dhcp.sessions"},
+    {"pppoe_sessions", "monitoring.ip.pppoe.sessions"},
+};
+
 std::vector<std::string> indices_for(const OntPart& part, const OntNumber& ont) {
     switch (part.asked) {
     case OntPart::Asked::all_services:
@@ -129,17 +145,31 @@ std::vector<std::string> indices_for(const OntPart& part, const OntNumber& ont) 
     return {ont.port, ont.ont};
 }
 
-/// The leases of that ONT; the service gives those of all.
-core::JsonTree leases_of(Context& context, const OntNumber& ont) {
-    const auto all = context.service().ask({.path = "monitoring.ip.dhcp.sessions", .method = "get"});
+/// The rows of that ONT; the service gives those of all.
+core::JsonTree sessions_of(Context& context, const char* path, const OntNumber& ont) {
+    const auto all = context.service().ask({.path = path, .method = "get"});
     core::JsonTree own(cJSON_CreateArray());
-    const cJSON* lease = nullptr;
-    cJSON_ArrayForEach(lease, value_at(all.data.get(), "sessions")) {
-        if (cell_text(value_at(lease, "pon_port_id")) == ont.port && cell_text(value_at(lease, "ont_id")) == ont.ont) {
-            cJSON_AddItemToArray(own.get(), cJSON_Duplicate(lease, 1));
+    const cJSON* row = nullptr;
+    cJSON_ArrayForEach(row, value_at(all.data.get(), "sessions")) {
+        if (cell_text(value_at(row, "pon_port_id")) == ont.port && cell_text(value_at(row, "ont_id")) == ont.ont) {
+            cJSON_AddItemToArray(own.get(), cJSON_Duplicate(row, 1));
         }
     }
     return own;
+}
+
+/// The counters that the ONT itself keeps, by kind.
+core::JsonTree counters_of(Context& context, const OntNumber& ont) {
+    core::JsonTree kinds(cJSON_CreateObject());
+    for (const auto* kind : ont_counters) {
+        auto answer = context.service().ask({.path = std::string("monitoring.interface.ont.counters.ont_side.") + kind,
+                                             .method = "get",
+                                             .indices = {ont.port, ont.ont}});
+        if (auto* const counters = cJSON_DetachItemFromArray(answer.data.get(), 0)) {
+            cJSON_AddItemToObject(kinds.get(), kind, counters);
+        }
+    }
+    return kinds;
 }
 
 /// Serials become texts, at any depth, in what people read.
@@ -167,7 +197,10 @@ void show_ont(Context& context, const std::string& text) {
         cJSON_AddItemToObject(screen.get(), part.title,
                               is_single ? cJSON_DetachItemFromArray(answer.data.get(), 0) : answer.data.release());
     }
-    cJSON_AddItemToObject(screen.get(), "leases", leases_of(context, ont).release());
+    cJSON_AddItemToObject(screen.get(), "ont_counters", counters_of(context, ont).release());
+    for (const auto& [title, path] : ont_sessions) {
+        cJSON_AddItemToObject(screen.get(), title, sessions_of(context, path, ont).release());
+    }
     if (!context.as_json) {
         write_serials(screen.get());
     }
@@ -194,10 +227,26 @@ void find_ont(Context& context, const std::string& serial) {
     context.show_object(answer.data.get());
 }
 
-void reboot_onts(Context& context, const std::string& text) {
+/// What ONTs can be told to do.
+struct Order {
+    const char* name;
+    const char* meaning;
+    const char* path;
+    const char* question;
+};
+constexpr Order orders[] = {
+    {"reboot", "Have ONTs restart", "command.reboot.ont",
+     "Restart ONT {}? Its subscribers lose their service for a minute."},
+    {"reconfigure", "Configure ONTs anew, from the beginning", "command.reconfigure.ont",
+     "Configure ONT {} anew? Its subscribers lose their service for a moment."},
+    {"reset", "Have ONTs forget what they keep themselves, and restart", "command.resettodefault.ont",
+     "Reset ONT {}? What was set on it by hand is lost, and its subscribers lose their service for a minute."},
+};
+
+void give(Context& context, const Order& order, const std::string& text) {
     const auto onts = parse_ont_number(text);
-    context.confirm(fmt::format("Restart ONT {}? Its subscribers lose their service for a minute.", text));
-    context.service().ask({.path = "command.reboot.ont", .method = "command", .indices = {onts.port + "/" + onts.ont}});
+    context.confirm(fmt::format(fmt::runtime(order.question), text));
+    context.service().ask({.path = order.path, .method = "command", .indices = {onts.port + "/" + onts.ont}});
 }
 
 } // namespace
@@ -208,7 +257,7 @@ void add_ont_commands(CLI::App& app, Context& context) {
     onts->add_option("--port", choice->ports, "of these PON ports only, such as 3 or 1-4");
     onts->add_option("--state", choice->state, "in this state only, such as operational");
     std::vector<std::string> names;
-    std::ranges::transform(orders, std::back_inserter(names), &Order::name);
+    std::ranges::transform(sort_keys, std::back_inserter(names), &SortKey::name);
     onts->add_option("--sort", choice->order, "in another order than that of their numbers")
         ->check(CLI::IsMember(names));
     onts->callback([&context, choice] { context.action = [&context, choice] { show_onts(context, *choice); }; });
@@ -216,14 +265,17 @@ void add_ont_commands(CLI::App& app, Context& context) {
     auto* const ont = app.add_subcommand("ont", "One ONT: all there is to know, or what to do with it");
     const auto word = std::make_shared<std::string>();
     ont->add_option("ONT", *word, "PON port and ONT, such as 3/17")->type_name("");
-    const auto add = [&](const char* name, const char* meaning, const char* option,
-                         void (*run)(Context&, const std::string&)) {
+    const auto add = [&](const char* name, const char* meaning, const char* option, auto run) {
         auto* const verb = ont->add_subcommand(name, meaning);
         verb->add_option(option, *word)->required()->type_name("");
-        verb->callback([&context, word, run] { context.action = [&context, word, run] { run(context, *word); }; });
+        verb->callback([&context, word, run] { context.action = [&context, word, run] { run(*word); }; });
     };
-    add("find", "The ONT with this serial", "SERIAL", find_ont);
-    add("reboot", "Have ONTs restart", "ONTS", reboot_onts);
+    add("find", "The ONT with this serial", "SERIAL",
+        [&context](const std::string& serial) { find_ont(context, serial); });
+    for (const auto& order : orders) {
+        add(order.name, order.meaning, "ONTS",
+            [&context, &order](const std::string& text) { give(context, order, text); });
+    }
     ont->require_subcommand(0, 1);
     ont->callback([&context, word] {
         if (!context.action) {

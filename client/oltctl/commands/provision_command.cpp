@@ -1,11 +1,14 @@
 #include "client/oltctl/commands/context.hpp"
 #include "client/oltctl/failure.hpp"
+#include "client/oltctl/output/progress.hpp"
 #include "client/oltctl/output/terminal.hpp"
 #include "client/oltctl/provisioning/provisioner.hpp"
 #include "client/oltctl/text_file.hpp"
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -29,7 +32,10 @@ void provision_list(Context& context, const List& list) {
     Provisioner provisioner(context.service());
     std::string faults;
     std::size_t done = 0;
+    std::size_t tried = 0;
+    std::optional<ProgressBar> bar(std::in_place, "Configuring ONTs", subscribers.size());
     for (const auto& subscriber : subscribers) {
+        bar->advance_to(tried++);
         try {
             provisioner.provision(subscriber);
             ++done;
@@ -41,6 +47,7 @@ void provision_list(Context& context, const List& list) {
             faults += fmt::format("\n{}: {}", subscriber.serial, failure.what());
         }
     }
+    bar.reset();
     if (!faults.empty() && !list.keep_going) {
         provisioner.undo();
         done = 0;

@@ -1,4 +1,5 @@
 #include "client/oltctl/commands/context.hpp"
+#include "client/oltctl/commands/reading.hpp"
 #include "client/oltctl/configuration/records.hpp"
 #include "client/oltctl/failure.hpp"
 #include "client/oltctl/output/terminal.hpp"
@@ -6,7 +7,6 @@
 
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <CLI/CLI.hpp>
@@ -14,12 +14,6 @@
 
 namespace xpon::oltctl {
 namespace {
-
-struct Get {
-    std::string path;
-    std::vector<std::string> indices;
-    bool candidate = false;
-};
 
 /// Records of the configuration below the index of each, so that one knows which is which.
 void show_records(const cJSON* array, const std::vector<Index>& indices) {
@@ -35,15 +29,9 @@ void show_records(const cJSON* array, const std::vector<Index>& indices) {
     print(text);
 }
 
-void get(Context& context, Get words) {
-    client::Request request{.path = words.path, .method = "get", .indices = std::move(words.indices)};
+void get(Context& context, const Reading& words) {
+    const auto request = request_for(context, words);
     const auto* const element = find_element(words.path);
-    if (words.path.starts_with("configuration.")) {
-        request.config_type = words.candidate ? "candidate" : "running";
-    }
-    if (element != nullptr && request.indices.empty()) {
-        request.indices = ConfigurationAccess(context.service()).all_indices(*element);
-    }
     const auto answer = context.service().ask(request);
     if (!context.as_json && element != nullptr && element->depth() > 0 && request.indices.size() == element->depth()) {
         show_records(answer.data.get(), indices_of(request.indices));
@@ -80,10 +68,8 @@ void send_raw(Context& context, const std::string& text) {
 
 void add_request_commands(CLI::App& app, Context& context) {
     auto* const parser = app.add_subcommand("get", "What stands at a path: state, counters or configuration");
-    const auto words = std::make_shared<Get>();
-    parser->add_option("PATH", words->path, "such as monitoring.system")->required()->type_name("");
-    parser->add_option("INDICES", words->indices, "a list for each level, such as 1-2 1-8,12")->type_name("");
-    parser->add_flag("--candidate", words->candidate, "the configuration that is being edited, not the running one");
+    const auto words = std::make_shared<Reading>();
+    add_reading(*parser, *words);
     parser->callback([&context, words] { context.action = [&context, words] { get(context, *words); }; });
 
     auto* const raw = app.add_subcommand("raw", "Any request, as JSON; prints the answer as it comes");

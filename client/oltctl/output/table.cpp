@@ -9,9 +9,7 @@
 #include <fmt/format.h>
 
 namespace xpon::oltctl {
-namespace {
-
-/// Characters of UTF-8 text: every byte but those that continue one.
+/// Every byte but those that continue a character.
 std::size_t width_of(std::string_view text) {
     return static_cast<std::size_t>(
         std::ranges::count_if(text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }));
@@ -22,7 +20,6 @@ std::string padded(const std::string& text, std::size_t width, bool at_the_right
     return at_the_right ? blanks + text : text + blanks;
 }
 
-/// Whole characters of at most that width.
 std::string cut(const std::string& text, std::size_t width) {
     std::size_t end = 0;
     for (std::size_t used = 0; end < text.size(); ++end) {
@@ -32,8 +29,6 @@ std::string cut(const std::string& text, std::size_t width) {
     }
     return text.substr(0, end);
 }
-
-} // namespace
 
 const cJSON* value_at(const cJSON* row, const char* path) {
     std::string_view rest(path);

@@ -2,8 +2,10 @@
 
 #include "xpon/core/json_tree.hpp"
 
+#include <cstddef>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace xpon::oltctl {
@@ -22,6 +24,13 @@ const cJSON* value_at(const cJSON* row, const char* path);
 std::string cell_text(const cJSON* value);
 /// The value of the row in that column.
 std::string cell_text(const cJSON* row, const Column& column);
+
+/// @{ Of UTF-8 text, counted in characters.
+std::size_t width_of(std::string_view text);
+std::string padded(const std::string& text, std::size_t width, bool at_the_right);
+/// At most that many.
+std::string cut(const std::string& text, std::size_t width);
+/// @}
 
 /// Rows below a line of titles. Columns in which nothing stands are left out, and what does not fit into `width` is cut
 /// from the last columns on. Without rows it says so.

@@ -15,11 +15,6 @@
 namespace xpon::oltctl {
 namespace {
 
-bool wants_colours() {
-    const char* const refused = std::getenv("NO_COLOR");
-    return isatty(STDOUT_FILENO) == 1 && (refused == nullptr || *refused == '\0');
-}
-
 const char* start_of(Colour colour) {
     switch (colour) {
     case Colour::red:
@@ -38,13 +33,26 @@ const char* start_of(Colour colour) {
 
 } // namespace
 
+bool output_is_a_terminal() {
+    return isatty(STDOUT_FILENO) == 1;
+}
+
+bool errors_are_a_terminal() {
+    return isatty(STDERR_FILENO) == 1;
+}
+
+bool wants_colours() {
+    const char* const refused = std::getenv("NO_COLOR");
+    return output_is_a_terminal() && (refused == nullptr || *refused == '\0');
+}
+
 bool a_person_is_there() {
     return isatty(STDIN_FILENO) == 1 && isatty(STDERR_FILENO) == 1;
 }
 
 std::size_t output_width() {
     winsize size{};
-    if (isatty(STDOUT_FILENO) != 1 || ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) {
+    if (!output_is_a_terminal() || ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) {
         return std::numeric_limits<std::size_t>::max();
     }
     return size.ws_col;

@@ -10,6 +10,10 @@ bool a_person_is_there();
 /// Columns of the terminal; without one, as in a pipe, as many as one likes.
 std::size_t output_width();
 
+bool output_is_a_terminal();
+bool errors_are_a_terminal(); ///< standard error
+/// Whether it gets colours: it is a terminal, and NO_COLOR is not set.
+bool wants_colours();
 enum class Colour { plain, red, green, yellow, bold };
 /// The text in the colour, where standard output is a terminal and NO_COLOR is not set.
 std::string coloured(const std::string& text, Colour colour);

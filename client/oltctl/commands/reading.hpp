@@ -1,0 +1,28 @@
+#pragma once
+
+#include "xpon/client/message.hpp"
+
+#include <string>
+#include <vector>
+
+namespace CLI { // NOLINT(readability-identifier-naming): the library's name
+class App;
+} // namespace CLI
+
+namespace xpon::oltctl {
+
+class Context;
+
+/// What a command reads: the words PATH [INDICES] [--candidate].
+struct Reading {
+    std::string path;
+    std::vector<std::string> indices;
+    bool candidate = false;
+};
+
+/// Has the command take these words.
+void add_reading(CLI::App& command, Reading& words);
+/// The request for it. Of an element of the configuration all records are read when no indices are given.
+client::Request request_for(Context& context, const Reading& words);
+
+} // namespace xpon::oltctl
