@@ -83,6 +83,14 @@ TEST_F(OltctlTools, WatchPrintsChangesIntoAPipe) {
     EXPECT_EQ(status_, 1);
 }
 
+TEST_F(OltctlTools, OneScreenTellsAllOfOneOnt) {
+    olt_.start({"--onts", "4", "--configured", "2"});
+    log_in("admin");
+    const auto screen = run("oltctl ont 1/1");
+    EXPECT_THAT(screen, AllOf(HasSubstr("OPERATIONAL"), HasSubstr("Rx Bytes"), HasSubstr("fec_performance_monitoring"),
+                              HasSubstr("pppoe_sessions"), Not(HasSubstr("UNACTIVATED"))));
+}
+
 TEST_F(OltctlTools, FirmwareIsInstalledFromAnyFolder) {
     olt_.start({"--plant", "empty"});
     log_in("admin");

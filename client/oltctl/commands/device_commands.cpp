@@ -1,6 +1,7 @@
 #include "client/oltctl/commands/context.hpp"
 #include "client/oltctl/configuration/index_list.hpp"
 #include "client/oltctl/failure.hpp"
+#include "client/oltctl/olt_folder.hpp"
 #include "client/oltctl/output/progress.hpp"
 #include "client/oltctl/output/terminal.hpp"
 
@@ -43,11 +44,10 @@ void show_firmware(Context& context) {
 }
 
 void install_firmware(Context& context, const std::string& file) {
-    // The service is asked for a path on this machine, and works in another folder.
-    const auto path = std::filesystem::absolute(file);
-    if (!std::filesystem::is_regular_file(path)) {
-        throw Failure(ExitStatus::usage, fmt::format("There is no file '{}'.", path.string()));
+    if (!std::filesystem::is_regular_file(file)) {
+        throw Failure(ExitStatus::usage, fmt::format("There is no file '{}'.", file));
     }
+    const auto path = name_for_service(file);
     constexpr unsigned longest_write_s = 900;
     context.patience_s = std::max(context.patience_s, longest_write_s);
     const auto before = other_slot(context);

@@ -185,6 +185,17 @@ void write_serials(cJSON* tree) {
     }
 }
 
+/// With the state of an ONT the service tells those that nobody configured.
+void drop_unconfigured(cJSON* rows) {
+    for (auto* row = rows == nullptr ? nullptr : rows->child; row != nullptr;) {
+        auto* const next = row->next;
+        if (cJSON_GetObjectItemCaseSensitive(row, "state") != nullptr && value_at(row, "cfg_port") == nullptr) {
+            cJSON_Delete(cJSON_DetachItemViaPointer(rows, row));
+        }
+        row = next;
+    }
+}
+
 void show_ont(Context& context, const std::string& text) {
     const auto ont = parse_ont_number(text);
     const core::JsonTree screen(cJSON_CreateObject());
@@ -193,6 +204,7 @@ void show_ont(Context& context, const std::string& text) {
             part.config_type == nullptr ? std::nullopt : std::optional<std::string>(part.config_type);
         auto answer = context.service().ask(
             {.path = part.path, .method = "get", .indices = indices_for(part, ont), .config_type = config_type});
+        drop_unconfigured(answer.data.get());
         const bool is_single = cJSON_GetArraySize(answer.data.get()) == 1 && part.asked == OntPart::Asked::ont;
         cJSON_AddItemToObject(screen.get(), part.title,
                               is_single ? cJSON_DetachItemFromArray(answer.data.get(), 0) : answer.data.release());

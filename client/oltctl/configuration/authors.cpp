@@ -1,9 +1,9 @@
 #include "client/oltctl/configuration/authors.hpp"
 
 #include "client/oltctl/failure.hpp"
+#include "client/oltctl/olt_folder.hpp"
 
 #include <algorithm>
-#include <cstdlib>
 #include <fstream>
 #include <map>
 #include <optional>
@@ -97,8 +97,7 @@ std::vector<OtherAuthor> other_authors(std::istream& log, const std::vector<Diff
 }
 
 std::string text_of_other_authors(const std::vector<DifferingRecords>& changes, const std::string& own) {
-    const char* const root = std::getenv("OLT_ROOT");
-    std::ifstream log(std::string(root == nullptr ? "" : root) + "/var/log/api-service-changes.log");
+    std::ifstream log(file_of_service("/var/log/api-service-changes.log"));
     if (!log) {
         return "What is shown may hold what others have edited: the service's log, which would tell, cannot be read.\n";
     }

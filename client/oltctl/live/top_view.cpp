@@ -18,6 +18,7 @@ namespace {
 constexpr double low_dbm = -25;
 constexpr double lowest_dbm = -27;
 constexpr auto operational = "OPERATIONAL";
+constexpr auto absent = "ABSENT"; // configured, and the service knows no state of it
 
 core::JsonTree get(Service& service, const char* path, std::vector<std::string> indices = {}) {
     return std::move(service.ask({.path = path, .method = "get", .indices = std::move(indices)}).data);
@@ -43,6 +44,17 @@ Style style_of_light(double dbm) {
 Style style_of_state(std::string_view state) {
     return state == operational ? Style::good : Style::warning;
 }
+
+/// @{ Columns for the sparklines, of what the other cells of a line leave.
+std::size_t port_spark_width(std::size_t columns) {
+    constexpr std::size_t others = 69;
+    return std::clamp<std::size_t>(columns > others ? (columns - others) / 2 : 0, 4, 40);
+}
+std::size_t ont_spark_width(std::size_t columns) {
+    constexpr std::size_t others = 55;
+    return std::clamp<std::size_t>(columns > others ? (columns - others) / 3 : 0, 4, 30);
+}
+/// @}
 
 } // namespace
 
@@ -104,9 +116,10 @@ void TopView::sample_onts(Service& service) {
     cJSON_ArrayForEach(row, rows.get()) {
         const auto* const light = value_at(row, "ont_info.rssi");
         const bool is_configured = value_at(row, "cfg_port") != nullptr;
+        const auto state = text_at(row, "state");
         Ont ont{.number = is_configured ? text_at(row, "cfg_port") + "/" + text_at(row, "cfg_ont_id") : "",
                 .serial = serial_text(value_at(row, "serial")),
-                .state = text_at(row, "state"),
+                .state = state.empty() ? absent : state,
                 .metres = text_at(row, "ont_info.distance"),
                 .description = text_at(row, "description"),
                 .rssi_dbm = cJSON_IsNumber(light) != 0 ? std::optional(light->valuedouble) : std::nullopt};
@@ -161,8 +174,7 @@ Line TopView::line_of(unsigned number, const Port& port, std::size_t columns) co
     const auto rate = [](const Rate& traffic) {
         return traffic.per_second() ? short_number(*traffic.per_second() * 8) : std::string();
     };
-    constexpr std::size_t fixed = 76;
-    const auto spark = std::clamp<std::size_t>(columns > fixed ? (columns - fixed) / 2 : 0, 4, 40);
+    const auto spark = port_spark_width(columns);
     return {{fmt::format("{:>3}  ", number), Style::plain},
             {fmt::format("{:<9}", port.state), port.has_changed         ? Style::changed
                                                : port.state == "ACTIVE" ? Style::good
@@ -171,7 +183,7 @@ Line TopView::line_of(unsigned number, const Port& port, std::size_t columns) co
             {fmt::format("{:>5}", port.configured - std::min(port.configured, port.operational)),
              port.configured > port.operational ? Style::warning : Style::faint},
             {fmt::format("{:>5}", port.unactivated), port.unactivated > 0 ? Style::plain : Style::faint},
-            {fmt::format("{:>8} ", rate(port.sent)), Style::plain},
+            {fmt::format("{:>9} ", rate(port.sent)), Style::plain},
             {port.sent.history().sparkline(spark, true), Style::good},
             {fmt::format("{:>8} ", rate(port.received)), Style::plain},
             {port.received.history().sparkline(spark, true), Style::good},
@@ -180,28 +192,27 @@ Line TopView::line_of(unsigned number, const Port& port, std::size_t columns) co
 
 Line TopView::line_of(const Ont& ont, std::size_t columns) const {
     const auto& seen = seen_.at(ont.serial);
-    constexpr std::size_t fixed = 58;
-    const auto spark = std::clamp<std::size_t>(columns > fixed ? (columns - fixed) / 3 : 0, 4, 30);
     return {{fmt::format("{:<7}{:<14}", ont.number, ont.serial), Style::plain},
             {fmt::format("{:<18}", ont.state), seen.has_changed ? Style::changed : style_of_state(ont.state)},
             {fmt::format("{:>6} ", ont.rssi_dbm ? fmt::format("{:.1f}", *ont.rssi_dbm) : ""),
              style_of_light(ont.rssi_dbm.value_or(0))},
-            {seen.rssi_dbm.sparkline(spark, false), Style::faint},
+            {seen.rssi_dbm.sparkline(ont_spark_width(columns), false), Style::faint},
             {fmt::format("{:>7}  {}", ont.metres, ont.description), Style::plain}};
 }
 
 std::vector<Line> TopView::body(std::size_t columns) const {
-    constexpr std::size_t fixed = 76;
-    const auto spark = std::clamp<std::size_t>(columns > fixed ? (columns - fixed) / 2 : 0, 4, 40);
+    const auto spark = port_spark_width(columns);
     std::vector<Line> lines{
-        {{fmt::format("{:>3}  {:<9}{:>5}{:>5}{:>5}{:>5}{:>8} {:{}}{:>8} {:{}}{:>7}{:>8}", "PON", "State", "ONTs", "up",
+        {{fmt::format("{:>3}  {:<9}{:>5}{:>5}{:>5}{:>5}{:>9} {:{}}{:>8} {:{}}{:>7}{:>8}", "PON", "State", "ONTs", "up",
                       "down", "new", "Down b/s", "", spark, "Up b/s", "", spark, "deg C", "Tx dBm"),
           Style::title}}};
     for (const auto& [number, port] : ports_) {
         lines.push_back(line_of(number, port, columns));
     }
     lines.emplace_back();
-    lines.push_back({{fmt::format("{:<7}{:<14}{:<18}{:>6}", "ONT", "Serial", "State", "dBm"), Style::title}});
+    lines.push_back({{fmt::format("{:<7}{:<14}{:<18}{:>6} {:{}}{:>7}  {}", "ONT", "Serial", "State", "dBm", "",
+                                  ont_spark_width(columns), "Metres", "Description"),
+                      Style::title}});
     for (const auto& ont : onts_) {
         lines.push_back(line_of(ont, columns));
     }
