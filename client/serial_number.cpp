@@ -1,4 +1,4 @@
-#include "client/oltctl/serial_number.hpp"
+#include "xpon/client/serial_number.hpp"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 
 #include <fmt/format.h>
 
-namespace xpon::oltctl {
+namespace xpon::client {
 namespace {
 
 constexpr std::size_t vendor_letters = 4;
@@ -61,4 +61,4 @@ std::string serial_text(const cJSON* bytes) {
     return text;
 }
 
-} // namespace xpon::oltctl
+} // namespace xpon::client
