@@ -30,11 +30,9 @@ function end(reason: EndReason | null): void {
 
 export const constantsRequest: ApiRequest = {path: paths.constants, method: "get"};
 
-/** The numbers of ports come first: what is asked for follows from them. */
-async function enter(begun: Session): Promise<void> {
+/** The numbers of ports come first: what is asked for follows from them. Without a session there are none. */
+async function learnConstants(): Promise<void> {
   await ask(constantsRequest, {isBackground: true}).then(data => remember(constantsRequest, data), () => undefined);
-  farewell.set("");
-  current.set(begun);
 }
 
 /** Whether the gateway knows nothing of the session any more; it has ended here then, too. */
@@ -49,9 +47,9 @@ async function isOver(): Promise<boolean> {
 export async function findSession(): Promise<void> {
   whenSessionEnds(end, isOver);
   try {
-    const found = await session();
+    const [found] = await Promise.all([session(), learnConstants()]);
     if ("ended" in found) end(found.ended);
-    else await enter(found);
+    else current.set(found);
   } catch (error) {
     end(null);
     farewell.set((error as Error).message);
@@ -59,7 +57,10 @@ export async function findSession(): Promise<void> {
 }
 
 export async function begin(user: string, password: string): Promise<void> {
-  await enter(await login(user, password));
+  const begun = await login(user, password);
+  await learnConstants();
+  farewell.set("");
+  current.set(begun);
 }
 
 export async function leave(): Promise<void> {
