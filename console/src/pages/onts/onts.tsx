@@ -37,6 +37,7 @@ export function Onts() {
   const text = query.toString();
   const shown = useMemo(() => sorted(filtered(rows, filter), by, descending), [rows, text]);
   const counts = useMemo(() => countGroups(filtered(rows, filter, "group")), [rows, text]);
+  const forHistogram = useMemo(() => filtered(rows, filter, "power"), [rows, text]);
   const ports = useMemo(() => [...new Set(rows.map(({port}) => port))].sort((a, b) => a - b), [rows]);
   const chosen = useMemo(() => rows.filter(({key}) => selected.has(key)), [rows, selected]);
 
@@ -104,7 +105,7 @@ export function Onts() {
             </button>
           ))}
         </div>
-        <Histogram onts={filtered(rows, filter, "power")} power={filter.power}/>
+        <Histogram onts={forHistogram} power={filter.power}/>
       </div>
       {chosen.length > 0 && <OntActions onts={chosen} onDone={() => setSelected(new Set())}/>}
       <VirtualTable label="ONTs" rows={shown} keyOf={ont => ont.key} columns={columns} sorting={{by, descending}}
