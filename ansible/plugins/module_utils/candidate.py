@@ -188,7 +188,9 @@ class Edit:
         """What the OLT has made of it becomes the truth: it may write a value otherwise than the playbook."""
         candidate = self._read(olt_api.CANDIDATE)
         for change in self.planned:
-            change.after = candidate[change.element][change.place]
+            made = candidate[change.element][change.place]
+            if made != change.after:
+                change.after = made
         self.changes = [change for change in self.planned if change.before != change.after]
 
     def commit(self):
