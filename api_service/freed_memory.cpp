@@ -19,7 +19,7 @@ int give_back_pages_of(dl_phdr_info* object, std::size_t, void*) {
         if (segment.p_type == PT_LOAD && (segment.p_flags & PF_W) == 0) {
             const auto begin = object->dlpi_addr + segment.p_vaddr;
             const auto first_page = begin - begin % page_size;
-            // The kernel's own object refuses, and stays.
+            // Nobody writes to these, so that nothing is lost.
             ::madvise(reinterpret_cast<void*>(first_page), begin + segment.p_memsz - first_page, MADV_DONTNEED);
         }
     }
