@@ -1,7 +1,6 @@
 #include "gateway/settings_reader.hpp"
 
 #include <iostream>
-#include <limits>
 #include <string>
 
 #include <CLI/CLI.hpp>

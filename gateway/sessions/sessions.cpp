@@ -53,7 +53,7 @@ std::shared_ptr<Session> Sessions::find(const std::string& id, Clock::time_point
     if (found == sessions_.end()) {
         return nullptr;
     }
-    const auto session = found->second;
+    auto session = found->second;
     if (const auto why = due(*session, now)) {
         end(session, *why);
         return nullptr;
@@ -62,18 +62,17 @@ std::shared_ptr<Session> Sessions::find(const std::string& id, Clock::time_point
 }
 
 void Sessions::end(const std::shared_ptr<Session>& session, SessionEnd why) {
-    const auto keep = session; // the caller's may be the one in the map
-    if (sessions_.erase(keep->id) == 0) {
+    if (sessions_.erase(session->id) == 0) {
         return;
     }
-    keep->has_ended = true;
-    past_.emplace(keep->id, why);
-    past_in_order_.push_back(keep->id);
+    session->has_ended = true;
+    past_.emplace(session->id, why);
+    past_in_order_.push_back(session->id);
     if (past_in_order_.size() > remembered_ends) {
         past_.erase(past_in_order_.front());
         past_in_order_.pop_front();
     }
-    ended_(keep, why);
+    ended_(session, why);
 }
 
 template <class Rule>

@@ -43,6 +43,7 @@ public:
     static void touch(Session& session, Clock::time_point now) {
         session.used = now;
     }
+    /// `session` is the caller's own pointer, not the one in here.
     void end(const std::shared_ptr<Session>& session, SessionEnd why);
 
     void end_overdue(Clock::time_point now);
