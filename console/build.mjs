@@ -6,10 +6,12 @@ import {parseArgs, promisify} from "node:util";
 import {brotliCompress, constants, gzip} from "node:zlib";
 
 const here = path.dirname(new URL(import.meta.url).pathname);
-const {values} = parseArgs({options: {
-  schemas: {type: "string", default: path.join(here, "../build/release/schemas/documents")},
-  out: {type: "string", default: path.join(here, "dist")},
-}});
+const {values} = parseArgs({
+  options: {
+    schemas: {type: "string", default: path.join(here, "../build/release/schemas/documents")},
+    out: {type: "string", default: path.join(here, "dist")},
+  },
+});
 const out = path.resolve(values.out);
 const work = `${out}.new`;
 
@@ -21,10 +23,13 @@ const schemas = {
     bundle.onLoad({filter: /.*/, namespace: "olt-schemas"}, async () => {
       const read = async name => JSON.parse(await readFile(path.join(values.schemas, name), "utf8"));
       const {elements, routes} = await read("index.json");
-      const rows = elements.map(async ({path: element, record}) => [element.replace("configuration.", ""), {
-        record: await read(record),
-        setBy: routes.find(({path: route, method}) => route === element && method === "set")?.privilege,
-      }]);
+      const rows = elements.map(async ({path: element, record}) => [
+        element.replace("configuration.", ""),
+        {
+          record: await read(record),
+          setBy: routes.find(({path: route, method}) => route === element && method === "set")?.privilege,
+        },
+      ]);
       return {contents: JSON.stringify(Object.fromEntries(await Promise.all(rows))), loader: "json"};
     });
   },
@@ -37,8 +42,16 @@ await cp(path.join(values.schemas, "olt_api.d.ts"), path.join(here, "generated/o
 const {metafile} = await build({
   entryPoints: [path.join(here, "src/main.tsx"), path.join(here, "src/style/main.css")],
   entryNames: "[name]-[hash]",
-  outdir: work, bundle: true, minify: true, format: "esm", target: "es2022", metafile: true, logLevel: "warning",
-  jsx: "automatic", jsxImportSource: "preact", plugins: [schemas],
+  outdir: work,
+  bundle: true,
+  minify: true,
+  format: "esm",
+  target: "es2022",
+  metafile: true,
+  logLevel: "warning",
+  jsx: "automatic",
+  jsxImportSource: "preact",
+  plugins: [schemas],
 });
 const made = Object.keys(metafile.outputs).map(file => path.basename(file));
 const named = extension => made.find(file => file.endsWith(extension));
@@ -53,7 +66,10 @@ for (const file of [...made, "index.html"]) {
   const small = await promisify(gzip)(content, {level: 9});
   total += small.length;
   await writeFile(path.join(work, `${file}.gz`), small);
-  await writeFile(path.join(work, `${file}.br`), await promisify(brotliCompress)(content, {params: {[constants.BROTLI_PARAM_SIZE_HINT]: content.length}}));
+  await writeFile(
+    path.join(work, `${file}.br`),
+    await promisify(brotliCompress)(content, {params: {[constants.BROTLI_PARAM_SIZE_HINT]: content.length}}),
+  );
 }
 await rm(out, {recursive: true, force: true});
 await rename(work, out);

@@ -8,4 +8,4 @@ import {followTheme} from "./ui/theme.ts";
 followTheme();
 followPlace();
 void findSession();
-render(<App/>, document.getElementById("page")!);
+render(<App />, document.getElementById("page")!);

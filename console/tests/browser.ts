@@ -10,13 +10,18 @@ let browser: Browser | undefined;
 /** A window of a browser with nothing kept from before. Faults of the page's own script fail the test that looks at them. */
 export async function openWindow(options: BrowserContextOptions = {}): Promise<{page: Page; faults: string[]}> {
   // As root, as in a container, Chromium runs without its sandbox only.
-  browser ??= await chromium.launch({executablePath: process.env["CHROMIUM"] ?? "/usr/bin/chromium", args: process.getuid?.() === 0 ? ["--no-sandbox"] : []});
+  browser ??= await chromium.launch({
+    executablePath: process.env["CHROMIUM"] ?? "/usr/bin/chromium",
+    args: process.getuid?.() === 0 ? ["--no-sandbox"] : [],
+  });
   const context = await browser.newContext({viewport: {width: 1280, height: 800}, ...options});
   const page = await context.newPage();
   page.setDefaultTimeout(patience);
   const faults: string[] = [];
   page.on("pageerror", error => faults.push(String(error)));
-  page.on("console", message => { if (/Content Security Policy/.test(message.text())) faults.push(message.text()); });
+  page.on("console", message => {
+    if (/Content Security Policy/.test(message.text())) faults.push(message.text());
+  });
   return {page, faults};
 }
 

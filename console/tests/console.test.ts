@@ -8,7 +8,9 @@ after(closeBrowser);
 
 describe("on a small OLT with one ONT that nobody configured", () => {
   let olt: Olt;
-  before(async () => { olt = await Olt.start({plant: ["--onts", "2", "--configured", "1", "--clock-rate", "20"]}); });
+  before(async () => {
+    olt = await Olt.start({plant: ["--onts", "2", "--configured", "1", "--clock-rate", "20"]});
+  });
   after(() => olt.stop());
 
   test("a login that is wrong is refused, and a right one leads to the overview", async () => {
@@ -43,7 +45,10 @@ describe("on a small OLT with one ONT that nobody configured", () => {
     await visit(page, olt, "/configuration/CommonGCfg.system.ntp");
     await page.getByLabel("Min poll").fill("99");
     await page.getByRole("button", {name: "Put into candidate"}).click();
-    await page.locator(".field.wrong", {hasText: "Min poll"}).filter({hasText: "Value 99 is out of range 4 to 17"}).waitFor();
+    await page
+      .locator(".field.wrong", {hasText: "Min poll"})
+      .filter({hasText: "Value 99 is out of range 4 to 17"})
+      .waitFor();
   });
 
   test("a refused commit leads to its field, and a rollback drops the changes", async () => {
@@ -116,10 +121,13 @@ test("4096 ONTs are there at once, scrolled and filtered", async () => {
     await visit(page, olt, "/onts");
     await page.getByText(/^4,0\d\d of 4,0\d\d$/).waitFor();
     const table = page.getByRole("grid", {name: "ONTs"});
-    assert.ok(await table.getByRole("row").count() < 100, "only rows in sight are drawn");
+    assert.ok((await table.getByRole("row").count()) < 100, "only rows in sight are drawn");
     await table.locator(".table-body").focus();
     await page.keyboard.press("End");
-    await table.getByText(/^16\/\d+$/).last().waitFor();
+    await table
+      .getByText(/^16\/\d+$/)
+      .last()
+      .waitFor();
     await page.keyboard.press("/");
     await page.keyboard.type("SIMUA0030011");
     await table.getByText("3/17", {exact: true}).waitFor();

@@ -30,7 +30,10 @@ export class Olt {
   #daemon?: ChildProcess;
   #gateway?: ChildProcess;
 
-  static async start({plant = ["--plant", "demo"], gateway = []}: {plant?: readonly string[]; gateway?: readonly string[]} = {}): Promise<Olt> {
+  static async start({
+    plant = ["--plant", "demo"],
+    gateway = [],
+  }: {plant?: readonly string[]; gateway?: readonly string[]} = {}): Promise<Olt> {
     const olt = new Olt();
     execFileSync(path.join(checkout, "scripts/prepare-root"), [olt.root, build]);
     const simulator = olt.#run("simulator/olt_simulator", plant, {OLT_ROOT: olt.root});
@@ -42,7 +45,9 @@ export class Olt {
 
   async startDaemon(): Promise<void> {
     const lines = readFileSync(path.join(this.root, "etc/api_service.env"), "utf8").trim().split("\n");
-    const environment = Object.fromEntries(lines.map(line => [line.slice(0, line.indexOf("=")), line.slice(line.indexOf("=") + 1)]));
+    const environment = Object.fromEntries(
+      lines.map(line => [line.slice(0, line.indexOf("=")), line.slice(line.indexOf("=") + 1)]),
+    );
     this.#daemon = this.#run("api_service/api_service", [], environment);
   }
 
@@ -63,7 +68,10 @@ export class Olt {
 
   /** Tells the simulator something, as `olt_sim` does. */
   sim(...command: string[]): string {
-    return execFileSync(path.join(build, "simulator/olt_sim"), command, {env: {...process.env, OLT_ROOT: this.root}, encoding: "utf8"});
+    return execFileSync(path.join(build, "simulator/olt_sim"), command, {
+      env: {...process.env, OLT_ROOT: this.root},
+      encoding: "utf8",
+    });
   }
 
   async stop(): Promise<void> {
@@ -72,7 +80,10 @@ export class Olt {
   }
 
   #run(program: string, options: readonly string[], environment: Record<string, string>): ChildProcess {
-    const child = spawn(path.join(build, program), options, {env: {...process.env, ...environment}, stdio: ["ignore", "pipe", "pipe"]});
+    const child = spawn(path.join(build, program), options, {
+      env: {...process.env, ...environment},
+      stdio: ["ignore", "pipe", "pipe"],
+    });
     child.stdout.resume();
     child.stderr.resume();
     this.#children.add(child);

@@ -22,7 +22,10 @@ const pages: readonly (readonly [name: string, place: string, shows: string])[] 
   ["macs", "/subscribers/macs", ".table-row"],
   ["system", "/system", ".log-files li"],
 ];
-const widths = [{width: 1280, height: 800}, {width: 390, height: 844}];
+const widths = [
+  {width: 1280, height: 800},
+  {width: 390, height: 844},
+];
 
 async function leaveSomethingPending(olt: Olt): Promise<void> {
   const {page} = await openWindow();
@@ -42,7 +45,8 @@ test("pictures", {skip: !folder}, async () => {
     for (const viewport of widths) {
       for (const colorScheme of ["light", "dark"] as const) {
         const {page} = await openWindow({viewport, colorScheme});
-        const take = (name: string) => page.screenshot({path: path.join(folder!, `${name}-${viewport.width}-${colorScheme}.png`)});
+        const take = (name: string) =>
+          page.screenshot({path: path.join(folder!, `${name}-${viewport.width}-${colorScheme}.png`)});
         await page.goto(olt.url);
         await page.waitForSelector("[name=password]");
         await take("login");

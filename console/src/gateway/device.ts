@@ -28,7 +28,10 @@ export function usePonPorts(): Live<PonPortState[]> {
 /** Of all PON ports, the first one first. */
 export function usePonPortConfigurations(): Live<PonPort[]> {
   const count = useConstants().data?.PON_PORT_COUNT;
-  return useLive(count ? {...get(configuration(elements.ponPort), [`1-${count}`]), config_type: "running"} : undefined, rare);
+  return useLive(
+    count ? {...get(configuration(elements.ponPort), [`1-${count}`]), config_type: "running"} : undefined,
+    rare,
+  );
 }
 
 export function useSerialFormat(): SerialFormat {

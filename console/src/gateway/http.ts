@@ -41,7 +41,12 @@ const loginRefusals: Readonly<Record<string, string>> = {
 
 const headers = {"Content-Type": "application/json", "X-OLT-Console": "1"};
 
-async function send(method: "GET" | "POST", path: string, body?: unknown, more: Record<string, string> = {}): Promise<Response> {
+async function send(
+  method: "GET" | "POST",
+  path: string,
+  body?: unknown,
+  more: Record<string, string> = {},
+): Promise<Response> {
   try {
     const text = body === undefined ? undefined : JSON.stringify(body);
     return await fetch(path, {method, headers: {...headers, ...more}, body: text, credentials: "same-origin"});
@@ -59,8 +64,11 @@ async function read<T>(response: Response): Promise<T> {
   throw new Error(loginRefusals[answer.reason] ?? answer.message);
 }
 
-export const login = async (user: string, password: string) => read<Session>(await send("POST", "/api/login", {user, password}));
-export const logout = async () => { await send("POST", "/api/logout", {}); };
+export const login = async (user: string, password: string) =>
+  read<Session>(await send("POST", "/api/login", {user, password}));
+export const logout = async () => {
+  await send("POST", "/api/logout", {});
+};
 /** The user is there. */
 export const stay = async () => read<Session>(await send("POST", "/api/session", {}));
 /** Carries out one request. */
@@ -105,7 +113,9 @@ export function openStream(watches: readonly Watch[], listener: StreamListener):
     source.addEventListener(name, event => take(JSON.parse((event as MessageEvent<string>).data)));
   on<{watch: number; answer: ApiAnswer<unknown>}>("answer", ({watch, answer}) => listener.onAnswer(watch, answer));
   on<{message: string}>("trouble", ({message}) => listener.onTrouble(message));
-  on<{reachable: boolean}>("service", ({reachable}) => listener.onTrouble(reachable ? "" : "The OLT's service is not running."));
+  on<{reachable: boolean}>("service", ({reachable}) =>
+    listener.onTrouble(reachable ? "" : "The OLT's service is not running."),
+  );
   on<TimeLeft>("session", left => listener.onTimeLeft(left));
   on<{reason: EndReason}>("end", ({reason}) => {
     source.close();

@@ -44,7 +44,7 @@ export function whenSessionEnds(listener: (reason: EndReason) => void, find: () 
 const patience = 3000;
 
 async function openAgain(): Promise<void> {
-  if (!await isOver()) setTimeout(open, patience);
+  if (!(await isOver())) setTimeout(open, patience);
 }
 
 function open(): void {

@@ -16,9 +16,13 @@ const own = {isBackground: true};
 
 /** The indices that the position in an answer stands for; the last index counts first. */
 function indicesAt(position: number, from: readonly (readonly number[])[]): number[] {
-  return from.reduceRight<{rest: number; indices: number[]}>(({rest, indices}, numbers) => (
-    {rest: Math.floor(rest / numbers.length), indices: [numbers[rest % numbers.length]!, ...indices]}
-  ), {rest: position, indices: []}).indices;
+  return from.reduceRight<{rest: number; indices: number[]}>(
+    ({rest, indices}, numbers) => ({
+      rest: Math.floor(rest / numbers.length),
+      indices: [numbers[rest % numbers.length]!, ...indices],
+    }),
+    {rest: position, indices: []},
+  ).indices;
 }
 
 async function compare(element: Element, numbers: readonly (readonly number[])[]): Promise<Change[]> {
@@ -31,7 +35,9 @@ async function compare(element: Element, numbers: readonly (readonly number[])[]
   const [before, after] = [list(running), list(candidate)];
   return after.flatMap((record, position) => {
     const fields = differences(before[position], record);
-    return fields.length > 0 ? [{element, indices: indicesAt(position, numbers), fields, running: before[position]!}] : [];
+    return fields.length > 0
+      ? [{element, indices: indicesAt(position, numbers), fields, running: before[position]!}]
+      : [];
   });
 }
 
@@ -43,10 +49,16 @@ async function compareServices(device: Constants, all: boolean): Promise<Change[
   const [ports, onts, services] = element.sizes(device) as [number, number, number];
   const found: Change[] = [];
   if (all) {
-    for (const port of upTo(ports)) found.push(...await compare(element, [[port], upTo(onts), upTo(services)]));
+    for (const port of upTo(ports)) found.push(...(await compare(element, [[port], upTo(onts), upTo(services)])));
     for (const {indices} of found) editedServices.add(indices.join("/"));
   } else {
-    for (const key of editedServices) found.push(...await compare(element, key.split("/").map(index => [Number(index)])));
+    for (const key of editedServices)
+      found.push(
+        ...(await compare(
+          element,
+          key.split("/").map(index => [Number(index)]),
+        )),
+      );
   }
   return found;
 }
@@ -65,7 +77,7 @@ async function find(all: boolean): Promise<void> {
   const changes: Change[] = [];
   for (const element of allElements) {
     if (!schemaOf(element.path)?.setBy || element.path === elements.service) continue;
-    changes.push(...await compare(element, element.sizes(device).map(upTo)));
+    changes.push(...(await compare(element, element.sizes(device).map(upTo))));
   }
-  pending.set([...changes, ...await compareServices(device, all)]);
+  pending.set([...changes, ...(await compareServices(device, all))]);
 }

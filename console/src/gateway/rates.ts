@@ -33,7 +33,9 @@ function compare(from: Reading, to: Reading): ReadonlyMap<string, Rates> {
 export function useRates(): ReadonlyMap<string, Rates> {
   const ports = useConstants().data?.PON_PORT_COUNT;
   const live = useLive<PonCounters[]>(
-    ports ? {path: `${paths.counters}olt_side.pon`, method: "get", indices: [`1-${ports}`]} : undefined, before ? every : everyAtFirst);
+    ports ? {path: `${paths.counters}olt_side.pon`, method: "get", indices: [`1-${ports}`]} : undefined,
+    before ? every : everyAtFirst,
+  );
   if (live.data && live.data !== latest?.counters) {
     before = latest;
     latest = {counters: live.data, at: live.at};

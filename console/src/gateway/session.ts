@@ -32,7 +32,10 @@ export const constantsRequest: ApiRequest = {path: paths.constants, method: "get
 
 /** The numbers of ports come first: what is asked for follows from them. Without a session there are none. */
 async function learnConstants(): Promise<void> {
-  await ask(constantsRequest, {isBackground: true}).then(data => remember(constantsRequest, data), () => undefined);
+  await ask(constantsRequest, {isBackground: true}).then(
+    data => remember(constantsRequest, data),
+    () => undefined,
+  );
 }
 
 /** Whether the gateway knows nothing of the session any more; it has ended here then, too. */

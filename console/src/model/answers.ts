@@ -20,7 +20,9 @@ export interface ApiAnswer<T> {
 
 /** The error's own text, with its parameters filled in. */
 export function errorText(error: ApiError): string {
-  return error.message.key.replace(/\{(p\d+)\}/g, (whole, name: string) => String(error.message.params[name as `p${number}`] ?? whole));
+  return error.message.key.replace(/\{(p\d+)\}/g, (whole, name: string) =>
+    String(error.message.params[name as `p${number}`] ?? whole),
+  );
 }
 
 /** What the API refused, in its words. */

@@ -23,7 +23,8 @@ export function ratesBetween(before: PonCounters, now: PonCounters, seconds: num
   const [up, down, units] = [grown("Rx Bytes"), grown("Tx Bytes"), grown("BIP Units")];
   if (seconds <= 0 || up < 0 || down < 0 || units < 0) return undefined;
   return {
-    up: (8 * up) / seconds, down: (8 * down) / seconds,
+    up: (8 * up) / seconds,
+    down: (8 * down) / seconds,
     errorRatio: units > 0 ? grown("BIP Errors") / (8 * units) : 0,
     uncorrectable: grown("FEC Codewords Uncorrected") / seconds,
   };

@@ -14,7 +14,8 @@ export interface Change {
   running: Record<string, unknown>;
 }
 
-const isObject = (value: unknown): value is Record<string, unknown> => typeof value === "object" && value !== null && !Array.isArray(value);
+const isObject = (value: unknown): value is Record<string, unknown> =>
+  typeof value === "object" && value !== null && !Array.isArray(value);
 const isRecords = (value: unknown): value is unknown[] => Array.isArray(value) && value.some(isObject);
 const same = (a: unknown, b: unknown) => JSON.stringify(a) === JSON.stringify(b);
 
@@ -23,7 +24,9 @@ export function differences(running: unknown, candidate: unknown, path = ""): Fi
   if (same(running, candidate)) return [];
   const below = (key: string | number) => (path === "" ? String(key) : `${path}.${key}`);
   if (isObject(running) && isObject(candidate)) {
-    return Object.keys({...running, ...candidate}).flatMap(key => differences(running[key], candidate[key], below(key)));
+    return Object.keys({...running, ...candidate}).flatMap(key =>
+      differences(running[key], candidate[key], below(key)),
+    );
   }
   if ((isRecords(running) || isRecords(candidate)) && Array.isArray(running) && Array.isArray(candidate)) {
     const length = Math.max(running.length, candidate.length);

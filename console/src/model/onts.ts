@@ -71,9 +71,20 @@ export function ontOf(raw: OntState, format: SerialFormat, odnClass: (port: numb
   const described = {model: info?.equipment_id ?? "", software: info?.software_version ?? ""};
   const description = raw.description ?? "";
   return {
-    key, port, ont, serial: raw.serial, serialText: serial, state, group, meaning: text, seenAt: raw.port, rssi,
+    key,
+    port,
+    ont,
+    serial: raw.serial,
+    serialText: serial,
+    state,
+    group,
+    meaning: text,
+    seenAt: raw.port,
+    rssi,
     reception: rssi === undefined ? undefined : reception(rssi, odnClass(raw.port ?? port)),
-    distance: info?.distance, ...described, description,
+    distance: info?.distance,
+    ...described,
+    description,
     search: `${key} ${serial} ${state} ${described.model} ${described.software} ${description}`.toLowerCase(),
     raw,
   };
@@ -84,7 +95,11 @@ const darkness = -40;
 
 function stateOf(raw: OntState, isConfigured: boolean): {state: string; group: Group; text: string} {
   if (raw.state === undefined) {
-    return {state: "OFFLINE", group: "offline", text: "Configured, but nothing is heard of it: no power, or no light"};
+    return {
+      state: "OFFLINE",
+      group: "offline",
+      text: "Configured, but nothing is heard of it: no power, or no light",
+    };
   }
   if (raw.state === "UNACTIVATED" && isConfigured) {
     return {state: "ELSEWHERE", group: "failed", text: `Seen on PON port ${raw.port}, where it is not configured`};

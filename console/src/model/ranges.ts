@@ -2,7 +2,7 @@
 export function rangeText(numbers: Iterable<number>): string {
   const sorted = [...new Set(numbers)].sort((a, b) => a - b);
   const parts: string[] = [];
-  for (let at = 0; at < sorted.length; ) {
+  for (let at = 0; at < sorted.length;) {
     let end = at;
     while (end + 1 < sorted.length && sorted[end + 1] === sorted[end]! + 1) end++;
     parts.push(end === at ? `${sorted[at]}` : `${sorted[at]}-${sorted[end]}`);
@@ -14,7 +14,10 @@ export function rangeText(numbers: Iterable<number>): string {
 /** The numbers of "1-4,7"; undefined when the text is no such list. */
 export function parseRange(text: string, most = 65536): number[] | undefined {
   const numbers: number[] = [];
-  for (const part of text.split(",").map(piece => piece.trim()).filter(piece => piece !== "")) {
+  for (const part of text
+    .split(",")
+    .map(piece => piece.trim())
+    .filter(piece => piece !== "")) {
     const match = /^(\d+)(?:\s*-\s*(\d+))?$/.exec(part);
     if (!match) return undefined;
     const first = Number(match[1]);

@@ -27,7 +27,8 @@ export interface Schema {
 
 export type Fields = Record<string, Schema>;
 
-export type Kind = "flag" | "choice" | "number" | "reference" | "text" | "secret" | "serial" | "ports" | "records" | "values";
+export type Kind =
+  "flag" | "choice" | "number" | "reference" | "text" | "secret" | "serial" | "ports" | "records" | "values";
 
 export interface ElementSchema {
   /** Of the record, its references resolved. */
@@ -78,8 +79,10 @@ export function kindOf(schema: Schema): Kind {
 /** What a record has when nothing is said. */
 export function defaultOf(schema: Schema): unknown {
   if (schema.default !== undefined) return structuredClone(schema.default);
-  if (schema.properties) return Object.fromEntries(Object.entries(schema.properties).map(([key, field]) => [key, defaultOf(field)]));
-  if (schema.type === "array") return Array.from({length: schema.minItems ?? 0}, () => defaultOf(schema.items as Schema));
+  if (schema.properties)
+    return Object.fromEntries(Object.entries(schema.properties).map(([key, field]) => [key, defaultOf(field)]));
+  if (schema.type === "array")
+    return Array.from({length: schema.minItems ?? 0}, () => defaultOf(schema.items as Schema));
   return "";
 }
 

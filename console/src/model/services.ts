@@ -14,8 +14,12 @@ export interface EffectiveService {
   limits?: readonly [number, number];
 }
 
-export function effectiveServices(template: OntTemplate | undefined, services: readonly OntServices[],
-                                  crossConnects: readonly ProfileOntCrossConnect[], dbas: readonly ProfileOntDba[]): EffectiveService[] {
+export function effectiveServices(
+  template: OntTemplate | undefined,
+  services: readonly OntServices[],
+  crossConnects: readonly ProfileOntCrossConnect[],
+  dbas: readonly ProfileOntDba[],
+): EffectiveService[] {
   return services.map((own, index) => {
     const source = own.mode === "custom" ? own : own.mode === "off" ? undefined : template?.services[index];
     const profile = source && crossConnects[source.cross_connect - 1];
@@ -23,10 +27,14 @@ export function effectiveServices(template: OntTemplate | undefined, services: r
     const outer = own.s_vid || profile?.s_vid || 0;
     const inner = own.c_vid || profile?.c_vid || 0;
     return {
-      number: index + 1, name: isUsed ? profile.name : "", type: isUsed ? profile.service_type : "",
+      number: index + 1,
+      name: isUsed ? profile.name : "",
+      type: isUsed ? profile.service_type : "",
       vlans: `VLAN ${outer}${inner > 0 ? `.${inner}` : ""}`,
-      dba: isUsed ? dbas[source!.dba - 1]?.name ?? "" : "",
-      isCustom: own.mode === "custom" || own.s_vid > 0 || own.c_vid > 0 || own.downstream_kbps > 0 || own.upstream_kbps > 0, isOff: own.mode === "off",
+      dba: isUsed ? (dbas[source!.dba - 1]?.name ?? "") : "",
+      isCustom:
+        own.mode === "custom" || own.s_vid > 0 || own.c_vid > 0 || own.downstream_kbps > 0 || own.upstream_kbps > 0,
+      isOff: own.mode === "off",
       limits: own.downstream_kbps > 0 || own.upstream_kbps > 0 ? [own.downstream_kbps, own.upstream_kbps] : undefined,
     };
   });

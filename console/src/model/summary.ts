@@ -21,6 +21,10 @@ export function summariseByPort(onts: readonly Ont[]): Map<number, PortSummary> 
     if (there) there.push(ont);
     else byPort.set(ont.port, [ont]);
   }
-  return new Map([...byPort].map(([port, there]) =>
-    [port, {onts: there, counts: countGroups(there), configured: there.filter(({ont}) => ont > 0).length}]));
+  return new Map(
+    [...byPort].map(([port, there]) => [
+      port,
+      {onts: there, counts: countGroups(there), configured: there.filter(({ont}) => ont > 0).length},
+    ]),
+  );
 }

@@ -21,12 +21,31 @@ export function Login() {
   return (
     <main class="login">
       <form onSubmit={submit}>
-        <div class="brand"><img src="/icon.svg" alt=""/><h1>OLT console</h1></div>
-        {why && !failure && <p class="text-warn" role="status">{why}</p>}
-        <label>User<input name="user" autocomplete="username" required autofocus spellcheck={false} autocapitalize="none"/></label>
-        <label>Password<input name="password" type="password" autocomplete="current-password" required/></label>
-        {failure && <p class="failure" role="alert">{failure}</p>}
-        <button class="primary" disabled={isBusy}>{isBusy ? "Logging in…" : "Log in"}</button>
+        <div class="brand">
+          <img src="/icon.svg" alt="" />
+          <h1>OLT console</h1>
+        </div>
+        {why && !failure && (
+          <p class="text-warn" role="status">
+            {why}
+          </p>
+        )}
+        <label>
+          User
+          <input name="user" autocomplete="username" required autofocus spellcheck={false} autocapitalize="none" />
+        </label>
+        <label>
+          Password
+          <input name="password" type="password" autocomplete="current-password" required />
+        </label>
+        {failure && (
+          <p class="failure" role="alert">
+            {failure}
+          </p>
+        )}
+        <button class="primary" disabled={isBusy}>
+          {isBusy ? "Logging in…" : "Log in"}
+        </button>
       </form>
     </main>
   );

@@ -35,22 +35,43 @@ export function Chart({lines, data, format, label, range, height = 160}: Propert
   useEffect(() => {
     const element = place.current!;
     const axis = {
-      stroke: colourOf("--muted"), grid: {stroke: colourOf("--line"), width: 1}, ticks: {show: false},
+      stroke: colourOf("--muted"),
+      grid: {stroke: colourOf("--line"), width: 1},
+      ticks: {show: false},
       font: "11px system-ui, sans-serif",
     };
-    plot.current = new uPlot({
-      width: element.clientWidth, height,
-      series: [
-        {label: "", value: (_, at) => (at == null ? "" : time(at))},
-        ...lines.map(({title, colour}) => ({
-          label: title, stroke: colourOf(colour), width: 1.5, points: {show: false},
-          value: (_: uPlot, value: number | null) => (value == null ? "–" : format(value)),
-        })),
-      ],
-      axes: [{...axis, space: 70, size: 24, values: (_, ticks) => ticks.map(time)}, {...axis, size: 76, values: (_, ticks) => ticks.map(format)}],
-      scales: {x: {range: (_, low, high) => [Math.min(low ?? Date.now() / 1000, (high ?? Date.now() / 1000) - shortest), high ?? Date.now() / 1000]}, y: range ? {range} : {range: (_, low, high) => [Math.min(0, low ?? 0), Math.max(high ?? 0, 1) * 1.05]}},
-      cursor: {points: {size: 6}},
-    }, data, element);
+    plot.current = new uPlot(
+      {
+        width: element.clientWidth,
+        height,
+        series: [
+          {label: "", value: (_, at) => (at == null ? "" : time(at))},
+          ...lines.map(({title, colour}) => ({
+            label: title,
+            stroke: colourOf(colour),
+            width: 1.5,
+            points: {show: false},
+            value: (_: uPlot, value: number | null) => (value == null ? "–" : format(value)),
+          })),
+        ],
+        axes: [
+          {...axis, space: 70, size: 24, values: (_, ticks) => ticks.map(time)},
+          {...axis, size: 76, values: (_, ticks) => ticks.map(format)},
+        ],
+        scales: {
+          x: {
+            range: (_, low, high) => [
+              Math.min(low ?? Date.now() / 1000, (high ?? Date.now() / 1000) - shortest),
+              high ?? Date.now() / 1000,
+            ],
+          },
+          y: range ? {range} : {range: (_, low, high) => [Math.min(0, low ?? 0), Math.max(high ?? 0, 1) * 1.05]},
+        },
+        cursor: {points: {size: 6}},
+      },
+      data,
+      element,
+    );
     const observer = new ResizeObserver(() => plot.current?.setSize({width: element.clientWidth, height}));
     observer.observe(element);
     return () => {
@@ -59,5 +80,5 @@ export function Chart({lines, data, format, label, range, height = 160}: Propert
     };
   }, [theme, lines.map(({title}) => title).join()]);
   useEffect(() => plot.current?.setData(data), [data]);
-  return <div class="chart" ref={place} role="img" aria-label={label}/>;
+  return <div class="chart" ref={place} role="img" aria-label={label} />;
 }

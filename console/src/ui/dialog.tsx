@@ -23,8 +23,14 @@ export function Dialog({title, onClose, children, actions, wide}: Properties) {
     };
   }, []);
   return (
-    <dialog ref={element} class={wide ? "dialog wide" : "dialog"} aria-label={title}
-            onCancel={event => { event.preventDefault(); onClose(); }}>
+    <dialog
+      ref={element}
+      class={wide ? "dialog wide" : "dialog"}
+      aria-label={title}
+      onCancel={event => {
+        event.preventDefault();
+        onClose();
+      }}>
       <h2>{title}</h2>
       <div class="dialog-body">{children}</div>
       {actions && <div class="actions">{actions}</div>}

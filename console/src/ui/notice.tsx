@@ -28,7 +28,11 @@ export function Notice() {
   }, [notice]);
   return (
     <div role="status" aria-live="polite">
-      {notice && <p class={notice.isBad ? "notice bad" : "notice"} onClick={() => shown.set(undefined)}>{notice.text}</p>}
+      {notice && (
+        <p class={notice.isBad ? "notice bad" : "notice"} onClick={() => shown.set(undefined)}>
+          {notice.text}
+        </p>
+      )}
     </div>
   );
 }

@@ -17,17 +17,30 @@ export function PowerStrip({onts, height = 20}: {onts: readonly Ont[]; height?: 
     most = Math.max(most, ++counts[bin]!);
     if (reception.level !== "good" && levels[bin] !== "bad") levels[bin] = reception.level;
   }
-  const bars = (level: Level) => counts.map((number, bin) => {
-    if (number === 0 || levels[bin] !== level) return "";
-    const tall = Math.max(3, height * Math.sqrt(number / most));
-    return `M${bin * 4 + 0.5} ${height}v${-tall}h3v${tall}z`;
-  }).join("");
+  const bars = (level: Level) =>
+    counts
+      .map((number, bin) => {
+        if (number === 0 || levels[bin] !== level) return "";
+        const tall = Math.max(3, height * Math.sqrt(number / most));
+        return `M${bin * 4 + 0.5} ${height}v${-tall}h3v${tall}z`;
+      })
+      .join("");
   const known = onts.flatMap(({rssi}) => rssi ?? []);
-  const label = known.length === 0 ? "nothing received" : `received power from ${Math.min(...known).toFixed(1)} to ${Math.max(...known).toFixed(1)} dBm`;
+  const label =
+    known.length === 0
+      ? "nothing received"
+      : `received power from ${Math.min(...known).toFixed(1)} to ${Math.max(...known).toFixed(1)} dBm`;
   return (
-    <svg class="power-strip" viewBox={`0 0 ${bins * 4} ${height}`} preserveAspectRatio="none" role="img" aria-label={label}>
+    <svg
+      class="power-strip"
+      viewBox={`0 0 ${bins * 4} ${height}`}
+      preserveAspectRatio="none"
+      role="img"
+      aria-label={label}>
       <title>{label}</title>
-      {(["good", "warn", "bad"] as const).map(level => <path key={level} class={level} d={bars(level)}/>)}
+      {(["good", "warn", "bad"] as const).map(level => (
+        <path key={level} class={level} d={bars(level)} />
+      ))}
     </svg>
   );
 }

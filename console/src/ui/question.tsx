@@ -30,14 +30,23 @@ export function Question({title, children, verb, isDangerous, onYes, onClose}: P
     }
   };
   return (
-    <Dialog title={title} onClose={onClose} actions={<>
-      <button onClick={onClose}>Cancel</button>
-      <button class={isDangerous ? "primary danger" : "primary"} disabled={isBusy} onClick={answer}>
-        {isBusy ? "Working…" : verb}
-      </button>
-    </>}>
+    <Dialog
+      title={title}
+      onClose={onClose}
+      actions={
+        <>
+          <button onClick={onClose}>Cancel</button>
+          <button class={isDangerous ? "primary danger" : "primary"} disabled={isBusy} onClick={answer}>
+            {isBusy ? "Working…" : verb}
+          </button>
+        </>
+      }>
       {children}
-      {failure && <p class="failure" role="alert">{failure}</p>}
+      {failure && (
+        <p class="failure" role="alert">
+          {failure}
+        </p>
+      )}
     </Dialog>
   );
 }

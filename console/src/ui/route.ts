@@ -8,7 +8,13 @@ export interface Place {
 
 function read(): Place {
   const [path = "", query = ""] = location.hash.replace(/^#\/?/, "").split("?");
-  return {path: path.split("/").filter(part => part !== "").map(decodeURIComponent), query: new URLSearchParams(query)};
+  return {
+    path: path
+      .split("/")
+      .filter(part => part !== "")
+      .map(decodeURIComponent),
+    query: new URLSearchParams(query),
+  };
 }
 
 export const place = new Store<Place>(read());

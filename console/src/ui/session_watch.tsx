@@ -22,7 +22,9 @@ export function SessionWatch() {
     };
     const signs = ["pointerdown", "keydown", "wheel"] as const;
     for (const sign of signs) addEventListener(sign, onActivity, {passive: true});
-    return () => { for (const sign of signs) removeEventListener(sign, onActivity); };
+    return () => {
+      for (const sign of signs) removeEventListener(sign, onActivity);
+    };
   }, []);
   const passed = left ? (Date.now() - left.at) / 1000 : 0;
   const idle = left ? Math.ceil(left.idle_left_s - passed) : Infinity;
@@ -36,7 +38,10 @@ export function SessionWatch() {
   if (seconds > warning) return null;
   return (
     <p class="banner warn" role="alert">
-      <span>You will be logged out in {Math.max(0, seconds)} s{absolute <= idle ? ": the session has reached its longest duration." : "."}</span>
+      <span>
+        You will be logged out in {Math.max(0, seconds)} s
+        {absolute <= idle ? ": the session has reached its longest duration." : "."}
+      </span>
       {absolute > idle && <button onClick={() => void stayLoggedIn().catch(() => undefined)}>Stay logged in</button>}
     </p>
   );

@@ -79,7 +79,14 @@ export function VirtualTable<Row>(properties: Properties<Row>) {
   };
   const onKeyDown = (event: KeyboardEvent) => {
     const page = Math.max(1, Math.floor(view.height / rowHeight) - 1);
-    const steps: Record<string, number> = {ArrowDown: 1, ArrowUp: -1, PageDown: page, PageUp: -page, Home: -rows.length, End: rows.length};
+    const steps: Record<string, number> = {
+      ArrowDown: 1,
+      ArrowUp: -1,
+      PageDown: page,
+      PageUp: -page,
+      Home: -rows.length,
+      End: rows.length,
+    };
     const row = rows[at];
     if (event.key in steps) move(at + steps[event.key]!);
     else if (event.key === "Enter" && row !== undefined && onOpen) onOpen(row);
@@ -90,12 +97,23 @@ export function VirtualTable<Row>(properties: Properties<Row>) {
 
   const template = columns.map(({width}) => width).join(" ");
   return (
-    <div class={`table${isList ? " as-list" : ""}`} role="grid" aria-label={properties.label} aria-rowcount={rows.length + 1}>
-      <div class="table-body" ref={body} tabIndex={0} onKeyDown={onKeyDown} role="rowgroup"
-           aria-activedescendant={rows[at] === undefined ? undefined : `row-${keyOf(rows[at]!)}`}>
+    <div
+      class={`table${isList ? " as-list" : ""}`}
+      role="grid"
+      aria-label={properties.label}
+      aria-rowcount={rows.length + 1}>
+      <div
+        class="table-body"
+        ref={body}
+        tabIndex={0}
+        onKeyDown={onKeyDown}
+        role="rowgroup"
+        aria-activedescendant={rows[at] === undefined ? undefined : `row-${keyOf(rows[at]!)}`}>
         {!isList && (
           <div class="table-head" role="row" style={{gridTemplateColumns: template}}>
-            {columns.map(column => <HeadCell key={column.id} column={column} sorting={sorting} onSort={onSort}/>)}
+            {columns.map(column => (
+              <HeadCell key={column.id} column={column} sorting={sorting} onSort={onSort} />
+            ))}
           </div>
         )}
         {rows.length === 0 && <div class="empty">{properties.empty}</div>}
@@ -104,13 +122,29 @@ export function VirtualTable<Row>(properties: Properties<Row>) {
             const index = first + offset;
             const key = keyOf(row);
             return (
-              <div key={key} id={`row-${key}`} role="row" aria-rowindex={index + 2} aria-selected={selected?.has(key)}
-                   class={`table-row${index === at ? " active" : ""}${selected?.has(key) ? " selected" : ""}${onOpen ? " opens" : ""}`}
-                   style={{transform: `translateY(${index * rowHeight}px)`, height: `${rowHeight}px`,
-                           gridTemplateColumns: isList ? "" : template}}
-                   onClick={() => { setActive(index); onOpen?.(row); }}>
-                {isList ? narrow(row) : columns.map(column =>
-                  <span key={column.id} role="gridcell" class={column.isNumber ? "number" : ""}>{column.cell(row)}</span>)}
+              <div
+                key={key}
+                id={`row-${key}`}
+                role="row"
+                aria-rowindex={index + 2}
+                aria-selected={selected?.has(key)}
+                class={`table-row${index === at ? " active" : ""}${selected?.has(key) ? " selected" : ""}${onOpen ? " opens" : ""}`}
+                style={{
+                  transform: `translateY(${index * rowHeight}px)`,
+                  height: `${rowHeight}px`,
+                  gridTemplateColumns: isList ? "" : template,
+                }}
+                onClick={() => {
+                  setActive(index);
+                  onOpen?.(row);
+                }}>
+                {isList
+                  ? narrow(row)
+                  : columns.map(column => (
+                      <span key={column.id} role="gridcell" class={column.isNumber ? "number" : ""}>
+                        {column.cell(row)}
+                      </span>
+                    ))}
               </div>
             );
           })}
@@ -120,15 +154,29 @@ export function VirtualTable<Row>(properties: Properties<Row>) {
   );
 }
 
-function HeadCell<Row>({column, sorting, onSort}: {column: Column<Row>; sorting?: Sorting; onSort?: (to: Sorting) => void}) {
+function HeadCell<Row>({
+  column,
+  sorting,
+  onSort,
+}: {
+  column: Column<Row>;
+  sorting?: Sorting;
+  onSort?: (to: Sorting) => void;
+}) {
   const isSorted = sorting?.by === column.id;
   const order = isSorted ? (sorting.descending ? "descending" : "ascending") : undefined;
   const kind = column.isNumber ? "number" : "";
-  if (!column.canSort || !onSort) return <span role="columnheader" class={kind}>{column.title}</span>;
+  if (!column.canSort || !onSort)
+    return (
+      <span role="columnheader" class={kind}>
+        {column.title}
+      </span>
+    );
   return (
     <span role="columnheader" aria-sort={order} class={kind}>
       <button class="sort" onClick={() => onSort({by: column.id, descending: isSorted && !sorting.descending})}>
-        {column.title}<i aria-hidden="true">{isSorted ? (sorting.descending ? "↓" : "↑") : ""}</i>
+        {column.title}
+        <i aria-hidden="true">{isSorted ? (sorting.descending ? "↓" : "↑") : ""}</i>
       </button>
     </span>
   );

@@ -26,10 +26,23 @@ export function RecordForm({fields, value, onChange, path = "", running, ...cont
   return (
     <div class="record">
       {Object.entries(fields).map(([key, schema]) => {
-        const row = {name: key, path: below(key), schema, value: value[key], running: runs?.[key], ...context,
-                     onChange: (part: unknown) => onChange({...value, [key]: part})};
+        const row = {
+          name: key,
+          path: below(key),
+          schema,
+          value: value[key],
+          running: runs?.[key],
+          ...context,
+          onChange: (part: unknown) => onChange({...value, [key]: part}),
+        };
         const kind = kindOf(schema);
-        return kind === "records" ? <RecordList key={key} {...row}/> : kind === "values" ? <ValueList key={key} {...row}/> : <Row key={key} {...row}/>;
+        return kind === "records" ? (
+          <RecordList key={key} {...row} />
+        ) : kind === "values" ? (
+          <ValueList key={key} {...row} />
+        ) : (
+          <Row key={key} {...row} />
+        );
       })}
     </div>
   );
@@ -50,13 +63,31 @@ function Row({name, path, schema, value, running, errors, isReadOnly, onChange}:
     <div class={`field${error ? " wrong" : ""}${differs ? " changed" : ""}`}>
       <label for={`field-${path}`}>{labelOf(name)}</label>
       <div class="control">
-        <Control {...{path, name, schema, value, isReadOnly, onChange}} hasError={error !== undefined}/>
+        <Control {...{path, name, schema, value, isReadOnly, onChange}} hasError={error !== undefined} />
         {unitOf(name) && <span class="muted">{unitOf(name)}</span>}
-        {differs && <span class="runs">running: {valueText(running, schema)}
-          {!isReadOnly && <button type="button" class="plain" aria-label={`Undo the change of ${labelOf(name)}`} onClick={() => onChange(structuredClone(running))}>Undo</button>}</span>}
+        {differs && (
+          <span class="runs">
+            running: {valueText(running, schema)}
+            {!isReadOnly && (
+              <button
+                type="button"
+                class="plain"
+                aria-label={`Undo the change of ${labelOf(name)}`}
+                onClick={() => onChange(structuredClone(running))}>
+                Undo
+              </button>
+            )}
+          </span>
+        )}
       </div>
-      {error && <p class="failure" role="alert">{error}</p>}
-      <p class="about" id={`about-${path}`}>{aboutText(name, schema)}</p>
+      {error && (
+        <p class="failure" role="alert">
+          {error}
+        </p>
+      )}
+      <p class="about" id={`about-${path}`}>
+        {aboutText(name, schema)}
+      </p>
     </div>
   );
 }
@@ -69,12 +100,28 @@ function ValueList({name, path, schema, value, errors, isReadOnly, onChange}: Ro
       <legend>{labelOf(name)}</legend>
       <div class="control">
         {items.map((item, index) => (
-          <span key={index} class="numbered"><span class="muted">{index + 1}</span>
-            <Control path={`${path}.${index}`} name={name} schema={schema.items as Schema} value={item} isReadOnly={isReadOnly}
-                     hasError={errors.has(`${path}.${index}`)} onChange={part => onChange(items.map((old, at) => (at === index ? part : old)))}/></span>
+          <span key={index} class="numbered">
+            <span class="muted">{index + 1}</span>
+            <Control
+              path={`${path}.${index}`}
+              name={name}
+              schema={schema.items as Schema}
+              value={item}
+              isReadOnly={isReadOnly}
+              hasError={errors.has(`${path}.${index}`)}
+              onChange={part => onChange(items.map((old, at) => (at === index ? part : old)))}
+            />
+          </span>
         ))}
       </div>
-      {items.map((_, index) => errors.get(`${path}.${index}`)).filter(Boolean).map(text => <p class="failure" role="alert">{text}</p>)}
+      {items
+        .map((_, index) => errors.get(`${path}.${index}`))
+        .filter(Boolean)
+        .map(text => (
+          <p class="failure" role="alert">
+            {text}
+          </p>
+        ))}
       <p class="about">{schema.description}</p>
     </fieldset>
   );
@@ -88,34 +135,90 @@ function RecordList({name, path, schema, value, running, errors, isReadOnly, onC
   const error = errors.get(path);
   return (
     <fieldset class={`list${error ? " wrong" : ""}`} id={`field-${path}`} tabIndex={-1}>
-      <legend>{labelOf(name)} {!isFixed && <small class="muted">{items.length} of at most {schema.maxItems}</small>}</legend>
+      <legend>
+        {labelOf(name)}{" "}
+        {!isFixed && (
+          <small class="muted">
+            {items.length} of at most {schema.maxItems}
+          </small>
+        )}
+      </legend>
       {schema.description && <p class="about">{schema.description}</p>}
-      {error && <p class="failure" role="alert">{error}</p>}
-      {items.length > 0 && <div class="scrolls"><table class="plain">
-        <thead><tr><th/>{Object.entries(fields).map(([key, field]) => <th key={key} title={aboutText(key, field)}>{labelOf(key)}{unitOf(key) && `, ${unitOf(key)}`}</th>)}<th/></tr></thead>
-        <tbody>
-          {items.map((item, index) => (
-            <tr key={index}>
-              <td class="muted">{index + (name === "queues" ? 0 : 1)}</td>
-              {Object.entries(fields).map(([key, field]) => {
-                const place = `${path}.${index}.${key}`;
-                const before = (running as Record<string, unknown>[] | undefined)?.[index]?.[key];
-                const differs = running !== undefined && JSON.stringify(before) !== JSON.stringify(item[key]);
-                return (
-                  <td key={key} class={differs ? "changed" : ""} title={differs ? `running: ${valueText(before, field)}` : undefined}>
-                    <Control path={place} name={key} schema={field} value={item[key]} isReadOnly={isReadOnly} hasError={errors.has(place)}
-                             onChange={part => onChange(items.map((old, at) => (at === index ? {...old, [key]: part} : old)))}/>
-                    {errors.has(place) && <p class="failure small" role="alert">{errors.get(place)}</p>}
+      {error && (
+        <p class="failure" role="alert">
+          {error}
+        </p>
+      )}
+      {items.length > 0 && (
+        <div class="scrolls">
+          <table class="plain">
+            <thead>
+              <tr>
+                <th />
+                {Object.entries(fields).map(([key, field]) => (
+                  <th key={key} title={aboutText(key, field)}>
+                    {labelOf(key)}
+                    {unitOf(key) && `, ${unitOf(key)}`}
+                  </th>
+                ))}
+                <th />
+              </tr>
+            </thead>
+            <tbody>
+              {items.map((item, index) => (
+                <tr key={index}>
+                  <td class="muted">{index + (name === "queues" ? 0 : 1)}</td>
+                  {Object.entries(fields).map(([key, field]) => {
+                    const place = `${path}.${index}.${key}`;
+                    const before = (running as Record<string, unknown>[] | undefined)?.[index]?.[key];
+                    const differs = running !== undefined && JSON.stringify(before) !== JSON.stringify(item[key]);
+                    return (
+                      <td
+                        key={key}
+                        class={differs ? "changed" : ""}
+                        title={differs ? `running: ${valueText(before, field)}` : undefined}>
+                        <Control
+                          path={place}
+                          name={key}
+                          schema={field}
+                          value={item[key]}
+                          isReadOnly={isReadOnly}
+                          hasError={errors.has(place)}
+                          onChange={part =>
+                            onChange(items.map((old, at) => (at === index ? {...old, [key]: part} : old)))
+                          }
+                        />
+                        {errors.has(place) && (
+                          <p class="failure small" role="alert">
+                            {errors.get(place)}
+                          </p>
+                        )}
+                      </td>
+                    );
+                  })}
+                  <td>
+                    {!isFixed && !isReadOnly && (
+                      <button
+                        type="button"
+                        class="plain"
+                        aria-label={`Remove row ${index + 1}`}
+                        onClick={() => onChange(items.filter((_, at) => at !== index))}>
+                        Remove
+                      </button>
+                    )}
                   </td>
-                );
-              })}
-              <td>{!isFixed && !isReadOnly && <button type="button" class="plain" aria-label={`Remove row ${index + 1}`} onClick={() => onChange(items.filter((_, at) => at !== index))}>Remove</button>}</td>
-            </tr>
-          ))}
-        </tbody>
-      </table></div>}
+                </tr>
+              ))}
+            </tbody>
+          </table>
+        </div>
+      )}
       {!isFixed && !isReadOnly && items.length < (schema.maxItems ?? 0) && (
-        <button type="button" onClick={() => onChange([...items, defaultOf(schema.items as Schema) as Record<string, unknown>])}>Add</button>
+        <button
+          type="button"
+          onClick={() => onChange([...items, defaultOf(schema.items as Schema) as Record<string, unknown>])}>
+          Add
+        </button>
       )}
     </fieldset>
   );

@@ -7,8 +7,14 @@ import type {FieldProperties} from "./field.tsx";
 export function useNames(path: string | undefined): readonly {number: number; name: string; description?: string}[] {
   const device = useConstants().data;
   const size = path && device ? elementOf(path)?.sizes(device)[0] : undefined;
-  const {data} = useRecords<{name: string; description?: string}[]>(size ? path : undefined, [`1-${size}`], "candidate");
-  return (data ?? []).flatMap(({name, description}, index) => (name === "" ? [] : [{number: index + 1, name, description}]));
+  const {data} = useRecords<{name: string; description?: string}[]>(
+    size ? path : undefined,
+    [`1-${size}`],
+    "candidate",
+  );
+  return (data ?? []).flatMap(({name, description}, index) =>
+    name === "" ? [] : [{number: index + 1, name, description}],
+  );
 }
 
 /** A choice among the profiles that are defined. */
@@ -18,12 +24,22 @@ export function ReferenceField({schema, value, onChange, common}: FieldPropertie
   const number = Number(value);
   const isKnown = number === 0 || names.some(name => name.number === number);
   const element = elementOf(path);
-  return <>
-    <select {...common} value={String(number)} onChange={event => onChange(Number(event.currentTarget.value))}>
-      <option value="0">None</option>
-      {!isKnown && <option value={number}>{number} (not defined)</option>}
-      {names.map(({number: own, name}) => <option key={own} value={own}>{own} {name}</option>)}
-    </select>
-    {number > 0 && element && <a class="small" href={linkTo(element, [number])}>Show</a>}
-  </>;
+  return (
+    <>
+      <select {...common} value={String(number)} onChange={event => onChange(Number(event.currentTarget.value))}>
+        <option value="0">None</option>
+        {!isKnown && <option value={number}>{number} (not defined)</option>}
+        {names.map(({number: own, name}) => (
+          <option key={own} value={own}>
+            {own} {name}
+          </option>
+        ))}
+      </select>
+      {number > 0 && element && (
+        <a class="small" href={linkTo(element, [number])}>
+          Show
+        </a>
+      )}
+    </>
+  );
 }

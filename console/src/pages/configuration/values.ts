@@ -12,12 +12,15 @@ export function valueText(value: unknown, schema?: Schema): string {
   if (schema && kindOf(schema) === "choice") return choiceText(String(value));
   if (Array.isArray(value)) {
     if (schema && kindOf(schema) === "serial") return isSet(value) ? serialText(value) : "none";
-    if (value.every(item => typeof item === "number")) return value.length === 0 ? "none" : schema?.uniqueItems ? rangeText(value) : value.join(", ");
+    if (value.every(item => typeof item === "number"))
+      return value.length === 0 ? "none" : schema?.uniqueItems ? rangeText(value) : value.join(", ");
     if (value.every(item => typeof item === "boolean")) return value.map(item => (item ? "yes" : "no")).join(", ");
     return `${value.length} entries`;
   }
   if (typeof value === "object" && value !== null) {
-    return Object.entries(value).map(([key, part]) => `${key} ${valueText(part)}`).join(", ");
+    return Object.entries(value)
+      .map(([key, part]) => `${key} ${valueText(part)}`)
+      .join(", ");
   }
   return String(value);
 }
@@ -31,7 +34,7 @@ export function choiceText(choice: string): string {
 export function schemaAt(fields: Record<string, Schema>, path: string): Schema | undefined {
   let schema: Schema | undefined = {properties: fields};
   for (const part of path.split(".")) {
-    schema = /^\d+$/.test(part) ? (schema?.items || undefined) : schema?.properties?.[part];
+    schema = /^\d+$/.test(part) ? schema?.items || undefined : schema?.properties?.[part];
   }
   return schema;
 }

@@ -24,7 +24,10 @@ type Tree = {[key: string]: number | Tree};
 function groupsOf(tree: Tree, name = ""): {name: string; values: Record<string, number>}[] {
   const values = Object.entries(tree).filter((entry): entry is [string, number] => typeof entry[1] === "number");
   const below = Object.entries(tree).flatMap(([key, part]) =>
-    typeof part === "number" ? [] : groupsOf(part, name === "" ? key : `${name.replace(/ counters for .*/, "")} › ${key}`));
+    typeof part === "number"
+      ? []
+      : groupsOf(part, name === "" ? key : `${name.replace(/ counters for .*/, "")} › ${key}`),
+  );
   return [...(values.length > 0 ? [{name, values: Object.fromEntries(values)}] : []), ...below];
 }
 
@@ -32,24 +35,54 @@ function groupsOf(tree: Tree, name = ""): {name: string; values: Record<string, 
 export function Counters({port, ont, pon}: {port: number; ont: number; pon?: PonCounters}) {
   const [kind, setKind] = useState(kinds[0]![0]);
   const isPon = kind === kinds[0]![0];
-  const {data, error} = useLive<Tree[]>(isPon ? undefined : {path: paths.counters + kind, method: "get", indices: [String(port), String(ont)]}, 10);
-  const groups = groupsOf((isPon ? pon : data?.[0]) as Tree ?? {});
+  const {data, error} = useLive<Tree[]>(
+    isPon ? undefined : {path: paths.counters + kind, method: "get", indices: [String(port), String(ont)]},
+    10,
+  );
+  const groups = groupsOf(((isPon ? pon : data?.[0]) as Tree) ?? {});
   const labels = [...new Set(groups.flatMap(({values}) => Object.keys(values)))];
   return (
     <section class="card" aria-label="Counters">
-      <header><h2>Counters</h2>
+      <header>
+        <h2>Counters</h2>
         <select aria-label="Kind of counters" value={kind} onChange={event => setKind(event.currentTarget.value)}>
-          {kinds.map(([id, title]) => <option key={id} value={id}>{title}</option>)}
-        </select></header>
+          {kinds.map(([id, title]) => (
+            <option key={id} value={id}>
+              {title}
+            </option>
+          ))}
+        </select>
+      </header>
       <div class="body scrolls">
         {error && <p class="failure">{error}</p>}
-        {groups.length === 0 ? <p class="empty">No counters of this kind.</p> : (
+        {groups.length === 0 ? (
+          <p class="empty">No counters of this kind.</p>
+        ) : (
           <table class={`plain counters${groups.length === 1 ? " single" : ""}`}>
-            {groups.length > 1 && <thead><tr><th/>{groups.map(({name}) => <th key={name} class="number">{name}</th>)}</tr></thead>}
-            <tbody>{labels.map(label => (
-              <tr key={label}><td class="muted">{label}</td>
-                {groups.map(({name, values}) => <td key={name} class="number">{values[label] === undefined ? "–" : count(values[label])}</td>)}</tr>
-            ))}</tbody>
+            {groups.length > 1 && (
+              <thead>
+                <tr>
+                  <th />
+                  {groups.map(({name}) => (
+                    <th key={name} class="number">
+                      {name}
+                    </th>
+                  ))}
+                </tr>
+              </thead>
+            )}
+            <tbody>
+              {labels.map(label => (
+                <tr key={label}>
+                  <td class="muted">{label}</td>
+                  {groups.map(({name, values}) => (
+                    <td key={name} class="number">
+                      {values[label] === undefined ? "–" : count(values[label])}
+                    </td>
+                  ))}
+                </tr>
+              ))}
+            </tbody>
           </table>
         )}
       </div>

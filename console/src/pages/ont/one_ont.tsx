@@ -32,24 +32,37 @@ export function OneOnt({port, ont: number}: {port: number; ont: number}) {
   return (
     <div class="page">
       <div class="page-head">
-        <h1><a href="#/onts" class="back">ONTs</a> / {port}/{number}</h1>
-        {ont && <OntStatus group={ont.group} state={ont.state}/>}
+        <h1>
+          <a href="#/onts" class="back">
+            ONTs
+          </a>{" "}
+          / {port}/{number}
+        </h1>
+        {ont && <OntStatus group={ont.group} state={ont.state} />}
         {ont?.description && <span class="muted">{ont.description}</span>}
-        {mayAct && ont && <OntActions onts={[ont]} isPlain/>}
+        {mayAct && ont && <OntActions onts={[ont]} isPlain />}
       </div>
       {error && <p class="failure">{error}</p>}
-      {data && !ont && <p class="card empty">ONT {port}/{number} is not configured. <a href={`#/configuration/ZebGCfg.pon.ont/${port}/${number}`}>Configure it</a>
-        {" "}or <a href="#/unactivated">adopt one that is connected</a>.</p>}
+      {data && !ont && (
+        <p class="card empty">
+          ONT {port}/{number} is not configured.{" "}
+          <a href={`#/configuration/ZebGCfg.pon.ont/${port}/${number}`}>Configure it</a> or{" "}
+          <a href="#/unactivated">adopt one that is connected</a>.
+        </p>
+      )}
       {ont && (
         <div class="ont-grid">
           <div class="column">
-            <div class="pair"><StateCard ont={ont}/><Optics ont={ont} odnClass={odnClass}/></div>
-            <Traffic live={counters}/>
-            <Counters port={port} ont={number} pon={counters.data?.[0]}/>
+            <div class="pair">
+              <StateCard ont={ont} />
+              <Optics ont={ont} odnClass={odnClass} />
+            </div>
+            <Traffic live={counters} />
+            <Counters port={port} ont={number} pon={counters.data?.[0]} />
           </div>
           <div class="column">
-            <OntConfiguration port={port} ont={number}/>
-            <OntSubscribers port={port} ont={number}/>
+            <OntConfiguration port={port} ont={number} />
+            <OntSubscribers port={port} ont={number} />
           </div>
         </div>
       )}

@@ -15,17 +15,65 @@ export function OntSubscribers({port, ont}: {port: number; ont: number}) {
   const ponPort = `pon-port 1/${port}`;
   return (
     <section class="card" aria-label="Subscribers">
-      <header><h2>Subscribers</h2></header>
+      <header>
+        <h2>Subscribers</h2>
+      </header>
       <div class="body">
-        <List title="Leases" rows={leases?.filter(isHere)} row={lease => (
-          <tr key={lease.mac}><td>{lease.ip}</td><td class="mono">{lease.mac}</td><td title="Service, VLAN">{lease.service_id} <span class="muted">VLAN {lease.outer_vid}</span></td><td class="number muted">{duration(lease.life_time_msec / 1000)}</td></tr>)}/>
-        <List title="PPPoE sessions" rows={sessions?.filter(isHere)} row={session => (
-          <tr key={session.client_mac}><td>{session.session_id > 0 ? session.session_id : <span class="text-bad">blocked</span>}</td><td class="mono">{session.client_mac}</td><td class="muted">GEM port {session.gem_port}</td>
-            <td class="number muted">{session.session_id > 0 ? duration(session.duration_sec) : `${session.unblock_rest_sec} s left`}</td></tr>)}/>
-        <List title="Addresses" rows={macs.data} row={mac => (
-          <tr key={`${mac.mac} ${mac.svid}`}><td class="mono">{mac.mac}</td><td>VLAN {mac.svid}{mac.cvid > 0 && `.${mac.cvid}`}</td><td class="muted">GEM port {mac.gem}</td><td class="number muted">{mac.type}</td></tr>)}/>
-        <List title={`Groups on PON port ${port}`} rows={groups?.filter(({ports}) => ports.some(member => member.port === ponPort))} row={group => (
-          <tr key={`${group.group_address} ${group.vlan}`}><td>{group.group_address}</td><td>VLAN {group.vlan}</td><td class="muted">{group.filter_mode.toLowerCase()}</td><td/></tr>)}/>
+        <List
+          title="Leases"
+          rows={leases?.filter(isHere)}
+          row={lease => (
+            <tr key={lease.mac}>
+              <td>{lease.ip}</td>
+              <td class="mono">{lease.mac}</td>
+              <td title="Service, VLAN">
+                {lease.service_id} <span class="muted">VLAN {lease.outer_vid}</span>
+              </td>
+              <td class="number muted">{duration(lease.life_time_msec / 1000)}</td>
+            </tr>
+          )}
+        />
+        <List
+          title="PPPoE sessions"
+          rows={sessions?.filter(isHere)}
+          row={session => (
+            <tr key={session.client_mac}>
+              <td>{session.session_id > 0 ? session.session_id : <span class="text-bad">blocked</span>}</td>
+              <td class="mono">{session.client_mac}</td>
+              <td class="muted">GEM port {session.gem_port}</td>
+              <td class="number muted">
+                {session.session_id > 0 ? duration(session.duration_sec) : `${session.unblock_rest_sec} s left`}
+              </td>
+            </tr>
+          )}
+        />
+        <List
+          title="Addresses"
+          rows={macs.data}
+          row={mac => (
+            <tr key={`${mac.mac} ${mac.svid}`}>
+              <td class="mono">{mac.mac}</td>
+              <td>
+                VLAN {mac.svid}
+                {mac.cvid > 0 && `.${mac.cvid}`}
+              </td>
+              <td class="muted">GEM port {mac.gem}</td>
+              <td class="number muted">{mac.type}</td>
+            </tr>
+          )}
+        />
+        <List
+          title={`Groups on PON port ${port}`}
+          rows={groups?.filter(({ports}) => ports.some(member => member.port === ponPort))}
+          row={group => (
+            <tr key={`${group.group_address} ${group.vlan}`}>
+              <td>{group.group_address}</td>
+              <td>VLAN {group.vlan}</td>
+              <td class="muted">{group.filter_mode.toLowerCase()}</td>
+              <td />
+            </tr>
+          )}
+        />
       </div>
     </section>
   );
@@ -34,8 +82,16 @@ export function OntSubscribers({port, ont}: {port: number; ont: number}) {
 function List<Row>({title, rows, row}: {title: string; rows?: readonly Row[]; row: (row: Row) => ComponentChildren}) {
   return (
     <div class="list-part">
-      <h3>{title} <span class="muted">{rows?.length ?? "…"}</span></h3>
-      {rows && rows.length > 0 && <div class="scrolls short"><table class="plain"><tbody>{rows.map(row)}</tbody></table></div>}
+      <h3>
+        {title} <span class="muted">{rows?.length ?? "…"}</span>
+      </h3>
+      {rows && rows.length > 0 && (
+        <div class="scrolls short">
+          <table class="plain">
+            <tbody>{rows.map(row)}</tbody>
+          </table>
+        </div>
+      )}
     </div>
   );
 }

@@ -17,7 +17,10 @@ export function Optics({ont, odnClass}: {ont: Ont; odnClass: string | undefined}
   const seen = useRef<unknown>(undefined);
   if (seen.current !== ont.raw) {
     seen.current = ont.raw;
-    series.current = [[...series.current[0], Date.now() / 1000].slice(-most), [...series.current[1], ont.rssi ?? null].slice(-most)];
+    series.current = [
+      [...series.current[0], Date.now() / 1000].slice(-most),
+      [...series.current[1], ont.rssi ?? null].slice(-most),
+    ];
   }
   const known = series.current[1].filter(value => value !== null);
   const range: [number, number] = known.length > 0 ? [Math.min(...known) - 2, Math.max(...known) + 2] : [from, to];
@@ -25,17 +28,33 @@ export function Optics({ont, odnClass}: {ont: Ont; odnClass: string | undefined}
   const at = (value: number) => `${(100 * (Math.max(from, Math.min(to, value)) - from)) / (to - from)}%`;
   return (
     <section class="card" aria-label="Optics">
-      <header><h2>Received power</h2><small>ODN class {(odnClass ?? "b_plus").replace("_plus", "+").toUpperCase()}</small></header>
+      <header>
+        <h2>Received power</h2>
+        <small>ODN class {(odnClass ?? "b_plus").replace("_plus", "+").toUpperCase()}</small>
+      </header>
       <div class="body">
-        <p class="big"><strong class={ont.reception && ont.reception.level !== "good" ? `text-${ont.reception.level}` : ""}>{dbm(ont.rssi)}</strong> dBm
-          {ont.reception && <span class={`text-${ont.reception.level}`}>{ont.reception.text}</span>}</p>
+        <p class="big">
+          <strong class={ont.reception && ont.reception.level !== "good" ? `text-${ont.reception.level}` : ""}>
+            {dbm(ont.rssi)}
+          </strong>{" "}
+          dBm
+          {ont.reception && <span class={`text-${ont.reception.level}`}>{ont.reception.text}</span>}
+        </p>
         <div class="gauge-scale" role="img" aria-label={`Limits ${limits.sensitivity} to ${limits.overload} dBm`}>
-          <i class="allowed" style={{left: at(limits.sensitivity), right: `calc(100% - ${at(limits.overload)})`}}/>
-          {ont.rssi !== undefined && <i class="needle" style={{left: at(ont.rssi)}}/>}
-          <span style={{left: at(limits.sensitivity)}}>{dbm(limits.sensitivity)}</span><span style={{left: at(limits.overload)}}>{dbm(limits.overload)}</span>
+          <i class="allowed" style={{left: at(limits.sensitivity), right: `calc(100% - ${at(limits.overload)})`}} />
+          {ont.rssi !== undefined && <i class="needle" style={{left: at(ont.rssi)}} />}
+          <span style={{left: at(limits.sensitivity)}}>{dbm(limits.sensitivity)}</span>
+          <span style={{left: at(limits.overload)}}>{dbm(limits.overload)}</span>
         </div>
         {ont.reception && <p class="muted small">{dbm(ont.reception.margin)} dB above the receiver's sensitivity</p>}
-        <Chart label="Received power while you look" lines={lines} data={series.current} format={value => `${dbm(value)} dBm`} height={120} range={range}/>
+        <Chart
+          label="Received power while you look"
+          lines={lines}
+          data={series.current}
+          format={value => `${dbm(value)} dBm`}
+          height={120}
+          range={range}
+        />
       </div>
     </section>
   );

@@ -17,7 +17,12 @@ type Columns = [number[], (number | null)[], (number | null)[]];
 
 /** What the readings of an ONT's counters make of rates, while one looks. */
 export function useSeries(live: Live<PonCounters[]>): Series {
-  const kept = useRef({at: 0, counters: undefined as PonCounters | undefined, traffic: [[], [], []] as Columns, errors: [[], [], []] as Columns});
+  const kept = useRef({
+    at: 0,
+    counters: undefined as PonCounters | undefined,
+    traffic: [[], [], []] as Columns,
+    errors: [[], [], []] as Columns,
+  });
   const now = live.data?.[0];
   const {current} = kept;
   if (now && live.at !== current.at) {

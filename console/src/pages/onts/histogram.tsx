@@ -25,14 +25,32 @@ export function Histogram({onts, power}: {onts: readonly Ont[]; power?: readonly
           const from = weakest + index;
           const text = `${bin.all} ONTs from ${dbm(from)} to ${dbm(from + 1)} dBm`;
           return (
-            <button key={from} title={text} aria-label={text} aria-pressed={power?.[0] === from} disabled={bin.all === 0} onClick={() => press(from)}>
-              {(["good", "warn", "bad"] as Level[]).map(level => bin[level] > 0 &&
-                <i key={level} class={level} style={{height: `${Math.max(2, (bin[level] / most) * (height - 4))}px`}}/>)}
+            <button
+              key={from}
+              title={text}
+              aria-label={text}
+              aria-pressed={power?.[0] === from}
+              disabled={bin.all === 0}
+              onClick={() => press(from)}>
+              {(["good", "warn", "bad"] as Level[]).map(
+                level =>
+                  bin[level] > 0 && (
+                    <i
+                      key={level}
+                      class={level}
+                      style={{height: `${Math.max(2, (bin[level] / most) * (height - 4))}px`}}
+                    />
+                  ),
+              )}
             </button>
           );
         })}
       </div>
-      <div class="scale" aria-hidden="true"><span>{dbm(weakest)}</span><span>Received power, dBm</span><span>{dbm(strongest)}</span></div>
+      <div class="scale" aria-hidden="true">
+        <span>{dbm(weakest)}</span>
+        <span>Received power, dBm</span>
+        <span>{dbm(strongest)}</span>
+      </div>
     </div>
   );
 }

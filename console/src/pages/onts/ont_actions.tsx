@@ -20,10 +20,29 @@ interface Description {
 }
 
 const actions: Readonly<Record<Action, Description>> = {
-  reboot: {title: "Reboot", what: "They restart; their subscribers are without service for a minute or two.", done: "Restart ordered", path: paths.rebootOnt},
-  reset: {title: "Reset", what: "They forget what was set on them locally, such as Wi-Fi names and passwords, and restart.", done: "Reset ordered", path: paths.resetOnt},
-  reconfigure: {title: "Reconfigure", what: "Their services are taken away and set up anew from the running configuration.", done: "Reconfiguration ordered", path: paths.reconfigureOnt},
-  delete: {title: "Delete", what: "Their configuration is removed and the change committed; their subscribers lose service. The ONTs stay visible as unactivated.", done: "Deleted"},
+  reboot: {
+    title: "Reboot",
+    what: "They restart; their subscribers are without service for a minute or two.",
+    done: "Restart ordered",
+    path: paths.rebootOnt,
+  },
+  reset: {
+    title: "Reset",
+    what: "They forget what was set on them locally, such as Wi-Fi names and passwords, and restart.",
+    done: "Reset ordered",
+    path: paths.resetOnt,
+  },
+  reconfigure: {
+    title: "Reconfigure",
+    what: "Their services are taken away and set up anew from the running configuration.",
+    done: "Reconfiguration ordered",
+    path: paths.reconfigureOnt,
+  },
+  delete: {
+    title: "Delete",
+    what: "Their configuration is removed and the change committed; their subscribers lose service. The ONTs stay visible as unactivated.",
+    done: "Deleted",
+  },
 };
 
 /** Acts on ONTs, after a question that says what will happen. */
@@ -40,15 +59,27 @@ export function OntActions({onts, onDone, isPlain}: {onts: readonly Ont[]; onDon
     <div class={isPlain ? "actions" : "actions selection"} role="toolbar" aria-label="Actions on the selection">
       {!isPlain && <strong>{counted(onts.length, "ONT")} selected</strong>}
       {(Object.keys(actions) as Action[]).map(action => (
-        <button key={action} class={action === "delete" ? "danger" : ""} onClick={() => setAsked(action)}>{actions[action].title}</button>
+        <button key={action} class={action === "delete" ? "danger" : ""} onClick={() => setAsked(action)}>
+          {actions[action].title}
+        </button>
       ))}
-      {!isPlain && <button class="plain" onClick={onDone}>Clear selection</button>}
+      {!isPlain && (
+        <button class="plain" onClick={onDone}>
+          Clear selection
+        </button>
+      )}
       {asked && (
-        <Question title={`${actions[asked].title} ${onts.length === 1 ? `ONT ${onts[0]!.key}` : counted(onts.length, "ONT")}?`}
-                  verb={actions[asked].title} isDangerous={asked === "delete" || asked === "reset"}
-                  onYes={() => carryOut(asked)} onClose={() => setAsked(undefined)}>
+        <Question
+          title={`${actions[asked].title} ${onts.length === 1 ? `ONT ${onts[0]!.key}` : counted(onts.length, "ONT")}?`}
+          verb={actions[asked].title}
+          isDangerous={asked === "delete" || asked === "reset"}
+          onYes={() => carryOut(asked)}
+          onClose={() => setAsked(undefined)}>
           <p>{actions[asked].what}</p>
-          <p class="muted mono">{ontIndices(onts).slice(0, 20).join("  ")}{ontIndices(onts).length > 20 && " …"}</p>
+          <p class="muted mono">
+            {ontIndices(onts).slice(0, 20).join("  ")}
+            {ontIndices(onts).length > 20 && " …"}
+          </p>
         </Question>
       )}
     </div>
@@ -58,8 +89,12 @@ export function OntActions({onts, onDone, isPlain}: {onts: readonly Ont[]; onDon
 async function remove(onts: readonly Ont[]): Promise<void> {
   const ids = new Map<number, number[]>();
   for (const {port, ont} of onts) ids.set(port, [...(ids.get(port) ?? []), ont]);
-  await request({path: configuration(elements.ont), method: "delete", config_type: "candidate",
-                 indices: [...ids].flatMap(([port, there]) => [String(port), rangeText(there)])});
+  await request({
+    path: configuration(elements.ont),
+    method: "delete",
+    config_type: "candidate",
+    indices: [...ids].flatMap(([port, there]) => [String(port), rangeText(there)]),
+  });
   noteEdit();
   await commit();
 }

@@ -14,13 +14,17 @@ import {VirtualTable, type Column} from "../../ui/virtual_table.tsx";
 import {Histogram} from "./histogram.tsx";
 import {OntActions} from "./ont_actions.tsx";
 
-export const openOnt = (ont: Ont) => go(ont.ont > 0 ? `/onts/${ont.port}/${ont.ont}` : `/unactivated?q=${ont.serialText}`);
+export const openOnt = (ont: Ont) =>
+  go(ont.ont > 0 ? `/onts/${ont.port}/${ont.ont}` : `/unactivated?q=${ont.serialText}`);
 
 function filterOf(query: URLSearchParams): OntFilter {
   const power = query.get("power")?.split("to").map(Number);
   return {
-    text: query.get("q") ?? "", group: (query.get("state") ?? "") as Group | "", port: Number(query.get("port") ?? 0),
-    optics: (query.get("optics") ?? "") as Level | "", power: power?.length === 2 ? [power[0]!, power[1]!] : undefined,
+    text: query.get("q") ?? "",
+    group: (query.get("state") ?? "") as Group | "",
+    port: Number(query.get("port") ?? 0),
+    optics: (query.get("optics") ?? "") as Level | "",
+    power: power?.length === 2 ? [power[0]!, power[1]!] : undefined,
   };
 }
 
@@ -43,7 +47,8 @@ export function Onts() {
 
   useEffect(() => {
     const onKey = (event: KeyboardEvent) => {
-      if (event.key !== "/" || event.target instanceof HTMLInputElement || document.querySelector("dialog[open]")) return;
+      if (event.key !== "/" || event.target instanceof HTMLInputElement || document.querySelector("dialog[open]"))
+        return;
       event.preventDefault();
       search.current?.focus();
     };
@@ -60,35 +65,113 @@ export function Onts() {
   const selectable = shown.filter(({ont}) => ont > 0);
   const isAll = selectable.length > 0 && selectable.every(({key}) => selected.has(key));
   const box = (
-    <input type="checkbox" aria-label="Select all shown" checked={isAll}
-           onChange={() => setSelected(isAll ? new Set() : new Set(selectable.map(({key}) => key)))}/>
+    <input
+      type="checkbox"
+      aria-label="Select all shown"
+      checked={isAll}
+      onChange={() => setSelected(isAll ? new Set() : new Set(selectable.map(({key}) => key)))}
+    />
   );
   const columns: Column<Ont>[] = [
-    ...(mayAct ? [{id: "select", title: box, width: "20px", cell: (ont: Ont) => ont.ont > 0 && (
-      <input type="checkbox" tabIndex={-1} aria-label={`Select ONT ${ont.key}`} checked={selected.has(ont.key)}
-             onClick={event => event.stopPropagation()} onChange={() => toggle(ont)}/>)}] : []),
-    {id: "ont", title: "ONT", width: "64px", canSort: true, cell: ont => <strong>{ont.ont > 0 ? ont.key : `${ont.port}/–`}</strong>},
-    {id: "state", title: "State", width: "136px", canSort: true, cell: ont => <OntStatus group={ont.group} state={ont.state} title={ont.meaning}/>},
-    {id: "rssi", title: "Received", width: "118px", canSort: true, isNumber: true, cell: ont => <Received ont={ont}/>},
-    {id: "distance", title: "Distance", width: "84px", canSort: true, isNumber: true, cell: ont => ont.distance === undefined ? "–" : `${(ont.distance / 1000).toFixed(2)} km`},
-    {id: "serial", title: "Serial", width: "128px", canSort: true, cell: ont => <span class="mono">{ont.serialText}</span>},
+    ...(mayAct
+      ? [
+          {
+            id: "select",
+            title: box,
+            width: "20px",
+            cell: (ont: Ont) =>
+              ont.ont > 0 && (
+                <input
+                  type="checkbox"
+                  tabIndex={-1}
+                  aria-label={`Select ONT ${ont.key}`}
+                  checked={selected.has(ont.key)}
+                  onClick={event => event.stopPropagation()}
+                  onChange={() => toggle(ont)}
+                />
+              ),
+          },
+        ]
+      : []),
+    {
+      id: "ont",
+      title: "ONT",
+      width: "64px",
+      canSort: true,
+      cell: ont => <strong>{ont.ont > 0 ? ont.key : `${ont.port}/–`}</strong>,
+    },
+    {
+      id: "state",
+      title: "State",
+      width: "136px",
+      canSort: true,
+      cell: ont => <OntStatus group={ont.group} state={ont.state} title={ont.meaning} />,
+    },
+    {
+      id: "rssi",
+      title: "Received",
+      width: "118px",
+      canSort: true,
+      isNumber: true,
+      cell: ont => <Received ont={ont} />,
+    },
+    {
+      id: "distance",
+      title: "Distance",
+      width: "84px",
+      canSort: true,
+      isNumber: true,
+      cell: ont => (ont.distance === undefined ? "–" : `${(ont.distance / 1000).toFixed(2)} km`),
+    },
+    {
+      id: "serial",
+      title: "Serial",
+      width: "128px",
+      canSort: true,
+      cell: ont => <span class="mono">{ont.serialText}</span>,
+    },
     {id: "model", title: "Model", width: "108px", canSort: true, cell: ont => ont.model || "–"},
     {id: "software", title: "Software", width: "84px", canSort: true, cell: ont => ont.software || "–"},
-    {id: "description", title: "Description", width: "minmax(80px, 1fr)", canSort: true, cell: ont => ont.description},
+    {
+      id: "description",
+      title: "Description",
+      width: "minmax(80px, 1fr)",
+      canSort: true,
+      cell: ont => ont.description,
+    },
   ];
   return (
     <div class="page fills onts">
       <div class="page-head">
         <h1>ONTs</h1>
-        <span class="muted" role="status">{isKnown ? `${count(shown.length)} of ${count(rows.length)}` : error ?? "Loading…"}</span>
+        <span class="muted" role="status">
+          {isKnown ? `${count(shown.length)} of ${count(rows.length)}` : (error ?? "Loading…")}
+        </span>
         <div class="actions filters">
-          <input ref={search} class="search" type="search" placeholder="Filter: serial, description, model… ( / )" aria-label="Filter by text"
-                 value={filter.text} onInput={event => changeQuery({q: event.currentTarget.value})}/>
-          <select aria-label="PON port" value={String(filter.port)} onChange={event => changeQuery({port: event.currentTarget.value === "0" ? "" : event.currentTarget.value})}>
+          <input
+            ref={search}
+            class="search"
+            type="search"
+            placeholder="Filter: serial, description, model… ( / )"
+            aria-label="Filter by text"
+            value={filter.text}
+            onInput={event => changeQuery({q: event.currentTarget.value})}
+          />
+          <select
+            aria-label="PON port"
+            value={String(filter.port)}
+            onChange={event => changeQuery({port: event.currentTarget.value === "0" ? "" : event.currentTarget.value})}>
             <option value="0">All PON ports</option>
-            {ports.map(port => <option key={port} value={port}>PON port {port}</option>)}
+            {ports.map(port => (
+              <option key={port} value={port}>
+                PON port {port}
+              </option>
+            ))}
           </select>
-          <select aria-label="Optics" value={filter.optics} onChange={event => changeQuery({optics: event.currentTarget.value})}>
+          <select
+            aria-label="Optics"
+            value={filter.optics}
+            onChange={event => changeQuery({optics: event.currentTarget.value})}>
             <option value="">Any optics</option>
             <option value="bad">Outside limits</option>
             <option value="warn">Little margin</option>
@@ -98,24 +181,58 @@ export function Onts() {
       </div>
       <div class="ont-filters">
         <div class="actions" role="group" aria-label="Filter by state">
-          <button class="chip" aria-pressed={filter.group === ""} onClick={() => changeQuery({state: ""})}>All</button>
-          {groups.filter(({id}) => counts[id] > 0 || filter.group === id).map(({id, title, level}) => (
-            <button key={id} class="chip" aria-pressed={filter.group === id} onClick={() => changeQuery({state: filter.group === id ? "" : id})}>
-              <Status level={level}>{title} <span class="muted">{count(counts[id])}</span></Status>
-            </button>
-          ))}
+          <button class="chip" aria-pressed={filter.group === ""} onClick={() => changeQuery({state: ""})}>
+            All
+          </button>
+          {groups
+            .filter(({id}) => counts[id] > 0 || filter.group === id)
+            .map(({id, title, level}) => (
+              <button
+                key={id}
+                class="chip"
+                aria-pressed={filter.group === id}
+                onClick={() => changeQuery({state: filter.group === id ? "" : id})}>
+                <Status level={level}>
+                  {title} <span class="muted">{count(counts[id])}</span>
+                </Status>
+              </button>
+            ))}
         </div>
-        <Histogram onts={forHistogram} power={filter.power}/>
+        <Histogram onts={forHistogram} power={filter.power} />
       </div>
-      {chosen.length > 0 && <OntActions onts={chosen} onDone={() => setSelected(new Set())}/>}
-      <VirtualTable label="ONTs" rows={shown} keyOf={ont => ont.key} columns={columns} sorting={{by, descending}}
-                    onSort={to => changeQuery({sort: to.by === "ont" ? "" : to.by, order: to.descending ? "down" : ""})}
-                    onOpen={openOnt} selected={selected} onToggle={toggle}
-                    empty={!isKnown ? error ?? "Loading…" : rows.length === 0 ? "No ONT is connected or configured." : "No ONT fits the filter."}
-                    narrow={ont => <>
-                      <span class="line"><strong>{ont.ont > 0 ? ont.key : `${ont.port}/–`} <span class="muted">{ont.description || ont.serialText}</span></strong><Received ont={ont}/></span>
-                      <span class="line"><OntStatus group={ont.group} state={ont.state}/><span class="muted mono">{ont.serialText}</span></span>
-                    </>}/>
+      {chosen.length > 0 && <OntActions onts={chosen} onDone={() => setSelected(new Set())} />}
+      <VirtualTable
+        label="ONTs"
+        rows={shown}
+        keyOf={ont => ont.key}
+        columns={columns}
+        sorting={{by, descending}}
+        onSort={to => changeQuery({sort: to.by === "ont" ? "" : to.by, order: to.descending ? "down" : ""})}
+        onOpen={openOnt}
+        selected={selected}
+        onToggle={toggle}
+        empty={
+          !isKnown
+            ? (error ?? "Loading…")
+            : rows.length === 0
+              ? "No ONT is connected or configured."
+              : "No ONT fits the filter."
+        }
+        narrow={ont => (
+          <>
+            <span class="line">
+              <strong>
+                {ont.ont > 0 ? ont.key : `${ont.port}/–`} <span class="muted">{ont.description || ont.serialText}</span>
+              </strong>
+              <Received ont={ont} />
+            </span>
+            <span class="line">
+              <OntStatus group={ont.group} state={ont.state} />
+              <span class="muted mono">{ont.serialText}</span>
+            </span>
+          </>
+        )}
+      />
     </div>
   );
 }
@@ -123,5 +240,10 @@ export function Onts() {
 function Received({ont}: {ont: Ont}) {
   if (ont.rssi === undefined) return <span class="muted">–</span>;
   const level = ont.reception!.level;
-  return <span class={level === "good" ? "" : `text-${level}`} title={ont.reception!.text}>{level !== "good" && "▾ "}{dbm(ont.rssi)} dBm</span>;
+  return (
+    <span class={level === "good" ? "" : `text-${level}`} title={ont.reception!.text}>
+      {level !== "good" && "▾ "}
+      {dbm(ont.rssi)} dBm
+    </span>
+  );
 }

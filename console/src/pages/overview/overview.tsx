@@ -27,17 +27,24 @@ export function Overview() {
       <div class="page-head">
         <h1>Overview</h1>
         <ul class="totals" aria-label="ONTs by state">
-          {groups.filter(({id}) => counts[id] > 0).map(({id, title, level}) => (
-            <li key={id}><a href={id === "unactivated" ? "#/unactivated" : `#/onts?state=${id}`}>
-              <Status level={level}><strong>{count(counts[id])}</strong> {title.toLowerCase()}</Status></a></li>
-          ))}
+          {groups
+            .filter(({id}) => counts[id] > 0)
+            .map(({id, title, level}) => (
+              <li key={id}>
+                <a href={id === "unactivated" ? "#/unactivated" : `#/onts?state=${id}`}>
+                  <Status level={level}>
+                    <strong>{count(counts[id])}</strong> {title.toLowerCase()}
+                  </Status>
+                </a>
+              </li>
+            ))}
         </ul>
       </div>
       <div class="overview-grid">
-        <PonPorts ports={ponPorts} byPort={byPort} rates={rates} configurations={configurations}/>
-        <Attention concerns={concerns} isKnown={isKnown}/>
-        <Uplinks ports={frontPorts} rates={rates}/>
-        <Board system={system}/>
+        <PonPorts ports={ponPorts} byPort={byPort} rates={rates} configurations={configurations} />
+        <Attention concerns={concerns} isKnown={isKnown} />
+        <Uplinks ports={frontPorts} rates={rates} />
+        <Board system={system} />
       </div>
     </div>
   );

@@ -10,14 +10,22 @@ export function Uplinks({ports, rates}: {ports: readonly FrontPortState[]; rates
   const sum = (way: "up" | "down") => [...rates.values()].reduce((total, rate) => total + rate[way], 0);
   return (
     <section class="card uplinks" aria-label="Uplinks">
-      <header><h2>Uplinks</h2>
-        {rates.size > 0 && <small title="Traffic of all ONTs over the last 30 s">↑ {bitRate(sum("up"))} &nbsp; ↓ {bitRate(sum("down"))}</small>}</header>
+      <header>
+        <h2>Uplinks</h2>
+        {rates.size > 0 && (
+          <small title="Traffic of all ONTs over the last 30 s">
+            ↑ {bitRate(sum("up"))} &nbsp; ↓ {bitRate(sum("down"))}
+          </small>
+        )}
+      </header>
       <ul>
         {ports.map(port => (
           <li key={port.port}>
             <a href={`#/configuration/ZebGCfg.switch_config.front_port/${port.port}`} title={describe(port)}>
               <span class="muted">{port.port}</span>
-              <Status level={port.status === "DOWN" && port.sfp_condition === "Present" ? "warn" : levels[port.status]}>{texts[port.status]}</Status>
+              <Status level={port.status === "DOWN" && port.sfp_condition === "Present" ? "warn" : levels[port.status]}>
+                {texts[port.status]}
+              </Status>
               <span class="number">{port.status === "UP" ? port.speed : ""}</span>
             </a>
           </li>

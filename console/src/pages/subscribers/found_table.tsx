@@ -36,16 +36,35 @@ export function FoundTable<Row>({label, live, rows, keyOf, ontOf, columns, text,
         return sign * (left < right ? -1 : left > right ? 1 : 0);
       });
   }, [rows, text, sorting]);
-  return <>
-    <p class="muted" role="status">{live.data ? `${count(shown.length)} of ${count(rows.length)}` : live.error ?? "Loading…"}</p>
-    <VirtualTable label={label} rows={shown} keyOf={keyOf} columns={columns.map(column => ({...column, canSort: true}))} sorting={sorting} onSort={setSorting}
-                  onOpen={row => { if (ontOf(row) !== "") go(`/onts/${ontOf(row)}`); }} narrow={narrow}
-                  empty={live.data ? "Nothing is found." : live.error ?? "Loading…"}/>
-  </>;
+  return (
+    <>
+      <p class="muted" role="status">
+        {live.data ? `${count(shown.length)} of ${count(rows.length)}` : (live.error ?? "Loading…")}
+      </p>
+      <VirtualTable
+        label={label}
+        rows={shown}
+        keyOf={keyOf}
+        columns={columns.map(column => ({...column, canSort: true}))}
+        sorting={sorting}
+        onSort={setSorting}
+        onOpen={row => {
+          if (ontOf(row) !== "") go(`/onts/${ontOf(row)}`);
+        }}
+        narrow={narrow}
+        empty={live.data ? "Nothing is found." : (live.error ?? "Loading…")}
+      />
+    </>
+  );
 }
 
 /** So that 10.0.0.10 is sorted behind 10.0.0.9; is found by the address as it is written, too. */
-export const addressOrder = (address: string) => `${address.split(".").map(octet => octet.padStart(3, "0")).join(".")} ${address}`;
+export const addressOrder = (address: string) =>
+  `${address
+    .split(".")
+    .map(octet => octet.padStart(3, "0"))
+    .join(".")} ${address}`;
 
 /** So that "3/17" is sorted behind "3/2". */
-export const placeOrder = (port: number, ont: number) => `${String(port).padStart(2, "0")}/${String(ont).padStart(3, "0")} ${port}/${ont}`;
+export const placeOrder = (port: number, ont: number) =>
+  `${String(port).padStart(2, "0")}/${String(ont).padStart(3, "0")} ${port}/${ont}`;

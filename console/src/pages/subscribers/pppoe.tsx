@@ -12,20 +12,74 @@ const none: PppoeSession[] = [];
 export function Pppoe({text}: {text: string}) {
   const live = useLive<{sessions: PppoeSession[]}>({path: paths.pppoe, method: "get"}, 15);
   const format = useSerialFormat();
-  const state = (row: PppoeSession) => row.session_id > 0
-    ? <Status level="good">Up {duration(row.duration_sec)}</Status> : <Status level="bad">Blocked, {row.unblock_rest_sec} s left</Status>;
-  return <FoundTable label="PPPoE sessions" live={live} rows={live.data?.sessions ?? none} text={text}
-    keyOf={row => `${row.client_mac} ${row.pon_port_id} ${row.ont_id} ${row.gem_port}`} ontOf={row => `${row.pon_port_id}/${row.ont_id}`}
-    columns={[
-      {id: "mac", title: "Client", width: "minmax(140px, 1fr)", value: row => row.client_mac, cell: row => <strong class="mono">{row.client_mac}</strong>},
-      {id: "ont", title: "ONT", width: "72px", value: row => placeOrder(row.pon_port_id, row.ont_id), cell: row => `${row.pon_port_id}/${row.ont_id}`},
-      {id: "serial", title: "Serial", width: "minmax(120px, 1fr)", value: row => serialText(row.ont_serial, format), cell: row => <span class="mono">{serialText(row.ont_serial, format)}</span>},
-      {id: "session", title: "Session", width: "84px", isNumber: true, value: row => row.session_id, cell: row => row.session_id || "–"},
-      {id: "gem", title: "GEM port", width: "84px", isNumber: true, value: row => row.gem_port, cell: row => row.gem_port},
-      {id: "state", title: "State", width: "minmax(170px, 1fr)", value: row => row.duration_sec, cell: state},
-    ]}
-    narrow={row => <>
-      <span class="line"><strong class="mono">{row.client_mac}</strong><span>{row.pon_port_id}/{row.ont_id}</span></span>
-      <span class="line">{state(row)}<span class="muted">GEM port {row.gem_port}</span></span>
-    </>}/>;
+  const state = (row: PppoeSession) =>
+    row.session_id > 0 ? (
+      <Status level="good">Up {duration(row.duration_sec)}</Status>
+    ) : (
+      <Status level="bad">Blocked, {row.unblock_rest_sec} s left</Status>
+    );
+  return (
+    <FoundTable
+      label="PPPoE sessions"
+      live={live}
+      rows={live.data?.sessions ?? none}
+      text={text}
+      keyOf={row => `${row.client_mac} ${row.pon_port_id} ${row.ont_id} ${row.gem_port}`}
+      ontOf={row => `${row.pon_port_id}/${row.ont_id}`}
+      columns={[
+        {
+          id: "mac",
+          title: "Client",
+          width: "minmax(140px, 1fr)",
+          value: row => row.client_mac,
+          cell: row => <strong class="mono">{row.client_mac}</strong>,
+        },
+        {
+          id: "ont",
+          title: "ONT",
+          width: "72px",
+          value: row => placeOrder(row.pon_port_id, row.ont_id),
+          cell: row => `${row.pon_port_id}/${row.ont_id}`,
+        },
+        {
+          id: "serial",
+          title: "Serial",
+          width: "minmax(120px, 1fr)",
+          value: row => serialText(row.ont_serial, format),
+          cell: row => <span class="mono">{serialText(row.ont_serial, format)}</span>,
+        },
+        {
+          id: "session",
+          title: "Session",
+          width: "84px",
+          isNumber: true,
+          value: row => row.session_id,
+          cell: row => row.session_id || "–",
+        },
+        {
+          id: "gem",
+          title: "GEM port",
+          width: "84px",
+          isNumber: true,
+          value: row => row.gem_port,
+          cell: row => row.gem_port,
+        },
+        {id: "state", title: "State", width: "minmax(170px, 1fr)", value: row => row.duration_sec, cell: state},
+      ]}
+      narrow={row => (
+        <>
+          <span class="line">
+            <strong class="mono">{row.client_mac}</strong>
+            <span>
+              {row.pon_port_id}/{row.ont_id}
+            </span>
+          </span>
+          <span class="line">
+            {state(row)}
+            <span class="muted">GEM port {row.gem_port}</span>
+          </span>
+        </>
+      )}
+    />
+  );
 }

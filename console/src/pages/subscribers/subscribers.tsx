@@ -23,16 +23,28 @@ export function Subscribers({tab}: {tab?: string}) {
       <div class="page-head">
         <h1>Subscribers</h1>
         <div class="actions">
-          <input class="search" type="search" placeholder="MAC, IP address, ONT, serial…" aria-label="Search" value={text}
-                 onInput={event => changeQuery({q: event.currentTarget.value})}/>
+          <input
+            class="search"
+            type="search"
+            placeholder="MAC, IP address, ONT, serial…"
+            aria-label="Search"
+            value={text}
+            onInput={event => changeQuery({q: event.currentTarget.value})}
+          />
         </div>
       </div>
       <div class="tabs" role="tablist" aria-label="Kinds">
         {tabs.map(({id, title}) => (
-          <button key={id} role="tab" aria-selected={id === current.id} onClick={() => go(`/subscribers/${id}${text ? `?q=${encodeURIComponent(text)}` : ""}`)}>{title}</button>
+          <button
+            key={id}
+            role="tab"
+            aria-selected={id === current.id}
+            onClick={() => go(`/subscribers/${id}${text ? `?q=${encodeURIComponent(text)}` : ""}`)}>
+            {title}
+          </button>
         ))}
       </div>
-      <View text={searched(text)}/>
+      <View text={searched(text)} />
     </div>
   );
 }
@@ -40,5 +52,10 @@ export function Subscribers({tab}: {tab?: string}) {
 /** MAC addresses may be typed with any separator, or none. */
 function searched(text: string): string {
   const bare = text.trim().replace(/[-.\s]/g, "");
-  return /^[0-9a-f]{6,12}$/i.test(bare) && !/^\d+$/.test(text.trim()) ? bare.match(/.{1,2}/g)!.join(":").toLowerCase() : text.trim().toLowerCase();
+  return /^[0-9a-f]{6,12}$/i.test(bare) && !/^\d+$/.test(text.trim())
+    ? bare
+        .match(/.{1,2}/g)!
+        .join(":")
+        .toLowerCase()
+    : text.trim().toLowerCase();
 }

@@ -35,35 +35,77 @@ export function Firmware({system}: {system?: SystemState}) {
   };
   const slot = (title: string, version: string | undefined, which: "current" | "alternate") => (
     <tr>
-      <td>{title}</td><td><strong>{version || "no valid image"}</strong></td>
+      <td>{title}</td>
+      <td>
+        <strong>{version || "no valid image"}</strong>
+      </td>
       <td>{version !== undefined && isNext(version) && <Status level="good">next boot</Status>}</td>
-      <td class="number">{mayChange && version && !isNext(version) && <button class="small" onClick={() => setAsked(which)}>Boot next time</button>}</td>
+      <td class="number">
+        {mayChange && version && !isNext(version) && (
+          <button class="small" onClick={() => setAsked(which)}>
+            Boot next time
+          </button>
+        )}
+      </td>
     </tr>
   );
   return (
     <section class="card" aria-label="Firmware">
-      <header><h2>Firmware</h2></header>
+      <header>
+        <h2>Firmware</h2>
+      </header>
       <div class="body">
-        <table class="plain"><tbody>
-          {slot("Running", device?.active_fw, "current")}
-          {slot("Alternate", device?.inactive_fw, "alternate")}
-        </tbody></table>
+        <table class="plain">
+          <tbody>
+            {slot("Running", device?.active_fw, "current")}
+            {slot("Alternate", device?.inactive_fw, "alternate")}
+          </tbody>
+        </table>
         {mayChange && (
-          <form class="update" onSubmit={event => { event.preventDefault(); void update(); }}>
-            <label class="stacked">Image on the device
-              <input value={path} required placeholder="/firmware/new.img" spellcheck={false} disabled={began !== undefined} onInput={event => setPath(event.currentTarget.value)}/></label>
-            <button disabled={began !== undefined || path === ""}>{began ? "Writing…" : "Write to alternate slot"}</button>
+          <form
+            class="update"
+            onSubmit={event => {
+              event.preventDefault();
+              void update();
+            }}>
+            <label class="stacked">
+              Image on the device
+              <input
+                value={path}
+                required
+                placeholder="/firmware/new.img"
+                spellcheck={false}
+                disabled={began !== undefined}
+                onInput={event => setPath(event.currentTarget.value)}
+              />
+            </label>
+            <button disabled={began !== undefined || path === ""}>
+              {began ? "Writing…" : "Write to alternate slot"}
+            </button>
           </form>
         )}
-        {began && <Writing since={began}/>}
-        {failure && <p class="failure" role="alert">{failure}</p>}
+        {began && <Writing since={began} />}
+        {failure && (
+          <p class="failure" role="alert">
+            {failure}
+          </p>
+        )}
         {asked && (
-          <Question title="Choose the firmware of the next boot?" verb="Choose" onClose={() => setAsked(undefined)}
-                    onYes={async () => {
-                      await request({path: asked === "current" ? paths.firmwareCurrent : paths.firmwareAlternate, method: "command"});
-                      notify("Chosen. It runs after the next reboot.");
-                    }}>
-            <p>After the next reboot the OLT runs {asked === "current" ? device?.active_fw : device?.inactive_fw}. Nothing changes before that.</p>
+          <Question
+            title="Choose the firmware of the next boot?"
+            verb="Choose"
+            onClose={() => setAsked(undefined)}
+            onYes={async () => {
+              await request({
+                path: asked === "current" ? paths.firmwareCurrent : paths.firmwareAlternate,
+                method: "command",
+              });
+              notify("Chosen. It runs after the next reboot.");
+            }}>
+            <p>
+              After the next reboot the OLT runs {asked === "current" ? device?.active_fw : device?.inactive_fw}.
+              Nothing changes before that.
+            </p>
           </Question>
         )}
       </div>
@@ -79,8 +121,11 @@ function Writing({since}: {since: number}) {
   }, []);
   return (
     <div role="status">
-      <progress aria-label="Writing"/>
-      <p class="muted small">The device is writing the image, for {duration((now - since) / 1000)} now. Other requests may have to wait; do not switch it off.</p>
+      <progress aria-label="Writing" />
+      <p class="muted small">
+        The device is writing the image, for {duration((now - since) / 1000)} now. Other requests may have to wait; do
+        not switch it off.
+      </p>
     </div>
   );
 }

@@ -14,11 +14,16 @@ export function Returning({since, onBack}: {since: number; onBack: () => void}) 
   }, []);
   if (error) wasAway.current = true;
   const isBack = wasAway.current && !error && at > since;
-  useEffect(() => { if (isBack) onBack(); }, [isBack]);
+  useEffect(() => {
+    if (isBack) onBack();
+  }, [isBack]);
   return (
     <div class="returning" role="status">
-      <span><strong>{wasAway.current ? "The OLT is starting" : "The OLT is going down"}</strong><small class="muted">for {duration((now - since) / 1000)}</small></span>
-      <progress aria-label="Waiting for the OLT"/>
+      <span>
+        <strong>{wasAway.current ? "The OLT is starting" : "The OLT is going down"}</strong>
+        <small class="muted">for {duration((now - since) / 1000)}</small>
+      </span>
+      <progress aria-label="Waiting for the OLT" />
     </div>
   );
 }

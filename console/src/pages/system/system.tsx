@@ -14,17 +14,19 @@ export function SystemPage() {
   const {data} = useSystem();
   return (
     <div class="page">
-      <div class="page-head"><h1>System</h1></div>
+      <div class="page-head">
+        <h1>System</h1>
+      </div>
       <div class="system-grid">
-        <Board system={data}/>
+        <Board system={data} />
         <div class="column">
-          <Firmware system={data}/>
-          <Identity system={data}/>
-          <Preferences/>
+          <Firmware system={data} />
+          <Identity system={data} />
+          <Preferences />
         </div>
         <div class="column">
-          <Commands/>
-          <LogFiles/>
+          <Commands />
+          <LogFiles />
         </div>
       </div>
     </div>
@@ -35,13 +37,23 @@ function Identity({system}: {system?: SystemState}) {
   const factory = system?.factory_info;
   return (
     <section class="card" aria-label="Identity">
-      <header><h2>Identity</h2></header>
+      <header>
+        <h2>Identity</h2>
+      </header>
       <dl class="body facts">
-        <dt>Device</dt><dd>{factory?.device_type} <span class="muted">{factory?.board_version}</span></dd>
-        <dt>Serial number</dt><dd class="mono">{factory?.serial_number}</dd>
-        <dt>MAC address</dt><dd class="mono">{factory?.mac_address}</dd>
-        <dt>FPGA, PLD</dt><dd>{system?.device_info.fpga_version}, {system?.device_info.pld_version}</dd>
-        <EngineId/>
+        <dt>Device</dt>
+        <dd>
+          {factory?.device_type} <span class="muted">{factory?.board_version}</span>
+        </dd>
+        <dt>Serial number</dt>
+        <dd class="mono">{factory?.serial_number}</dd>
+        <dt>MAC address</dt>
+        <dd class="mono">{factory?.mac_address}</dd>
+        <dt>FPGA, PLD</dt>
+        <dd>
+          {system?.device_info.fpga_version}, {system?.device_info.pld_version}
+        </dd>
+        <EngineId />
       </dl>
     </section>
   );
@@ -52,8 +64,23 @@ function EngineId() {
   const [text, setText] = useState("");
   const [failure, setFailure] = useState("");
   const find = () => {
-    request<string>({path: paths.engineId, method: "generate"}).then(setText, (error: Error) => setFailure(error.message));
+    request<string>({path: paths.engineId, method: "generate"}).then(setText, (error: Error) =>
+      setFailure(error.message),
+    );
   };
-  return <><dt>SNMP engine id</dt><dd>{text ? <span class="mono">{text}</span> : <button class="small" onClick={find}>Show</button>}
-    {failure && <span class="failure">{failure}</span>}</dd></>;
+  return (
+    <>
+      <dt>SNMP engine id</dt>
+      <dd>
+        {text ? (
+          <span class="mono">{text}</span>
+        ) : (
+          <button class="small" onClick={find}>
+            Show
+          </button>
+        )}
+        {failure && <span class="failure">{failure}</span>}
+      </dd>
+    </>
+  );
 }

@@ -18,9 +18,13 @@ export function Adopted() {
       {keys.map(key => {
         const ont = rows.find(row => row.key === key);
         return (
-          <li key={key}><a href={`#/onts/${key}`}><strong>ONT {key}</strong></a>
-            <span>{ont ? <OntStatus group={ont.group} state={ont.state}/> : "…"}</span>
-            <span class="muted">{ont?.meaning}</span></li>
+          <li key={key}>
+            <a href={`#/onts/${key}`}>
+              <strong>ONT {key}</strong>
+            </a>
+            <span>{ont ? <OntStatus group={ont.group} state={ont.state} /> : "…"}</span>
+            <span class="muted">{ont?.meaning}</span>
+          </li>
         );
       })}
     </ul>
