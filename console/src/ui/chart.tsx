@@ -30,6 +30,8 @@ const shortest = 60;
 /** Lines over time. */
 export function Chart({lines, data, format, label, range, height = 160}: Properties) {
   const place = useRef<HTMLDivElement>(null);
+  const limits = useRef(range);
+  limits.current = range;
   const plot = useRef<uPlot | undefined>(undefined);
   const theme = useStore(themeShown);
   useEffect(() => {
@@ -65,7 +67,10 @@ export function Chart({lines, data, format, label, range, height = 160}: Propert
               high ?? Date.now() / 1000,
             ],
           },
-          y: range ? {range} : {range: (_, low, high) => [Math.min(0, low ?? 0), Math.max(high ?? 0, 1) * 1.05]},
+          y: {
+            // Asked for with each new data, when the limits may be others.
+            range: (_, low, high) => limits.current ?? [Math.min(0, low ?? 0), Math.max(high ?? 0, 1) * 1.05],
+          },
         },
         cursor: {points: {size: 6}},
       },

@@ -26,8 +26,8 @@ export function OntSubscribers({port, ont}: {port: number; ont: number}) {
             <tr key={lease.mac}>
               <td>{lease.ip}</td>
               <td class="mono">{lease.mac}</td>
-              <td title="Service, VLAN">
-                {lease.service_id} <span class="muted">VLAN {lease.outer_vid}</span>
+              <td class="muted" title={`Service ${lease.service_id}`}>
+                VLAN {lease.outer_vid}
               </td>
               <td class="number muted">{duration(lease.life_time_msec / 1000)}</td>
             </tr>
@@ -40,7 +40,7 @@ export function OntSubscribers({port, ont}: {port: number; ont: number}) {
             <tr key={session.client_mac}>
               <td>{session.session_id > 0 ? session.session_id : <span class="text-bad">blocked</span>}</td>
               <td class="mono">{session.client_mac}</td>
-              <td class="muted">GEM port {session.gem_port}</td>
+              <td class="muted">GEM {session.gem_port}</td>
               <td class="number muted">
                 {session.session_id > 0 ? duration(session.duration_sec) : `${session.unblock_rest_sec} s left`}
               </td>
@@ -57,7 +57,7 @@ export function OntSubscribers({port, ont}: {port: number; ont: number}) {
                 VLAN {mac.svid}
                 {mac.cvid > 0 && `.${mac.cvid}`}
               </td>
-              <td class="muted">GEM port {mac.gem}</td>
+              <td class="muted">GEM {mac.gem}</td>
               <td class="number muted">{mac.type}</td>
             </tr>
           )}

@@ -6,6 +6,8 @@ import {limitsOf} from "../../model/optics.ts";
 import {Chart} from "../../ui/chart.tsx";
 
 const most = 300;
+/** In s between points where nothing changes. */
+const step = 2;
 const lines = [{title: "Received", colour: "--accent"}];
 /** The gauge's scale, in dBm. */
 const from = -36;
@@ -15,12 +17,11 @@ const to = -4;
 export function Optics({ont, odnClass}: {ont: Ont; odnClass: string | undefined}) {
   const series = useRef<[number[], (number | null)[]]>([[], []]);
   const seen = useRef<unknown>(undefined);
-  if (seen.current !== ont.raw) {
+  const now = Date.now() / 1000;
+  // An answer that is as before does not come: what it said goes on.
+  if (seen.current !== ont.raw || now - (series.current[0].at(-1) ?? 0) >= step) {
     seen.current = ont.raw;
-    series.current = [
-      [...series.current[0], Date.now() / 1000].slice(-most),
-      [...series.current[1], ont.rssi ?? null].slice(-most),
-    ];
+    series.current = [[...series.current[0], now].slice(-most), [...series.current[1], ont.rssi ?? null].slice(-most)];
   }
   const known = series.current[1].filter(value => value !== null);
   const range: [number, number] = known.length > 0 ? [Math.min(...known) - 2, Math.max(...known) + 2] : [from, to];
