@@ -40,9 +40,9 @@ TEST_F(ClientPackage, BuildsTheExampleOfItsPageWhichListsOnts) {
                                 "cmake -S . -B build -DCMAKE_PREFIX_PATH=$PWD/installed && cmake --build build");
     ASSERT_EQ(status_, 0) << configured;
 
-    EXPECT_THAT(run("./by_cmake viewer viewer"), testing::HasSubstr("is api_service running?"));
+    EXPECT_THAT(run("./build/by_cmake viewer viewer"), testing::HasSubstr("is api_service running?"));
     olt_.start({"--onts", "16", "--configured", "16"});
-    for (const auto* program : {"./by_cmake", "./by_pkg_config"}) {
+    for (const auto* program : {"./build/by_cmake", "./by_pkg_config"}) {
         EXPECT_THAT(run(std::string(program) + " viewer viewer"), testing::HasSubstr("OPERATIONAL\n"));
         EXPECT_EQ(status_, 0);
         run(std::string(program) + " viewer wrong");
