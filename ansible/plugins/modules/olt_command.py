@@ -63,7 +63,7 @@ EXAMPLES = r'''
     commands:
       - {path: monitoring.interface.ont.state, indices: ["3", "1-8"]}
   register: onts
-  until: onts.responses[0] | map(attribute='state') | unique == ['OPERATIONAL']
+  until: onts.responses[0] | map(attribute='state', default='') | unique == ['OPERATIONAL']
   retries: 30
   delay: 10
 

@@ -46,7 +46,7 @@ EXAMPLES = r'''
 
 - name: ONTs that nobody has configured
   ansible.builtin.debug:
-    msg: "{{ olt_onts | selectattr('state', 'eq', 'UNACTIVATED') | map(attribute='serial') }}"
+    msg: "{{ olt_onts | selectattr('state', 'defined') | selectattr('state', 'eq', 'UNACTIVATED') | map(attribute='serial') }}"
 
 - name: All profiles of one OLT, for another one
   xpon.olt.olt_facts:
@@ -88,7 +88,7 @@ ansible_facts:
       elements: dict
       returned: with its subset
     olt_onts:
-      description: State of the ONTs, also of those that are not configured; with subset C(onts).
+      description: State of the ONTs, also of those that are not configured, serials as text; with subset C(onts).
       type: list
       elements: dict
       returned: with its subset
@@ -123,7 +123,7 @@ ansible_facts:
 
 from ansible.module_utils.basic import AnsibleModule
 
-from ansible_collections.xpon.olt.plugins.module_utils import candidate, elements, session
+from ansible_collections.xpon.olt.plugins.module_utils import candidate, elements, records, session
 
 
 def system(client):
@@ -139,7 +139,10 @@ def ports(client):
 def onts(client):
     found = []
     for port in range(1, client.get("monitoring.constants")["PON_PORT_COUNT"] + 1):
-        found += client.get("monitoring.interface.ont.state", port, elements.all_places(elements.ONT, {})[1])
+        # Those that are not configured come with every port.
+        found += [records.shown(ont) for ont in
+                  client.get("monitoring.interface.ont.state", port, elements.all_places(elements.ONT, {})[1])
+                  if ont.get("cfg_port", ont.get("port")) == port]
     return {"olt_onts": found}
 
 
