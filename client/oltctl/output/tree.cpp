@@ -70,6 +70,54 @@ std::string numbered_table(const cJSON* array, unsigned indent) {
     return text;
 }
 
+/// Objects of plain values with the same keys, such as the counters of several services.
+bool is_matrix(const cJSON* value) {
+    const auto* const first = value->child;
+    if (cJSON_IsObject(value) == 0 || first == nullptr || first->next == nullptr) {
+        return false;
+    }
+    for (const auto* column = first; column != nullptr; column = column->next) {
+        if (cJSON_IsObject(column) == 0 || column->child == nullptr ||
+            cJSON_GetArraySize(column) != cJSON_GetArraySize(first)) {
+            return false;
+        }
+        for (const auto* cell = column->child; cell != nullptr; cell = cell->next) {
+            if (!fits_into_a_line(cell) || cJSON_GetObjectItemCaseSensitive(first, cell->string) == nullptr) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+/// A line for each key, and a column for each of the objects.
+std::string matrix(const cJSON* value, unsigned indent) {
+    std::vector<std::vector<std::string>> columns(1, {""});
+    for (const auto* cell = value->child->child; cell != nullptr; cell = cell->next) {
+        columns.front().emplace_back(cell->string);
+    }
+    for (const auto* object = value->child; object != nullptr; object = object->next) {
+        auto& column = columns.emplace_back(1, object->string);
+        for (const auto* key = value->child->child; key != nullptr; key = key->next) {
+            column.push_back(cell_text(cJSON_GetObjectItemCaseSensitive(object, key->string)));
+        }
+    }
+    std::string text;
+    for (std::size_t row = 0; row < columns.front().size(); ++row) {
+        std::string line(indent, ' ');
+        for (const auto& column : columns) {
+            std::size_t width = 0;
+            for (const auto& cell : column) {
+                width = std::max(width, width_of(cell));
+            }
+            const bool is_key = &column == &columns.front();
+            line += (is_key ? "" : "  ") + padded(column[row], width, !is_key);
+        }
+        text += cut(line, output_width()) + "\n";
+    }
+    return text;
+}
+
 std::string value_text(const cJSON* value) {
     const auto text = cell_text(value);
     return text.empty() ? "-" : text;
@@ -84,6 +132,9 @@ std::string tree_of(const cJSON* value, unsigned indent) {
     }
     if (is_table(value)) {
         return numbered_table(value, indent);
+    }
+    if (is_matrix(value)) {
+        return matrix(value, indent);
     }
     std::size_t width = 0;
     for (const auto* member = value->child; member != nullptr; member = member->next) {

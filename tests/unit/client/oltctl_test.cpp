@@ -2,6 +2,7 @@
 #include "client/oltctl/configuration/index_list.hpp"
 #include "client/oltctl/failure.hpp"
 #include "client/oltctl/output/table.hpp"
+#include "client/oltctl/output/tree.hpp"
 #include "client/oltctl/serial_number.hpp"
 #include "client/oltctl/session/private_file.hpp"
 #include "tests/support/temporary_olt_root.hpp"
@@ -96,6 +97,16 @@ TEST(Tables, AreCutAtTheTerminalsWidthBetweenCharacters) {
     EXPECT_EQ(table_of(pointers, columns, 80), " N  Text\n 5  grün\n10  äöüßäöüß\n");
     EXPECT_EQ(table_of(pointers, columns, 7), " N  Tex\n 5  grü\n10  äöü\n");
     EXPECT_EQ(table_of({}, columns, 80), "N: none\n");
+}
+
+TEST(Trees, ShowObjectsWithTheSameKeysSideBySide) {
+    const core::JsonTree same(
+        cJSON_Parse(R"({"service 1": {"Packets": 5, "Lost": 0}, "MC": {"Packets": 123, "Lost": 7}})"));
+    EXPECT_EQ(tree_of(same.get(), 2), "           service 1   MC\n"
+                                      "  Packets          5  123\n"
+                                      "  Lost             0    7\n");
+    const core::JsonTree others(cJSON_Parse(R"({"a": {"x": 1}, "b": {"y": 2}})"));
+    EXPECT_EQ(tree_of(others.get()), "a:\n  x  1\nb:\n  y  2\n");
 }
 
 TEST(PrivateFiles, AreReadOnlyWhenNobodyElseCan) {
