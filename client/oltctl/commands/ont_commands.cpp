@@ -280,7 +280,7 @@ void add_ont_commands(CLI::App& app, Context& context) {
     const auto add = [&](const char* name, const char* meaning, const char* option, auto run) {
         auto* const verb = ont->add_subcommand(name, meaning);
         verb->add_option(option, *word)->required()->type_name("");
-        verb->callback([&context, word, run] { context.action = [&context, word, run] { run(*word); }; });
+        verb->callback([&context, word, run] { context.action = [word, run] { run(*word); }; });
     };
     add("find", "The ONT with this serial", "SERIAL",
         [&context](const std::string& serial) { find_ont(context, serial); });

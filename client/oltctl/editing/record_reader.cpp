@@ -42,7 +42,7 @@ core::JsonTree value_of(const YAML::Node& node, std::string_view element, const 
         core::JsonTree object(cJSON_CreateObject());
         for (const auto& member : node) {
             const auto name = member.first.Scalar();
-            auto value = value_of(member.second, element, key.empty() ? name : key + "." + name);
+            auto value = value_of(member.second, element, key.empty() ? name : fmt::format("{}.{}", key, name));
             cJSON_AddItemToObject(object.get(), name.c_str(), value.release());
         }
         return object;

@@ -66,7 +66,7 @@ void collect(const cJSON* value, const std::string& place, std::vector<Value>& f
         const auto step = member->string != nullptr ? std::string(member->string)
                           : is_single               ? std::string()
                                                     : name_of(member, position);
-        collect(member, place.empty() || step.empty() ? place + step : place + " " + step, found);
+        collect(member, place.empty() || step.empty() ? place + step : fmt::format("{} {}", place, step), found);
     }
 }
 

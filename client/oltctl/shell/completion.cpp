@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include <CLI/CLI.hpp>
+#include <fmt/format.h>
 
 namespace xpon::oltctl {
 namespace {
@@ -63,7 +64,7 @@ Candidates assignments(std::string_view element, const std::string& word) {
         const auto* const field = find_field(element, key);
         std::istringstream names(field == nullptr ? "" : field->form == Form::boolean ? "true false" : field->names);
         for (std::string name; names >> name;) {
-            candidates.push_back(key + "=" + name);
+            candidates.push_back(fmt::format("{}={}", key, name));
         }
         return candidates;
     }

@@ -46,7 +46,7 @@ char* next_completion(const char* /*word*/, int number) {
         candidates = completer()(line);
     }
     const auto at = static_cast<std::size_t>(number);
-    rl_completion_append_character = candidates.size() == 1 && candidates.front().ends_with('=') ? '\0' : ' ';
+    rl_completion_append_character = candidates.size() == 1 && candidates.front().ends_with('=') ? 0 : int{' '};
     return at < candidates.size() ? strdup(candidates[at].c_str()) : nullptr;
 }
 
