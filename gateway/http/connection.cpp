@@ -8,7 +8,6 @@
 #include <cctype>
 #include <chrono>
 #include <ctime>
-#include <limits>
 #include <optional>
 #include <string>
 #include <type_traits>
@@ -304,7 +303,7 @@ void serve(Stream stream, std::string peer, const ConnectionSetup& setup, std::f
 
 } // namespace
 
-void serve_connection(tcp::socket socket, const ConnectionSetup& setup, std::shared_ptr<asio::ssl::context> tls,
+void serve_connection(tcp::socket socket, const ConnectionSetup& setup, const std::shared_ptr<asio::ssl::context>& tls,
                       std::function<void()> over) {
     error_code gone;
     const auto peer = socket.remote_endpoint(gone).address().to_string();

@@ -1,6 +1,5 @@
 #include "client/oltctl/commands/context.hpp"
 #include "client/oltctl/commands/reading.hpp"
-#include "client/oltctl/configuration/records.hpp"
 #include "client/oltctl/failure.hpp"
 #include "client/oltctl/output/terminal.hpp"
 #include "client/oltctl/output/tree.hpp"

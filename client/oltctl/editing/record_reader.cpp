@@ -7,7 +7,7 @@
 #include <utility>
 
 #include <fmt/format.h>
-#include <yaml-cpp/yaml.h>
+#include <yaml-cpp/yaml.h> // IWYU pragma: keep
 
 namespace xpon::oltctl {
 namespace {
