@@ -24,7 +24,7 @@ TEST(Elements, AreThoseOfTheService) {
         const auto* const ours = find_element(path);
         ASSERT_NE(ours, nullptr) << path << " is missing in client/oltctl/configuration/elements.cpp";
         known.erase(path);
-        std::optional<std::string_view> writer;
+        std::optional<std::string> writer;
         unsigned levels = element.depth;
         for (const auto& route : api_service::route_table()) {
             if (route.path == path && std::string_view(route.method) == "set") {
@@ -35,8 +35,7 @@ TEST(Elements, AreThoseOfTheService) {
                 route.path == path && std::string_view(route.method) == "get" && !route.make_pre_hooks({}).empty();
         }
         EXPECT_EQ(ours->depth(), levels) << path;
-        EXPECT_EQ(ours->writer == nullptr ? std::nullopt : std::optional<std::string_view>(ours->writer), writer)
-            << path;
+        EXPECT_EQ(ours->writer == nullptr ? std::nullopt : std::optional<std::string>(ours->writer), writer) << path;
     }
     EXPECT_TRUE(known.empty()) << *known.begin() << " is no element of the service";
 }
