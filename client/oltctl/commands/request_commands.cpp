@@ -1,5 +1,6 @@
 #include "client/oltctl/commands/context.hpp"
 #include "client/oltctl/commands/reading.hpp"
+#include "client/oltctl/configuration/elements.hpp"
 #include "client/oltctl/configuration/index_list.hpp"
 #include "client/oltctl/failure.hpp"
 #include "client/oltctl/output/terminal.hpp"
