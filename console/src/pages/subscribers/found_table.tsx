@@ -3,6 +3,7 @@ import {useMemo, useState} from "preact/hooks";
 
 import type {Live} from "../../gateway/live.ts";
 import {count} from "../../model/format.ts";
+import {serialText, type Serial, type SerialFormat} from "../../model/serial.ts";
 import {go} from "../../ui/route.ts";
 import {VirtualTable, type Column, type Sorting} from "../../ui/virtual_table.tsx";
 
@@ -68,3 +69,23 @@ export const addressOrder = (address: string) =>
 /** So that "3/17" is sorted behind "3/2". */
 export const placeOrder = (port: number, ont: number) =>
   `${String(port).padStart(2, "0")}/${String(ont).padStart(3, "0")} ${port}/${ont}`;
+
+/** Which ONT a row is about: its place and its serial number. */
+export const ontColumns = <Row extends {pon_port_id: number; ont_id: number; ont_serial: Serial}>(
+  format: SerialFormat,
+): FoundColumn<Row>[] => [
+  {
+    id: "ont",
+    title: "ONT",
+    width: "72px",
+    value: row => placeOrder(row.pon_port_id, row.ont_id),
+    cell: row => `${row.pon_port_id}/${row.ont_id}`,
+  },
+  {
+    id: "serial",
+    title: "Serial",
+    width: "minmax(120px, 1fr)",
+    value: row => serialText(row.ont_serial, format),
+    cell: row => <span class="mono">{serialText(row.ont_serial, format)}</span>,
+  },
+];

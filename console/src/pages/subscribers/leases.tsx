@@ -2,9 +2,8 @@ import {useSerialFormat} from "../../gateway/device.ts";
 import {useLive} from "../../gateway/live.ts";
 import {duration} from "../../model/format.ts";
 import {paths} from "../../model/paths.ts";
-import {serialText} from "../../model/serial.ts";
 import type {DhcpSession} from "olt_api";
-import {addressOrder, FoundTable, placeOrder} from "./found_table.tsx";
+import {addressOrder, FoundTable, ontColumns} from "./found_table.tsx";
 
 const none: DhcpSession[] = [];
 
@@ -34,20 +33,7 @@ export function Leases({text}: {text: string}) {
           value: ({mac}) => mac,
           cell: ({mac}) => <span class="mono">{mac}</span>,
         },
-        {
-          id: "ont",
-          title: "ONT",
-          width: "72px",
-          value: row => placeOrder(row.pon_port_id, row.ont_id),
-          cell: row => `${row.pon_port_id}/${row.ont_id}`,
-        },
-        {
-          id: "serial",
-          title: "Serial",
-          width: "minmax(120px, 1fr)",
-          value: row => serialText(row.ont_serial, format),
-          cell: row => <span class="mono">{serialText(row.ont_serial, format)}</span>,
-        },
+        ...ontColumns(format),
         {
           id: "service",
           title: "Service",

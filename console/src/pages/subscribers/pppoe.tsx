@@ -2,10 +2,9 @@ import {useSerialFormat} from "../../gateway/device.ts";
 import {useLive} from "../../gateway/live.ts";
 import {duration} from "../../model/format.ts";
 import {paths} from "../../model/paths.ts";
-import {serialText} from "../../model/serial.ts";
 import type {PppoeSession} from "olt_api";
 import {Status} from "../../ui/status.tsx";
-import {FoundTable, placeOrder} from "./found_table.tsx";
+import {FoundTable, ontColumns} from "./found_table.tsx";
 
 const none: PppoeSession[] = [];
 
@@ -34,20 +33,7 @@ export function Pppoe({text}: {text: string}) {
           value: row => row.client_mac,
           cell: row => <strong class="mono">{row.client_mac}</strong>,
         },
-        {
-          id: "ont",
-          title: "ONT",
-          width: "72px",
-          value: row => placeOrder(row.pon_port_id, row.ont_id),
-          cell: row => `${row.pon_port_id}/${row.ont_id}`,
-        },
-        {
-          id: "serial",
-          title: "Serial",
-          width: "minmax(120px, 1fr)",
-          value: row => serialText(row.ont_serial, format),
-          cell: row => <span class="mono">{serialText(row.ont_serial, format)}</span>,
-        },
+        ...ontColumns(format),
         {
           id: "session",
           title: "Session",
