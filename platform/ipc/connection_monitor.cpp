@@ -10,7 +10,7 @@
 namespace xpon::ipc {
 
 ConnectionMonitor::ConnectionMonitor(zmq::context_t& context, zmq::socket_t& watched)
-    : events_(context, zmq::socket_type::pair) {
+    : watched_(watched), events_(context, zmq::socket_type::pair) {
     const auto endpoint = fmt::format("inproc://monitor-{}", watched.handle());
     if (zmq_socket_monitor(watched.handle(), endpoint.c_str(),
                            ZMQ_EVENT_HANDSHAKE_SUCCEEDED | ZMQ_EVENT_DISCONNECTED) != 0) {
@@ -20,6 +20,10 @@ ConnectionMonitor::ConnectionMonitor(zmq::context_t& context, zmq::socket_t& wat
     // Two small events for each life of the peer. With a limit, ZeroMQ's own thread would wait for their reader.
     events_.set(zmq::sockopt::rcvhwm, 0);
     uninterrupted([&] { events_.connect(endpoint); });
+}
+
+ConnectionMonitor::~ConnectionMonitor() {
+    zmq_socket_monitor(watched_.handle(), nullptr, 0);
 }
 
 void ConnectionMonitor::update() {

@@ -10,7 +10,12 @@ namespace xpon::ipc {
 /// that cannot send may as well have a full queue.
 class ConnectionMonitor {
 public:
+    /// `watched` is not owned, and outlives the monitor.
     ConnectionMonitor(zmq::context_t& context, zmq::socket_t& watched);
+    /// Nobody would read what happens from now on: ZeroMQ's thread would wait for a reader, and lose the message.
+    ~ConnectionMonitor();
+    ConnectionMonitor(const ConnectionMonitor&) = delete;
+    ConnectionMonitor& operator=(const ConnectionMonitor&) = delete;
 
     /// Takes in what happened since the last call.
     void update();
@@ -22,6 +27,7 @@ public:
     [[nodiscard]] zmq::socket_ref events();
 
 private:
+    zmq::socket_ref watched_;
     zmq::socket_t events_;
     bool is_connected_ = false;
     std::uint64_t breaks_ = 0;
