@@ -76,11 +76,11 @@ std::vector<std::byte> answer_counters(const Plant& plant, std::uint16_t first, 
     return peer_side::list_payload(std::span(std::as_const(records)));
 }
 
-/// For how long counters may be shown as those of now. When the clock is stepped, nobody knows when the next step
-/// comes.
+/// For how long counters may be shown as those of now, in a walk that has begun. While the clock stands they stay what
+/// they are until a step, and one that comes during a walk finds part of it done whoever asks how.
 std::uint32_t counters_hold_ms(const PlantClock& clock) {
     static constexpr double plant_time_ms = 50;
-    return clock.rate() > 0 ? static_cast<std::uint32_t>(plant_time_ms / clock.rate()) : 0;
+    return static_cast<std::uint32_t>(clock.rate() > 0 ? plant_time_ms / clock.rate() : plant_time_ms);
 }
 
 /// By kind of information, from 1.
