@@ -3,6 +3,7 @@
 #include "api_service/api_service.hpp"
 #include "api_service/auth/secret_wiping.hpp"
 #include "api_service/freed_memory.hpp"
+#include "api_service/protocol/json_writer.hpp"
 #include "api_service/request_memory.hpp"
 #include "xpon/core/guard.hpp"
 
@@ -80,13 +81,14 @@ Result<void> ApiService::run_pre_hooks(const RouteHandler& route, const std::sha
 }
 
 Result<void> ApiService::answer(IClientSocket& socket, Response response, const std::string& path) {
-    BOOST_OUTCOME_TRY(const auto text, logged(*logger_, core::guarded(*logger_, [&] {
+    BOOST_OUTCOME_TRY(auto text, logged(*logger_, core::guarded(*logger_, [&] {
                           return request_parser_.make_response(std::move(response));
                       })));
     auto sent = core::guarded(*logger_, [&] { return socket.send_frame(text); });
     if (!sent) {
         log_error(*logger_, "Answer of {}: {}", path, sent.error().to_string());
     }
+    JsonWriter::reuse(std::move(text));
     return sent;
 }
 

@@ -4,6 +4,7 @@ find_package(fmt 9 REQUIRED)
 find_package(Boost 1.77 REQUIRED)
 pkg_check_modules(cjson REQUIRED IMPORTED_TARGET GLOBAL libcjson)
 pkg_check_modules(zmq REQUIRED IMPORTED_TARGET GLOBAL libzmq)
+pkg_check_modules(deflate REQUIRED IMPORTED_TARGET GLOBAL libdeflate)
 pkg_check_modules(lmdb REQUIRED IMPORTED_TARGET GLOBAL lmdb)
 pkg_check_modules(systemd REQUIRED IMPORTED_TARGET GLOBAL libsystemd)
 

@@ -91,6 +91,11 @@ std::string_view text_of(const char* text) {
     return text == nullptr ? std::string_view() : text;
 }
 
+constexpr std::size_t large_text = 64UL * 1024;      // bytes, and below
+constexpr std::size_t most_kept = 2UL * 1024 * 1024; // what all ONTs of a full plant are configured as
+
+thread_local std::string spare; // NOLINT(cppcoreguidelines-avoid-non-const-global-variables): empty, or what was kept
+
 } // namespace
 
 void JsonWriter::begin_object() {
@@ -303,15 +308,24 @@ bool JsonWriter::append_object(const cJSON& object) {
 
 void JsonWriter::grow(std::size_t size) {
     // Large blocks cost only what is written of them, moving what has been written costs all of it.
-    constexpr std::size_t large = 64 * 1024;
     constexpr std::size_t least = 1024;
     const auto needed = used_ + size;
     if (needed > text_.capacity()) {
-        const auto times = text_.capacity() < large ? 2U : 4U;
-        text_.reserve(std::max({needed, least, times * text_.capacity()}));
+        if (needed >= large_text && needed <= spare.capacity()) {
+            spare.assign(text_, 0, used_);
+            text_ = std::exchange(spare, {});
+        }
+        const auto times = text_.capacity() < large_text ? 2U : 4U;
+        text_.reserve(std::max({needed, least, text_.capacity() < needed ? times * text_.capacity() : 0}));
     }
     // Each byte is cleared once, just before it is written.
-    text_.resize(std::min(text_.capacity(), needed + std::clamp(used_, least, large)));
+    text_.resize(std::min(text_.capacity(), needed + std::clamp(used_, least, large_text)));
+}
+
+void JsonWriter::reuse(std::string text) {
+    if (text.size() >= large_text && text.size() <= most_kept && spare.capacity() < text.capacity()) {
+        spare = std::move(text);
+    }
 }
 
 } // namespace xpon::api_service

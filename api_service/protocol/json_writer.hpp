@@ -63,6 +63,10 @@ public:
     /// What has been written; the writer is of no use then.
     std::string take() &&;
 
+    /// Keeps the memory of a text that nobody needs any more for the next long one of this thread, unless it is more
+    /// than is worth keeping: the kernel takes longer to bring pages than the writer to fill them.
+    static void reuse(std::string text);
+
 private:
     /// What stands before a value in an array; in an object key() has written it.
     void begin_value();

@@ -3,6 +3,8 @@
 #include "api_service/handlers/monitoring/wire_texts.hpp"
 #include "api_service/handlers/record_fields.hpp"
 
+#include <fmt/compile.h>
+
 namespace xpon::api_service {
 namespace {
 
@@ -13,7 +15,7 @@ constexpr Shape ont_shape{.form = Shape::Form::text, .pattern = "^([1-9][0-9]*/[
 
 std::string ont_text(const Bcm_mac_entry& entry) {
     const bool is_behind_ont = entry.kind == switch_port_pon && entry.ont_id != 0;
-    return is_behind_ont ? fmt::format("{}/{}", entry.number, entry.ont_id) : std::string();
+    return is_behind_ont ? fmt::format(FMT_COMPILE("{}/{}"), entry.number, entry.ont_id) : std::string();
 }
 
 constexpr JsonField<Bcm_mac_entry> entry_fields[] = {
