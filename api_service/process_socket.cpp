@@ -34,9 +34,12 @@ Result<void> ApiService::process_socket(const std::shared_ptr<IClientSocket>& so
     if (const auto tree_bytes = frame.size() * tree_bytes_per_text_byte; tree_bytes > RequestMemory::most_bytes) {
         memory_used_ = tree_bytes;
     }
-    BOOST_OUTCOME_TRY(auto request,
-                      logged(*logger_, core::guarded(*logger_, [&] { return request_parser_.parse_request(frame); })));
-    return dispatch(*socket, request);
+    auto request = logged(*logger_, core::guarded(*logger_, [&] { return request_parser_.parse_request(frame); }));
+    if (!request) {
+        RequestMemory::wipe_unused();
+        return std::move(request).error();
+    }
+    return dispatch(*socket, request.value());
 }
 
 Result<void> ApiService::dispatch(IClientSocket& socket, Request& request) {

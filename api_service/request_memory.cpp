@@ -10,6 +10,7 @@
 
 #include <cjson/cJSON.h>
 #include <malloc.h>
+#include <string.h> // explicit_bzero is no part of <cstring>
 
 namespace xpon::api_service {
 namespace {
@@ -76,6 +77,14 @@ public:
         if (current_ >= kept && current_ < chunk_count && !is_taken_[current_]) {
             current_ = chunk_count;
             used_ = chunk_size;
+        }
+    }
+
+    void wipe_unused() {
+        for (std::size_t chunk = 0; chunk < end_; ++chunk) {
+            if (is_taken_[chunk] && blocks_[chunk] == 0) {
+                explicit_bzero(begin_ + chunk * chunk_size, chunk_size);
+            }
         }
     }
 
@@ -163,6 +172,10 @@ RequestMemory::Scope::~Scope() {
     if (--serving == 0) {
         arena.shrink();
     }
+}
+
+void RequestMemory::wipe_unused() {
+    arena.wipe_unused();
 }
 
 std::size_t RequestMemory::bytes_taken() {

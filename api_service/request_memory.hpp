@@ -18,7 +18,8 @@ namespace xpon::api_service {
 ///   its end; one that needs more than `most_bytes` gets the rest from the heap.
 /// - A tree of the arena is to be freed by the thread that serves requests: the counts are its own.
 /// - Texts, records and frames are no business of the arena: they are strings, vectors and blocks of the heap. Large
-///   ones are mappings of their own, which go back to the system when they are freed.
+///   ones are mappings of their own, which go back to the system when they are freed. The text of an answer is kept
+///   for the next one, up to a limit.
 ///
 /// Programs that look for leaks and overruns leave the arena out.
 class RequestMemory {
@@ -38,6 +39,10 @@ public:
         Scope& operator=(const Scope&) = delete;
         ~Scope();
     };
+
+    /// Overwrites what is in no use. The library frees the tree of a text that turns out to be no JSON as it is, and
+    /// there may be a password in it.
+    static void wipe_unused();
 
     /// Bytes of the arena that are taken from the system, blocks in use or not.
     static std::size_t bytes_taken();

@@ -36,8 +36,11 @@ Result<void> PamSession::open_session(const std::string& user, const std::string
     const WipeAtExit wipe(password_);
 
     BOOST_OUTCOME_TRY(start(user));
-    if (const int status = pam_authenticate(handle_, 0); status != PAM_SUCCESS) {
-        log_error(*logger_, "pam_authenticate() failed: {}", status);
+    const int authenticated = pam_authenticate(handle_, 0);
+    // Releases of libpam free their copies as they are, where the compiler found that nobody reads them any more.
+    wipe_freed_copies(password.size() + 1);
+    if (authenticated != PAM_SUCCESS) {
+        log_error(*logger_, "pam_authenticate() failed: {}", authenticated);
         return ErrorPayload(Error::NoAccess, "Invalid credentials");
     }
     if (const int status = pam_open_session(handle_, 0); status != PAM_SUCCESS) {

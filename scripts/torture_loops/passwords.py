@@ -21,7 +21,8 @@ def memory_of(pid):
 
 
 def traces(options, progress):
-    """Logins with a wrong password, as requests of every form; none of it is left in memory. Needs root."""
+    """Logins with a wrong password, in any pieces, every other one cut short of being JSON; nothing is left in memory.
+    Needs root."""
     require(os.geteuid() == 0, "only root may look at the daemon's memory")
     tail = "-tail-4711-and-more"
     password = "Wrong-pass" + 40 * "." + tail  # the beginning of a freed block is overwritten anyway
@@ -29,7 +30,8 @@ def traces(options, progress):
         client = olt.start("--plant", "empty")
         for number in progress:
             data = {"user": "admin", "password": password, "more": [password] * 100}
-            request = json.dumps({"path": "auth", "method": "auth", "data": data}).encode() + b"\0"
+            text = json.dumps({"path": "auth", "method": "auth", "data": data})
+            request = text[:len(text) - number % 2].encode() + b"\0"
             for part in (request[:number % len(request)], request[number % len(request):]):
                 client.connection.socket.sendall(part)
             require(not client.receive()["success"], "a wrong password was accepted")

@@ -192,5 +192,25 @@ TEST(JsonWriter, JoinsShortAndLongTexts) {
     }
 }
 
+TEST(JsonWriter, WritesIntoTheMemoryOfTheTextBefore) {
+    const char* kept = nullptr;
+    for (const int items : {100'000, 90'000, 10, 100'000}) {
+        JsonWriter writer;
+        writer.begin_array();
+        std::string expected;
+        for (int item = 0; item < items; ++item) {
+            writer.integer(item);
+            expected += (item == 0 ? "[" : ", ") + std::to_string(item);
+        }
+        writer.end_array();
+        auto text = std::move(writer).take();
+        EXPECT_EQ(text, expected + "]");
+        const bool is_long = items > 10;
+        EXPECT_EQ(kept == text.data(), is_long && kept != nullptr) << items;
+        kept = is_long ? text.data() : kept;
+        JsonWriter::reuse(std::move(text));
+    }
+}
+
 } // namespace
 } // namespace xpon::api_service
