@@ -111,7 +111,7 @@ EXAMPLES = r'''
 RETURN = r'''
 changes:
   description: What differs, alike records together, by key path. Secrets are hidden.
-  returned: when the comparison came to an end
+  returned: success
   type: list
   elements: dict
   contains:
@@ -196,7 +196,7 @@ def check(module, edit):
             raise
 
 
-def carry_out(module, edit, deleted, report):
+def carry_out(module, edit, deleted):
     try:
         edit.write(deleted)
         if edit.changes:
@@ -208,10 +208,10 @@ def carry_out(module, edit, deleted, report):
                 edit.reopen(edit.client)
             edit.take_back()
         except (candidate.Trouble, olt_api.ApiError, OSError) as obstacle:
-            fail(module, trouble, rolled_back=False, changes=report,
+            fail(module, trouble, rolled_back=False,
                  msg=f"{trouble}. The edits of this task are not in force, but could not be taken back from the candidate: "
                      f"{obstacle}")
-        fail(module, trouble, rolled_back=True, changes=report,
+        fail(module, trouble, rolled_back=True,
              msg=f"{trouble}. All edits of this task were taken back; the OLT runs as before")
 
 
@@ -247,7 +247,7 @@ def main():
         except candidate.Trouble as trouble:
             fail(module, trouble)
         if changes and not module.check_mode:
-            carry_out(module, edit, deleted, candidate.report_of(changes))
+            carry_out(module, edit, deleted)
         report = candidate.report_of(edit.changes)
         diff = {"diff": candidate.diff_of(report)} if module._diff else {}
         module.exit_json(changed=bool(report), changes=report, saved=save(module, client, bool(report)), **diff)
