@@ -39,8 +39,6 @@ def query(expression):
     return [(entry["metric"], entry.get("values") or entry["value"][1]) for entry in result]
 
 
-
-
 class FleetOfTwo(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
@@ -95,6 +93,14 @@ class FleetOfTwo(unittest.TestCase):
         with urllib.request.urlopen("http://127.0.0.1:19090/api/v1/rules", timeout=PATIENCE) as answer:
             groups = json.load(answer)["data"]["groups"]
         self.assertEqual([rule["lastError"] for group in groups for rule in group["rules"] if rule.get("lastError")], [])
+
+    def test_1_its_inventory_is_one_for_the_playbook(self):
+        environment = {**os.environ, "ANSIBLE_COLLECTIONS_PATH": str(BUILD), "ANSIBLE_HOME": str(self.folder / "ansible"),
+                       "ANSIBLE_REMOTE_TEMP": str(self.folder / "ansible/remote"), "LC_ALL": "C.UTF-8"}
+        done = subprocess.run(["ansible-playbook", "--check", "-i", self.folder / "inventory.json",
+                               CHECKOUT / "ansible/playbooks/subscribers.yml"], env=environment, stdin=subprocess.DEVNULL,
+                              capture_output=True, text=True, check=False)
+        self.assertEqual(re.findall(r"^(\S+) +: ok=2 +changed=1 ", done.stdout, re.M), list(OLTS), done.stdout + done.stderr)
 
     def test_2_faults_raise_their_alerts_within_two_scrapes(self):
         cut, street = [labels["port"] for labels, _ in query('olt:pon_port_onts_up:sum{instance="olt-01"} >= 5')][:2]
