@@ -4,6 +4,7 @@
 usage: tests/system/ansible_test.py [CASE...] BUILD-FOLDER
 """
 
+import concurrent.futures
 import contextlib
 import ctypes
 import json
@@ -11,6 +12,7 @@ import os
 import pathlib
 import re
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -58,6 +60,14 @@ class Network:
         with self._coming_back():
             check(LIBC.setns(self.descriptor, CLONE_NEWNET))
             yield
+
+    def end(self, program):
+        """Those in this network whose command line names it."""
+        for process in pathlib.Path("/proc").glob("[0-9]*"):
+            with contextlib.suppress(OSError):  # it has ended
+                if os.path.samestat(os.stat(self.descriptor), os.stat(process / "ns/net")) and \
+                        program in (process / "cmdline").read_text():
+                    os.kill(int(process.name), signal.SIGTERM)
 
     def interpreter(self):
         return f"nsenter --net=/proc/{os.getpid()}/fd/{self.descriptor} {sys.executable}"
@@ -172,6 +182,16 @@ class Collection(unittest.TestCase):
                                             "record": {"serial": "SIMUA0010001", "ont_template": 31}})
             self.assertTrue(refused["rolled_back"])
             self.assertIn("pon.ont.1.1: Commit failed: Undefined template 31. All edits", refused["msg"])
+            self.assertEqual(site.configuration("candidate"), before)
+        with self.subTest("a task that is interrupted is taken back"):
+            many = [{"element": ONT, "indices": f"{port}/{ont}", "record": {"description": f"House {port}/{ont}"}}
+                    for port in range(1, 17) for ont in range(1, 129)]
+            with concurrent.futures.ThreadPoolExecutor(1) as pool:
+                task = pool.submit(self.configure, site, *many)
+                while not site.client.get(ONT, 1, 1, config="candidate")[0]["description"]:
+                    self.assertFalse(task.done())
+                site.network.end("AnsiballZ_olt_config")
+                self.assertIn("ended by SIGTERM. All edits", task.result()["msg"])
             self.assertEqual(site.configuration("candidate"), before)
         with self.subTest("edits of others are neither committed nor lost"):
             site.client.set(HOSTNAME, {"hostname": "of-others"})

@@ -9,7 +9,7 @@ description:
   - Reads the records that a playbook names, compares them with what it says, sends those that differ to the candidate
     configuration and puts them into force with one commit.
   - When a record or the commit is refused, all edits are taken back; nothing half-done stays, neither in what runs nor in
-    the candidate.
+    the candidate. So they are when the playbook is interrupted.
 author:
   - Developers of api_service !UNKNOWN
 extends_documentation_fragment:
@@ -146,6 +146,8 @@ rolled_back:
   type: bool
 '''
 
+import signal
+
 from ansible.module_utils.basic import AnsibleModule
 
 from ansible_collections.xpon.olt.plugins.module_utils import candidate, olt_api, records, session
@@ -196,7 +198,23 @@ def check(module, edit):
             raise
 
 
+def end_orderly():
+    """Somebody interrupts the playbook, or its connection to this machine ends: that counts as an answer that was lost,
+    so that the edits are taken back."""
+    endings = [number for number in (signal.SIGHUP, signal.SIGINT, signal.SIGTERM)
+               if signal.getsignal(number) != signal.SIG_IGN]  # as nohup has it
+
+    def lose_answer(number, _):
+        for ending in endings:
+            signal.signal(ending, signal.SIG_IGN)
+        raise olt_api.TransportError(f"ended by {signal.Signals(number).name}")
+
+    for ending in endings:
+        signal.signal(ending, lose_answer)
+
+
 def carry_out(module, edit, deleted):
+    end_orderly()
     try:
         edit.write(deleted)
         if edit.changes:
