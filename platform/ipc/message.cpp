@@ -19,16 +19,29 @@ std::optional<Message> decode(std::span<const std::byte> bytes) {
         return message;
     }
     const bool known_kind = header.kind >= MessageKind::request && header.kind <= MessageKind::notice;
-    return known_kind && header.payload_size == message.payload.size() ? std::optional(message) : std::nullopt;
+    const auto others_size = header.others * sizeof(Address);
+    if (!known_kind || header.payload_size != message.payload.size() || others_size > message.payload.size()) {
+        return std::nullopt;
+    }
+    if (header.others != 0) {
+        message.others.resize(header.others);
+        std::memcpy(message.others.data(), message.payload.data(), others_size);
+        message.payload = message.payload.subspan(others_size);
+    }
+    return message;
 }
 
-std::vector<std::byte> encode(MessageHeader header, std::span<const std::byte> payload) {
-    header.payload_size = payload.size();
+std::vector<std::byte> encode(MessageHeader header, std::span<const std::byte> payload,
+                              std::span<const Address> others) {
+    const auto other_bytes = std::as_bytes(others);
+    header.others = static_cast<std::uint16_t>(others.size());
+    header.payload_size = other_bytes.size() + payload.size();
     const auto header_bytes = std::as_bytes(std::span(&header, 1));
     std::vector<std::byte> bytes;
-    bytes.reserve(header_bytes.size() + payload.size());
-    bytes.insert(bytes.end(), header_bytes.begin(), header_bytes.end());
-    bytes.insert(bytes.end(), payload.begin(), payload.end());
+    bytes.reserve(header_bytes.size() + other_bytes.size() + payload.size());
+    for (const auto part : {header_bytes, other_bytes, payload}) {
+        bytes.insert(bytes.end(), part.begin(), part.end());
+    }
     return bytes;
 }
 

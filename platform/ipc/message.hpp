@@ -13,7 +13,7 @@
 namespace xpon::ipc {
 
 /// Raised with every change of a payload's layout: both sides of a device are of one release.
-inline constexpr std::uint16_t protocol_version = 3;
+inline constexpr std::uint16_t protocol_version = 4;
 inline constexpr std::uint32_t protocol_magic = 0x43504958; // "XIPC"
 
 /// No message is larger, so that a faulty peer cannot make its reader run out of memory.
@@ -31,7 +31,9 @@ struct MessageHeader {
     std::uint16_t version = protocol_version;
     MessageKind kind = MessageKind::request;
     std::uint16_t operation = hello;
-    std::uint16_t reserved = 0;
+    /// How many addresses stand in front of the payload, and count as a part of it: the other peers of the same process
+    /// who are asked or told the same, or who answer the same.
+    std::uint16_t others = 0;
     Address sender{};
     std::uint32_t id = 0;    ///< chosen by the asker, repeated in the answer; 0 in a notice
     std::int32_t status = 0; ///< of an answer: 0 or an errno value
@@ -39,8 +41,11 @@ struct MessageHeader {
     /// Of a request: nanoseconds of CLOCK_MONOTONIC, which all processes of a machine share, until when its asker waits
     /// for the answer; 0 when it is welcome at any time.
     std::int64_t deadline = 0;
+    /// Of an answer: a random number that tells which process it is from. Peers of one process can be asked together. 0
+    /// when they cannot.
+    std::uint64_t server = 0;
 };
-static_assert(std::is_trivially_copyable_v<MessageHeader> && sizeof(MessageHeader) == 40);
+static_assert(std::is_trivially_copyable_v<MessageHeader> && sizeof(MessageHeader) == 48);
 
 using Clock = std::chrono::steady_clock; // on Linux that of CLOCK_MONOTONIC
 
@@ -52,6 +57,7 @@ inline std::int64_t to_wire(Clock::time_point deadline) {
 /// A message as it was received. `payload` points into the received bytes.
 struct Message {
     MessageHeader header;
+    std::vector<Address> others;
     std::span<const std::byte> payload;
 };
 
@@ -59,7 +65,8 @@ struct Message {
 /// another version only the version is to be believed.
 std::optional<Message> decode(std::span<const std::byte> bytes);
 
-/// The bytes of a message; `header`'s payload size is filled in.
-std::vector<std::byte> encode(MessageHeader header, std::span<const std::byte> payload);
+/// The bytes of a message; `header`'s sizes are filled in.
+std::vector<std::byte> encode(MessageHeader header, std::span<const std::byte> payload,
+                              std::span<const Address> others = {});
 
 } // namespace xpon::ipc

@@ -40,7 +40,7 @@ core::Result<void> PeerConnection::shake_hands() {
             wait_for_connection(deadline);
             continue;
         }
-        Ipc::Reply answer;
+        Answer answer;
         cause = exchange(hello, {}, deadline, answer);
         if (cause == 0) {
             is_up_ = true;
@@ -54,7 +54,7 @@ core::Result<void> PeerConnection::shake_hands() {
 }
 
 core::Result<void> PeerConnection::check_presence() {
-    Ipc::Reply ignored;
+    Answer ignored;
     if (const int cause = reach(hello, {}, Clock::now() + timing_.handshake, ignored)) {
         return failure(cause);
     }
@@ -74,13 +74,13 @@ Ipc::Reply PeerConnection::request(std::uint16_t operation, std::span<const std:
     if (payload.size() + sizeof(MessageHeader) > max_message_bytes) {
         return {EMSGSIZE, {}};
     }
-    Ipc::Reply answer;
+    Answer answer;
     const int cause = reach(operation, payload, deadline, answer);
-    return cause != 0 ? Ipc::Reply{cause, {}} : answer;
+    return cause != 0 ? Ipc::Reply{cause, {}} : std::move(answer.reply);
 }
 
 int PeerConnection::reach(std::uint16_t operation, std::span<const std::byte> payload, Clock::time_point deadline,
-                          Ipc::Reply& answer) {
+                          Answer& answer) {
     monitor_.update();
     int cause = monitor_.is_connected() ? 0 : ECONNREFUSED;
     if (cause == 0 && !is_up_) {
@@ -95,47 +95,61 @@ int PeerConnection::reach(std::uint16_t operation, std::span<const std::byte> pa
     return cause;
 }
 
-std::optional<std::uint32_t> PeerConnection::begin_request(std::uint16_t operation, std::span<const std::byte> payload,
-                                                           Clock::time_point deadline) {
+pollfd PeerConnection::news() {
+    return news_of(monitor_.events());
+}
+
+void PeerConnection::take_news() {
     monitor_.update();
-    if (!is_up_ || !monitor_.is_connected() || payload.size() + sizeof(MessageHeader) > max_message_bytes) {
-        return std::nullopt;
+}
+
+bool PeerConnection::may_be_asked() {
+    if (!is_up_ || !monitor_.is_connected()) {
+        return false;
     }
     if (owed_ && owed_->breaks == monitor_.breaks()) {
         // The answer that is owed may never come: the peer drops a question that it comes to too late. It answers a
         // hello behind that.
         std::ignore = probe();
         if (owed_) {
-            return std::nullopt;
+            return false;
         }
     }
     owed_.reset();
+    return true;
+}
+
+std::uint64_t PeerConnection::server() const {
+    return monitor_.is_connected() && breaks_at_answer_ == monitor_.breaks() ? server_ : 0;
+}
+
+void PeerConnection::forget_server() {
+    server_ = 0;
+}
+
+std::optional<PeerConnection::Question> PeerConnection::ask(std::uint16_t operation, std::span<const std::byte> payload,
+                                                            std::span<const Address> others,
+                                                            Clock::time_point deadline) {
+    if (payload.size() + others.size_bytes() + sizeof(MessageHeader) > max_message_bytes) {
+        return std::nullopt;
+    }
     const auto id = ++last_id_;
-    const bool is_sent =
-        send({.kind = MessageKind::request, .operation = operation, .id = id, .deadline = to_wire(deadline)}, payload);
-    return is_sent ? std::optional(id) : std::nullopt;
+    const MessageHeader header{
+        .kind = MessageKind::request, .operation = operation, .id = id, .deadline = to_wire(deadline)};
+    return send(header, payload, others) ? std::optional(Question{id, monitor_.breaks()}) : std::nullopt;
 }
 
-std::optional<Ipc::Reply> PeerConnection::finish_request(std::uint32_t id, Clock::time_point deadline) {
-    Ipc::Reply answer;
-    const int cause = await_answer(id, deadline, answer);
-    if (cause == 0) {
-        return answer;
-    }
-    if (cause == ETIMEDOUT) {
-        owed_ = {id, monitor_.breaks()};
-    } else {
-        mark_down(cause);
-    }
-    return std::nullopt;
+void PeerConnection::owe_answer() {
+    owed_ = {++last_id_, monitor_.breaks()};
 }
 
-void PeerConnection::notify(std::uint16_t operation, std::span<const std::byte> payload) {
-    std::ignore = send({.kind = MessageKind::notice, .operation = operation}, payload);
+bool PeerConnection::notify(std::uint16_t operation, std::span<const std::byte> payload,
+                            std::span<const Address> others) {
+    return send({.kind = MessageKind::notice, .operation = operation}, payload, others);
 }
 
 int PeerConnection::exchange(std::uint16_t operation, std::span<const std::byte> payload, Clock::time_point deadline,
-                             Ipc::Reply& answer) {
+                             Answer& answer) {
     const auto id = ++last_id_;
     // A hello does nothing, and who answers it late is there all the same.
     const MessageHeader header{.kind = MessageKind::request,
@@ -152,26 +166,25 @@ int PeerConnection::exchange(std::uint16_t operation, std::span<const std::byte>
         }
         wait_for_change(deadline);
     }
-    return await_answer(id, deadline, answer);
+    return await_answer({id, monitor_.breaks()}, deadline, answer);
 }
 
-int PeerConnection::await_answer(std::uint32_t id, Clock::time_point deadline, Ipc::Reply& answer) {
+int PeerConnection::await_answer(const Question& question, Clock::time_point deadline, Answer& answer) {
     // Messages that are there are looked at even after the deadline, but a peer that never stops sending ends.
     int late_messages = 256;
-    const auto breaks_before = monitor_.breaks();
     for (;;) {
-        auto outcome = take_message(id, answer);
+        auto outcome = take_message(question.id, answer);
         if (!outcome) {
             monitor_.update();
-            if (monitor_.breaks() != breaks_before) {
-                outcome = take_message(id, answer); // which may have come just before the end
+            if (monitor_.breaks() != question.breaks) {
+                outcome = take_message(question.id, answer); // which may have come just before the end
             }
         }
         if (outcome && *outcome != EAGAIN) {
             return *outcome;
         }
         const bool is_late = Clock::now() >= deadline;
-        if (!outcome && monitor_.breaks() != breaks_before) {
+        if (!outcome && monitor_.breaks() != question.breaks) {
             return ECONNRESET;
         }
         if (is_late && (!outcome || --late_messages == 0)) {
@@ -185,7 +198,7 @@ int PeerConnection::await_answer(std::uint32_t id, Clock::time_point deadline, I
 
 /// One received message: empty when there is none, EAGAIN when it is not the answer to `id` (a late one, or none of
 /// this protocol), else 0 or EPROTO.
-std::optional<int> PeerConnection::take_message(std::uint32_t id, Ipc::Reply& answer) {
+std::optional<int> PeerConnection::take_message(std::uint32_t id, Answer& answer) {
     zmq::message_t received;
     if (!receive(socket_, received)) {
         return std::nullopt;
@@ -211,23 +224,25 @@ std::optional<int> PeerConnection::take_message(std::uint32_t id, Ipc::Reply& an
     if (header.kind != MessageKind::answer || header.id != id) {
         return EAGAIN;
     }
-    answer = {header.status, {message->payload.begin(), message->payload.end()}};
+    server_ = header.server;
+    breaks_at_answer_ = monitor_.breaks();
+    answer = {{header.status, {message->payload.begin(), message->payload.end()}}, message->others};
+    answer.from.push_back(header.sender);
     return 0;
 }
 
 int PeerConnection::probe() {
     const auto now = Clock::now();
-    if (breaks_at_probe_ != monitor_.breaks()) {
+    if (probe_.breaks != monitor_.breaks()) {
         // Another process than the one that was probed.
         last_probe_.reset();
     }
-    Ipc::Reply ignored;
+    Answer ignored;
     const bool is_due = !last_probe_ || now - *last_probe_ >= timing_.probe_interval;
-    int cause = last_probe_ ? await_answer(probe_id_, now, ignored) : ETIMEDOUT;
+    int cause = last_probe_ ? await_answer(probe_, now, ignored) : ETIMEDOUT;
     if (cause == ETIMEDOUT && is_due) {
         last_probe_ = now;
-        breaks_at_probe_ = monitor_.breaks();
-        probe_id_ = last_id_ + 1;
+        probe_ = {last_id_ + 1, monitor_.breaks()};
         cause = exchange(hello, {}, now + timing_.probe_wait, ignored);
     }
     if (cause == 0) {
@@ -236,9 +251,9 @@ int PeerConnection::probe() {
     return cause == ETIMEDOUT ? EHOSTDOWN : cause;
 }
 
-bool PeerConnection::send(MessageHeader header, std::span<const std::byte> payload) {
+bool PeerConnection::send(MessageHeader header, std::span<const std::byte> payload, std::span<const Address> others) {
     header.sender = own_;
-    const auto bytes = encode(header, payload);
+    const auto bytes = encode(header, payload, others);
     return ipc::send(socket_, bytes);
 }
 

@@ -7,10 +7,13 @@
 #include "xpon/core/result.hpp"
 
 #include <chrono>
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
+#include <poll.h>
 #include <zmq.hpp>
 
 namespace xpon::ipc {
@@ -42,32 +45,62 @@ public:
     void await_first_contact();
     /// The statuses of Ipc::request.
     Ipc::Reply request(std::uint16_t operation, std::span<const std::byte> payload, Clock::time_point deadline);
-    void notify(std::uint16_t operation, std::span<const std::byte> payload);
 
-    /// A request whose answer is fetched later, by its number; empty when the peer is down, does not take it at once,
-    /// or owes the answer to one before.
-    std::optional<std::uint32_t> begin_request(std::uint16_t operation, std::span<const std::byte> payload,
-                                               Clock::time_point deadline);
-    /// Empty without an answer. A peer that takes longer may still answer other requests in their time.
-    std::optional<Ipc::Reply> finish_request(std::uint32_t id, Clock::time_point deadline);
+    [[nodiscard]] Address peer() const {
+        return peer_;
+    }
+
+    // For questions and notices to many, of which one connection may carry those of other peers. They know of what
+    // happened to the connection until the last take_news().
+
+    /// Readable when there is something to take in.
+    [[nodiscard]] pollfd news();
+    void take_news();
+
+    /// What is waited for.
+    struct Question {
+        std::uint32_t id = 0;
+        std::uint64_t breaks = 0; ///< before it: with its connection the answer is lost
+    };
+    /// An answer, and who answers it.
+    struct Answer {
+        Ipc::Reply reply;
+        std::vector<Address> from;
+    };
+
+    /// Whether the peer can be asked now: it is up, and owes no answer to a question before.
+    [[nodiscard]] bool may_be_asked();
+    /// The process that serves the peer, as it says itself; 0 while that is not known.
+    [[nodiscard]] std::uint64_t server() const;
+    /// It is another one.
+    void forget_server();
+    /// Asks the peer and `others` of the same process; empty when there is no room to send.
+    std::optional<Question> ask(std::uint16_t operation, std::span<const std::byte> payload,
+                                std::span<const Address> others, Clock::time_point deadline);
+    /// The next answer, which may be that of several. 0, ETIMEDOUT, or why there will be none.
+    int await_answer(const Question& question, Clock::time_point deadline, Answer& answer);
+    /// The peer did not answer in time. It may still answer other requests in theirs.
+    void owe_answer();
+    /// It does not answer any more.
+    void mark_down(int cause);
+    /// Tells the peer, and `others` of the same process. False when there is no room to send.
+    bool notify(std::uint16_t operation, std::span<const std::byte> payload, std::span<const Address> others);
 
 private:
     /// 0, or the errno value that says why there was no answer. The peer is marked down then, unless its caller had
     /// less time left than until `deadline`: the peer may be none the worse.
-    int reach(std::uint16_t operation, std::span<const std::byte> payload, Clock::time_point deadline,
-              Ipc::Reply& answer);
+    int reach(std::uint16_t operation, std::span<const std::byte> payload, Clock::time_point deadline, Answer& answer);
     /// The same, of a peer whatever its mark.
     int exchange(std::uint16_t operation, std::span<const std::byte> payload, Clock::time_point deadline,
-                 Ipc::Reply& answer);
-    int await_answer(std::uint32_t id, Clock::time_point deadline, Ipc::Reply& answer);
-    std::optional<int> take_message(std::uint32_t id, Ipc::Reply& answer);
+                 Answer& answer);
+    std::optional<int> take_message(std::uint32_t id, Answer& answer);
     int probe();
-    [[nodiscard]] bool send(MessageHeader header, std::span<const std::byte> payload);
+    [[nodiscard]] bool send(MessageHeader header, std::span<const std::byte> payload,
+                            std::span<const Address> others = {});
     /// Until something happens to the connection.
     void wait_for_connection(Clock::time_point deadline);
     /// The same, or to the socket, which had nothing to receive or no room to send.
     void wait_for_change(Clock::time_point deadline);
-    void mark_down(int cause);
     void mark_up();
     [[nodiscard]] std::string explain(int cause) const;
     [[nodiscard]] core::ErrorPayload failure(int cause) const;
@@ -81,16 +114,12 @@ private:
     ConnectionMonitor monitor_;
     bool is_up_ = false;
     std::uint32_t last_id_ = 0;
-    /// An answer that was not waited for to the end.
-    struct Owed {
-        std::uint32_t id;
-        std::uint64_t breaks; ///< with its connection the answer is lost
-    };
-    std::optional<Owed> owed_;
+    std::optional<Question> owed_; ///< not waited for to the end
     std::uint16_t peer_version_ = protocol_version;
-    std::uint32_t probe_id_ = 0;
+    std::uint64_t server_ = 0;           ///< as the last answer said,
+    std::uint64_t breaks_at_answer_ = 0; ///< which came before the connection broke again
+    Question probe_;
     std::optional<Clock::time_point> last_probe_; ///< of the connection that stands
-    std::uint64_t breaks_at_probe_ = 0;
 };
 
 } // namespace xpon::ipc

@@ -1,15 +1,18 @@
 #include "ipc/zmq_ipc.hpp"
 
+#include "ipc/peer_group.hpp"
 #include "ipc/socket_path.hpp"
 #include "xpon/core/guard.hpp"
 #include "xpon/core/unique_fd.hpp"
 #include "xpon/logger/logger.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <map>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include <sys/eventfd.h>
 
@@ -77,40 +80,52 @@ public:
     std::optional<Address> ask_all(std::uint16_t operation, std::span<const std::byte> payload,
                                    std::chrono::milliseconds deadline) noexcept override {
         const auto end = Clock::now() + deadline;
-        const auto refusing = core::guarded(*logger_, [&]() -> core::Result<std::optional<Address>> {
-            std::map<Address, std::uint32_t> asked;
-            for (const auto& [address, connection] : peers_) {
-                if (const auto id = connection->begin_request(operation, payload, end)) {
-                    asked.emplace(address, *id);
-                }
-            }
+        const auto first = core::guarded(*logger_, [&]() -> core::Result<std::optional<Address>> {
             // All answers are fetched, also after a refusal: one that is left behind would cost its peer's next
             // request.
-            std::optional<Address> first;
-            for (const auto& [address, id] : asked) {
-                const auto reply = peers_.at(address)->finish_request(id, end);
-                if (reply && reply->status == EPERM && !first) {
-                    first = address;
+            std::vector<Address> refusing;
+            for (auto asked = all_peers(); !asked.empty();) {
+                take_news(asked);
+                std::erase_if(asked, [](PeerConnection* peer) { return !peer->may_be_asked(); });
+                std::vector<GroupQuestion> questions;
+                for (const auto& group : by_process(asked)) {
+                    questions.emplace_back(group, operation, payload, end);
+                }
+                asked.clear();
+                for (auto& question : questions) {
+                    const auto again = question.finish(refusing);
+                    asked.insert(asked.end(), again.begin(), again.end());
                 }
             }
-            return first;
+            const auto least = std::ranges::min_element(refusing);
+            return least == refusing.end() ? std::nullopt : std::optional(*least);
         });
-        return refusing ? refusing.value() : std::nullopt;
+        return first ? first.value() : std::nullopt;
     }
 
     void notify_all(std::uint16_t operation, std::span<const std::byte> payload) noexcept override {
-        for (const auto& [address, connection] : peers_) {
-            std::ignore = core::guarded(*logger_, [&]() -> core::Result<void> {
-                connection->notify(operation, payload);
-                return core::success();
-            });
-        }
+        std::ignore = core::guarded(*logger_, [&]() -> core::Result<void> {
+            const auto peers = all_peers();
+            take_news(peers);
+            for (const auto& group : by_process(peers)) {
+                notify(group, operation, payload);
+            }
+            return core::success();
+        });
     }
 
 private:
     core::Result<std::unique_ptr<PeerConnection>> make_connection(Address peer) {
         BOOST_OUTCOME_TRY(const auto path, socket_path(peer));
         return std::make_unique<PeerConnection>(context_, own_, peer, path, *logger_, timing_);
+    }
+
+    [[nodiscard]] Peers all_peers() const {
+        Peers peers;
+        for (const auto& [address, connection] : peers_) {
+            peers.push_back(connection.get());
+        }
+        return peers;
     }
 
     Address own_;

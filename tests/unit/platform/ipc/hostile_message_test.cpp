@@ -31,6 +31,7 @@ Messages hostile_forms_of(const Bytes& good) {
     }
     forms.push_back(with(good, offsetof(MessageHeader, magic), 0U));
     forms.push_back(with(good, offsetof(MessageHeader, kind), std::uint16_t{9}));
+    forms.push_back(with(good, offsetof(MessageHeader, others), std::uint16_t{3})); // more than there are bytes
     for (const std::uint64_t size : {0ULL, 1ULL, 0x7fffffffULL, ~0ULL, 0 - 1ULL * sizeof(MessageHeader)}) {
         forms.push_back(with(good, offsetof(MessageHeader, payload_size), size));
     }
@@ -149,7 +150,7 @@ TEST_F(IpcTest, APeerOfAnotherVersionIsRefusedByName) {
     const auto result = endpoint->connect(peer);
     ASSERT_FALSE(result);
     EXPECT_THAT(result.error().to_string(),
-                HasSubstr("Peer 0x0019fffe: it speaks version 4 of the protocol, this side version 3"));
+                HasSubstr("Peer 0x0019fffe: it speaks version 5 of the protocol, this side version 4"));
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 #include "tests/unit/platform/ipc/peer_thread.hpp"
 
 #include <stdexcept>
+#include <tuple>
+#include <utility>
 
 namespace xpon::ipc {
 
@@ -14,14 +16,21 @@ std::string text_of(std::span<const std::byte> bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-PeerThread::PeerThread(Address address, Answer answer) : answer_(std::move(answer)) {
+PeerThread::PeerThread(Address address, Answer answer) : PeerThread(std::vector{address}, std::move(answer)) {}
+
+PeerThread::PeerThread(const std::vector<Address>& addresses, Answer answer) : answer_(std::move(answer)) {
     auto server = make_zmq_server(std::make_shared<test::RecordingLogger>());
     server_ = std::move(server.value());
-    if (const auto bound = server_->bind(address, *this); !bound) {
-        throw std::runtime_error(bound.error().to_string());
+    for (const auto address : addresses) {
+        if (const auto bound = server_->bind(address, *this); !bound) {
+            throw std::runtime_error(bound.error().to_string());
+        }
     }
     thread_ = std::jthread([this](const std::stop_token& stop) {
         while (!stop.stop_requested() && server_->serve(2ms, {})) {
+            if (const auto ended = ending_.exchange({}); ended != Address()) {
+                std::ignore = server_->unbind(ended);
+            }
         }
     });
 }

@@ -7,6 +7,7 @@
 #include "tests/support/temporary_olt_root.hpp"
 #include "xpon/peer_side/server.hpp"
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -28,12 +29,19 @@ inline constexpr std::uint16_t echo = 100;
 std::span<const std::byte> bytes_of(std::string_view text);
 std::string text_of(std::span<const std::byte> bytes);
 
-/// A peer daemon in a thread of this process: answers with `answer`, keeps what it was sent. Gone with the object.
+/// A peer daemon in a thread of this process, or several that are one process to their clients: answers with `answer`,
+/// keeps what it was sent. Gone with the object.
 class PeerThread : private IPeerHandler {
 public:
     using Answer = std::function<ServerAnswer(const ServerRequest&)>;
     explicit PeerThread(Address address = peer, Answer answer = echo_answer);
+    PeerThread(const std::vector<Address>& addresses, Answer answer);
     ~PeerThread() override;
+
+    /// One of several is soon served no more.
+    void end(Address address) {
+        ending_ = address;
+    }
 
     static ServerAnswer echo_answer(const ServerRequest& request);
     [[nodiscard]] std::vector<std::string> requests() const;
@@ -44,6 +52,7 @@ private:
     void notice(const ServerRequest& request) override;
 
     Answer answer_;
+    std::atomic<Address> ending_{};
     mutable std::mutex mutex_;
     std::vector<std::string> requests_;
     std::vector<std::string> notices_;

@@ -21,6 +21,7 @@ struct ServerRequest {
     Address client; ///< who asks, as it says itself
     std::uint16_t operation = 0;
     std::span<const std::byte> payload;
+    bool is_repeated = false; ///< it went to several peers in one message, and another has just been given it
 };
 
 /// A peer's answer. `status` is 0, or the errno value with which the call fails at the client.
