@@ -30,7 +30,9 @@ bool Peer::is_up() const {
 }
 
 ipc::ServerAnswer Peer::handle(const ipc::ServerRequest& request) {
-    simulation_.advance();
+    if (!request.is_repeated) {
+        simulation_.advance();
+    }
     if (!is_up()) {
         // It is about to be served no more.
         return {ECONNREFUSED, {}, {}};
@@ -81,7 +83,7 @@ std::chrono::milliseconds Peer::delay() const {
 }
 
 void Peer::notice(const ipc::ServerRequest&) {
-    simulation_.advance();
+    // It is to end the wait for requests: the simulation is brought to the present behind each, once for all peers.
 }
 
 void Peer::start() {
