@@ -18,6 +18,7 @@ namespace {
 using std::chrono::steady_clock;
 
 constexpr std::string_view end_of_head = "\r\n\r\n";
+constexpr auto patience = std::chrono::seconds(30);
 
 std::vector<std::string> command_with(const std::vector<std::string>& options) {
     std::vector<std::string> command{OLT_CONSOLE, "--port", std::to_string(console_port)};
@@ -79,12 +80,16 @@ std::string WebAnswer::cookie() const {
     return set.substr(0, set.find(';'));
 }
 
-WebAnswer Browser::send(const std::string& bytes) {
-    const auto deadline = steady_clock::now() + std::chrono::seconds(30);
+void Browser::begin(const std::string& bytes) {
     if (!connection_) {
         connection_ = connect_to_console();
     }
-    const bool sent = static_cast<bool>(connection_->send_bytes(bytes, deadline)); // a refusal may come before the end
+    // A refusal may come before the end.
+    is_sent_ = static_cast<bool>(connection_->send_bytes(bytes, steady_clock::now() + patience));
+}
+
+WebAnswer Browser::finish() {
+    const auto deadline = steady_clock::now() + patience;
     std::string received;
     auto head_end = std::string::npos;
     while ((head_end = received.find(end_of_head)) == std::string::npos) {
@@ -98,10 +103,15 @@ WebAnswer Browser::send(const std::string& bytes) {
     const auto size = number(header(answer.head, "Content-Length"));
     while (answer.body.size() < size && receive_some(*connection_, answer.body, deadline)) {
     }
-    if (!sent || header(answer.head, "Connection") == "close") {
+    if (!is_sent_ || header(answer.head, "Connection") == "close") {
         connection_.reset();
     }
     return answer;
+}
+
+WebAnswer Browser::send(const std::string& bytes) {
+    begin(bytes);
+    return finish();
 }
 
 WebAnswer Browser::get(const std::string& target, const std::string& more_headers) {
@@ -109,10 +119,15 @@ WebAnswer Browser::get(const std::string& target, const std::string& more_header
                             with_cookie(cookie), more_headers));
 }
 
+void Browser::begin_post(const std::string& target, const std::string& body, const std::string& more_headers) {
+    begin(fmt::format("POST {} HTTP/1.1\r\nHost: 127.0.0.1:{}\r\nContent-Type: application/json\r\n"
+                      "X-OLT-Console: 1\r\nContent-Length: {}\r\n{}{}\r\n{}",
+                      target, console_port, body.size(), with_cookie(cookie), more_headers, body));
+}
+
 WebAnswer Browser::post(const std::string& target, const std::string& body, const std::string& more_headers) {
-    return send(fmt::format("POST {} HTTP/1.1\r\nHost: 127.0.0.1:{}\r\nContent-Type: application/json\r\n"
-                            "X-OLT-Console: 1\r\nContent-Length: {}\r\n{}{}\r\n{}",
-                            target, console_port, body.size(), with_cookie(cookie), more_headers, body));
+    begin_post(target, body, more_headers);
+    return finish();
 }
 
 int Browser::log_in(const std::string& user) {

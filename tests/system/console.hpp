@@ -44,13 +44,19 @@ public:
     WebAnswer post(const std::string& target, const std::string& body = "", const std::string& more_headers = "");
     /// Any bytes, and what comes back.
     WebAnswer send(const std::string& bytes);
+    /// `post` in two halves: what is asked, and its answer.
+    void begin_post(const std::string& target, const std::string& body, const std::string& more_headers = "");
+    WebAnswer finish();
     /// With the user's name as password; keeps the cookie. The status.
     int log_in(const std::string& user);
 
     std::string cookie; ///< NAME=VALUE; "" for none
 
 private:
+    void begin(const std::string& bytes);
+
     std::optional<client::Connection> connection_;
+    bool is_sent_ = false;
 };
 
 /// What a page hears of /api/events.
