@@ -3,12 +3,12 @@ find_package(PkgConfig REQUIRED)
 find_package(fmt 9 REQUIRED)
 find_package(Boost 1.77 REQUIRED)
 pkg_check_modules(cjson REQUIRED IMPORTED_TARGET GLOBAL libcjson)
-pkg_check_modules(zmq REQUIRED IMPORTED_TARGET GLOBAL libzmq)
 pkg_check_modules(deflate REQUIRED IMPORTED_TARGET GLOBAL libdeflate)
 pkg_check_modules(lmdb REQUIRED IMPORTED_TARGET GLOBAL lmdb)
 pkg_check_modules(systemd REQUIRED IMPORTED_TARGET GLOBAL libsystemd)
 
-# zlog and Linux-PAM ship no description of themselves.
+# zlog and Linux-PAM ship no description of themselves. ZeroMQ's names folders of its own dependencies, which no source
+# reads, and CMake reads it otherwise the second time than the first: all that includes zmq.h would be built twice.
 function(xpon_find_plain_library target header library)
     if(TARGET ${target})
         return()
@@ -21,3 +21,4 @@ function(xpon_find_plain_library target header library)
 endfunction()
 xpon_find_plain_library(xpon::zlog_c zlog.h zlog)
 xpon_find_plain_library(xpon::pam_c security/pam_appl.h pam)
+xpon_find_plain_library(xpon::zmq_c zmq.h zmq)
