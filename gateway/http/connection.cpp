@@ -26,11 +26,9 @@
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/core/stream_traits.hpp>
 #include <boost/beast/core/tcp_stream.hpp>
-#include <boost/beast/http/empty_body.hpp>
 #include <boost/beast/http/parser.hpp>
 #include <boost/beast/http/read.hpp>
 #include <boost/beast/http/rfc7230.hpp>
-#include <boost/beast/http/serializer.hpp>
 #include <boost/beast/http/string_body.hpp>
 #include <boost/beast/http/write.hpp>
 #include <boost/beast/ssl/ssl_stream.hpp>
@@ -76,8 +74,8 @@ HttpRequest plain(const http::request<http::string_body>& parsed, const std::str
     return request;
 }
 
-template <class Body>
-void set_headers(http::response<Body>& message, const HttpResponse& response, bool is_secure, bool keep_alive) {
+http::response<http::string_body> head_of(const HttpResponse& response, bool is_secure, bool keep_alive) {
+    http::response<http::string_body> message;
     message.result(response.status);
     message.version(11);
     message.keep_alive(keep_alive);
@@ -91,6 +89,7 @@ void set_headers(http::response<Body>& message, const HttpResponse& response, bo
     for (const auto& [name, value] : response.headers) {
         message.insert(beast::string_view(name.data(), name.size()), value);
     }
+    return message;
 }
 
 /// What to say of a request that cannot be read; empty when there is nobody to hear it.
@@ -207,26 +206,20 @@ private:
 
     asio::awaitable<bool> send(const HttpRequest& request, const HttpResponse& response, bool keep_alive,
                                Clock::time_point begin) {
-        lowest().expires_after(send_time);
-        error_code failed;
-        if (request.method == "HEAD" || response.status == 204 || response.status == 304) {
-            http::response<http::empty_body> message;
-            set_headers(message, response, is_secure, keep_alive);
-            if (request.method == "HEAD") {
-                message.content_length(response.body.size());
-            }
-            auto [error, count] = co_await http::async_write(stream_, message, as_result);
-            failed = error;
-        } else {
-            http::response<http::string_body> message;
-            set_headers(message, response, is_secure, keep_alive);
-            message.body() = response.body;
-            message.prepare_payload();
-            auto [error, count] = co_await http::async_write(stream_, message, as_result);
-            failed = error;
+        auto message = head_of(response, is_secure, keep_alive);
+        if (response.status != 204 && response.status != 304) {
+            message.content_length(response.body.size());
+            message.body() = request.method == "HEAD" ? "" : response.body;
         }
+        lowest().expires_after(send_time);
+        const auto failed = co_await write(std::move(message));
         setup_.log.write(request, response, response.body.size(), Clock::now() - begin);
         co_return !failed;
+    }
+
+    asio::awaitable<error_code> write(http::response<http::string_body> message) {
+        auto [failed, count] = co_await http::async_write(stream_, message, as_result);
+        co_return failed;
     }
 
     asio::awaitable<void> linger() {
@@ -246,12 +239,8 @@ private:
     asio::awaitable<void> send_events(std::shared_ptr<Connection> self, const HttpRequest& request,
                                       const HttpResponse& response, Clock::time_point begin) {
         auto& events = *response.stream;
-        http::response<http::empty_body> message;
-        set_headers(message, response, is_secure, false);
-        http::response_serializer<http::empty_body> serializer(message);
         lowest().expires_after(event_time);
-        auto [no_header, header_size] = co_await http::async_write_header(stream_, serializer, as_result);
-        is_gone_ = static_cast<bool>(no_header);
+        is_gone_ = static_cast<bool>(co_await write(head_of(response, is_secure, false)));
         lowest().expires_never();
         asio::co_spawn(stream_.get_executor(), notice_departure(self), asio::detached);
         events.on_wake([this] { wake_.cancel(); });
