@@ -55,6 +55,17 @@ TEST_F(OltctlUser, FollowsThePageFromAnEmptyOltToASubscriberOnline) {
     }
 }
 
+TEST_F(OltctlUser, KeepsTheSessionToItselfWhereNoFolderForThatIsNamed) {
+    olt_.start();
+    const std::string oltctl = "env -u XDG_RUNTIME_DIR TMPDIR=$PWD oltctl ";
+    run("echo viewer | " + oltctl + "login viewer --password-fd 0");
+    EXPECT_EQ(status_, 0);
+    run(oltctl + "system");
+    EXPECT_EQ(status_, 0);
+    EXPECT_THAT(run("chmod 755 oltctl-*; " + oltctl + "system"), HasSubstr("is not yours alone"));
+    EXPECT_EQ(status_, 3);
+}
+
 TEST_F(OltctlUser, ExportDefaultImportLeavesNoDifference) {
     olt_.start({"--onts", "64", "--configured", "48"});
     log_in("admin");

@@ -8,7 +8,10 @@
 #include <filesystem>
 #include <system_error>
 
+#include <sys/stat.h>
+
 #include <fmt/format.h>
+#include <unistd.h>
 
 namespace xpon::oltctl {
 namespace {
@@ -22,16 +25,26 @@ std::string text_of(const cJSON* object, const char* key) {
     return text == nullptr ? "" : text;
 }
 
+/// Where nobody has set XDG_RUNTIME_DIR, as after su and in containers. The name is known to all, so somebody else may
+/// have been there first.
+std::filesystem::path own_temporary_folder() {
+    auto folder = std::filesystem::temp_directory_path() / fmt::format("oltctl-{}", geteuid());
+    struct stat status{};
+    mkdir(folder.c_str(), S_IRWXU);
+    if (lstat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) || status.st_uid != geteuid() ||
+        (status.st_mode & 077U) != 0) {
+        throw Failure(ExitStatus::no_session,
+                      fmt::format("'{}' is not yours alone. Set XDG_RUNTIME_DIR to a folder that only you can read.",
+                                  folder.string()));
+    }
+    return folder;
+}
+
 } // namespace
 
 std::filesystem::path runtime_folder() {
     const char* const folder = std::getenv("XDG_RUNTIME_DIR");
-    if (folder == nullptr || *folder != '/') {
-        throw Failure(ExitStatus::no_session,
-                      "XDG_RUNTIME_DIR names no folder to keep the session in. Set it to a folder "
-                      "that only you can read, such as /run/user/$(id -u).");
-    }
-    return folder;
+    return folder != nullptr && *folder == '/' ? folder : own_temporary_folder();
 }
 
 std::optional<KeptSession> read_kept_session(std::uint16_t port) {

@@ -22,7 +22,7 @@ oltctl \- shows and configures an OLT
 constexpr std::string_view end = R"(.SH ENVIRONMENT
 .TP
 .B XDG_RUNTIME_DIR
-Folder of the file with the session, and of the commit that waits to be confirmed.
+Folder of the file with the session, and of the commit that waits to be confirmed; /tmp/oltctl-UID without it.
 .TP
 .B XDG_STATE_HOME
 Folder of texts that were edited and not written, and of the history of the shell; ~/.local/state without it.
