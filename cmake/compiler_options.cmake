@@ -4,6 +4,8 @@ target_compile_options(xpon_compiler_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion $<$<BOOL:${XPON_DEVELOPMENT}>:-Werror>
     # g++ 12 finds faults in the standard library's own strings when they come out of a precompiled header.
     $<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds -Wno-stringop-overread>
+    # Sources that are compiled as one look like headers to g++, in which no member may come from an unnamed namespace.
+    $<$<AND:$<CXX_COMPILER_ID:GNU>,$<BOOL:${CMAKE_UNITY_BUILD}>>:-Wno-subobject-linkage>
     # What g++'s library uses of its own deprecated parts is not ours to change.
     $<$<CXX_COMPILER_ID:Clang>:-Wno-deprecated-declarations>)
 

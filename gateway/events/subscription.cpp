@@ -21,7 +21,7 @@ using std::chrono::milliseconds;
 constexpr milliseconds default_interval(2000);
 constexpr milliseconds longest_interval(3'600'000);
 
-ErrorPayload refused(std::string why) {
+ErrorPayload unusable(std::string why) {
     return {Error::InvalidInputArg, std::move(why)};
 }
 
@@ -33,21 +33,21 @@ Result<milliseconds> read_interval(std::string_view query, const Settings& setti
     long value = 0;
     const auto* end = text->data() + text->size();
     if (std::from_chars(text->data(), end, value).ptr != end || text->empty()) {
-        return refused("interval is a number of milliseconds");
+        return unusable("interval is a number of milliseconds");
     }
     return std::clamp(milliseconds(value), settings.shortest_interval, longest_interval);
 }
 
 Result<WatchedRequest> read_item(JsonTree item, milliseconds interval, const Settings& settings) {
     if (!cJSON_IsObject(item.get())) {
-        return refused("each watch is a request");
+        return unusable("each watch is a request");
     }
     if (cJSON_GetObjectItemCaseSensitive(item.get(), "method") == nullptr) {
         cJSON_AddStringToObject(item.get(), "method", "get");
     }
     const JsonTree own(cJSON_DetachItemFromObjectCaseSensitive(item.get(), "interval"));
     if (own && !cJSON_IsNumber(own.get())) {
-        return refused("interval is a number of milliseconds");
+        return unusable("interval is a number of milliseconds");
     }
     if (own) {
         const auto wanted = std::clamp(own->valuedouble, 0.0, static_cast<double>(longest_interval.count()));
@@ -55,7 +55,7 @@ Result<WatchedRequest> read_item(JsonTree item, milliseconds interval, const Set
     }
     BOOST_OUTCOME_TRY(auto request, check_request(std::move(item)));
     if (request.method != "get") {
-        return refused("only the method get can be watched");
+        return unusable("only the method get can be watched");
     }
     return WatchedRequest{.request = std::move(request), .interval = interval};
 }
@@ -67,10 +67,10 @@ Result<std::vector<WatchedRequest>> read_subscription(std::string_view query, co
     const auto text = query_parameter(query, "watch");
     const JsonTree list(text ? cJSON_ParseWithLength(text->data(), text->size()) : cJSON_CreateArray());
     if (!cJSON_IsArray(list.get())) {
-        return refused("watch is a JSON array of requests");
+        return unusable("watch is a JSON array of requests");
     }
     if (cJSON_GetArraySize(list.get()) > static_cast<int>(settings.watches_per_stream)) {
-        return refused(fmt::format("watch holds more than {} requests", settings.watches_per_stream));
+        return unusable(fmt::format("watch holds more than {} requests", settings.watches_per_stream));
     }
     std::vector<WatchedRequest> items;
     while (cJSON_GetArraySize(list.get()) > 0) {

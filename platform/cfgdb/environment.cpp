@@ -23,7 +23,7 @@ namespace {
 constexpr unsigned writes_between_checks = 256;
 /// Looking costs as much as reading a few records.
 constexpr std::chrono::milliseconds between_looks_at_files{20};
-constexpr mode_t folder_mode = 0700;
+constexpr mode_t database_folder_mode = 0700;
 /// Others look through the database and read saved files meanwhile.
 constexpr std::chrono::seconds longest_wait_for_opening{4};
 /// Room for LMDB's table of readers.
@@ -40,7 +40,7 @@ void make_folder(const std::filesystem::path& folder) {
     if (folder.has_parent_path()) {
         std::filesystem::create_directories(folder.parent_path());
     }
-    if (mkdir(folder.c_str(), folder_mode) != 0 && errno != EEXIST) {
+    if (mkdir(folder.c_str(), database_folder_mode) != 0 && errno != EEXIST) {
         throw std::system_error(errno, std::generic_category(), "the folder cannot be made");
     }
 }

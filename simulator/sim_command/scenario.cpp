@@ -22,7 +22,7 @@
 namespace xpon::simulator {
 namespace {
 
-using Kind = ScenarioStep::Kind;
+using StepKind = ScenarioStep::Kind;
 using Words = std::vector<std::string>;
 using Comparison = Condition::Comparison;
 
@@ -72,17 +72,17 @@ Condition take_condition(std::span<const std::string>& words) {
 }
 
 ScenarioStep step_of(const Words& words, const std::string& line, unsigned number) {
-    ScenarioStep step{.kind = Kind::command, .line = number, .text = line};
+    ScenarioStep step{.kind = StepKind::command, .line = number, .text = line};
     auto rest = std::span(words).subspan(1);
     if (words.front() == "wait-until") {
-        step.kind = Kind::wait_until;
+        step.kind = StepKind::wait_until;
         step.condition = take_condition(rest);
         if (rest.size() != 2 || rest.front() != "within") {
             fail("wait-until ends with \"within SECONDS\"");
         }
         step.limit_s = number_of(rest.back());
     } else if (words.front() == "expect") {
-        step.kind = Kind::expect;
+        step.kind = StepKind::expect;
         step.condition = take_condition(rest);
         if (!rest.empty() && (rest.front() != "else" || rest.size() == 1)) {
             fail("expect ends with \"else MESSAGE\", or with its condition");
@@ -90,7 +90,7 @@ ScenarioStep step_of(const Words& words, const std::string& line, unsigned numbe
         step.message = rest.empty() ? "" : fmt::format("{}", fmt::join(rest.subspan(1), " "));
     } else if (words.front() == "repeat") {
         constexpr double most = 1e6;
-        step.kind = Kind::repeat;
+        step.kind = StepKind::repeat;
         const double count = rest.size() == 1 ? number_of(rest.front()) : -1;
         if (count < 1 || count > most) {
             fail("repeat takes a COUNT from 1 to 1000000");
@@ -121,7 +121,7 @@ std::vector<ScenarioStep> parse_steps(std::istream& lines, unsigned& number, uns
         } catch (const CLI::ParseError& error) {
             throw CLI::ParseError(fmt::format("Line {}: {}", number, error.what()), CLI::ExitCodes::ValidationError);
         }
-        if (steps.back().kind == Kind::repeat) {
+        if (steps.back().kind == StepKind::repeat) {
             steps.back().body = parse_steps(lines, number, number);
         }
     }
@@ -212,18 +212,18 @@ void run_scenario(ControlClient& client, const std::vector<ScenarioStep>& steps,
                   const std::function<void(const std::string& answer)>& show) {
     for (const auto& step : steps) {
         switch (step.kind) {
-        case Kind::command:
+        case StepKind::command:
             show(client.ask(step.command));
             break;
-        case Kind::wait_until:
+        case StepKind::wait_until:
             wait_until(client, step);
             break;
-        case Kind::expect:
+        case StepKind::expect:
             if (const auto answer = ask(client, step.condition.question); !holds(step.condition, answer.get())) {
                 disappoint(step, step.message, answer.get());
             }
             break;
-        case Kind::repeat:
+        case StepKind::repeat:
             for (unsigned round = 0; round < step.count; ++round) {
                 run_scenario(client, step.body, show);
             }

@@ -35,7 +35,7 @@ constexpr JsonField<Igmp_source> source_fields[] = {
       &text_among<filter_modes>}},
 };
 
-constexpr JsonField<Igmp_member_port> port_fields[] = {
+constexpr JsonField<Igmp_member_port> member_port_fields[] = {
     {"port",
      {[](JsonWriter& to, const Igmp_member_port& port) {
           return write_value(to, switch_port_text(port.kind, port.unit, port.number));
@@ -47,7 +47,7 @@ constexpr JsonField<Igmp_member_port> port_fields[] = {
 
 constexpr Member group_lists[] = {
     {"ip_sources", &array_of<object_of<source_fields>>},
-    {"ports", &array_of<object_of<port_fields>>},
+    {"ports", &array_of<object_of<member_port_fields>>},
 };
 constexpr Shape group_shape = named("IgmpGroup", object_of<group_fields, group_lists>);
 
@@ -63,7 +63,7 @@ Result<void> fill_group(JsonWriter& object, const Igmp_group& group) {
     BOOST_OUTCOME_TRY(const auto sources, bounded_items(group.sources, group.source_count, "ip_sources"));
     BOOST_OUTCOME_TRY(const auto ports, bounded_items(group.ports, group.port_count, "ports"));
     BOOST_OUTCOME_TRY(write_records(object, "ip_sources", sources, source_fields));
-    return write_records(object, "ports", ports, port_fields);
+    return write_records(object, "ports", ports, member_port_fields);
 }
 
 Result<Bitmap_vlan> get_all_vlans(ILogger& logger) {
