@@ -3,7 +3,6 @@
 #include "tests/system/olt.hpp"
 #include "tests/system/relay.hpp"
 
-#include <algorithm>
 #include <array>
 #include <chrono>
 #include <csignal>
@@ -31,15 +30,20 @@ std::string ont_asked(int number) {
     return fmt::format(R"({{"path":"monitoring.interface.ont.state","method":"get","indices":["1","{}"]}})", number);
 }
 
-std::vector<std::string> through_relay() {
-    return {"--service-port", std::to_string(relay_port)};
-}
+/// A gateway whose way to the daemon is looked at.
+class ConsoleTraffic : public testing::Test {
+protected:
+    struct StartedOlt : Olt {
+        StartedOlt() {
+            start();
+        }
+    };
+    StartedOlt olt;
+    Relay relay;
+    Console console{{"--service-port", std::to_string(relay_port)}};
+};
 
-TEST(ConsoleTraffic, OneSessionsRequestsKeepTheirOrderWhateverTheyComeBy) {
-    Olt olt;
-    olt.start();
-    const Relay relay;
-    const Console console(through_relay());
+TEST_F(ConsoleTraffic, OneSessionsRequestsKeepTheirOrderWhateverTheyComeBy) {
     std::deque<Browser> tabs(20);
     ASSERT_EQ(tabs.front().log_in("admin"), 200);
     for (auto& tab : tabs) {
@@ -66,11 +70,7 @@ TEST(ConsoleTraffic, OneSessionsRequestsKeepTheirOrderWhateverTheyComeBy) {
     }
 }
 
-TEST(ConsoleTraffic, TheDaemonIsAskedOnceForAllWhoWatchTheSame) {
-    Olt olt;
-    olt.start();
-    const Relay relay;
-    const Console console(through_relay());
+TEST_F(ConsoleTraffic, TheDaemonIsAskedOnceForAllWhoWatchTheSame) {
     std::deque<Browser> users(3);
     std::deque<EventListener> streams;
     const auto begin = Clock::now();
@@ -95,11 +95,7 @@ TEST(ConsoleTraffic, TheDaemonIsAskedOnceForAllWhoWatchTheSame) {
     EXPECT_THAT(relay.passed("monitoring.system").back().text, HasSubstr("\"success\":\ttrue"));
 }
 
-TEST(ConsoleTraffic, ARequestThatIsUnderWayWhenTheDaemonDiesIsNotSentAgain) {
-    Olt olt;
-    olt.start();
-    const Relay relay;
-    const Console console(through_relay());
+TEST_F(ConsoleTraffic, ARequestThatIsUnderWayWhenTheDaemonDiesIsNotSentAgain) {
     Browser browser;
     ASSERT_EQ(browser.log_in("admin"), 200);
     olt.daemon().send_signal(SIGSTOP);
@@ -136,11 +132,7 @@ core::UniqueFd guess_from(const char* address, const std::string& user) {
     return guess;
 }
 
-TEST(ConsoleTraffic, FloodOfLoginsHarmsOnlyTheFlooder) {
-    Olt olt;
-    olt.start();
-    const Relay relay;
-    const Console console(through_relay());
+TEST_F(ConsoleTraffic, FloodOfLoginsHarmsOnlyTheFlooder) {
     Browser working;
     ASSERT_EQ(working.log_in("operator"), 200);
     olt.daemon().send_signal(SIGSTOP); // so that logins under way stay so
