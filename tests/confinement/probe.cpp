@@ -132,6 +132,9 @@ constexpr Attempt attempts[] = {
 
     {false, "write to /etc", [] { return writes("/etc/probe"); }},
     {false, "write to /usr", [] { return writes("/usr/probe"); }},
+    {false, "write to /run", [] { return writes("/run/probe"); }},
+    {false, "write to /run/lock", [] { return writes("/run/lock/probe"); }},
+    {false, "write beside the peers' sockets", [] { return writes("/run/ipc/probe"); }},
     {false, "write to /firmware", [] { return writes("/firmware/probe"); }},
     {false, "write to /sys/fs/cgroup", [] { return writes("/sys/fs/cgroup/probe"); }},
     {false, "set a kernel variable", [] { return closed(open("/proc/sys/kernel/hostname", O_WRONLY | O_CLOEXEC)); }},
