@@ -10,7 +10,7 @@
 
 #include <cjson/cJSON.h>
 #include <malloc.h>
-#include <string.h> // explicit_bzero is no part of <cstring>
+#include <string.h> // NOLINT(modernize-deprecated-headers): explicit_bzero is no part of <cstring>
 
 namespace xpon::api_service {
 namespace {
