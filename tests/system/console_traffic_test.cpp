@@ -3,9 +3,11 @@
 #include "tests/system/olt.hpp"
 #include "tests/system/relay.hpp"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <csignal>
+#include <cstddef>
 #include <deque>
 #include <string>
 #include <vector>
@@ -141,6 +143,12 @@ TEST_F(ConsoleTraffic, FloodOfLoginsHarmsOnlyTheFlooder) {
         guesses.push_back(guess_from("127.0.0.2", i % 2 == 0 ? "admin" : fmt::format("user{}", i)));
     }
     constexpr std::size_t admitted = 4; // of one address; that leaves room for others
+    const auto is_answered = [](const core::UniqueFd& guess) {
+        char first = 0;
+        return recv(guess.get(), &first, sizeof first, MSG_PEEK | MSG_DONTWAIT) > 0;
+    };
+    const auto refused_at_once = static_cast<std::ptrdiff_t>(guesses.size() - admitted);
+    EXPECT_TRUE(eventually([&] { return std::ranges::count_if(guesses, is_answered) >= refused_at_once; }));
     EXPECT_TRUE(eventually([&] { return relay.passed("guess").size() >= admitted; }));
     Browser viewer;
     Browser victim;
