@@ -17,7 +17,7 @@ namespace {
 
 /// After this long the loop looks for new requests before it serves more of those that it has. So a request waits for
 /// those that came before it, and not for all that the others send meanwhile.
-constexpr std::chrono::milliseconds longest_turn{1};
+constexpr std::chrono::milliseconds longest_turn{2};
 
 /// What the device's daemons may take of one request, all calls together: the other clients wait meanwhile.
 constexpr std::chrono::seconds peers_time{5};
