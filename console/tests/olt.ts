@@ -1,5 +1,6 @@
 import {execFileSync, spawn, type ChildProcess} from "node:child_process";
 import {mkdtempSync, readFileSync, rmSync} from "node:fs";
+import {connect} from "node:net";
 import {tmpdir} from "node:os";
 import path from "node:path";
 
@@ -19,6 +20,24 @@ function printed(child: ChildProcess, text: string): Promise<string> {
     child.stdout!.on("data", take);
     child.stderr!.on("data", take);
     child.on("exit", status => reject(new Error(`${child.spawnfile} ended with status ${status}: ${output}`)));
+  });
+}
+
+/** Resolves when the process accepts connections on a port of this machine. */
+function listening(child: ChildProcess, port: number): Promise<void> {
+  return new Promise((resolve, reject) => {
+    const attempt = () => {
+      const socket = connect(port, "127.0.0.1");
+      socket.once("connect", () => {
+        socket.destroy();
+        resolve();
+      });
+      socket.once("error", () => {
+        if (child.exitCode === null && child.signalCode === null) setTimeout(attempt, 5);
+        else reject(new Error(`${child.spawnfile} ended before it listened on port ${port}`));
+      });
+    };
+    attempt();
   });
 }
 
@@ -49,6 +68,7 @@ export class Olt {
       lines.map(line => [line.slice(0, line.indexOf("=")), line.slice(line.indexOf("=") + 1)]),
     );
     this.#daemon = this.#run("api_service/api_service", [], environment);
+    await listening(this.#daemon, 9999);
   }
 
   /** As a crash would. */
