@@ -314,9 +314,10 @@ void JsonWriter::grow(std::size_t size) {
         if (needed >= large_text && needed <= spare.capacity()) {
             spare.assign(text_, 0, used_);
             text_ = std::exchange(spare, {});
+        } else {
+            const auto times = text_.capacity() < large_text ? 2U : 4U;
+            text_.reserve(std::max({needed, least, times * text_.capacity()}));
         }
-        const auto times = text_.capacity() < large_text ? 2U : 4U;
-        text_.reserve(std::max({needed, least, text_.capacity() < needed ? times * text_.capacity() : 0}));
     }
     // Each byte is cleared once, just before it is written.
     text_.resize(std::min(text_.capacity(), needed + std::clamp(used_, least, large_text)));
