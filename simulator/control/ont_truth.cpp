@@ -69,11 +69,11 @@ core::JsonTree describe_ont(const Simulation& simulation, const OntPosition& pla
     add(answer.get(), "time_s", seconds_of(plant.now()));
     add(answer.get(), "clock_rate", simulation.clock().rate());
     const auto onts = plant.onts();
-    const auto ont = std::ranges::find_if(onts, [&](const auto& one) { return one.hardware->position == place; });
-    add_ont(answer.get(), plant, *ont);
-    add_line(answer.get(), plant, *ont);
-    if (ont->situation->configured) {
-        add_services(answer.get(), simulation.network(), *ont->situation->configured);
+    const auto ont = *std::ranges::find_if(onts, [&](const auto& one) { return one.hardware->position == place; });
+    add_ont(answer.get(), plant, ont);
+    add_line(answer.get(), plant, ont);
+    if (ont.situation->configured) {
+        add_services(answer.get(), simulation.network(), *ont.situation->configured);
     }
     return answer;
 }

@@ -47,8 +47,8 @@ PhysicalOnt made_as_asked(const Simulation& simulation, const CommandFields& fie
         return other.hardware->serial == ont.serial && other.hardware->position != ont.position;
     });
     if (rival != onts.end()) {
-        throw CommandError(fmt::format("ONT {}/{} has this serial number already", rival->hardware->position.port,
-                                       rival->hardware->position.ont));
+        const auto& position = (*rival).hardware->position;
+        throw CommandError(fmt::format("ONT {}/{} has this serial number already", position.port, position.ont));
     }
     return ont;
 }
@@ -101,7 +101,7 @@ core::JsonTree swap_ont(Simulation& simulation, const CommandFields& fields) {
     const auto place = known_ont(simulation, fields.text("swap"));
     const auto onts = simulation.plant().onts();
     const auto present = std::ranges::find_if(onts, [&](const auto& ont) { return ont.hardware->position == place; });
-    auto ont = *present->hardware;
+    auto ont = *(*present).hardware;
     // Numbers that no ONT of a plant has by itself; the next one for each swap of the place.
     constexpr std::uint32_t first_spare = 0xb0000000;
     const auto number = static_cast<std::uint32_t>(ont.serial);

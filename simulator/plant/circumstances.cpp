@@ -32,11 +32,11 @@ ReplacedSettings Circumstances::change_configuration(const RunningConfiguration&
     configuration.hostname = next.hostname;
     std::ranges::for_each(onts, [this](auto index) { forget_serial_of(index); });
     for (const auto index : onts) {
-        if (auto before = configuration.onts.extract(index)) {
-            replaced.onts.insert(std::move(before));
+        if (auto before = configuration.onts.take(index)) {
+            replaced.onts[index] = std::move(*before);
         }
-        if (const auto after = next.onts.find(index); after != next.onts.end()) {
-            configuration.onts.insert(*after);
+        if (const auto* const after = next.onts.find(index)) {
+            configuration.onts[index] = *after;
         }
     }
     std::ranges::for_each(onts, [this](auto index) { note_serial_of(index); });
@@ -44,14 +44,14 @@ ReplacedSettings Circumstances::change_configuration(const RunningConfiguration&
 }
 
 void Circumstances::forget_serial_of(std::uint16_t index) {
-    if (const auto found = configuration.onts.find(index); found != configuration.onts.end()) {
-        configured.erase(place_of(index, found->second));
+    if (const auto* const settings = configuration.onts.find(index)) {
+        configured.erase(place_of(index, *settings));
     }
 }
 
 void Circumstances::note_serial_of(std::uint16_t index) {
-    if (const auto found = configuration.onts.find(index); found != configuration.onts.end()) {
-        configured.emplace(place_of(index, found->second), index);
+    if (const auto* const settings = configuration.onts.find(index)) {
+        configured.emplace(place_of(index, *settings), index);
     }
 }
 

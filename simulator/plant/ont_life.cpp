@@ -177,6 +177,18 @@ OntPoint walk(OntPoint from, const OntSituation& situation, const OntPace& pace,
     }
 }
 
+std::optional<OntPoint> end_of_walk(const OntPoint& from, const OntSituation& situation, const OntPace& pace) {
+    auto point = from;
+    for (std::size_t steps = 0; steps <= life.size(); ++steps) {
+        const auto end = end_of(point, situation, pace);
+        if (end == never) {
+            return point;
+        }
+        point = {find_row(point.state)->next(situation), end};
+    }
+    return std::nullopt; // round and round
+}
+
 PlantTime end_of(const OntPoint& point, const OntSituation& situation, const OntPace& pace) {
     const auto* const row = find_row(point.state);
     const bool ends = row != nullptr && row->next(situation) != point.state;

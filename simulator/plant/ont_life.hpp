@@ -69,6 +69,9 @@ private:
 /// Where an ONT that was at `from` is at `now`, its situation being the same all the time. Before `from` it is gone.
 OntPoint walk(OntPoint from, const OntSituation& situation, const OntPace& pace, PlantTime now);
 
+/// Where an ONT that was at `from` comes to stay, its situation being the same all the time; empty when it never does.
+std::optional<OntPoint> end_of_walk(const OntPoint& from, const OntSituation& situation, const OntPace& pace);
+
 /// When the state of an ONT that is at `point` ends, its situation being the same all the time; `never` if it does not.
 PlantTime end_of(const OntPoint& point, const OntSituation& situation, const OntPace& pace);
 

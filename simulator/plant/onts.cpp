@@ -35,7 +35,7 @@ void Onts::put(const PhysicalOnt& ont, std::size_t place) {
         onts_.emplace_back(ont);
     } else {
         if (const auto& configured = onts_[place].situation().configured) {
-            by_configuration_.erase(*configured);
+            by_configuration_.take(*configured);
         }
         const bool is_known = onts_[place].hardware().serial == ont.serial;
         onts_[place] = TrackedOnt(ont);
@@ -60,7 +60,7 @@ void Onts::spread_over(PlantTime past, const Random& random) {
         if (random.share(Purpose::ont_past, {at.port, at.ont, 0}) >= since_start_share) {
             // The older, the fewer there are.
             const double part = std::pow(random.share(Purpose::ont_past, {at.port, at.ont, 1}), 1.7);
-            ont.begin_later(past - youngest - PlantTime(static_cast<PlantTime::rep>(span * part)));
+            ont.begin_later(past - youngest - PlantTime(static_cast<PlantTime::rep>(span * part)), random);
         }
     }
 }
@@ -84,9 +84,9 @@ void Onts::follow_configuration(const Circumstances& given, const Ports& ports, 
 Onts::Places Onts::reached_by(const Circumstances& given, const ReplacedSettings& replaced,
                               const ChangedOnts& changed) const {
     std::set<std::size_t> reached;
-    const auto add = [&](const std::map<std::uint16_t, OntSettings>& settings, std::uint16_t index) {
-        if (const auto found = settings.find(index); found != settings.end()) {
-            const auto [first, last] = by_serial_.equal_range(found->second.serial);
+    const auto add = [&](const OntTable<OntSettings>& settings, std::uint16_t index) {
+        if (const auto* const found = settings.find(index)) {
+            const auto [first, last] = by_serial_.equal_range(found->serial);
             std::ranges::copy(std::ranges::subrange(first, last) | std::views::values,
                               std::inserter(reached, reached.end()));
         }
@@ -113,7 +113,7 @@ void Onts::have_follow(const Places& places, const Circumstances& given, const P
                        const ReplacedSettings& replaced) {
     for (const auto place : places) {
         if (const auto& configured = onts_[place].situation().configured) {
-            by_configuration_.erase(*configured);
+            by_configuration_.take(*configured);
         }
     }
     Places starters;
@@ -124,8 +124,9 @@ void Onts::have_follow(const Places& places, const Circumstances& given, const P
         }
     }
     for (const auto place : places) {
-        if (const auto& configured = onts_[place].situation().configured) {
-            by_configuration_.emplace(*configured, place);
+        if (const auto& configured = onts_[place].situation().configured;
+            configured && !by_configuration_.contains(*configured)) {
+            by_configuration_[*configured] = place;
         }
     }
     share_discovery(given.random, starters);
@@ -166,7 +167,7 @@ void Onts::share_discovery(const Random& random, const Places& starters) {
                 return rival != ont && random.share(Purpose::discovery_collision,
                                                     {at.port, at.ont, other.port, other.ont}) < loses_window;
             });
-            ont->wait_in_discovery(static_cast<std::uint16_t>(waits));
+            ont->wait_in_discovery(static_cast<std::uint16_t>(waits), random);
         }
     }
 }
@@ -194,18 +195,9 @@ void Onts::forget_last_services() {
     std::ranges::for_each(onts_, &TrackedOnt::forget_last_service);
 }
 
-std::vector<OntNow> Onts::all(const Circumstances& given) const {
-    std::vector<OntNow> onts;
-    onts.reserve(onts_.size());
-    for (const auto& ont : onts_) {
-        onts.push_back(ont.describe(given));
-    }
-    return onts;
-}
-
 std::optional<OntNow> Onts::configured_as(const Circumstances& given, std::uint16_t index) const {
-    const auto found = by_configuration_.find(index);
-    return found == by_configuration_.end() ? std::nullopt : std::optional(onts_[found->second].describe(given));
+    const auto* const place = by_configuration_.find(index);
+    return place == nullptr ? std::nullopt : std::optional(onts_[*place].describe(given));
 }
 
 } // namespace xpon::simulator

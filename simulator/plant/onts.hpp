@@ -73,7 +73,6 @@ public:
     /// The places of those that something may have happened to since the last call.
     std::vector<std::size_t> take_touched();
 
-    [[nodiscard]] std::vector<OntNow> all(const Circumstances& given) const;
     /// The one that is seen where the configuration with this flat index wants it; empty without one.
     [[nodiscard]] std::optional<OntNow> configured_as(const Circumstances& given, std::uint16_t index) const;
 
@@ -91,11 +90,11 @@ private:
     void touch(std::size_t place);
 
     std::vector<TrackedOnt> onts_;
-    Places touched_;                                        ///< not ascending
-    std::vector<bool> is_touched_;                          ///< by place; shorter than `onts_` where none is yet
-    std::multimap<std::uint64_t, std::size_t> by_serial_;   ///< to place in `onts_`
-    std::array<Places, pon_ports> seen_on_;                 ///< port 1 first
-    std::map<std::uint16_t, std::size_t> by_configuration_; ///< flat index to place in `onts_`
+    Places touched_;                                      ///< not ascending
+    std::vector<bool> is_touched_;                        ///< by place; shorter than `onts_` where none is yet
+    std::multimap<std::uint64_t, std::size_t> by_serial_; ///< to place in `onts_`
+    std::array<Places, pon_ports> seen_on_;               ///< port 1 first
+    OntTable<std::size_t> by_configuration_;              ///< to place in `onts_`
 };
 
 } // namespace xpon::simulator

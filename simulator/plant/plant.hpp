@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <ranges>
 #include <vector>
 
 namespace xpon::simulator {
@@ -99,8 +100,9 @@ public:
         return onts_.contains(position);
     }
     /// All physical ONTs, in the order in which they were made.
-    [[nodiscard]] std::vector<Ont> onts() const {
-        return onts_.all(given_);
+    [[nodiscard]] auto onts() const {
+        return std::views::iota(std::size_t{0}, ont_count()) |
+               std::views::transform([this](std::size_t place) { return ont_at(place); });
     }
     /// The ONT that is seen where the configuration with this flat index wants it; empty without one.
     [[nodiscard]] std::optional<Ont> ont_configured_as(std::uint16_t index) const {

@@ -1,13 +1,13 @@
 #pragma once
 
 #include "simulator/plant/ont_layout.hpp"
+#include "simulator/plant/ont_table.hpp"
 #include "simulator/plant/optics.hpp"
 #include "xpon/peer_side/running_onts.hpp"
 
 #include <array>
 #include <bitset>
 #include <cstdint>
-#include <map>
 #include <set>
 #include <string>
 
@@ -64,7 +64,7 @@ struct RunningConfiguration {
     std::array<PonPortSettings, pon_ports> pon{};              ///< port 1 first
     std::array<PortChannelSettings, port_channels> channels{}; ///< channel 1 first
     std::uint16_t management_vlan = 0;                         ///< of the in-band management; 0 = off
-    std::map<std::uint16_t, OntSettings> onts;                 ///< configured ones by flat index from 0
+    OntTable<OntSettings> onts;
     FanSettings fans;
     std::string hostname;
 
@@ -78,7 +78,7 @@ using ChangedOnts = std::set<std::uint16_t>;
 /// What a configuration took out of force.
 struct ReplacedSettings {
     std::array<PonPortSettings, pon_ports> pon{}; ///< of all ports
-    std::map<std::uint16_t, OntSettings> onts;    ///< of those that may have changed and were configured
+    OntTable<OntSettings> onts;                   ///< of those that may have changed and were configured
 };
 
 } // namespace xpon::simulator

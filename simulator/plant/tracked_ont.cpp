@@ -47,23 +47,27 @@ OntNow TrackedOnt::describe(const Circumstances& given) const {
 }
 
 PlantTime TrackedOnt::changes_at(const Circumstances& given) const {
-    return given.now < anchor_.since
-               ? anchor_.since
-               : end_of(point(given), situation_, {given.random, position().port, position().ont});
+    return given.now < anchor_.since ? anchor_.since : end_of(point(given), situation_, pace(given.random));
 }
 
 OntPoint TrackedOnt::point(const Circumstances& given) const {
-    return walk(anchor_, situation_, {given.random, position().port, position().ont}, given.now);
+    return stay_ && stay_->since <= given.now ? *stay_ : walk(anchor_, situation_, pace(given.random), given.now);
 }
 
 OntPoint TrackedOnt::next_point(const Circumstances& given) const {
     return given.now < anchor_.since ? anchor_ : point(given);
 }
 
-void TrackedOnt::begin_later(PlantTime since) {
+void TrackedOnt::wait_in_discovery(std::uint16_t windows, const Random& random) {
+    situation_.discovery_waits = windows;
+    look_ahead(random);
+}
+
+void TrackedOnt::begin_later(PlantTime since, const Random& random) {
     if (anchor_.state == ont_initial && anchor_.since < since) {
         anchor_.since = since;
         situation_.discovery_waits = 0; // few begin when others do
+        look_ahead(random);
     }
 }
 
@@ -78,6 +82,7 @@ bool TrackedOnt::follow(const Circumstances& given, const Ports& ports, const Re
     }
     redirect(at, next, given.now);
     situation_ = std::move(after);
+    look_ahead(given.random);
     return next.state == ont_initial && next.since >= given.now;
 }
 
@@ -86,6 +91,7 @@ bool TrackedOnt::carry_out(const Circumstances& given, OntCommand command) {
     const auto next = obey(at, situation_, command, given.now);
     update_meter(given, at, next, line_, {});
     redirect(at, next, given.now);
+    look_ahead(given.random);
     const bool starts = next.state == ont_initial;
     has_local_data_ = has_local_data_ && !(starts && command == OntCommand::reset);
     return starts;
@@ -143,10 +149,9 @@ void TrackedOnt::update_meter(const Circumstances& given, const OntPoint& was, c
     if (!keeps_activation(is.state)) {
         meter_.reset();
     } else if (ends || (was_in_service && (line != line_ || usage != usage_))) {
-        const auto was_configured = replaced.onts.find(*situation_.configured);
-        const auto& settings = was_configured != replaced.onts.end()
-                                   ? was_configured->second
-                                   : given.configuration.onts.at(*situation_.configured);
+        const auto* const replaced_settings = replaced.onts.find(*situation_.configured);
+        const auto& settings =
+            replaced_settings != nullptr ? *replaced_settings : given.configuration.onts.at(*situation_.configured);
         const auto metered = this->metered(given, settings, was.since);
         ends ? meter_.service_ends(metered, given.now) : meter_.conditions_change(metered, given.now);
     }

@@ -45,9 +45,7 @@ public:
     bool follow(const Circumstances& given, const Ports& ports, const ReplacedSettings& replaced);
     /// It is told to do something, in a state in which it is listed. True when it starts anew.
     bool carry_out(const Circumstances& given, OntCommand command);
-    void wait_in_discovery(std::uint16_t windows) {
-        situation_.discovery_waits = windows;
-    }
+    void wait_in_discovery(std::uint16_t windows, const Random& random);
     /// If it is in service, it is counted up to the time, once and for all.
     void count_until(const Circumstances& given, PlantTime time);
     /// The OLT has booted.
@@ -58,15 +56,22 @@ public:
     /// All but the hardware.
     template <class Archive>
     void archive(Archive& state) {
-        state(situation_, anchor_, last_service_, has_local_data_, meter_, line_, usage_);
+        state(situation_, anchor_, stay_, last_service_, has_local_data_, meter_, line_, usage_);
     }
     [[nodiscard]] const PhysicalOnt& hardware() const {
         return hardware_;
     }
     /// Its way into service, which it has begun at its start, begins at `since`, if that is later.
-    void begin_later(PlantTime since);
+    void begin_later(PlantTime since, const Random& random);
 
 private:
+    [[nodiscard]] OntPace pace(const Random& random) const {
+        return {random, position().port, position().ont};
+    }
+    /// After each change of `anchor_` and `situation_`.
+    void look_ahead(const Random& random) {
+        stay_ = end_of_walk(anchor_, situation_, pace(random));
+    }
     /// Where it is; for one whose start lies ahead, that start.
     [[nodiscard]] OntPoint next_point(const Circumstances& given) const;
     [[nodiscard]] OntSituation situation_in(const Circumstances& given, const Ports& ports) const;
@@ -81,7 +86,8 @@ private:
 
     PhysicalOnt hardware_;
     OntSituation situation_;
-    OntPoint anchor_; ///< where its way goes on from; may lie ahead
+    OntPoint anchor_;              ///< where its way goes on from; may lie ahead
+    std::optional<OntPoint> stay_; ///< where it leads to: nearly all are there, and need not walk to be found
     std::optional<Stretch> last_service_;
     bool has_local_data_ = true;
     OntMeter meter_;

@@ -5,7 +5,6 @@
 #include "xpon/peer_side/serial_bytes.hpp"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstring>
 #include <tuple>
@@ -62,16 +61,11 @@ Ont__state_info state_of(const Plant& plant, const Plant::Ont& ont) {
 } // namespace
 
 std::vector<Ont__state_info> report_ont_states(const Plant& plant, const Bitmap_ont_range& range) {
-    std::array<std::optional<Plant::Ont>, max_onts> by_place;
-    for (const auto& ont : plant.onts()) {
-        const auto& place = ont.situation->configured;
-        if (place && is_listed(ont.point.state) && contains(range, *place)) {
-            by_place.at(*place) = ont;
-        }
-    }
     std::vector<Ont__state_info> states;
-    for (const auto& ont : by_place) {
-        if (ont) {
+    states.reserve(plant.configuration().onts.size());
+    for (std::uint16_t index = 0; index < max_onts; ++index) {
+        const auto ont = contains(range, index) ? plant.ont_configured_as(index) : std::nullopt;
+        if (ont && is_listed(ont->point.state)) {
             states.push_back(state_of(plant, *ont));
         }
     }

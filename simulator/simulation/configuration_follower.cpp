@@ -259,7 +259,7 @@ void ConfigurationFollower::read_onts(std::span<const std::uint16_t> indices) {
     std::ranges::copy_if(indices, std::back_inserter(known), [](auto index) { return index < max_onts; });
     const auto onts = cfgdb::read_running_onts(database_.handle(), known);
     for (const auto index : known) {
-        configuration_.onts.erase(index);
+        configuration_.onts.take(index);
     }
     for (const auto& ont : onts) {
         configuration_.onts[ont.index] = ont;

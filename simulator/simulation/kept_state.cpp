@@ -19,8 +19,8 @@ constexpr const char* kept_path = "/run/plant_state";
 std::string heading(const PlantParameters& parameters) {
     const auto& plant = *parameters.plant;
     return fmt::format("olt_simulator {} {} {}\nplant {} {} of seed {}, {} ONTs\n", XPON_VERSION, sizeof(OntTally),
-                       sizeof(OntSituation) + sizeof(OntSettings), plant.name, plant.board.serial_number,
-                       parameters.seed, parameters.size.onts);
+                       sizeof(TrackedOnt) + sizeof(OntSettings), plant.name, plant.board.serial_number, parameters.seed,
+                       parameters.size.onts);
 }
 
 } // namespace

@@ -8,29 +8,28 @@ ServiceHistory::Form::Form(const ServiceSettings& service)
       pppoe_agent(service.pppoe_agent), static_ip(service.static_ip) {}
 
 void ServiceHistory::follow(const ConfiguredOnts& onts, PlantTime now) {
-    std::erase_if(onts_, [&](const auto& known) { return !onts.contains(known.first); });
-    for (const auto& [index, ont] : onts) {
-        follow(index, ont, now);
+    for (std::uint16_t index = 0; index < max_onts; ++index) {
+        follow(index, onts.find(index), now);
     }
 }
 
 void ServiceHistory::follow(const ConfiguredOnts& onts, const ChangedOnts& changed, PlantTime now) {
     for (const auto index : changed) {
-        if (const auto configured = onts.find(index); configured != onts.end()) {
-            follow(index, configured->second, now);
-        } else {
-            onts_.erase(index);
-        }
+        follow(index, onts.find(index), now);
     }
 }
 
-void ServiceHistory::follow(std::uint16_t index, const OntSettings& ont, PlantTime now) {
+void ServiceHistory::follow(std::uint16_t index, const OntSettings* ont, PlantTime now) {
+    if (ont == nullptr) {
+        onts_.take(index);
+        return;
+    }
     auto& known = onts_[index];
-    if (known.serial != ont.serial) {
-        known = {.serial = ont.serial, .services = {}};
+    if (known.serial != ont->serial) {
+        known = {.serial = ont->serial, .services = {}};
     }
     std::array<std::optional<Form>, max_services> forms;
-    for (const auto& service : ont.services) {
+    for (const auto& service : ont->services) {
         if (service.number >= 1 && service.number <= max_services) {
             forms.at(service.number - 1U).emplace(service);
         }
@@ -45,9 +44,9 @@ void ServiceHistory::follow(std::uint16_t index, const OntSettings& ont, PlantTi
 }
 
 PlantTime ServiceHistory::since(std::uint16_t index, unsigned service) const {
-    const auto ont = onts_.find(index);
-    const bool is_known = ont != onts_.end() && service >= 1 && service <= max_services;
-    return is_known ? ont->second.services.at(service - 1).since : never;
+    const auto* const ont = onts_.find(index);
+    const bool is_known = ont != nullptr && service >= 1 && service <= max_services;
+    return is_known ? ont->services.at(service - 1).since : never;
 }
 
 } // namespace xpon::simulator

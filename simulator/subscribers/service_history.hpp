@@ -5,7 +5,6 @@
 
 #include <array>
 #include <cstdint>
-#include <map>
 #include <optional>
 
 namespace xpon::simulator {
@@ -14,7 +13,7 @@ namespace xpon::simulator {
 /// that is deleted and configured anew, or whose service moves to another VLAN, begins without leases and groups.
 class ServiceHistory {
 public:
-    using ConfiguredOnts = std::map<std::uint16_t, OntSettings>; ///< by flat index
+    using ConfiguredOnts = OntTable<OntSettings>;
 
     /// These ONTs are configured from now on.
     void follow(const ConfiguredOnts& onts, PlantTime now);
@@ -50,9 +49,10 @@ private:
         std::array<KnownService, max_services> services;
     };
 
-    void follow(std::uint16_t index, const OntSettings& ont, PlantTime now);
+    /// `ont`: null when it is not configured.
+    void follow(std::uint16_t index, const OntSettings* ont, PlantTime now);
 
-    std::map<std::uint16_t, KnownOnt> onts_;
+    OntTable<KnownOnt> onts_;
 };
 
 } // namespace xpon::simulator

@@ -26,12 +26,12 @@ Ipv4Address SubscriberLine::ip_of(unsigned host) const {
 
 void visit_lines(const AccessNetwork& network, const std::function<void(const SubscriberLine&)>& visit) {
     const auto& plant = network.plant();
-    for (const auto& [index, settings] : plant.configuration().onts) {
+    for (std::uint16_t index = 0; index < max_onts; ++index) {
         const auto ont = plant.ont_configured_as(index);
         if (!ont) {
             continue;
         }
-        for (const auto& service : settings.services) {
+        for (const auto& service : ont->settings->services) {
             const auto since = network.services().since(index, service.number);
             if (since == never) {
                 continue;
@@ -40,7 +40,7 @@ void visit_lines(const AccessNetwork& network, const std::function<void(const Su
                                 .place = place_of_record(index),
                                 .ont = &*ont,
                                 .service = &service,
-                                .hosts = {plant.parameters(), *ont->hardware, settings, service},
+                                .hosts = {plant.parameters(), *ont->hardware, *ont->settings, service},
                                 .served = {},
                                 .served_before = {}};
             if (ont->point.state == ont_operational) {

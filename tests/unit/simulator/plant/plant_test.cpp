@@ -120,6 +120,18 @@ TEST_F(OntLifeTest, AnEventDuringAStartDoesNotLoseTheOnt) {
     EXPECT_EQ(state(), "OPERATIONAL");
 }
 
+TEST(PlantWithAPast, SwitchesSomeOfItsOntsOnInTheMiddleOfIt) {
+    auto aged = parameters(256);
+    aged.past = 4h;
+    Plant plant(aged, configured(aged, 256));
+    const auto in_service_at = [&](PlantTime time) {
+        plant.advance(time);
+        return std::ranges::count(plant.onts(), ont_operational, [](const auto& ont) { return ont.point.state; });
+    };
+    const auto soon = in_service_at(10min);
+    EXPECT_GT(in_service_at(4h), soon);
+}
+
 TEST(FullPlant, HasNoOnuIdForTheLastTwoOntsOfAPort) {
     const auto full = parameters(max_onts, "full");
     auto configuration = configured(full, max_onts);
@@ -127,7 +139,7 @@ TEST(FullPlant, HasNoOnuIdForTheLastTwoOntsOfAPort) {
     plant.advance(2h);
     EXPECT_FALSE(onu_id_of(plant.configuration(), 254));
     EXPECT_FALSE(onu_id_of(plant.configuration(), 255));
-    configuration.onts.erase(9);
+    configuration.onts.take(9);
     plant.configure(configuration);
     plant.advance(3h);
     EXPECT_EQ(onu_id_of(plant.configuration(), 254), 9);

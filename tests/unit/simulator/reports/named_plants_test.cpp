@@ -84,7 +84,11 @@ TEST(NamedPlants, LeaveNoCounterAtOneValue) {
     for (const auto& named : named_plants()) {
         const PlantParameters parameters{.plant = &named, .size = named.size()};
         auto configuration = configured(parameters, named.size().configured, subscriber_services);
-        for (auto& [index, settings] : configuration.onts) {
+        for (std::uint16_t index = 0; index < max_onts; ++index) {
+            if (!configuration.onts.contains(index)) {
+                continue;
+            }
+            auto& settings = configuration.onts.at(index);
             if (index % 5 == 0) {
                 settings.services = {{.number = 3, .broadcast_downstream = false}};
             } else if (index % 5 == 1) {

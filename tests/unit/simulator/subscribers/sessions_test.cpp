@@ -37,7 +37,7 @@ protected:
 
 TEST_F(LeaseTest, EndsAtOnceWithItsServiceAndIsNotGivenBack) {
     const std::pair<const char*, std::function<void(RunningConfiguration&)>> losses[] = {
-        {"ONT deleted", [](auto& c) { c.onts.erase(0); }},
+        {"ONT deleted", [](auto& c) { c.onts.take(0); }},
         {"other ONT", [](auto& c) { c.onts[0].serial = 1; }},
         {"service deleted", [](auto& c) { c.onts[0].services.erase(c.onts[0].services.begin() + 2); }},
         {"other VLAN", [](auto& c) { c.onts[0].services[2].s_vid = 301; }},
