@@ -1,7 +1,7 @@
 # Every library from outside, in one place. Read by the installed platform's package file too.
 find_package(PkgConfig REQUIRED)
 find_package(fmt 9 REQUIRED)
-find_package(Boost 1.77 REQUIRED)
+find_package(Boost 1.81 REQUIRED)
 pkg_check_modules(cjson REQUIRED IMPORTED_TARGET GLOBAL libcjson)
 pkg_check_modules(deflate REQUIRED IMPORTED_TARGET GLOBAL libdeflate)
 pkg_check_modules(lmdb REQUIRED IMPORTED_TARGET GLOBAL lmdb)

@@ -91,6 +91,9 @@ std::string printable_text(std::string_view text) {
 }
 
 std::string printable_text(std::string_view text, std::size_t limit) {
+    if (text.size() <= limit && plain_beginning(text, "") == text.size()) {
+        return std::string(text);
+    }
     const auto escaped = escape(text, limit, "");
     return escaped.text + size_when_cut(escaped, text.size());
 }

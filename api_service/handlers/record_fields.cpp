@@ -2,12 +2,12 @@
 
 #include "xpon/core/printable_text.hpp"
 
-#include <algorithm>
+#include <cstring>
 
 namespace xpon::api_service {
 
 std::string device_text(std::span<const char> buffer) {
-    return core::printable_text({buffer.begin(), std::ranges::find(buffer, '\0')});
+    return core::printable_text({buffer.data(), strnlen(buffer.data(), buffer.size())});
 }
 
 Result<std::size_t> bounded_count(std::size_t count, std::size_t limit, const char* name) {

@@ -73,9 +73,27 @@ bool are_close(double one, double other) {
            std::max(std::fabs(one), std::fabs(other)) * std::numeric_limits<double>::epsilon();
 }
 
+constexpr int usual_digits = 15; // as many as a double keeps of any decimal number
+
+/// Writes a number with so few digits that its shortest form is also the one of `usual_digits`; returns its end, null
+/// when it is none of these, as few of what devices measure are.
+char* write_short_real(char* begin, double value) {
+    constexpr double least_fixed = 1e-4; // smaller ones are written with an exponent, and such with more digits
+    constexpr double great = 1e15;
+    if (const double size = std::fabs(value); size < least_fixed || size >= great) {
+        return nullptr;
+    }
+    constexpr auto longest = usual_digits + std::string_view("-.").size();
+    const auto [end, error] = std::to_chars(begin, begin + longest, value, std::chars_format::fixed);
+    const auto digits = std::count_if(begin, end, [](char character) { return character >= '0' && character <= '9'; });
+    return error == std::errc() && digits <= usual_digits ? end : nullptr;
+}
+
 /// Writes a finite number to `longest_number` bytes at `begin`; returns its end.
 char* write_real(char* begin, double value) {
-    constexpr int usual_digits = 15;
+    if (char* const end = write_short_real(begin, value)) {
+        return end;
+    }
     constexpr int all_digits = 17;
     char* const limit = begin + longest_number;
     char* end = std::to_chars(begin, limit, value, std::chars_format::general, usual_digits).ptr;

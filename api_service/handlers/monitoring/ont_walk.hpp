@@ -7,8 +7,9 @@
 
 #include <optional>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
+
+#include <boost/unordered/unordered_flat_set.hpp>
 
 namespace xpon::api_service {
 
@@ -51,7 +52,7 @@ private:
     const Bitmap_ont_range& range_;
     Bitmap_iterator iterator_{};
     std::span<const Ont__state_info> activated_left_;
-    std::unordered_set<OntSerial, OntSerialHash> activated_met_;
+    boost::unordered_flat_set<OntSerial, OntSerialHash> activated_met_;
     std::span<const Ont_unactivated_entry> unactivated_;
     std::unordered_map<OntSerial, std::size_t, OntSerialHash> unactivated_by_serial_; ///< the first of a serial
     std::vector<bool> claimed_;

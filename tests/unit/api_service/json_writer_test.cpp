@@ -48,7 +48,7 @@ constexpr double odd_numbers[] = {
 class Trees {
 public:
     core::JsonTree make(int depth) {
-        switch (below(depth > 0 ? 10U : 8U)) {
+        switch (below(depth > 0 ? 11U : 9U)) {
         case 0:
             return core::JsonTree(cJSON_CreateNull());
         case 1:
@@ -62,11 +62,15 @@ public:
                 cJSON_CreateNumber(std::ldexp(static_cast<double>(random_()), static_cast<int>(below(2000)) - 1000)));
         case 5: // as in measurements
             return core::JsonTree(cJSON_CreateNumber(static_cast<double>(below(100000)) / 100 - 500));
-        case 6:
-            return core::JsonTree(cJSON_CreateString(text().c_str()));
+        case 6: // every count of digits, on both sides of the point
+            return core::JsonTree(cJSON_CreateNumber(
+                std::trunc(std::ldexp(static_cast<double>(random_()), -static_cast<int>(below(64)))) /
+                std::pow(10, below(20))));
         case 7:
-            return core::JsonTree(cJSON_CreateRaw("{ \"as it\" : stands }"));
+            return core::JsonTree(cJSON_CreateString(text().c_str()));
         case 8:
+            return core::JsonTree(cJSON_CreateRaw("{ \"as it\" : stands }"));
+        case 9:
             return array(depth - 1);
         default:
             return object(depth - 1);
@@ -104,7 +108,7 @@ private:
         return made;
     }
 
-    std::mt19937 random_{1};
+    std::mt19937_64 random_{1};
 };
 
 std::string written(const cJSON* tree) {
