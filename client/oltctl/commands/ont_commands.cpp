@@ -2,7 +2,7 @@
 #include "client/oltctl/configuration/index_list.hpp"
 #include "client/oltctl/failure.hpp"
 #include "client/oltctl/ont_number.hpp"
-#include "client/oltctl/serial_number.hpp"
+#include "xpon/client/serial_number.hpp"
 
 #include <algorithm>
 #include <cctype>
@@ -22,16 +22,11 @@ namespace xpon::oltctl {
 namespace {
 
 constexpr Column ont_columns[] = {
-    {"PON port", "cfg_port", nullptr, true},
-    {"ONT", "cfg_ont_id", nullptr, true},
-    {"Serial", "serial", serial_text},
-    {"State", "state"},
-    {"RSSI dBm", "ont_info.rssi", nullptr, true},
-    {"Metres", "ont_info.distance", nullptr, true},
-    {"Seen at", "port", nullptr, true},
-    {"Model", "ont_info.equipment_id"},
-    {"Software", "ont_info.software_version"},
-    {"Description", "description"},
+    {"PON port", "cfg_port", nullptr, true},      {"ONT", "cfg_ont_id", nullptr, true},
+    {"Serial", "serial", client::serial_text},    {"State", "state"},
+    {"RSSI dBm", "ont_info.rssi", nullptr, true}, {"Metres", "ont_info.distance", nullptr, true},
+    {"Seen at", "port", nullptr, true},           {"Model", "ont_info.equipment_id"},
+    {"Software", "ont_info.software_version"},    {"Description", "description"},
 };
 
 /// What ONTs can be sorted by.
@@ -177,7 +172,7 @@ void write_serials(cJSON* tree) {
     for (auto* member = tree->child; member != nullptr; member = member->next) {
         if (member->string != nullptr && std::string_view(member->string).ends_with("serial") &&
             cJSON_IsArray(member) != 0) {
-            auto* const text = cJSON_CreateString(serial_text(member).c_str());
+            auto* const text = cJSON_CreateString(client::serial_text(member).c_str());
             cJSON_ReplaceItemInObjectCaseSensitive(tree, member->string, text);
             member = text;
         }
@@ -222,7 +217,7 @@ void show_ont(Context& context, const std::string& text) {
 void find_ont(Context& context, const std::string& serial) {
     client::Request request{.path = "utils.ont.find", .method = "call", .config_type = "running"};
     request.data.reset(cJSON_CreateObject());
-    auto bytes = parse_serial(serial);
+    auto bytes = client::parse_serial(serial);
     if (!bytes) {
         throw Failure(ExitStatus::usage,
                       fmt::format("'{}' is no serial. Write SIMUA0030011 or 53494D55A0030011.", serial));

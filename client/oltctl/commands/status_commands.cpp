@@ -1,6 +1,6 @@
 #include "client/oltctl/commands/context.hpp"
 #include "client/oltctl/output/terminal.hpp"
-#include "client/oltctl/serial_number.hpp"
+#include "xpon/client/serial_number.hpp"
 
 #include <span>
 #include <string>
@@ -46,7 +46,7 @@ constexpr Column dhcp_columns[] = {
     {"PON port", "pon_port_id", nullptr, true},
     {"ONT", "ont_id", nullptr, true},
     {"Service", "service_id", nullptr, true},
-    {"Serial", "ont_serial", serial_text},
+    {"Serial", "ont_serial", client::serial_text},
     {"IP address", "ip"},
     {"VLAN", "outer_vid", nullptr, true},
     {"Left", "life_time_msec", minutes_text, true},
@@ -56,7 +56,7 @@ constexpr Column pppoe_columns[] = {
     {"PPPoE client", "client_mac"},
     {"PON port", "pon_port_id", nullptr, true},
     {"ONT", "ont_id", nullptr, true},
-    {"Serial", "ont_serial", serial_text},
+    {"Serial", "ont_serial", client::serial_text},
     {"Session", "session_id", nullptr, true},
     {"GEM port", "gem_port", nullptr, true},
     {"Up", "duration_sec", duration_text, true},

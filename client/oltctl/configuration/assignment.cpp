@@ -1,7 +1,7 @@
 #include "client/oltctl/configuration/assignment.hpp"
 
 #include "client/oltctl/failure.hpp"
-#include "client/oltctl/serial_number.hpp"
+#include "xpon/client/serial_number.hpp"
 
 #include <algorithm>
 #include <cctype>
@@ -16,7 +16,7 @@ namespace {
 /// Texts that would also be JSON numbers, such as the telephone number 0049, are written in quotes by the user.
 core::JsonTree value_of(const std::string& key, const std::string& text) {
     if (key == "serial") {
-        if (auto serial = parse_serial(text)) {
+        if (auto serial = client::parse_serial(text)) {
             return serial;
         }
     }

@@ -1,7 +1,7 @@
 #include "client/oltctl/configuration/difference.hpp"
 
 #include "client/oltctl/output/terminal.hpp"
-#include "client/oltctl/serial_number.hpp"
+#include "xpon/client/serial_number.hpp"
 
 #include <fmt/format.h>
 
@@ -54,7 +54,7 @@ void compare(const cJSON* running, const cJSON* candidate, const FieldDifference
 /// A value as people read it.
 std::string shown(const FieldDifference& difference, const std::string& value) {
     if (difference.field == "serial") {
-        const auto serial = serial_text(core::JsonTree(cJSON_Parse(value.c_str())).get());
+        const auto serial = client::serial_text(core::JsonTree(cJSON_Parse(value.c_str())).get());
         return serial.empty() ? "none" : serial;
     }
     return value.empty() ? "none" : value;

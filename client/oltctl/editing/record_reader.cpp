@@ -1,6 +1,6 @@
 #include "client/oltctl/catalogue/catalogue.hpp"
 #include "client/oltctl/editing/record_text.hpp"
-#include "client/oltctl/serial_number.hpp"
+#include "xpon/client/serial_number.hpp"
 
 #include <algorithm>
 #include <sstream>
@@ -25,7 +25,7 @@ core::JsonTree plain_value(const YAML::Node& node, const CatalogueField* field) 
         return as_text();
     }
     if (field != nullptr && field->form == Form::serial) {
-        auto serial = text.empty() ? core::JsonTree(cJSON_Parse("[0,0,0,0,0,0,0,0,0,0]")) : parse_serial(text);
+        auto serial = text.empty() ? core::JsonTree(cJSON_Parse("[0,0,0,0,0,0,0,0,0,0]")) : client::parse_serial(text);
         return serial ? std::move(serial) : as_text();
     }
     if (field != nullptr && field->form == Form::boolean) {

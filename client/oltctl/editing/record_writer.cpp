@@ -1,6 +1,6 @@
 #include "client/oltctl/catalogue/catalogue.hpp"
 #include "client/oltctl/editing/record_text.hpp"
-#include "client/oltctl/serial_number.hpp"
+#include "xpon/client/serial_number.hpp"
 
 #include <iterator>
 
@@ -16,7 +16,7 @@ bool is_list_of_records(const cJSON* value) {
 /// A value in one line, in JSON; a serial as people write it.
 std::string value_text(const cJSON* value, const CatalogueField* field) {
     if (field != nullptr && field->form == Form::serial) {
-        return fmt::format("\"{}\"", serial_text(value));
+        return fmt::format("\"{}\"", client::serial_text(value));
     }
     return core::print_line(value).get();
 }

@@ -1,7 +1,7 @@
 #include "client/oltctl/live/top_view.hpp"
 
 #include "client/oltctl/output/table.hpp"
-#include "client/oltctl/serial_number.hpp"
+#include "xpon/client/serial_number.hpp"
 
 #include <algorithm>
 #include <chrono>
@@ -118,7 +118,7 @@ void TopView::sample_onts(Service& service) {
         const bool is_configured = value_at(row, "cfg_port") != nullptr;
         const auto state = text_at(row, "state");
         Ont ont{.number = is_configured ? text_at(row, "cfg_port") + "/" + text_at(row, "cfg_ont_id") : "",
-                .serial = serial_text(value_at(row, "serial")),
+                .serial = client::serial_text(value_at(row, "serial")),
                 .state = state.empty() ? absent : state,
                 .metres = text_at(row, "ont_info.distance"),
                 .description = text_at(row, "description"),

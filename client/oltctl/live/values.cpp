@@ -1,7 +1,7 @@
 #include "client/oltctl/live/values.hpp"
 
 #include "client/oltctl/output/table.hpp"
-#include "client/oltctl/serial_number.hpp"
+#include "xpon/client/serial_number.hpp"
 
 #include <array>
 #include <string_view>
@@ -25,7 +25,7 @@ bool is_serial(const cJSON* value) {
 }
 
 std::string text_of(const cJSON* value) {
-    return is_serial(value) ? serial_text(value) : cell_text(value);
+    return is_serial(value) ? client::serial_text(value) : cell_text(value);
 }
 
 std::string name_of(const cJSON* item, unsigned position) {

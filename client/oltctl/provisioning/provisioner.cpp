@@ -2,7 +2,7 @@
 
 #include "client/oltctl/failure.hpp"
 #include "client/oltctl/output/table.hpp"
-#include "client/oltctl/serial_number.hpp"
+#include "xpon/client/serial_number.hpp"
 
 #include <fmt/format.h>
 
@@ -13,7 +13,7 @@ constexpr auto ont_path = "configuration.ZebGCfg.pon.ont";
 constexpr auto template_path = "configuration.CommonGCfg.profiles.profiles_ont.ont_template";
 
 std::string serial_of(const cJSON* ont) {
-    return serial_text(value_at(ont, "serial"));
+    return client::serial_text(value_at(ont, "serial"));
 }
 
 } // namespace
@@ -60,8 +60,8 @@ Index Provisioner::place_for(const Subscriber& subscriber, const std::string& se
 }
 
 Index Provisioner::provision(const Subscriber& subscriber) {
-    auto bytes = parse_serial(subscriber.serial);
-    const auto serial = serial_text(bytes.get()); // in the one form in which serials are compared
+    auto bytes = client::parse_serial(subscriber.serial);
+    const auto serial = client::serial_text(bytes.get()); // in the one form in which serials are compared
     if (serial.empty()) {
         throw Failure(ExitStatus::usage,
                       fmt::format("'{}' is no serial. Write SIMUA0030011 or 53494D55A0030011.", subscriber.serial));

@@ -3,9 +3,9 @@
 #include "client/oltctl/failure.hpp"
 #include "client/oltctl/output/table.hpp"
 #include "client/oltctl/output/tree.hpp"
-#include "client/oltctl/serial_number.hpp"
 #include "client/oltctl/session/private_file.hpp"
 #include "tests/support/temporary_olt_root.hpp"
+#include "xpon/client/serial_number.hpp"
 
 #include <filesystem>
 #include <set>
@@ -67,11 +67,11 @@ TEST(Serials, AreReadAndWritten) {
           Case{"53494D55A0030011", "SIMUA0030011"}, Case{"0001020304050607", "0001020304050607"},
           Case{"0000000000000000", ""}, Case{"SIMUA003001", nullptr}, Case{"", nullptr}, Case{"SIMUA003001G", nullptr},
           Case{"SIMU-0030011", nullptr}}) {
-        const auto bytes = parse_serial(text);
+        const auto bytes = client::parse_serial(text);
         ASSERT_EQ(bytes != nullptr, shown != nullptr) << text;
         if (bytes) {
             EXPECT_EQ(cJSON_GetArraySize(bytes.get()), 10);
-            EXPECT_EQ(serial_text(bytes.get()), shown);
+            EXPECT_EQ(client::serial_text(bytes.get()), shown);
         }
     }
 }
