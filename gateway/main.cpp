@@ -45,6 +45,7 @@ public:
 
     void run() {
         site_.start();
+        context_.poll(); // the way to a daemon that is there is open before the first browser is heard
         listener_.start();
         await_signal();
         await_second();

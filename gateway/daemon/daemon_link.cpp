@@ -1,5 +1,6 @@
 #include "gateway/daemon/daemon_link.hpp"
 
+#include "gateway/as_result.hpp"
 #include "xpon/client/frame.hpp"
 
 #include <algorithm>
@@ -12,7 +13,6 @@
 
 #include <sys/socket.h>
 
-#include <boost/asio/as_tuple.hpp>
 #include <boost/asio/awaitable.hpp>
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/co_spawn.hpp>
@@ -20,7 +20,6 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/post.hpp>
 #include <boost/asio/steady_timer.hpp>
-#include <boost/asio/use_awaitable.hpp>
 #include <boost/asio/write.hpp>
 #include <boost/beast/core/error.hpp>
 #include <boost/beast/core/tcp_stream.hpp>
@@ -32,8 +31,6 @@ namespace asio = boost::asio;
 using asio::ip::tcp;
 using boost::beast::tcp_stream;
 using Clock = std::chrono::steady_clock;
-
-constexpr auto as_result = asio::as_tuple(asio::use_awaitable);
 
 // The daemon serves one request at a time: more connections only keep a slow request from holding up their queue.
 constexpr std::size_t connections = 6;

@@ -1,7 +1,9 @@
 #include "gateway/http/connection.hpp"
 
+#include "gateway/as_result.hpp"
 #include "gateway/events/event_stream.hpp"
 #include "gateway/http/request_rules.hpp"
+#include "gateway/http/transport.hpp"
 
 #include <algorithm>
 #include <array>
@@ -10,10 +12,8 @@
 #include <ctime>
 #include <optional>
 #include <string>
-#include <type_traits>
 #include <utility>
 
-#include <boost/asio/as_tuple.hpp>
 #include <boost/asio/awaitable.hpp>
 #include <boost/asio/buffer.hpp>
 #include <boost/asio/co_spawn.hpp>
@@ -22,16 +22,13 @@
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/this_coro.hpp>
 #include <boost/asio/use_awaitable.hpp>
-#include <boost/asio/write.hpp>
+#include <boost/beast/core/buffers_to_string.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
-#include <boost/beast/core/stream_traits.hpp>
-#include <boost/beast/core/tcp_stream.hpp>
+#include <boost/beast/core/read_size.hpp>
+#include <boost/beast/http/empty_body.hpp>
 #include <boost/beast/http/parser.hpp>
-#include <boost/beast/http/read.hpp>
 #include <boost/beast/http/rfc7230.hpp>
 #include <boost/beast/http/string_body.hpp>
-#include <boost/beast/http/write.hpp>
-#include <boost/beast/ssl/ssl_stream.hpp>
 #include <fmt/chrono.h>
 
 namespace xpon::gateway {
@@ -43,12 +40,10 @@ namespace http = boost::beast::http;
 using asio::ip::tcp;
 using boost::system::error_code;
 using Clock = std::chrono::steady_clock;
-using PlainStream = beast::tcp_stream;
-using SecureStream = beast::ssl_stream<beast::tcp_stream>;
-
-constexpr auto as_result = asio::as_tuple(asio::use_awaitable);
+using Parser = http::request_parser<http::string_body>;
 
 constexpr std::uint32_t header_bytes = 16 * 1024;
+constexpr std::size_t most_at_once = 65536; ///< bytes of one reading
 constexpr auto handshake_time = std::chrono::seconds(10);
 constexpr auto keep_alive_time = std::chrono::seconds(75); ///< between requests
 constexpr auto header_time = std::chrono::seconds(10);
@@ -74,8 +69,9 @@ HttpRequest plain(const http::request<http::string_body>& parsed, const std::str
     return request;
 }
 
-http::response<http::string_body> head_of(const HttpResponse& response, bool is_secure, bool keep_alive) {
-    http::response<http::string_body> message;
+/// The lines in front of the body. Of a stream no length is known; its end is that of the connection.
+std::string head_of(const HttpResponse& response, bool is_secure, bool keep_alive) {
+    http::response<http::empty_body> message;
     message.result(response.status);
     message.version(11);
     message.keep_alive(keep_alive);
@@ -89,7 +85,11 @@ http::response<http::string_body> head_of(const HttpResponse& response, bool is_
     for (const auto& [name, value] : response.headers) {
         message.insert(beast::string_view(name.data(), name.size()), value);
     }
-    return message;
+    if (!response.stream && response.status != 204 && response.status != 304) {
+        message.content_length(response.body.size());
+    }
+    const http::fields::writer lines(message, message.version(), message.result_int());
+    return beast::buffers_to_string(lines.get());
 }
 
 /// What to say of a request that cannot be read; empty when there is nobody to hear it.
@@ -120,27 +120,16 @@ asio::awaitable<HttpResponse> answer(const ConnectionSetup& setup, const HttpReq
         asio::use_awaitable);
 }
 
-// Overloads, because g++ 12 miscompiles a coroutine with an `if constexpr` around co_await.
-asio::awaitable<bool> shake_hands(PlainStream& /*stream*/) {
-    co_return true;
-}
-
-asio::awaitable<bool> shake_hands(SecureStream& stream) {
-    beast::get_lowest_layer(stream).expires_after(handshake_time);
-    auto [failed] = co_await stream.async_handshake(asio::ssl::stream_base::server, as_result);
-    co_return !failed;
-}
-
-/// One browser's connection, with or without TLS.
-template <class Stream>
-class Connection : public std::enable_shared_from_this<Connection<Stream>> {
+/// One browser's connection. g++ 12 miscompiles a conditional in the same expression as co_await: none stands there.
+class Connection : public std::enable_shared_from_this<Connection> {
 public:
-    Connection(Stream stream, std::string peer, const ConnectionSetup& setup)
-        : stream_(std::move(stream)), peer_(std::move(peer)), setup_(setup), wake_(stream_.get_executor()) {}
+    Connection(std::unique_ptr<Transport> transport, std::string peer, const ConnectionSetup& setup)
+        : transport_(std::move(transport)), peer_(std::move(peer)), setup_(setup), wake_(lowest().get_executor()) {}
 
     /// Held by `self`, as long as it takes.
     asio::awaitable<void> run(std::shared_ptr<Connection> self) {
-        bool goes_on = co_await shake_hands(stream_);
+        lowest().expires_after(handshake_time);
+        bool goes_on = !co_await transport_->open();
         while (goes_on) {
             goes_on = co_await serve_one(self);
         }
@@ -148,10 +137,8 @@ public:
     }
 
 private:
-    static constexpr bool is_secure = std::is_same_v<Stream, SecureStream>;
-
-    PlainStream& lowest() {
-        return beast::get_lowest_layer(stream_);
+    beast::tcp_stream& lowest() {
+        return transport_->lowest();
     }
 
     /// One request. Whether another one may follow.
@@ -159,27 +146,27 @@ private:
         if (buffer_.size() == 0) {
             buffer_ = {}; // an idle connection costs little, and keeps nothing of the last request
             lowest().expires_after(keep_alive_time);
-            auto [failed, count] = co_await stream_.async_read_some(buffer_.prepare(4096), as_result);
+            const auto [failed, count] = co_await transport_->read_some(buffer_.prepare(4096));
             if (failed) {
                 co_return false;
             }
             buffer_.commit(count);
         }
-        http::request_parser<http::string_body> parser;
+        Parser parser;
         parser.header_limit(header_bytes);
         parser.body_limit(setup_.body_bytes);
         const auto begin = Clock::now();
         const auto unreadable = co_await read(parser);
         if (unreadable) {
             if (const auto refusal = refusal_of(unreadable)) {
-                const auto request = plain(parser.get(), peer_, is_secure);
+                const auto request = plain(parser.get(), peer_, transport_->is_secure());
                 co_await send(request, *refusal, false, begin);
                 co_await linger();
             }
             co_return false;
         }
         const bool keep_alive = parser.get().keep_alive();
-        const auto request = plain(parser.release(), peer_, is_secure);
+        const auto request = plain(parser.release(), peer_, transport_->is_secure());
         const auto response = co_await answer(setup_, request);
         if (response.stream) {
             co_await send_events(self, request, response, begin);
@@ -189,37 +176,61 @@ private:
         co_return is_sent&& keep_alive;
     }
 
-    asio::awaitable<error_code> read(http::request_parser<http::string_body>& parser) {
+    asio::awaitable<error_code> read(Parser& parser) {
         lowest().expires_after(header_time);
-        auto [no_header, header_size] = co_await http::async_read_header(stream_, buffer_, parser, as_result);
-        if (no_header) {
+        parser.eager(false);
+        if (const auto no_header = co_await read_until(parser, &Parser::is_header_done)) {
             co_return no_header;
         }
         lowest().expires_after(body_time);
         if (beast::iequals(parser.get()[http::field::expect], "100-continue")) {
             static constexpr std::string_view go_on = "HTTP/1.1 100 Continue\r\n\r\n";
-            co_await asio::async_write(stream_, asio::buffer(go_on), as_result);
+            co_await transport_->write(asio::buffer(go_on));
         }
-        auto [no_body, body_size] = co_await http::async_read(stream_, buffer_, parser, as_result);
-        co_return no_body;
+        parser.eager(true);
+        co_return co_await read_until(parser, &Parser::is_done);
+    }
+
+    /// What has come beyond that stays in the buffer.
+    asio::awaitable<error_code> read_until(Parser& parser, bool (Parser::*is_reached)() const) {
+        while (!(parser.*is_reached)()) {
+            error_code error = http::error::need_more;
+            if (buffer_.size() > 0) {
+                buffer_.consume(parser.put(buffer_.data(), error));
+            }
+            if (error == http::error::need_more) {
+                error = co_await read_more(parser);
+            }
+            if (error) {
+                co_return error;
+            }
+        }
+        co_return error_code();
+    }
+
+    asio::awaitable<error_code> read_more(Parser& parser) {
+        const auto [failed, count] =
+            co_await transport_->read_some(buffer_.prepare(beast::read_size(buffer_, most_at_once)));
+        buffer_.commit(count);
+        if (failed != asio::error::eof) {
+            co_return failed;
+        }
+        error_code unfinished = http::error::end_of_stream;
+        if (parser.got_some()) {
+            parser.put_eof(unfinished);
+        }
+        co_return unfinished;
     }
 
     asio::awaitable<bool> send(const HttpRequest& request, const HttpResponse& response, bool keep_alive,
                                Clock::time_point begin) {
-        auto message = head_of(response, is_secure, keep_alive);
-        if (response.status != 204 && response.status != 304) {
-            message.content_length(response.body.size());
-            message.body() = request.method == "HEAD" ? "" : response.body;
-        }
+        const auto head = head_of(response, transport_->is_secure(), keep_alive);
+        const bool has_body = request.method != "HEAD" && response.status != 204 && response.status != 304;
+        const auto body = has_body ? asio::buffer(response.body) : asio::const_buffer();
         lowest().expires_after(send_time);
-        const auto failed = co_await write(std::move(message));
+        const auto [failed, count] = co_await transport_->write(asio::buffer(head), body);
         setup_.log.write(request, response, response.body.size(), Clock::now() - begin);
         co_return !failed;
-    }
-
-    asio::awaitable<error_code> write(http::response<http::string_body> message) {
-        auto [failed, count] = co_await http::async_write(stream_, message, as_result);
-        co_return failed;
     }
 
     asio::awaitable<void> linger() {
@@ -239,10 +250,11 @@ private:
     asio::awaitable<void> send_events(std::shared_ptr<Connection> self, const HttpRequest& request,
                                       const HttpResponse& response, Clock::time_point begin) {
         auto& events = *response.stream;
+        const auto head = head_of(response, transport_->is_secure(), false);
         lowest().expires_after(event_time);
-        is_gone_ = static_cast<bool>(co_await write(head_of(response, is_secure, false)));
+        is_gone_ = static_cast<bool>((co_await transport_->write(asio::buffer(head))).failed);
         lowest().expires_never();
-        asio::co_spawn(stream_.get_executor(), notice_departure(self), asio::detached);
+        asio::co_spawn(lowest().get_executor(), notice_departure(self), asio::detached);
         events.on_wake([this] { wake_.cancel(); });
         std::size_t bytes = 0;
         while (!is_gone_ && !events.is_over()) {
@@ -254,11 +266,9 @@ private:
             }
             static constexpr std::string_view end_of_event = "}\n\n";
             const auto end = event->text ? end_of_event : end_of_event.substr(1);
-            const std::array<asio::const_buffer, 3> parts{
-                asio::buffer(event->head), event->text ? asio::buffer(*event->text) : asio::const_buffer(),
-                asio::buffer(end)};
+            const auto text = event->text ? asio::buffer(*event->text) : asio::const_buffer();
             lowest().expires_after(event_time);
-            auto [failed, count] = co_await asio::async_write(stream_, parts, as_result);
+            const auto [failed, count] = co_await transport_->write(asio::buffer(event->head), text, asio::buffer(end));
             is_gone_ = is_gone_ || failed;
             bytes += count;
         }
@@ -269,12 +279,12 @@ private:
     /// A page that is closed says so by closing the connection, or not at all.
     asio::awaitable<void> notice_departure(std::shared_ptr<Connection> self) {
         std::array<char, 64> nothing{};
-        co_await self->stream_.async_read_some(asio::buffer(nothing), as_result);
+        co_await self->transport_->read_some(asio::buffer(nothing));
         self->is_gone_ = true; // a browser has nothing to say on a stream either
         self->wake_.cancel();
     }
 
-    Stream stream_;
+    std::unique_ptr<Transport> transport_;
     std::string peer_;
     const ConnectionSetup& setup_;
     asio::steady_timer wake_;
@@ -282,27 +292,18 @@ private:
     bool is_gone_ = false;
 };
 
-template <class Stream>
-void serve(Stream stream, std::string peer, const ConnectionSetup& setup, std::function<void()> over) {
-    const auto executor = stream.get_executor();
-    auto connection = std::make_shared<Connection<Stream>>(std::move(stream), std::move(peer), setup);
-    asio::co_spawn(executor, connection->run(connection),
-                   [over = std::move(over)](const std::exception_ptr&) { over(); });
-}
-
 } // namespace
 
-void serve_connection(tcp::socket socket, const ConnectionSetup& setup, const std::shared_ptr<asio::ssl::context>& tls,
+void serve_connection(tcp::socket socket, const ConnectionSetup& setup, std::shared_ptr<asio::ssl::context> tls,
                       std::function<void()> over) {
     error_code gone;
     const auto peer = socket.remote_endpoint(gone).address().to_string();
     socket.set_option(tcp::no_delay(true), gone);
-    if (tls) {
-        // The context lives as long as connections that began with it.
-        serve(SecureStream(std::move(socket), *tls), peer, setup, [tls, over = std::move(over)] { over(); });
-    } else {
-        serve(PlainStream(std::move(socket)), peer, setup, std::move(over));
-    }
+    const auto executor = socket.get_executor();
+    const auto connection =
+        std::make_shared<Connection>(make_transport(std::move(socket), std::move(tls)), peer, setup);
+    asio::co_spawn(executor, connection->run(connection),
+                   [over = std::move(over)](const std::exception_ptr&) { over(); });
 }
 
 } // namespace xpon::gateway

@@ -8,7 +8,10 @@
 #include <memory>
 
 #include <boost/asio/ip/tcp.hpp>
-#include <boost/asio/ssl/context.hpp>
+
+namespace boost::asio::ssl {
+class context;
+}
 
 namespace xpon::gateway {
 
@@ -22,6 +25,6 @@ struct ConnectionSetup {
 /// Speaks HTTP/1.1 with one browser until either side has enough of it; then calls `over`. Null `tls`: without TLS.
 /// A browser that is silent or slow inside a request, or does not take what it is sent, is given up after a while.
 void serve_connection(boost::asio::ip::tcp::socket socket, const ConnectionSetup& setup,
-                      const std::shared_ptr<boost::asio::ssl::context>& tls, std::function<void()> over);
+                      std::shared_ptr<boost::asio::ssl::context> tls, std::function<void()> over);
 
 } // namespace xpon::gateway

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include <boost/asio/ip/address.hpp>
+#include <boost/asio/ssl/context.hpp>
 #include <fmt/format.h>
 #include <openssl/ssl.h>
 

@@ -71,7 +71,8 @@ std::string with_cookie(const std::string& cookie) {
 } // namespace
 
 Console::Console(const std::vector<std::string>& options) : process_(command_with(options), {}) {
-    EXPECT_TRUE(process_.wait_for_line(fmt::format("olt_console is ready on http://127.0.0.1:{}", console_port)))
+    const auto* const scheme = std::ranges::find(options, "--certificate") == options.end() ? "http" : "https";
+    EXPECT_TRUE(process_.wait_for_line(fmt::format("olt_console is ready on {}://127.0.0.1:{}", scheme, console_port)))
         << process_.output();
 }
 
