@@ -1,4 +1,5 @@
 #include "client/oltctl/commands/context.hpp"
+#include "client/oltctl/commands/syntax.hpp"
 #include "client/oltctl/configuration/authors.hpp"
 #include "client/oltctl/configuration/difference.hpp"
 #include "client/oltctl/configuration/document.hpp"
@@ -12,7 +13,6 @@
 #include <string_view>
 #include <vector>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 namespace xpon::oltctl {
@@ -110,43 +110,39 @@ constexpr PlainCommand plain_commands[] = {
 
 } // namespace
 
-void add_candidate_commands(CLI::App& app, Context& context) {
-    app.add_subcommand("diff", "What a commit would change: running and candidate values, field by field")
-        ->callback([&context] { context.action = [&context] { show(context, all_differences(context)); }; });
+void add_candidate_commands(CommandSyntax program, Context& context) {
+    program.add_command("diff", "What a commit would change: running and candidate values, field by field")
+        .does(context, [&context] { show(context, all_differences(context)); });
 
-    auto* const committer = app.add_subcommand("commit", "Show what was edited and put it into force, all or nothing");
+    const auto committer = program.add_command("commit", "Show what was edited and put it into force, all or nothing");
     const auto how = std::make_shared<Commit>();
-    auto* const dry_run = committer->add_flag("--dry-run", how->dry_run, "only show it");
+    const auto dry_run = committer.add_flag("--dry-run", how->dry_run, "only show it");
     constexpr unsigned day = 86400;
     committer
-        ->add_option("--confirm", how->seconds_to_confirm,
-                     "the configuration of before comes back after so many seconds, unless `oltctl confirm` was called")
-        ->type_name("SECONDS")
-        ->check(CLI::Range(1U, day))
-        ->excludes(dry_run);
-    committer->callback([&context, how] { context.action = [&context, how] { commit(context, *how); }; });
+        .add_option("--confirm", how->seconds_to_confirm,
+                    "the configuration of before comes back after so many seconds, unless `oltctl confirm` was called")
+        .type_name("SECONDS")
+        .within(1U, day)
+        .excludes(dry_run);
+    committer.does(context, [&context, how] { commit(context, *how); });
 
-    auto* const confirmer = app.add_subcommand("confirm", "Keep what `commit --confirm` has put into force");
+    const auto confirmer = program.add_command("confirm", "Keep what `commit --confirm` has put into force");
     const auto take_back = std::make_shared<bool>(false);
-    confirmer->add_flag("--restore", *take_back, "take it back instead, at once");
-    confirmer->callback([&context, take_back] {
-        context.action = [&context, take_back] {
-            if (*take_back) {
-                restore_now(context.port, std::chrono::seconds(context.patience_s));
-            } else {
-                confirm(context.port);
-            }
-        };
+    confirmer.add_flag("--restore", *take_back, "take it back instead, at once");
+    confirmer.does(context, [&context, take_back] {
+        if (*take_back) {
+            restore_now(context.port, std::chrono::seconds(context.patience_s));
+        } else {
+            confirm(context.port);
+        }
     });
 
     for (const auto& command : plain_commands) {
-        app.add_subcommand(command.name, command.meaning)->callback([&context, &command] {
-            context.action = [&context, &command] {
-                if (command.needs_a_yes || (command.question != nullptr && a_person_is_there())) {
-                    context.confirm(command.question);
-                }
-                context.service().ask({.path = command.path, .method = "command"});
-            };
+        program.add_command(command.name, command.meaning).does(context, [&context, &command] {
+            if (command.needs_a_yes || (command.question != nullptr && a_person_is_there())) {
+                context.confirm(command.question);
+            }
+            context.service().ask({.path = command.path, .method = "command"});
         });
     }
 }

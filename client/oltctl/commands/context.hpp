@@ -10,11 +10,9 @@
 #include <optional>
 #include <span>
 
-namespace CLI { // NOLINT(readability-identifier-naming): the library's name
-class App;
-} // namespace CLI
-
 namespace xpon::oltctl {
+
+class CommandSyntax;
 
 /// What all commands share: the options in front of them, and the service.
 class Context {
@@ -44,17 +42,17 @@ private:
 };
 
 // Each adds the commands of its file.
-void add_session_commands(CLI::App& app, Context& context);
-void add_request_commands(CLI::App& app, Context& context);
-void add_edit_commands(CLI::App& app, Context& context);
-void add_candidate_commands(CLI::App& app, Context& context);
-void add_document_commands(CLI::App& app, Context& context);
-void add_status_commands(CLI::App& app, Context& context);
-void add_ont_commands(CLI::App& app, Context& context);
-void add_editor_command(CLI::App& app, Context& context);
-void add_device_commands(CLI::App& app, Context& context);
-void add_live_commands(CLI::App& app, Context& context);
-void add_shell_commands(CLI::App& app, Context& context);
-void add_provision_command(CLI::App& app, Context& context);
+void add_session_commands(CommandSyntax program, Context& context);
+void add_request_commands(CommandSyntax program, Context& context);
+void add_edit_commands(CommandSyntax program, Context& context);
+void add_candidate_commands(CommandSyntax program, Context& context);
+void add_document_commands(CommandSyntax program, Context& context);
+void add_status_commands(CommandSyntax program, Context& context);
+void add_ont_commands(CommandSyntax program, Context& context);
+void add_editor_command(CommandSyntax program, Context& context);
+void add_device_commands(CommandSyntax program, Context& context);
+void add_live_commands(CommandSyntax program, Context& context);
+void add_shell_commands(CommandSyntax program, Context& context);
+void add_provision_command(CommandSyntax program, Context& context);
 
 } // namespace xpon::oltctl

@@ -1,4 +1,5 @@
 #include "client/oltctl/commands/context.hpp"
+#include "client/oltctl/commands/syntax.hpp"
 #include "client/oltctl/configuration/index_list.hpp"
 #include "client/oltctl/failure.hpp"
 #include "client/oltctl/olt_folder.hpp"
@@ -10,7 +11,6 @@
 #include <memory>
 #include <string>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 namespace xpon::oltctl {
@@ -66,61 +66,50 @@ void install_firmware(Context& context, const std::string& file) {
     }
 }
 
-void add_firmware(CLI::App& app, Context& context) {
-    auto* const parser = app.add_subcommand("firmware", "The firmware of the OLT: what is in its two slots");
-    parser->callback([&context] {
-        if (!context.action) {
-            context.action = [&context] { show_firmware(context); };
-        }
-    });
-    auto* const installer =
-        parser->add_subcommand("install", "Write an image to the slot that does not run; what runs goes on");
+void add_firmware(CommandSyntax program, Context& context) {
+    const auto parser = program.add_command("firmware", "The firmware of the OLT: what is in its two slots");
+    parser.does(context, [&context] { show_firmware(context); });
+    const auto installer =
+        parser.add_command("install", "Write an image to the slot that does not run; what runs goes on");
     const auto file = std::make_shared<std::string>();
-    installer->add_option("FILE", *file, "the image")->required()->type_name("");
-    installer->callback([&context, file] { context.action = [&context, file] { install_firmware(context, *file); }; });
+    installer.add_option("FILE", *file, "the image").required().type_name("");
+    installer.does(context, [&context, file] { install_firmware(context, *file); });
 
-    auto* const selector = parser->add_subcommand("select", "Which slot the next start of the OLT runs");
+    const auto selector = parser.add_command("select", "Which slot the next start of the OLT runs");
     const auto slot = std::make_shared<std::string>();
-    selector->add_option("SLOT", *slot, "current, the one that runs, or alternate, the other")
-        ->required()
-        ->check(CLI::IsMember({"current", "alternate"}))
-        ->type_name("");
-    selector->callback([&context, slot] {
-        context.action = [&context, slot] {
-            context.service().ask({.path = "command.olt.firmware.select_image." + *slot, .method = "command"});
-        };
+    selector.add_option("SLOT", *slot, "current, the one that runs, or alternate, the other")
+        .required()
+        .one_of({"current", "alternate"})
+        .type_name("");
+    selector.does(context, [&context, slot] {
+        context.service().ask({.path = "command.olt.firmware.select_image." + *slot, .method = "command"});
     });
-    parser->require_subcommand(0, 1);
+    parser.allow_command();
 }
 
-void add_reconfigure(CLI::App& app, Context& context) {
-    auto* const parser =
-        app.add_subcommand("reconfigure", "Restart the PON ports, all or some; the OLT itself goes on");
-    parser->add_subcommand("olt", "All of them")->callback([&context] {
-        context.action = [&context] {
-            context.confirm("Restart all PON ports? All subscribers lose their service for a minute.");
-            context.service().ask({.path = "command.reconfigure.olt", .method = "command"});
-        };
+void add_reconfigure(CommandSyntax program, Context& context) {
+    const auto parser =
+        program.add_command("reconfigure", "Restart the PON ports, all or some; the OLT itself goes on");
+    parser.add_command("olt", "All of them").does(context, [&context] {
+        context.confirm("Restart all PON ports? All subscribers lose their service for a minute.");
+        context.service().ask({.path = "command.reconfigure.olt", .method = "command"});
     });
-    auto* const port = parser->add_subcommand("port", "Some");
+    const auto port = parser.add_command("port", "Some");
     const auto list = std::make_shared<std::string>();
-    port->add_option("PORTS", *list, "such as 3 or 1-4,7")->required()->type_name("");
-    port->callback([&context, list] {
-        context.action = [&context, list] {
-            numbers_of(*list); // looked at before anybody is asked
-            context.confirm(
-                fmt::format("Restart PON port {}? Its subscribers lose their service for a minute.", *list));
-            context.service().ask({.path = "command.reconfigure.pon_port", .method = "command", .indices = {*list}});
-        };
+    port.add_option("PORTS", *list, "such as 3 or 1-4,7").required().type_name("");
+    port.does(context, [&context, list] {
+        numbers_of(*list); // looked at before anybody is asked
+        context.confirm(fmt::format("Restart PON port {}? Its subscribers lose their service for a minute.", *list));
+        context.service().ask({.path = "command.reconfigure.pon_port", .method = "command", .indices = {*list}});
     });
-    parser->require_subcommand(1);
+    parser.require_command();
 }
 
 } // namespace
 
-void add_device_commands(CLI::App& app, Context& context) {
-    add_firmware(app, context);
-    add_reconfigure(app, context);
+void add_device_commands(CommandSyntax program, Context& context) {
+    add_firmware(program, context);
+    add_reconfigure(program, context);
 }
 
 } // namespace xpon::oltctl

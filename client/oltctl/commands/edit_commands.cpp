@@ -1,4 +1,5 @@
 #include "client/oltctl/commands/context.hpp"
+#include "client/oltctl/commands/syntax.hpp"
 #include "client/oltctl/configuration/assignment.hpp"
 #include "client/oltctl/configuration/records.hpp"
 #include "client/oltctl/failure.hpp"
@@ -9,7 +10,6 @@
 #include <string>
 #include <vector>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 namespace xpon::oltctl {
@@ -96,26 +96,24 @@ void set(Context& context, const Edit& words) {
 
 } // namespace
 
-void add_edit_commands(CLI::App& app, Context& context) {
-    auto* const setter =
-        app.add_subcommand("set", "Write a record of the candidate configuration, for each of the indices");
+void add_edit_commands(CommandSyntax program, Context& context) {
+    const auto setter =
+        program.add_command("set", "Write a record of the candidate configuration, for each of the indices");
     const auto words = std::make_shared<Edit>();
-    setter->add_option("PATH", words->path, "such as configuration.CommonGCfg.hostname")->required()->type_name("");
-    setter->add_option("INDICES KEY=VALUE", words->words, "such as 1 1-8 description=\"House 7\"")->type_name("");
-    auto* const data = setter->add_option("--data", words->data, "the record, in JSON, or @FILE with it");
-    setter->add_flag("--patch", words->patch, "change these keys only; without it the others get their defaults")
-        ->excludes(data);
-    setter->callback([&context, words] { context.action = [&context, words] { set(context, *words); }; });
+    setter.add_option("PATH", words->path, "such as configuration.CommonGCfg.hostname").required().type_name("");
+    setter.add_option("INDICES KEY=VALUE", words->words, "such as 1 1-8 description=\"House 7\"").type_name("");
+    const auto data = setter.add_option("--data", words->data, "the record, in JSON, or @FILE with it");
+    setter.add_flag("--patch", words->patch, "change these keys only; without it the others get their defaults")
+        .excludes(data);
+    setter.does(context, [&context, words] { set(context, *words); });
 
-    auto* const deleter = app.add_subcommand("delete", "Give records of the candidate their initial state");
+    const auto deleter = program.add_command("delete", "Give records of the candidate their initial state");
     const auto what = std::make_shared<Edit>();
-    deleter->add_option("PATH", what->path, "such as configuration.ZebGCfg.pon.ont")->required()->type_name("");
-    deleter->add_option("INDICES", what->words, "such as 1 1-8")->type_name("");
-    deleter->callback([&context, what] {
-        context.action = [&context, what] {
-            context.service().ask(
-                {.path = what->path, .method = "delete", .indices = what->words, .config_type = "candidate"});
-        };
+    deleter.add_option("PATH", what->path, "such as configuration.ZebGCfg.pon.ont").required().type_name("");
+    deleter.add_option("INDICES", what->words, "such as 1 1-8").type_name("");
+    deleter.does(context, [&context, what] {
+        context.service().ask(
+            {.path = what->path, .method = "delete", .indices = what->words, .config_type = "candidate"});
     });
 }
 

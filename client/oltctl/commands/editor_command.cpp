@@ -1,4 +1,5 @@
 #include "client/oltctl/commands/context.hpp"
+#include "client/oltctl/commands/syntax.hpp"
 #include "client/oltctl/configuration/records.hpp"
 #include "client/oltctl/editing/editor.hpp"
 #include "client/oltctl/editing/record_text.hpp"
@@ -11,7 +12,6 @@
 #include <utility>
 #include <vector>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 namespace xpon::oltctl {
@@ -150,14 +150,14 @@ private:
 
 } // namespace
 
-void add_editor_command(CLI::App& app, Context& context) {
-    auto* const editor = app.add_subcommand(
+void add_editor_command(CommandSyntax program, Context& context) {
+    const auto editor = program.add_command(
         "edit", "Edit records of the candidate in $EDITOR, as YAML or with --json as JSON, with what each field takes");
     const auto words = std::make_shared<Words>();
-    editor->add_option("PATH", words->path, "such as configuration.CommonGCfg.system.ntp")->required()->type_name("");
-    editor->add_option("INDICES", words->indices, "such as 1 1-8")->type_name("");
-    editor->add_option("--file", words->file, "go on with a text that was kept")->check(CLI::ExistingFile);
-    editor->callback([&context, words] { context.action = [&context, words] { Editing(context, *words).run(); }; });
+    editor.add_option("PATH", words->path, "such as configuration.CommonGCfg.system.ntp").required().type_name("");
+    editor.add_option("INDICES", words->indices, "such as 1 1-8").type_name("");
+    editor.add_option("--file", words->file, "go on with a text that was kept").existing_file();
+    editor.does(context, [&context, words] { Editing(context, *words).run(); });
 }
 
 } // namespace xpon::oltctl

@@ -1,5 +1,6 @@
 #include "client/oltctl/commands/context.hpp"
 #include "client/oltctl/commands/reading.hpp"
+#include "client/oltctl/commands/syntax.hpp"
 #include "client/oltctl/live/top_view.hpp"
 #include "client/oltctl/live/watch_view.hpp"
 #include "client/oltctl/output/terminal.hpp"
@@ -8,7 +9,6 @@
 #include <string>
 #include <utility>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <poll.h>
 
@@ -41,34 +41,31 @@ void watch(Context& context, const Reading& what, const Pace& pace) {
     }
 }
 
-void add_pace(CLI::App& command, Pace& pace) {
+void add_pace(CommandSyntax command, Pace& pace) {
     command.add_option("--interval", pace.interval_s, "seconds between two readings")
-        ->check(CLI::Range(shortest_interval_s, longest_interval_s))
-        ->capture_default_str();
+        .within(shortest_interval_s, longest_interval_s)
+        .show_default();
     command.add_option("--count", pace.count, "end after so many readings");
 }
 
 } // namespace
 
-void add_live_commands(CLI::App& app, Context& context) {
-    auto* const watcher = app.add_subcommand(
+void add_live_commands(CommandSyntax program, Context& context) {
+    const auto watcher = program.add_command(
         "watch", "What stands at a path, as it changes: highlighted, counters with their rate; q ends it");
     const auto what = std::make_shared<Reading>();
     const auto pace = std::make_shared<Pace>();
-    add_reading(*watcher, *what);
-    add_pace(*watcher, *pace);
-    watcher->callback(
-        [&context, what, pace] { context.action = [&context, what, pace] { watch(context, *what, *pace); }; });
+    add_reading(watcher, *what);
+    add_pace(watcher, *pace);
+    watcher.does(context, [&context, what, pace] { watch(context, *what, *pace); });
 
-    auto* const top = app.add_subcommand(
+    const auto top = program.add_command(
         "top", "The OLT at a glance: PON ports, ONTs and traffic, the weakest light first; q ends it");
     const auto top_pace = std::make_shared<Pace>();
-    add_pace(*top, *top_pace);
-    top->callback([&context, top_pace] {
-        context.action = [&context, top_pace] {
-            TopView view;
-            show_live(context.service(), view, *top_pace);
-        };
+    add_pace(top, *top_pace);
+    top.does(context, [&context, top_pace] {
+        TopView view;
+        show_live(context.service(), view, *top_pace);
     });
 }
 

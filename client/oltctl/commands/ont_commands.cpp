@@ -1,4 +1,5 @@
 #include "client/oltctl/commands/context.hpp"
+#include "client/oltctl/commands/syntax.hpp"
 #include "client/oltctl/configuration/index_list.hpp"
 #include "client/oltctl/failure.hpp"
 #include "client/oltctl/ont_number.hpp"
@@ -15,7 +16,6 @@
 #include <utility>
 #include <vector>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 namespace xpon::oltctl {
@@ -258,24 +258,23 @@ void give(Context& context, const Order& order, const std::string& text) {
 
 } // namespace
 
-void add_ont_commands(CLI::App& app, Context& context) {
-    auto* const onts = app.add_subcommand("onts", "All ONTs, configured or not, and their state");
+void add_ont_commands(CommandSyntax program, Context& context) {
+    const auto onts = program.add_command("onts", "All ONTs, configured or not, and their state");
     const auto choice = std::make_shared<Choice>();
-    onts->add_option("--port", choice->ports, "of these PON ports only, such as 3 or 1-4");
-    onts->add_option("--state", choice->state, "in this state only, such as operational");
+    onts.add_option("--port", choice->ports, "of these PON ports only, such as 3 or 1-4");
+    onts.add_option("--state", choice->state, "in this state only, such as operational");
     std::vector<std::string> names;
     std::ranges::transform(sort_keys, std::back_inserter(names), &SortKey::name);
-    onts->add_option("--sort", choice->order, "in another order than that of their numbers")
-        ->check(CLI::IsMember(names));
-    onts->callback([&context, choice] { context.action = [&context, choice] { show_onts(context, *choice); }; });
+    onts.add_option("--sort", choice->order, "in another order than that of their numbers").one_of(names);
+    onts.does(context, [&context, choice] { show_onts(context, *choice); });
 
-    auto* const ont = app.add_subcommand("ont", "One ONT: all there is to know, or what to do with it");
+    const auto ont = program.add_command("ont", "One ONT: all there is to know, or what to do with it");
     const auto word = std::make_shared<std::string>();
-    ont->add_option("ONT", *word, "PON port and ONT, such as 3/17")->type_name("");
+    ont.add_option("ONT", *word, "PON port and ONT, such as 3/17").type_name("");
     const auto add = [&](const char* name, const char* meaning, const char* option, auto run) {
-        auto* const verb = ont->add_subcommand(name, meaning);
-        verb->add_option(option, *word)->required()->type_name("");
-        verb->callback([&context, word, run] { context.action = [word, run] { run(*word); }; });
+        const auto verb = ont.add_command(name, meaning);
+        verb.add_option(option, *word).required().type_name("");
+        verb.does(context, [word, run] { run(*word); });
     };
     add("find", "The ONT with this serial", "SERIAL",
         [&context](const std::string& serial) { find_ont(context, serial); });
@@ -283,12 +282,8 @@ void add_ont_commands(CLI::App& app, Context& context) {
         add(order.name, order.meaning, "ONTS",
             [&context, &order](const std::string& text) { give(context, order, text); });
     }
-    ont->require_subcommand(0, 1);
-    ont->callback([&context, word] {
-        if (!context.action) {
-            context.action = [&context, word] { show_ont(context, *word); };
-        }
-    });
+    ont.allow_command();
+    ont.does(context, [&context, word] { show_ont(context, *word); });
 }
 
 } // namespace xpon::oltctl

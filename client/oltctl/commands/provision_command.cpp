@@ -1,4 +1,5 @@
 #include "client/oltctl/commands/context.hpp"
+#include "client/oltctl/commands/syntax.hpp"
 #include "client/oltctl/failure.hpp"
 #include "client/oltctl/output/progress.hpp"
 #include "client/oltctl/output/terminal.hpp"
@@ -10,7 +11,6 @@
 #include <string>
 #include <utility>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 namespace xpon::oltctl {
@@ -66,28 +66,28 @@ void provision_list(Context& context, const List& list) {
 
 } // namespace
 
-void add_provision_command(CLI::App& app, Context& context) {
-    auto* const parser = app.add_subcommand("provision", "Configure new subscribers in the candidate");
-    auto* const ont = parser->add_subcommand("ont", "An ONT with the services of a template");
+void add_provision_command(CommandSyntax program, Context& context) {
+    const auto parser = program.add_command("provision", "Configure new subscribers in the candidate");
+    const auto ont = parser.add_command("ont", "An ONT with the services of a template");
     const auto words = std::make_shared<Subscriber>();
-    ont->add_option("--port", words->port, "the PON port")->required()->check(CLI::PositiveNumber);
-    ont->add_option("--ont", words->ont, "its number there; else the first that is free")->check(CLI::Range(1, 256));
-    ont->add_option("--serial", words->serial, "such as SIMUA0030011")->required();
-    ont->add_option("--template", words->ont_template, "name or number of an ONT template")->required();
-    ont->add_option("--description", words->description, "a text of your own");
-    ont->callback([&context, words] { context.action = [&context, words] { provision_one(context, *words); }; });
+    ont.add_option("--port", words->port, "the PON port").required().positive();
+    ont.add_option("--ont", words->ont, "its number there; else the first that is free").within(1, 256);
+    ont.add_option("--serial", words->serial, "such as SIMUA0030011").required();
+    ont.add_option("--template", words->ont_template, "name or number of an ONT template").required();
+    ont.add_option("--description", words->description, "a text of your own");
+    ont.does(context, [&context, words] { provision_one(context, *words); });
 
-    auto* const table = parser->add_subcommand("list", "ONTs from a table (CSV), all or none");
+    const auto table = parser.add_command("list", "ONTs from a table (CSV), all or none");
     const auto list = std::make_shared<List>();
     table
-        ->add_option("FILE", list->file,
-                     "with the columns port, serial, template, and ont, description if wanted; "
-                     "- for standard input")
-        ->required()
-        ->type_name("");
-    table->add_flag("--keep-going", list->keep_going, "leave out what is wrong instead of configuring none");
-    table->callback([&context, list] { context.action = [&context, list] { provision_list(context, *list); }; });
-    parser->require_subcommand(1);
+        .add_option("FILE", list->file,
+                    "with the columns port, serial, template, and ont, description if wanted; "
+                    "- for standard input")
+        .required()
+        .type_name("");
+    table.add_flag("--keep-going", list->keep_going, "leave out what is wrong instead of configuring none");
+    table.does(context, [&context, list] { provision_list(context, *list); });
+    parser.require_command();
 }
 
 } // namespace xpon::oltctl

@@ -1,15 +1,14 @@
 #include "client/oltctl/commands/reading.hpp"
 
 #include "client/oltctl/commands/context.hpp"
+#include "client/oltctl/commands/syntax.hpp"
 #include "client/oltctl/configuration/records.hpp"
-
-#include <CLI/CLI.hpp>
 
 namespace xpon::oltctl {
 
-void add_reading(CLI::App& command, Reading& words) {
-    command.add_option("PATH", words.path, "such as monitoring.system")->required()->type_name("");
-    command.add_option("INDICES", words.indices, "a list for each level, such as 1-2 1-8,12")->type_name("");
+void add_reading(CommandSyntax command, Reading& words) {
+    command.add_option("PATH", words.path, "such as monitoring.system").required().type_name("");
+    command.add_option("INDICES", words.indices, "a list for each level, such as 1-2 1-8,12").type_name("");
     command.add_flag("--candidate", words.candidate, "the configuration that is being edited, not the running one");
 }
 

@@ -5,12 +5,9 @@
 #include <string>
 #include <vector>
 
-namespace CLI { // NOLINT(readability-identifier-naming): the library's name
-class App;
-} // namespace CLI
-
 namespace xpon::oltctl {
 
+class CommandSyntax;
 class Context;
 
 /// What a command reads: the words PATH [INDICES] [--candidate].
@@ -21,7 +18,7 @@ struct Reading {
 };
 
 /// Has the command take these words.
-void add_reading(CLI::App& command, Reading& words);
+void add_reading(CommandSyntax command, Reading& words);
 /// The request for it. Of an element of the configuration all records are read when no indices are given.
 client::Request request_for(Context& context, const Reading& words);
 

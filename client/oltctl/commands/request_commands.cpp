@@ -1,5 +1,6 @@
 #include "client/oltctl/commands/context.hpp"
 #include "client/oltctl/commands/reading.hpp"
+#include "client/oltctl/commands/syntax.hpp"
 #include "client/oltctl/configuration/elements.hpp"
 #include "client/oltctl/configuration/index_list.hpp"
 #include "client/oltctl/failure.hpp"
@@ -10,7 +11,6 @@
 #include <string>
 #include <vector>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 namespace xpon::oltctl {
@@ -67,18 +67,18 @@ void send_raw(Context& context, const std::string& text) {
 
 } // namespace
 
-void add_request_commands(CLI::App& app, Context& context) {
-    auto* const parser = app.add_subcommand("get", "What stands at a path: state, counters or configuration");
+void add_request_commands(CommandSyntax program, Context& context) {
+    const auto parser = program.add_command("get", "What stands at a path: state, counters or configuration");
     const auto words = std::make_shared<Reading>();
-    add_reading(*parser, *words);
-    parser->callback([&context, words] { context.action = [&context, words] { get(context, *words); }; });
+    add_reading(parser, *words);
+    parser.does(context, [&context, words] { get(context, *words); });
 
-    auto* const raw = app.add_subcommand("raw", "Any request, as JSON; prints the answer as it comes");
+    const auto raw = program.add_command("raw", "Any request, as JSON; prints the answer as it comes");
     const auto text = std::make_shared<std::string>();
-    raw->add_option("REQUEST", *text, "such as '{\"path\": \"monitoring.logs\", \"method\": \"get\"}'")
-        ->required()
-        ->type_name("");
-    raw->callback([&context, text] { context.action = [&context, text] { send_raw(context, *text); }; });
+    raw.add_option("REQUEST", *text, "such as '{\"path\": \"monitoring.logs\", \"method\": \"get\"}'")
+        .required()
+        .type_name("");
+    raw.does(context, [&context, text] { send_raw(context, *text); });
 }
 
 } // namespace xpon::oltctl

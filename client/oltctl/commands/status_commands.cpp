@@ -1,11 +1,11 @@
 #include "client/oltctl/commands/context.hpp"
+#include "client/oltctl/commands/syntax.hpp"
 #include "client/oltctl/output/terminal.hpp"
 #include "xpon/client/serial_number.hpp"
 
 #include <span>
 #include <string>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 namespace xpon::oltctl {
@@ -136,16 +136,14 @@ void show(Context& context, const Command& command) {
 
 } // namespace
 
-void add_status_commands(CLI::App& app, Context& context) {
-    app.add_subcommand("system", "Memory, load, fans, temperatures, power and firmware of the OLT")
-        ->callback([&context] {
-            context.action = [&context] {
-                context.show_object(context.service().ask({.path = "monitoring.system", .method = "get"}).data.get());
-            };
+void add_status_commands(CommandSyntax program, Context& context) {
+    program.add_command("system", "Memory, load, fans, temperatures, power and firmware of the OLT")
+        .does(context, [&context] {
+            context.show_object(context.service().ask({.path = "monitoring.system", .method = "get"}).data.get());
         });
     for (const auto& command : commands) {
-        app.add_subcommand(command.name, command.meaning)->callback([&context, &command] {
-            context.action = [&context, &command] { show(context, command); };
+        program.add_command(command.name, command.meaning).does(context, [&context, &command] {
+            show(context, command);
         });
     }
 }
