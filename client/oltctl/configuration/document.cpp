@@ -38,15 +38,15 @@ std::vector<Row> rows_of(const Element& element, const Records& records) {
 }
 
 /// What a document says of one element.
-struct Part {
+struct DocumentPart {
     const Element* element = nullptr;
     const Records* records = nullptr;
 };
 
 /// The parts as `next` hands them out, until it has no more.
-std::string print_document(const std::function<bool(Part&)>& next) {
+std::string print_document(const std::function<bool(DocumentPart&)>& next) {
     std::string text = "{";
-    for (Part part; next(part);) {
+    for (DocumentPart part; next(part);) {
         text += fmt::format("{}\n\"{}\": ", text == "{" ? "" : ",", part.element->path);
         if (part.element->depth() == 0) {
             text += core::print_line(part.records->at(Index{})).get();
@@ -121,7 +121,7 @@ std::string export_document(ConfigurationAccess& access, const char* type) {
     const auto all = elements();
     auto element = all.begin();
     ConfigurationAccess::Read read;
-    return print_document([&](Part& part) {
+    return print_document([&](DocumentPart& part) {
         if (element == all.end()) {
             return false;
         }
@@ -134,7 +134,7 @@ std::string export_document(ConfigurationAccess& access, const char* type) {
 std::string document_of(const std::vector<DifferingRecords>& records,
                         ConfigurationAccess::Read DifferingRecords::* side) {
     auto element = records.begin();
-    return print_document([&](Part& part) {
+    return print_document([&](DocumentPart& part) {
         if (element == records.end()) {
             return false;
         }

@@ -86,6 +86,10 @@ std::string try_to_sample(Service& service, LiveView& view) {
 
 } // namespace
 
+double seconds_now() {
+    return std::chrono::duration<double>(Clock::now().time_since_epoch()).count();
+}
+
 void show_live(Service& service, LiveView& view, const Pace& pace) {
     view.sample(service); // what is refused at once needs no screen
     Screen screen;

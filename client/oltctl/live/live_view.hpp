@@ -26,6 +26,9 @@ public:
     [[nodiscard]] virtual std::vector<Line> body(std::size_t columns) const = 0;
 };
 
+/// When a reading was taken: of a clock that nobody sets.
+double seconds_now();
+
 struct Pace {
     double interval_s = 2;
     unsigned count = 0; ///< samples after which it ends; 0: never

@@ -4,7 +4,6 @@
 #include "xpon/client/serial_number.hpp"
 
 #include <algorithm>
-#include <chrono>
 #include <limits>
 #include <string_view>
 #include <utility>
@@ -31,10 +30,6 @@ std::string text_at(const cJSON* row, const char* path) {
 double number_at(const cJSON* row, const char* path) {
     const auto* const value = value_at(row, path);
     return cJSON_IsNumber(value) != 0 ? value->valuedouble : 0;
-}
-
-double seconds_now() {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
 Style style_of_light(double dbm) {

@@ -3,19 +3,11 @@
 #include "client/oltctl/output/table.hpp"
 
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 #include <fmt/format.h>
 
 namespace xpon::oltctl {
-namespace {
-
-double seconds_now() {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
-}
-
-} // namespace
 
 WatchView::WatchView(client::Request request, std::string title)
     : request_(std::move(request)), title_(std::move(title)),
