@@ -2,7 +2,6 @@
 
 #include "client/oltctl/commands/context.hpp"
 
-#include <optional>
 #include <utility>
 
 #include <CLI/CLI.hpp>
