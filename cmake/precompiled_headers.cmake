@@ -7,8 +7,8 @@ function(xpon_precompiled_headers)
     endif()
     set(empty ${CMAKE_CURRENT_BINARY_DIR}/precompiled_headers.cpp)
     file(CONFIGURE OUTPUT ${empty} CONTENT "")
-    set(headers <algorithm> <array> <cerrno> <chrono> <cmath> <cstdint> <cstring> <functional> <map> <memory> <optional>
-        <span> <sstream> <string> <string_view> <unordered_map> <utility> <variant> <vector>
+    set(headers <algorithm> <array> <cerrno> <chrono> <cmath> <cstdint> <cstring> <filesystem> <functional> <map>
+        <memory> <optional> <span> <sstream> <string> <string_view> <unordered_map> <utility> <variant> <vector>
         <boost/outcome/basic_result.hpp> <boost/outcome/try.hpp> <fmt/format.h>)
     add_library(xpon_precompiled OBJECT ${empty})
     target_link_libraries(xpon_precompiled PRIVATE fmt::fmt Boost::headers xpon_compiler_options)
