@@ -1,6 +1,9 @@
 #include "cfgdb/commit.hpp"
 
+#include "cfgdb/change_notice.hpp"
 #include "cfgdb/checks/checks.hpp"
+#include "cfgdb/commit_log.hpp"
+#include "cfgdb/keys.hpp"
 #include "cfgdb/ont_index.hpp"
 #include "cfgdb/references.hpp"
 
@@ -58,7 +61,7 @@ std::map<std::uint16_t, OntEntries> collect_entries(const std::vector<EffectiveO
     return entries;
 }
 
-Touched replace_all_entries(WriteTransaction& transaction, const std::set<std::uint16_t>& onts,
+Touched replace_all_entries(ChangeableTransaction& transaction, const std::set<std::uint16_t>& onts,
                             std::map<std::uint16_t, OntEntries> before, std::map<std::uint16_t, OntEntries> after) {
     Touched touched;
     for (const auto index : onts) {
@@ -67,9 +70,20 @@ Touched replace_all_entries(WriteTransaction& transaction, const std::set<std::u
     return touched;
 }
 
+PlannedCommit::Basis basis_in(const Transaction& transaction) {
+    PlannedCommit::Basis basis{.last_commit = commit_number(transaction), .candidate = {}};
+    const Key prefix(Store::candidate);
+    transaction.visit(prefix, prefix, [&](Bytes key, Bytes value) {
+        basis.candidate.insert(basis.candidate.end(), key.begin(), key.end());
+        basis.candidate.insert(basis.candidate.end(), value.begin(), value.end());
+        return true;
+    });
+    return basis;
+}
+
 } // namespace
 
-Applied apply_and_check(WriteTransaction& transaction) {
+Applied apply_and_check(ChangeableTransaction& transaction) {
     Applied applied;
     RecordWriter writer(transaction);
     applied.changes = writer.list(Store::candidate);
@@ -87,15 +101,31 @@ Applied apply_and_check(WriteTransaction& transaction) {
     return applied;
 }
 
-core::Result<Applied> apply_candidate(WriteTransaction& transaction) {
-    auto applied = apply_and_check(transaction);
+core::Result<PlannedCommit> plan_commit(const Environment& environment) {
+    Draft draft(environment);
+    auto basis = basis_in(draft);
+    auto applied = apply_and_check(draft);
     if (applied.changes.empty()) {
         return core::ErrorPayload(core::Error::Empty, "Nothing to commit");
     }
     if (!applied.faults.empty()) {
         return core::ErrorPayload(core::Error::InvalidState, applied.faults.report());
     }
-    return applied;
+    return PlannedCommit{std::move(basis), std::move(applied), draft.take_changes()};
+}
+
+std::optional<std::uint64_t> carry_out(const Environment& environment, const PlannedCommit& plan, ipc::Address by) {
+    return in_write_transaction(environment, [&](WriteTransaction& transaction) -> std::optional<std::uint64_t> {
+        if (basis_in(transaction) != plan.basis) {
+            return std::nullopt;
+        }
+        make_changes(plan.changes, transaction);
+        const auto& [changes, onts, faults] = plan.applied;
+        const auto number =
+            log_commit(transaction, {.by = by, .changes = notice_of(changes), .onts = {onts.begin(), onts.end()}});
+        transaction.commit();
+        return number;
+    });
 }
 
 } // namespace xpon::cfgdb

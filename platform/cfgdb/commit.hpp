@@ -1,10 +1,14 @@
 #pragma once
 
 #include "cfgdb/checks/faults.hpp"
+#include "cfgdb/draft.hpp"
 #include "cfgdb/records.hpp"
 #include "xpon/core/result.hpp"
+#include "xpon/ipc/address.hpp"
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <vector>
 
@@ -18,10 +22,28 @@ struct Applied {
 };
 
 /// Moves the candidate into running inside the transaction, with the indexes, and checks the outcome.
-Applied apply_and_check(WriteTransaction& transaction);
+Applied apply_and_check(ChangeableTransaction& transaction);
 
-/// The same for a commit. Errors: Empty when nothing is pending; InvalidState, "PATH: TEXT", when a check refuses: then
-/// the transaction must not be committed.
-core::Result<Applied> apply_candidate(WriteTransaction& transaction);
+/// A commit that was worked out and has passed all checks.
+struct PlannedCommit {
+    /// What it follows from, to the byte.
+    struct Basis {
+        std::uint64_t last_commit = 0;
+        std::vector<std::byte> candidate; ///< keys and records
+
+        bool operator==(const Basis&) const = default;
+    };
+
+    Basis basis;
+    Applied applied;
+    Draft::Changes changes;
+};
+
+/// Works out what a commit of the present candidate does. Nothing is locked for that. Errors: Empty when nothing is
+/// pending; InvalidState, "PATH: TEXT", when a check refuses.
+core::Result<PlannedCommit> plan_commit(const Environment& environment);
+
+/// Carries it out and returns the number of the commit, or none when its basis is no longer the present one.
+std::optional<std::uint64_t> carry_out(const Environment& environment, const PlannedCommit& plan, ipc::Address by);
 
 } // namespace xpon::cfgdb

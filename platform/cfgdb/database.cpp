@@ -1,8 +1,6 @@
 #include "cfgdb/database.hpp"
 
-#include "cfgdb/change_notice.hpp"
 #include "cfgdb/commit.hpp"
-#include "cfgdb/commit_log.hpp"
 #include "cfgdb/factory.hpp"
 #include "cfgdb/saved_configuration.hpp"
 #include "cfgdb/saved_file.hpp"
@@ -47,51 +45,6 @@ void for_each_below(const RecordId& id, const Visit& visit) {
             visit(RecordId{static_cast<ElementId>(number), {id.indices[0], second}});
         }
     }
-}
-
-/// What a commit is about, to the byte.
-struct Candidate {
-    std::uint64_t commit = 0; ///< the last one before
-    std::vector<std::byte> records{};
-
-    bool operator==(const Candidate&) const = default;
-};
-
-Candidate present_candidate(const Transaction& transaction) {
-    Candidate candidate{.commit = commit_number(transaction)};
-    const Key prefix(Store::candidate);
-    transaction.visit(prefix, prefix, [&](Bytes key, Bytes value) {
-        candidate.records.insert(candidate.records.end(), key.begin(), key.end());
-        candidate.records.insert(candidate.records.end(), value.begin(), value.end());
-        return true;
-    });
-    return candidate;
-}
-
-/// The changes of the candidate, which has passed all checks; nothing happens to it.
-core::Result<std::vector<RecordId>> check_candidate(const Environment& environment, Candidate& candidate) {
-    return in_write_transaction(environment, [&](WriteTransaction& transaction) -> core::Result<std::vector<RecordId>> {
-        candidate = present_candidate(transaction);
-        BOOST_OUTCOME_TRY(auto applied, apply_candidate(transaction));
-        return std::move(applied.changes);
-    });
-}
-
-/// The number of the commit, or none when the candidate is no longer the one that was accepted.
-core::Result<std::optional<std::uint64_t>> run_candidate(const Environment& environment, const Candidate* accepted,
-                                                         ipc::Address by) {
-    using Number = std::optional<std::uint64_t>;
-    return in_write_transaction(environment, [&](WriteTransaction& transaction) -> core::Result<Number> {
-        if (accepted != nullptr && present_candidate(transaction) != *accepted) {
-            return Number();
-        }
-        BOOST_OUTCOME_TRY(const auto applied, apply_candidate(transaction));
-        const auto number = log_commit(
-            transaction,
-            {.by = by, .changes = notice_of(applied.changes), .onts = {applied.onts.begin(), applied.onts.end()}});
-        transaction.commit();
-        return Number(number);
-    });
 }
 
 void copy_record(const Records& records, Store store, const RecordId& id, std::byte* out) {
@@ -216,14 +169,11 @@ core::Result<std::uint64_t> Database::commit(const Acceptance& accept, ipc::Addr
     finish_sequence();
     static constexpr int most_attempts = 5;
     for (int attempt = 0; attempt < most_attempts; ++attempt) {
-        Candidate accepted;
+        BOOST_OUTCOME_TRY(const auto plan, plan_commit(environment_));
         if (accept) {
-            BOOST_OUTCOME_TRY(const auto changes, with_room([&] { return check_candidate(environment_, accepted); }));
-            BOOST_OUTCOME_TRYV(accept(changes));
+            BOOST_OUTCOME_TRYV(accept(plan.applied.changes));
         }
-        BOOST_OUTCOME_TRY(const auto number,
-                          with_room([&] { return run_candidate(environment_, accept ? &accepted : nullptr, by); }));
-        if (number) {
+        if (const auto number = with_room([&] { return carry_out(environment_, plan, by); })) {
             return *number;
         }
     }

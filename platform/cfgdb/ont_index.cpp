@@ -93,7 +93,8 @@ void note_touched(Bytes key, Touched& touched) {
     }
 }
 
-void change_load(WriteTransaction& transaction, std::uint16_t pon_port, const PonLoad& before, const PonLoad& after) {
+void change_load(ChangeableTransaction& transaction, std::uint16_t pon_port, const PonLoad& before,
+                 const PonLoad& after) {
     auto load = OntIndex(transaction).load_of(pon_port);
     load.onts += after.onts - before.onts;
     load.guaranteed_kbps += after.guaranteed_kbps - before.guaranteed_kbps;
@@ -215,7 +216,7 @@ PonLoad OntIndex::load_of(std::uint16_t pon_port) const {
     return load;
 }
 
-void replace_entries(WriteTransaction& transaction, std::uint16_t ont, const OntEntries& before,
+void replace_entries(ChangeableTransaction& transaction, std::uint16_t ont, const OntEntries& before,
                      const OntEntries& after, Touched& touched) {
     std::vector<Key> gone;
     std::vector<Key> added;

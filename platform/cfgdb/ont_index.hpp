@@ -70,7 +70,7 @@ private:
 };
 
 /// Replaces what an ONT adds to the indexes and notes what that touches. Empty entries stand for no ONT.
-void replace_entries(WriteTransaction& transaction, std::uint16_t ont, const OntEntries& before,
+void replace_entries(ChangeableTransaction& transaction, std::uint16_t ont, const OntEntries& before,
                      const OntEntries& after, Touched& touched);
 
 } // namespace xpon::cfgdb

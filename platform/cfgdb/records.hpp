@@ -48,10 +48,10 @@ private:
     const Transaction& transaction_;
 };
 
-/// Changes to the records inside a writing transaction. Records must be canonical: equal contents, equal bytes.
+/// Changes to the records inside a transaction. Records must be canonical: equal contents, equal bytes.
 class RecordWriter : public Records {
 public:
-    explicit RecordWriter(WriteTransaction& transaction) : Records(transaction), transaction_(transaction) {}
+    explicit RecordWriter(ChangeableTransaction& transaction) : Records(transaction), transaction_(transaction) {}
 
     /// Sets the record in the candidate. Set back to what runs, it is no change any more.
     void set_candidate(const RecordId& id, Bytes record);
@@ -64,7 +64,7 @@ public:
 private:
     void put(Store store, const RecordId& id, Bytes record);
 
-    WriteTransaction& transaction_;
+    ChangeableTransaction& transaction_;
 };
 
 } // namespace xpon::cfgdb

@@ -51,7 +51,7 @@ std::optional<Bytes> Transaction::get(Bytes key) const {
     return sealed ? std::optional(require_sealed(key, *sealed)) : std::nullopt;
 }
 
-void Transaction::visit(Bytes prefix, Bytes from, const std::function<bool(Bytes key, Bytes value)>& visit) const {
+void Transaction::visit(Bytes prefix, Bytes from, const Visitor& visit) const {
     MDB_cursor* opened = nullptr;
     check_lmdb(mdb_cursor_open(transaction_, environment_.database(), &opened), "mdb_cursor_open");
     const std::unique_ptr<MDB_cursor, CursorCloser> cursor(opened);
@@ -76,6 +76,17 @@ ReadTransaction::ReadTransaction(const Environment& environment)
 
 ReadTransaction::~ReadTransaction() {
     environment_.release_reader(transaction_);
+}
+
+void ChangeableTransaction::erase_all(Bytes prefix) {
+    std::vector<std::vector<std::byte>> keys;
+    visit(prefix, prefix, [&](Bytes key, Bytes) {
+        keys.emplace_back(key.begin(), key.end());
+        return true;
+    });
+    for (const auto& key : keys) {
+        erase(key);
+    }
 }
 
 WriteTransaction::~WriteTransaction() {
@@ -103,17 +114,6 @@ void WriteTransaction::erase(Bytes key) {
     has_changed_ = true;
     auto key_value = to_value(key);
     check_lmdb(mdb_del(transaction_, environment_.database(), &key_value, nullptr), "mdb_del");
-}
-
-void WriteTransaction::erase_all(Bytes prefix) {
-    std::vector<std::vector<std::byte>> keys;
-    visit(prefix, prefix, [&](Bytes key, Bytes) {
-        keys.emplace_back(key.begin(), key.end());
-        return true;
-    });
-    for (const auto& key : keys) {
-        erase(key);
-    }
 }
 
 void WriteTransaction::write(Bytes key, Bytes sealed) {

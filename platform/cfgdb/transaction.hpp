@@ -21,11 +21,12 @@ public:
     Transaction(const Transaction&) = delete;
     Transaction& operator=(const Transaction&) = delete;
 
-    [[nodiscard]] std::optional<Bytes> get(Bytes key) const;
+    [[nodiscard]] virtual std::optional<Bytes> get(Bytes key) const;
 
-    /// Calls `visit` for the entries whose keys are `from` or greater and start with `prefix`, in the order of keys,
-    /// until it returns false. It must not write.
-    void visit(Bytes prefix, Bytes from, const std::function<bool(Bytes key, Bytes value)>& visit) const;
+    /// Is given entry after entry, until it returns false. It must not write.
+    using Visitor = std::function<bool(Bytes key, Bytes value)>;
+    /// Calls `visit` for the entries whose keys are `from` or greater and start with `prefix`, in the order of keys.
+    virtual void visit(Bytes prefix, Bytes from, const Visitor& visit) const;
 
 protected:
     /// The value as it is stored, with its checksum.
@@ -39,24 +40,36 @@ protected:
     MDB_txn* transaction_;
 };
 
-class ReadTransaction : public Transaction {
+class ReadTransaction final : public Transaction {
 public:
     explicit ReadTransaction(const Environment& environment);
     ~ReadTransaction();
 };
 
-/// There is one at a time, in all processes together. Without commit() nothing happens.
-class WriteTransaction : public Transaction {
+/// A view that shows what is changed in it.
+class ChangeableTransaction : public Transaction {
 public:
-    /// Takes over what Environment::write() gave.
-    WriteTransaction(const Environment& environment, MDB_txn* transaction) : Transaction(environment, transaction) {}
-    ~WriteTransaction();
-
-    void put(Bytes key, Bytes value);
+    virtual void put(Bytes key, Bytes value) = 0;
     /// Nothing happens when there is no such entry.
-    void erase(Bytes key);
+    virtual void erase(Bytes key) = 0;
     /// Erases every entry whose key starts with `prefix`.
     void erase_all(Bytes prefix);
+
+protected:
+    using Transaction::Transaction;
+    ~ChangeableTransaction() = default;
+};
+
+/// There is one at a time, in all processes together. Without commit() nothing happens.
+class WriteTransaction final : public ChangeableTransaction {
+public:
+    /// Takes over what Environment::write() gave.
+    WriteTransaction(const Environment& environment, MDB_txn* transaction)
+        : ChangeableTransaction(environment, transaction) {}
+    ~WriteTransaction();
+
+    void put(Bytes key, Bytes value) override;
+    void erase(Bytes key) override;
     void commit();
 
 private:
