@@ -18,6 +18,8 @@ inline constexpr std::uint32_t protocol_magic = 0x43504958; // "XIPC"
 
 /// No message is larger, so that a faulty peer cannot make its reader run out of memory.
 inline constexpr std::int64_t max_message_bytes = 16 * 1024 * 1024;
+/// Questions and notices are short: all records of a configuration are named in a quarter of this.
+inline constexpr std::int64_t max_request_bytes = 1024 * 1024;
 
 /// The operation that the transport itself has: whether a peer is there. All other numbers are its users'.
 inline constexpr std::uint16_t hello = 1;

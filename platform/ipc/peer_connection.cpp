@@ -71,7 +71,7 @@ void PeerConnection::await_first_contact() {
 
 Ipc::Reply PeerConnection::request(std::uint16_t operation, std::span<const std::byte> payload,
                                    Clock::time_point deadline) {
-    if (payload.size() + sizeof(MessageHeader) > max_message_bytes) {
+    if (payload.size() + sizeof(MessageHeader) > max_request_bytes) {
         return {EMSGSIZE, {}};
     }
     Answer answer;
@@ -130,7 +130,7 @@ void PeerConnection::forget_server() {
 std::optional<PeerConnection::Question> PeerConnection::ask(std::uint16_t operation, std::span<const std::byte> payload,
                                                             std::span<const Address> others,
                                                             Clock::time_point deadline) {
-    if (payload.size() + others.size_bytes() + sizeof(MessageHeader) > max_message_bytes) {
+    if (payload.size() + others.size_bytes() + sizeof(MessageHeader) > max_request_bytes) {
         return std::nullopt;
     }
     const auto id = ++last_id_;

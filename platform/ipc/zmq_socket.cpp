@@ -9,15 +9,19 @@
 namespace xpon::ipc {
 
 zmq::socket_t make_socket(zmq::context_t& context, zmq::socket_type type) {
-    // A question, a hello behind one that was not answered, a notice. A server's socket drops an answer that finds no
-    // room; what is received and not read holds up its sender.
-    static constexpr int sent_messages = 4;
-    static constexpr int received_messages = 1;
+    // Answers may be long. A server's socket drops one that finds no room; what is received and not read holds up its
+    // sender.
+    static constexpr int sent_answers = 4;
+    static constexpr int received_answers = 1;
+    // ZeroMQ's thread and the socket's wake each other whenever half of what a queue may hold has been taken from it.
+    // Requests are short, so there may be more of them.
+    static constexpr int requests = 16;
+    const bool is_client = type == zmq::socket_type::dealer;
     zmq::socket_t socket(context, type);
     socket.set(zmq::sockopt::linger, 0);
-    socket.set(zmq::sockopt::sndhwm, sent_messages);
-    socket.set(zmq::sockopt::rcvhwm, received_messages);
-    socket.set(zmq::sockopt::maxmsgsize, max_message_bytes);
+    socket.set(zmq::sockopt::sndhwm, is_client ? requests : sent_answers);
+    socket.set(zmq::sockopt::rcvhwm, is_client ? received_answers : requests);
+    socket.set(zmq::sockopt::maxmsgsize, is_client ? max_message_bytes : max_request_bytes);
     return socket;
 }
 

@@ -11,8 +11,9 @@
 
 namespace xpon::ipc {
 
-/// A socket that never holds up its process: closing it drops what waits, its queues and messages are bounded. What one
-/// side has for another that does not read fits few messages: there is one question at a time.
+/// The socket of a client (dealer) or a server (router). It never holds up its process: closing it drops what waits,
+/// its queues and messages are bounded. What one side has for another that does not read is a few answers, or as many
+/// bytes of requests and notices: there is one question at a time.
 zmq::socket_t make_socket(zmq::context_t& context, zmq::socket_type type);
 
 /// A step of ZeroMQ's that a signal may end with EINTR, until none does.

@@ -87,7 +87,7 @@ TEST_F(IpcTest, APayloadBeyondTheLimitIsRefused) {
         return ServerAnswer{0, std::vector<std::byte>(static_cast<std::size_t>(max_message_bytes))};
     });
     ASSERT_TRUE(endpoint->connect(peer));
-    EXPECT_EQ(ask(std::string(static_cast<std::size_t>(max_message_bytes), 'x')).status, EMSGSIZE);
+    EXPECT_EQ(ask(std::string(static_cast<std::size_t>(max_request_bytes), 'x')).status, EMSGSIZE);
     EXPECT_EQ(ask("short").status, EMSGSIZE);
 }
 
