@@ -9,6 +9,7 @@
 
 #include <sys/eventfd.h>
 
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <zlog.h>
 
@@ -30,6 +31,7 @@ void LineWriter::keep_descriptors() {
     const std::scoped_lock lock(mutex_);
     ::tzset(); // here, lest a machine without a time zone leaves its errno to the first line
     keeps_ = true;
+    copied_ = core::UniqueFd(::eventfd(0, EFD_CLOEXEC));
     take_descriptors();
 }
 
@@ -37,6 +39,7 @@ void LineWriter::give_back_descriptors() {
     const std::scoped_lock lock(mutex_);
     keeps_ = false;
     lend_descriptors();
+    copied_ = core::UniqueFd();
 }
 
 void LineWriter::write(zlog_category_s* category, int level, const std::string& line,
@@ -76,7 +79,7 @@ void LineWriter::lend_descriptors() {
 
 void LineWriter::take_descriptors() {
     for (auto& descriptor : kept_) {
-        descriptor = core::UniqueFd(::eventfd(0, EFD_CLOEXEC));
+        descriptor = core::UniqueFd(::fcntl(copied_.get(), F_DUPFD_CLOEXEC, 0));
     }
 }
 
