@@ -10,7 +10,6 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <unistd.h>
 
 namespace xpon::oltctl {
 namespace {

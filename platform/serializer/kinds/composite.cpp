@@ -1,6 +1,8 @@
 #include "serializer/kinds/kind_functions.hpp"
 #include "serializer/object_json.hpp"
 
+#include <utility>
+
 /// Objects, arrays and lists: fields that are made of fields.
 namespace xpon::serializer {
 namespace {
