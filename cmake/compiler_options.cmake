@@ -14,8 +14,8 @@ if(XPON_SANITIZERS)
     add_link_options(-fsanitize=${XPON_SANITIZERS})
     # Through its instrumentation g++ 12 sees uninitialised values in <regex> that are none.
     add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
-    # What the test programs themselves compile: their assertions, instrumented and optimised, took about 40 % of such a
-    # build. How they use memory is still watched.
+    # For what the test programs themselves compile: instrumented and optimised, their assertions take longer to compile than
+    # much of what they test. How they use memory is still watched.
     set(xpon_test_options -O0 -fno-sanitize=undefined)
 endif()
 
