@@ -9,14 +9,15 @@ target_compile_options(xpon_compiler_options INTERFACE
     # What g++'s library uses of its own deprecated parts is not ours to change.
     $<$<CXX_COMPILER_ID:Clang>:-Wno-deprecated-declarations>)
 
+# For what test programs themselves compile: optimised, their assertions take longer to compile than much of what they
+# test. Under the sanitizers how they use memory is still watched.
+set(xpon_test_options -O0)
 if(XPON_SANITIZERS)
+    list(APPEND xpon_test_options -fno-sanitize=undefined)
     add_compile_options(-fsanitize=${XPON_SANITIZERS} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${XPON_SANITIZERS})
     # Through its instrumentation g++ 12 sees uninitialised values in <regex> that are none.
     add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
-    # For what the test programs themselves compile: instrumented and optimised, their assertions take longer to compile than
-    # much of what they test. How they use memory is still watched.
-    set(xpon_test_options -O0 -fno-sanitize=undefined)
 endif()
 
 # For all sources, programs too, so that the precompiled headers fit them all.

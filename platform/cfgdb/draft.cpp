@@ -6,7 +6,10 @@
 
 namespace xpon::cfgdb {
 
-Draft::Draft(const Environment& environment) : ChangeableTransaction(environment, environment.acquire_reader()) {}
+Draft::Draft(const Environment& environment) : Draft(environment, Changes()) {}
+
+Draft::Draft(const Environment& environment, Changes changes)
+    : ChangeableTransaction(environment, environment.acquire_reader()), changes_(std::move(changes)) {}
 
 Draft::~Draft() {
     environment_.release_reader(transaction_);

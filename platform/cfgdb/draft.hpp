@@ -36,6 +36,9 @@ public:
     Changes take_changes();
 
 private:
+    /// What may fail for want of memory is there before the reader, which nobody would give back then.
+    Draft(const Environment& environment, Changes changes);
+
     Bytes keep(Bytes bytes);
     void set(Bytes key, std::optional<Bytes> kept);
 
