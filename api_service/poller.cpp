@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <limits>
-#include <span>
 #include <tuple>
 #include <utility>
 
@@ -32,6 +31,10 @@ int end_of_client_descriptors() {
 // Nothing wakes poll() once a peer has taken an answer: "writable" says only that there is room for some more.
 constexpr std::chrono::milliseconds longest_wait_with_unsent_answers{20};
 
+// Connecting costs a client less than a turn costs the loop. One of a crowd that is accepted one a turn finds the queue
+// of the listener full and tries again after a second.
+constexpr int most_accepted_at_once = 64;
+
 // So long the loop rests when memory lacks for its own work: what was not served stays ready.
 constexpr std::chrono::milliseconds rest_without_memory{20};
 
@@ -46,15 +49,40 @@ Poller::~Poller() {
 
 Result<std::vector<std::shared_ptr<IClientSocket>>> Poller::poll(std::chrono::milliseconds timeout) {
     std::vector<std::shared_ptr<IClientSocket>> ready;
+    const bool is_new_round = next_ >= fds_.size();
     const auto prepared = core::guarded(*logger_, [&]() -> Result<void> {
-        collect_descriptors();
-        ready.reserve(clients_.size()); // who was read must be returned
+        if (is_new_round) {
+            collect_descriptors();
+        }
+        ready.reserve(std::min(clients_.size(), most_returned)); // who was read must be returned
         return core::success();
     });
     if (!prepared) {
         ::poll(nullptr, 0, static_cast<int>(rest_without_memory.count()));
         return ready;
     }
+    if (is_new_round) {
+        BOOST_OUTCOME_TRY(const bool is_woken, wait(timeout));
+        if (!is_woken) {
+            return ready;
+        }
+    }
+    for (; next_ < fds_.size() && ready.size() < most_returned; ++next_) {
+        if (fds_[next_].revents == 0) {
+            continue; // of hundreds of clients mostly few have sent something
+        }
+        if (auto client = serve(fds_[next_])) {
+            ready.push_back(std::move(client));
+        }
+    }
+    if (next_ == fds_.size() && (fds_.front().revents & POLLIN) != 0) {
+        accept_clients();
+    }
+    return ready;
+}
+
+Result<bool> Poller::wait(std::chrono::milliseconds timeout) {
+    next_ = fds_.size();
     if (!held_back_.empty()) {
         timeout = std::min(timeout, longest_wait_with_unsent_answers);
     }
@@ -62,23 +90,13 @@ Result<std::vector<std::shared_ptr<IClientSocket>>> Poller::poll(std::chrono::mi
     if (count < 0) {
         const int cause = std::exchange(errno, 0);
         if (cause == EINTR) {
-            return ready;
+            return false;
         }
         log_error(*logger_, "poll() returned {}", count);
         return ErrorPayload(Error::CommonError, fmt::format("poll() failed: {}", cause));
     }
-    for (const auto& entry : std::span(fds_).subspan(1)) {
-        if (entry.revents == 0) {
-            continue; // of hundreds of clients mostly few have sent something
-        }
-        if (auto client = serve(entry)) {
-            ready.push_back(std::move(client));
-        }
-    }
-    if ((fds_.front().revents & POLLIN) != 0) {
-        accept_client();
-    }
-    return ready;
+    next_ = 1;
+    return true;
 }
 
 void Poller::collect_descriptors() {
@@ -149,7 +167,13 @@ void Poller::close_client(int fd) {
     give_back_freed_memory(bytes);
 }
 
-void Poller::accept_client() {
+void Poller::accept_clients() {
+    pollfd more{.fd = listener_->get_fd(), .events = POLLIN, .revents = 0};
+    for (int left = most_accepted_at_once; accept_client() && --left > 0 && ::poll(&more, 1, 0) > 0;) {
+    }
+}
+
+bool Poller::accept_client() {
     core::log(*logger_, core::LogLevel::Debug, "Incoming connection");
     const auto accepted = core::guarded(*logger_, [this]() -> Result<void> {
         auto accepted_client = listener_->accept();
@@ -170,6 +194,7 @@ void Poller::accept_client() {
     if (!accepted) {
         accept_again_ = Clock::now() + pause_after_failed_accept;
     }
+    return accepted.has_value();
 }
 
 void Poller::refuse_client() {

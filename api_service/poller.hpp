@@ -24,8 +24,13 @@ public:
     virtual ~IPoller() = default;
 
     /// Waits up to `timeout` and returns the clients that received data now and hold a complete frame, ordered by
-    /// descriptor.
+    /// descriptor. Of a crowd it returns `most_returned`; the next calls go on behind them, without waiting, until all
+    /// have had their turn.
     virtual Result<std::vector<std::shared_ptr<IClientSocket>>> poll(std::chrono::milliseconds timeout) = 0;
+
+    /// What the kernel and the service keep of so many connections is still in the processor's cache when they are
+    /// answered.
+    static constexpr std::size_t most_returned = 16;
 };
 
 class Poller : public IPoller {
@@ -40,11 +45,15 @@ private:
     using Clock = std::chrono::steady_clock;
 
     void collect_descriptors();
+    /// False when a signal came first.
+    Result<bool> wait(std::chrono::milliseconds timeout);
     void list_descriptors();
     /// The client when it received data and holds a frame.
     std::shared_ptr<IClientSocket> serve(const pollfd& entry);
     void close_client(int fd);
-    void accept_client();
+    void accept_clients();
+    /// False when the listener is to be left alone for a while.
+    bool accept_client();
     void refuse_client();
 
     std::shared_ptr<ILogger> logger_;
@@ -54,6 +63,7 @@ private:
     std::map<int, std::shared_ptr<IClientSocket>> clients_;
     std::vector<pollfd> fds_; ///< the listener's, then the clients', as long as those are the same
     bool fds_are_old_ = true;
+    std::size_t next_ = 0; ///< of fds_, to be looked at; behind the last one a new round begins
     /// Clients that have sent more without having taken their answer; they are left alone until they have.
     std::set<int> held_back_;
     std::optional<Clock::time_point> accept_again_; ///< the listener is left alone until then

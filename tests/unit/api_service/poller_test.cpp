@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <sys/eventfd.h>
 
@@ -50,6 +51,24 @@ TEST_F(PollerTest, ReportsClientsThatReceivedAFrame) {
     EXPECT_TRUE(poller.poll(0ms).value().empty());
     send(first, "x");
     EXPECT_EQ(poller.poll(1000ms).value().at(0)->get_frame().value(), "two");
+}
+
+TEST_F(PollerTest, AcceptsACrowdAtOnceAndReturnsItInPieces) {
+    std::vector<client::Connection> crowd;
+    while (crowd.size() < IPoller::most_returned + 4) {
+        crowd.push_back(client::Connection::open(client::UnixEndpoint{folder.path().string() + "/api"}).value());
+    }
+    EXPECT_TRUE(poller.poll(1000ms).value().empty());
+    for (auto& client : crowd) {
+        send(client, "frame\0"s);
+    }
+    const auto first = poller.poll(1000ms).value();
+    const auto rest = poller.poll(0ms).value();
+    EXPECT_EQ(first.size(), IPoller::most_returned);
+    ASSERT_EQ(rest.size(), 4U);
+    EXPECT_LT(first.back()->get_fd(), rest.front()->get_fd());
+    send(crowd.front(), "frame\0"s);
+    EXPECT_EQ(poller.poll(1000ms).value().at(0), first.front()) << "a new round";
 }
 
 TEST_F(PollerTest, AnswersABrowserOnceAndTakesNoCommandFromItsPage) {
