@@ -27,8 +27,7 @@ endif()
 
 find_program(CCACHE ccache)
 if(CCACHE)
-    # The cache takes sources with precompiled headers only if it is told to trust them and sees which ones are read.
-    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE})
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_CURRENT_SOURCE_DIR}/cmake/through_ccache ${CCACHE})
     set(CMAKE_C_COMPILER_LAUNCHER ${CCACHE})
     add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fpch-preprocess>)
 endif()
