@@ -20,6 +20,10 @@ if(XPON_SANITIZERS)
     add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
 endif()
 
+# For what waits for people and the network, not for the processor: where somebody waits for the compiler it may do with
+# less of it.
+set(XPON_COMMAND_OPTIONS "" CACHE STRING "Compiler options of the commands, the console's gateway and what makes documents")
+
 # For all sources, programs too, so that the precompiled headers fit them all.
 if(XPON_SHARED_PLATFORM)
     add_compile_options(-fPIC)
