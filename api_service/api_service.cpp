@@ -9,6 +9,7 @@
 #include "xpon/core/call_budget.hpp"
 #include "xpon/core/guard.hpp"
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -17,7 +18,7 @@ namespace {
 
 /// After this long the loop looks for new requests before it serves more of those that it has. So a request waits for
 /// those that came before it, and not for all that the others send meanwhile.
-constexpr std::chrono::milliseconds longest_turn{2};
+constexpr auto longest_turn = RequestQueue::long_request;
 
 /// What the device's daemons may take of one request, all calls together: the other clients wait meanwhile.
 constexpr std::chrono::seconds peers_time{5};
@@ -41,22 +42,22 @@ Result<void> ApiService::run(const service::ServiceCtx&) {
     try_send_buffer(*logger_);
     Poller poller(logger_, std::make_unique<ListenerSocket>(endpoint_));
     give_back_pages_of_start();
-    std::vector<std::shared_ptr<IClientSocket>> waiting; // one entry a frame to serve, oldest first
+    RequestQueue waiting;
     while (running_.load(std::memory_order_acquire)) {
         changes_.tell_held_back();
-        auto clients = poller.poll(std::chrono::milliseconds(waiting.empty() ? 1000 : 0));
+        const auto clients = poller.poll(std::chrono::milliseconds(waiting.empty() ? 1000 : 0));
         if (!clients) {
             log_error(*logger_, "{}", clients.error().to_string());
             return clients.error();
         }
         const auto queued = core::guarded(*logger_, [&]() -> Result<void> {
-            waiting.insert(waiting.end(), clients.value().begin(), clients.value().end());
+            waiting.add(clients.value(), RequestQueue::Clock::now());
             return core::success();
         });
-        serve_turn(waiting);
-        while (!queued && !clients.value().empty()) { // without memory for the queue nobody waits
-            serve_turn(clients.value());
+        if (!queued) { // without memory for the queue nobody waits
+            std::ranges::for_each(clients.value(), [this](const auto& client) { serve_client(client); });
         }
+        serve_turn(waiting);
     }
     return core::success();
 }
@@ -85,25 +86,26 @@ Result<void> ApiService::register_routes() {
     return core::success();
 }
 
-void ApiService::serve_turn(std::vector<std::shared_ptr<IClientSocket>>& waiting) {
-    using Clock = std::chrono::steady_clock;
-    // A request alone, as most are, needs no clock.
-    const auto end = waiting.size() > 1 ? Clock::now() + longest_turn : Clock::time_point();
-    auto next = waiting.begin();
-    while (next != waiting.end()) {
-        {
-            const RequestMemory::Scope memory;
-            serve_client(*next++);
-        }
-        give_back_freed_memory(std::exchange(memory_used_, 0));
-        if (next != waiting.end() && Clock::now() >= end) {
-            break;
-        }
+void ApiService::serve_turn(RequestQueue& waiting) {
+    auto now = RequestQueue::Clock::now();
+    const auto end = now + longest_turn;
+    while (!waiting.empty() && now < end) {
+        const auto client = waiting.take();
+        serve_client(client);
+        const auto begin = std::exchange(now, RequestQueue::Clock::now());
+        client->set_last_request_took(now - begin);
     }
-    waiting.erase(waiting.begin(), next);
 }
 
 void ApiService::serve_client(const std::shared_ptr<IClientSocket>& socket) {
+    {
+        const RequestMemory::Scope memory;
+        answer_frame(socket);
+    }
+    give_back_freed_memory(std::exchange(memory_used_, 0));
+}
+
+void ApiService::answer_frame(const std::shared_ptr<IClientSocket>& socket) {
     const core::CallBudget budget(peers_time, running_);
     if (core::guarded(*logger_, [&] { return process_socket(socket); }) || socket->is_shut_down()) {
         return;

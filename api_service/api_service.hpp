@@ -8,6 +8,7 @@
 #include "api_service/listener_socket.hpp"
 #include "api_service/protocol/request_parser.hpp"
 #include "api_service/protocol/route_manager.hpp"
+#include "api_service/request_queue.hpp"
 #include "xpon/ipc/ipc.hpp"
 #include "xpon/service/service.hpp"
 
@@ -52,9 +53,11 @@ private:
     Result<void> answer(IClientSocket& socket, Response response, const std::string& path);
     Result<void> answer_with_error(IClientSocket& socket, const std::shared_ptr<Session>& session, Json_errors index,
                                    const std::string& path);
-    /// Serves one frame of each, until it is time to look for more.
-    void serve_turn(std::vector<std::shared_ptr<IClientSocket>>& waiting);
+    /// Serves those that wait, until it is time to look for more.
+    void serve_turn(RequestQueue& waiting);
     void serve_client(const std::shared_ptr<IClientSocket>& socket);
+    /// The client learns of every failure, if only by the end of its connection.
+    void answer_frame(const std::shared_ptr<IClientSocket>& socket);
 
     std::shared_ptr<ipc::IIpc> ipc_;
     std::shared_ptr<ILogger> logger_;

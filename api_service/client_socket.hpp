@@ -3,6 +3,7 @@
 #include "api_service/core_names.hpp"
 #include "xpon/core/unique_fd.hpp"
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <queue>
@@ -42,6 +43,13 @@ public:
     [[nodiscard]] virtual bool is_shut_down() const {
         return false;
     }
+    /// How long it took to serve; zero before the first one.
+    [[nodiscard]] std::chrono::steady_clock::duration last_request_took() const {
+        return last_request_took_;
+    }
+    void set_last_request_took(std::chrono::steady_clock::duration took) {
+        last_request_took_ = took;
+    }
     /// Memory that received bytes take, whether their frames are complete or not.
     [[nodiscard]] virtual std::size_t get_bytes_waiting() const {
         return 0;
@@ -50,6 +58,9 @@ public:
 protected:
     virtual ssize_t do_send(const void* data, std::size_t size) = 0;
     virtual ssize_t do_recv(void* data, std::size_t size) = 0;
+
+private:
+    std::chrono::steady_clock::duration last_request_took_{};
 };
 
 /// The first frame may be the beginning of an HTTP request: any web page can have a browser send one, with commands in
