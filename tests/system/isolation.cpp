@@ -42,7 +42,7 @@ bool bring_loopback_up() {
 
 bool isolate_this_process() {
     static const bool isolated =
-        enter_namespaces() && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 && bring_loopback_up();
+        enter_namespaces() && bring_loopback_up() && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
     return isolated;
 }
 
