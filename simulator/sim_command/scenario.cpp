@@ -16,7 +16,7 @@
 #include <string_view>
 #include <utility>
 
-#include <CLI/CLI.hpp>
+#include <CLI/Error.hpp>
 #include <fmt/format.h>
 
 namespace xpon::simulator {
