@@ -258,5 +258,5 @@ class Collection(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    isolate()
+    isolate(BUILD)
     unittest.main(argv=sys.argv[:-1])

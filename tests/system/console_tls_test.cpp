@@ -1,6 +1,5 @@
 #include "tests/support/eventually.hpp"
 #include "tests/system/console.hpp"
-#include "tests/system/isolation.hpp"
 #include "tests/system/olt.hpp"
 
 #include <chrono>
@@ -150,7 +149,6 @@ TEST(ConsoleOverTls, ServesPagesSessionsAndEvents) {
 }
 
 TEST(ConsoleOverTls, OutlivesWhatIsNoHandshake) {
-    isolate_this_process(); // else one after another
     const OltFolder folder;
     const Certificate certificate(folder.path(), "olt");
     Console console(options_for(certificate));
@@ -177,7 +175,6 @@ TEST(ConsoleOverTls, OutlivesWhatIsNoHandshake) {
 }
 
 TEST(ConsoleOverTls, TakesANewCertificateForNewConnections) {
-    isolate_this_process(); // else one after another
     const OltFolder folder;
     const Certificate first(folder.path(), "first");
     Console console(options_for(first));

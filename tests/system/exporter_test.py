@@ -213,5 +213,5 @@ class Exporter(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    isolate()
+    isolate(BUILD)
     unittest.main(argv=sys.argv[:-1])

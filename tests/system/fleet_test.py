@@ -144,5 +144,5 @@ class FleetOfTwo(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    isolate()
+    isolate(BUILD)
     unittest.main(argv=sys.argv[:-1])

@@ -1,49 +1,47 @@
 #include "tests/system/isolation.hpp"
 
-#include <fstream>
-#include <string>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+#include <vector>
 
-#include <sys/ioctl.h>
-#include <sys/mount.h>
-#include <sys/socket.h>
-
-#include <net/if.h>
-#include <sched.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 #include <unistd.h>
 
-namespace xpon::test {
 namespace {
 
-bool write_file(const char* path, const std::string& text) {
-    return static_cast<bool>(std::ofstream(path) << text << std::flush);
-}
-
-bool enter_namespaces() {
-    const auto user = std::to_string(getuid());
-    const auto group = std::to_string(getgid());
-    if (unshare(CLONE_NEWNET | CLONE_NEWNS) == 0) {
-        return true;
+/// This program once more, by the script that isolates whatever is tested here. Returns when that fails.
+void start_isolated(char** arguments) {
+    char script[] = XPON_SOURCE_DIR "/scripts/isolated";
+    char sources[] = XPON_SOURCE_DIR;
+    char binaries[] = BINARY_FOLDER;
+    char end_of_folders[] = "--";
+    std::vector<char*> command{script, sources, binaries, end_of_folders};
+    while (*arguments != nullptr) {
+        command.push_back(*arguments++);
     }
-    return unshare(CLONE_NEWUSER | CLONE_NEWNET | CLONE_NEWNS) == 0 && write_file("/proc/self/setgroups", "deny") &&
-           write_file("/proc/self/uid_map", "0 " + user + " 1") &&
-           write_file("/proc/self/gid_map", "0 " + group + " 1");
-}
-
-bool bring_loopback_up() {
-    const int descriptor = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    ifreq request{.ifr_ifrn = {.ifrn_name = "lo"}, .ifr_ifru = {}};
-    request.ifr_flags = IFF_UP;
-    const bool up = ioctl(descriptor, SIOCSIFFLAGS, &request) == 0;
-    close(descriptor);
-    return up;
+    command.push_back(nullptr);
+    execv(script, command.data());
+    std::perror(script);
 }
 
 } // namespace
 
-bool isolate_this_process() {
-    static const bool isolated =
-        enter_namespaces() && bring_loopback_up() && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
-    return isolated;
+namespace xpon::test {
+
+bool is_isolated() {
+    const char* answer = std::getenv("IS_ISOLATED");
+    return answer != nullptr && answer == std::string_view("yes");
 }
 
 } // namespace xpon::test
+
+int main(int argc, char** argv) {
+    if (std::getenv("IS_ISOLATED") == nullptr) {
+        start_isolated(argv);
+        return EXIT_FAILURE;
+    }
+    testing::InitGoogleMock(&argc, argv);
+    return RUN_ALL_TESTS();
+}

@@ -2,8 +2,8 @@
 
 namespace xpon::test {
 
-/// Moves this process into network and mount namespaces of its own, where port 9999 is free whatever else runs on
-/// the machine. False when the machine does not allow it; then the tests run one after another on the real port.
-bool isolate_this_process();
+/// Whether this program runs in network and mount namespaces of its own, which its `main` enters where the machine
+/// allows it: port 9999 is free there whatever else runs. Otherwise the tests run one after another on the real port.
+bool is_isolated();
 
 } // namespace xpon::test

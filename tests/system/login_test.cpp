@@ -101,7 +101,7 @@ bool overlay(const fs::path& file, const fs::path& place) {
 class ShippedPamFile : public testing::Test {
 protected:
     void SetUp() override {
-        if (getuid() != 0 || !isolate_this_process()) {
+        if (getuid() != 0 || !is_isolated()) {
             GTEST_SKIP() << "needs root and a mount namespace, for accounts of its own";
         }
         const auto passwd = olt.root() / "tmp/passwd";
@@ -122,7 +122,7 @@ protected:
     }
 
     void TearDown() override {
-        if (!IsSkipped()) {
+        if (!IsSkipped() && !HasFatalFailure()) {
             olt.daemon().send_signal(SIGTERM);
             EXPECT_EQ(olt.daemon().wait(), 0) << olt.daemon().output();
         }

@@ -1,7 +1,6 @@
 #include "tests/system/olt.hpp"
 
 #include "tests/support/eventually.hpp"
-#include "tests/system/isolation.hpp"
 
 #include <cstdlib>
 #include <fstream>
@@ -47,7 +46,6 @@ OltFolder::~OltFolder() {
 }
 
 Olt::Olt() {
-    isolate_this_process();
     notify_ = std::make_unique<NotifySocket>(root() / "run/notify");
 }
 

@@ -116,5 +116,5 @@ class PythonClient(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    isolate()
+    isolate(BUILD)
     unittest.main(argv=sys.argv[:-1])

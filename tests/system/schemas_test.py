@@ -234,5 +234,5 @@ class Schemas(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    isolate()
+    isolate(BUILD)
     unittest.main(argv=sys.argv[:-1])

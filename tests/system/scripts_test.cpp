@@ -1,5 +1,4 @@
 #include "tests/support/eventually.hpp"
-#include "tests/system/isolation.hpp"
 #include "tests/system/olt.hpp"
 #include "xpon/core/unique_fd.hpp"
 
@@ -32,10 +31,6 @@ const std::string is_ready = "api_service is ready on 127.0.0.1:9999";
 /// The part of scripts/run behind installation and build, in a folder of its own.
 class RunScript : public testing::Test {
 protected:
-    RunScript() {
-        isolate_this_process();
-    }
-
     static Process run(const std::filesystem::path& root, std::vector<std::string> options = {}) {
         options.insert(options.begin(), XPON_SOURCE_DIR "/scripts/supervise");
         return Process(options, {{"OLT_ROOT", root}, {"OLT_BINARIES", BINARY_FOLDER}});
