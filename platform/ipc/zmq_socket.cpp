@@ -12,9 +12,9 @@ zmq::socket_t make_socket(zmq::context_t& context, zmq::socket_type type) {
     // Answers may be long. A server's socket drops one that finds no room; what is received and not read holds up its
     // sender.
     static constexpr int sent_answers = 4;
-    static constexpr int received_answers = 1;
-    // ZeroMQ's thread and the socket's wake each other whenever half of what a queue may hold has been taken from it.
-    // Requests are short, so there may be more of them.
+    // ZeroMQ's thread and the socket's wake each other whenever half of what a queue may hold has been taken from it:
+    // with three answers every second time, with one each time. Requests are short, so there may be more of them.
+    static constexpr int received_answers = 3;
     static constexpr int requests = 16;
     const bool is_client = type == zmq::socket_type::dealer;
     zmq::socket_t socket(context, type);
