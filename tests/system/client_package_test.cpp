@@ -37,7 +37,8 @@ TEST_F(ClientPackage, BuildsTheExampleOfItsPageWhichListsOnts) {
                                 source +
                                 ")\n"
                                 "target_link_libraries(by_cmake xpon_client::client)\n' > CMakeLists.txt; "
-                                "cmake -S . -B build -DCMAKE_PREFIX_PATH=$PWD/installed && cmake --build build");
+                                "cmake -G Ninja -S . -B build -DCMAKE_PREFIX_PATH=$PWD/installed && "
+                                "cmake --build build");
     ASSERT_EQ(status_, 0) << configured;
 
     EXPECT_THAT(run("./build/by_cmake viewer viewer"), testing::HasSubstr("is api_service running?"));
