@@ -13,6 +13,15 @@ describe("on a small OLT with one ONT that nobody configured", () => {
   });
   after(() => olt.stop());
 
+  test("an answer that comes before the page has drawn itself is not missed", async () => {
+    const {page} = await openWindow();
+    await page.addInitScript(() => {
+      window.fetch = () => Promise.resolve(new Response('{"error": "no_session"}', {status: 401}));
+    });
+    await page.goto(olt.url);
+    await page.waitForSelector("[name=user]");
+  });
+
   test("a login that is wrong is refused, and a right one leads to the overview", async () => {
     const {page, faults} = await openWindow();
     await page.goto(olt.url);

@@ -96,6 +96,7 @@ const nothing: Live<never> = {at: 0};
 export function useLive<T>(request: ApiRequest | undefined, every: number): Live<T> {
   const [, draw] = useReducer<number, void>(turn => turn + 1, 0);
   const key = request && JSON.stringify(request);
+  const drawn = ((key && entries.get(key)?.live) ?? nothing) as Live<T>;
   useEffect(() => {
     if (!request || !key) return;
     const reader = () => draw();
@@ -104,6 +105,7 @@ export function useLive<T>(request: ApiRequest | undefined, every: number): Live
     entries.set(key, entry);
     entry.readers.set(reader, every);
     entry.every = Math.min(...entry.readers.values());
+    if (entry.live !== drawn) draw(); // an answer for another reader has come since the drawing
     openSoon();
     return () => {
       entry.readers.delete(reader);
@@ -111,7 +113,7 @@ export function useLive<T>(request: ApiRequest | undefined, every: number): Live
       forget();
     };
   }, [key, every]);
-  return ((key && entries.get(key)?.live) ?? nothing) as Live<T>;
+  return drawn;
 }
 
 /** What is known already need not be waited for. */

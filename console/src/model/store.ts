@@ -28,6 +28,10 @@ export class Store<T> {
 /** The value of the store, now and after each change. */
 export function useStore<T>(store: Store<T>): T {
   const [, draw] = useReducer<number, void>(count => count + 1, 0);
-  useEffect(() => store.subscribe(() => draw()), [store]);
-  return store.value;
+  const drawn = store.value;
+  useEffect(() => {
+    if (!Object.is(store.value, drawn)) draw(); // it has changed before this, which comes after the drawing
+    return store.subscribe(() => draw());
+  }, [store]);
+  return drawn;
 }
