@@ -67,9 +67,9 @@ TEST(ClientSocket, SendsTextAndNulTogether) {
     ASSERT_EQ(::socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends.data()), 0); // keeps what was sent at a time apart
     const core::UniqueFd peer(ends[1]);
     ClientSocket client{core::UniqueFd(ends[0])};
-    for (const std::string text : {"first", ""}) {
+    for (const auto& text : {"first"s, ""s, std::string(1023, 'a'), std::string(1024, 'b')}) {
         ASSERT_TRUE(client.send_frame(text));
-        std::array<char, 16> received{};
+        std::array<char, 2048> received{};
         const auto count = ::recv(peer.get(), received.data(), received.size(), MSG_DONTWAIT);
         EXPECT_EQ(std::string_view(received.data(), static_cast<std::size_t>(count)), text + '\0');
     }
