@@ -1,7 +1,5 @@
-import {useEffect, useReducer} from "preact/hooks";
-
 import {errorText, type ApiAnswer, type ApiRequest} from "../model/answers.ts";
-import {Store} from "../model/store.ts";
+import {Store, useFollowed} from "../model/store.ts";
 import {openStream, type EndReason, type TimeLeft} from "./http.ts";
 
 /** What is known of something that is asked for again and again. */
@@ -94,26 +92,22 @@ const nothing: Live<never> = {at: 0};
 
 /** What the request gives, now and every so many seconds; shown at once as it was when it has been seen before. */
 export function useLive<T>(request: ApiRequest | undefined, every: number): Live<T> {
-  const [, draw] = useReducer<number, void>(turn => turn + 1, 0);
   const key = request && JSON.stringify(request);
-  const drawn = ((key && entries.get(key)?.live) ?? nothing) as Live<T>;
-  useEffect(() => {
+  const follow = (draw: () => void) => {
     if (!request || !key) return;
-    const reader = () => draw();
     const entry = entries.get(key) ?? {request, every, live: nothing, readers: new Map()};
     entries.delete(key);
     entries.set(key, entry);
-    entry.readers.set(reader, every);
+    entry.readers.set(draw, every);
     entry.every = Math.min(...entry.readers.values());
-    if (entry.live !== drawn) draw(); // an answer for another reader has come since the drawing
     openSoon();
     return () => {
-      entry.readers.delete(reader);
+      entry.readers.delete(draw);
       openSoon();
       forget();
     };
-  }, [key, every]);
-  return drawn;
+  };
+  return useFollowed(() => ((key && entries.get(key)?.live) ?? nothing) as Live<T>, follow, [key, every]);
 }
 
 /** What is known already need not be waited for. */

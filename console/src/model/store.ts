@@ -25,13 +25,29 @@ export class Store<T> {
   }
 }
 
-/** The value of the store, now and after each change. */
-export function useStore<T>(store: Store<T>): T {
+/**
+ * What `read` gives, now and after each change. `follow` begins to listen, and returns what ends that; it begins anew when
+ * one of `dependencies` changes.
+ */
+export function useFollowed<T>(
+  read: () => T,
+  follow: (draw: () => void) => (() => void) | undefined,
+  dependencies: readonly unknown[],
+): T {
   const [, draw] = useReducer<number, void>(count => count + 1, 0);
-  const drawn = store.value;
+  const drawn = read();
   useEffect(() => {
-    if (!Object.is(store.value, drawn)) draw(); // it has changed before this, which comes after the drawing
-    return store.subscribe(() => draw());
-  }, [store]);
+    const end = follow(() => draw());
+    if (!Object.is(read(), drawn)) draw(); // it has changed between the drawing and this, which comes later
+    return end;
+  }, dependencies);
   return drawn;
 }
+
+/** The value of the store, now and after each change. */
+export const useStore = <T>(store: Store<T>): T =>
+  useFollowed(
+    () => store.value,
+    draw => store.subscribe(draw),
+    [store],
+  );
